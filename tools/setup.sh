@@ -1,0 +1,77 @@
+#!/usr/bin/env bash
+# Installs what building and testing need, and only what is missing. Run it, or source it from another script.
+# On Debian and Ubuntu it uses apt, with sudo when not root; elsewhere it names what is missing and fails.
+set -euo pipefail
+# shellcheck source=tools/wine.sh
+. "$(dirname "${BASH_SOURCE[0]}")/wine.sh"
+
+# One line per package: its name, then the command or the file that shows it is there.
+kNeeded='
+cmake                       cmake
+ninja-build                 ninja
+g++-mingw-w64-i686-posix    i686-w64-mingw32-g++-posix
+mingw-w64-tools             i686-w64-mingw32-widl
+libwine-dev                 /usr/include/wine/wine/windows/oaidl.idl
+doctest-dev                 /usr/include/doctest/doctest.h
+xvfb                        Xvfb
+xauth                       xauth
+fluxbox                     fluxbox
+xdotool                     xdotool
+imagemagick                 import
+fonts-liberation            /usr/share/fonts/truetype/liberation
+fonts-wine                  /usr/share/wine/fonts/marlett.ttf
+'
+
+Have() {
+    case $1 in
+    /*) [[ -e $1 ]] ;;
+    *) command -v "$1" >/dev/null ;;
+    esac
+}
+
+# Lists the missing packages in `missing`. Whether 32-bit programs run is found out by running one: some distributions
+# need wine32 for that and some do not.
+FindMissing() {
+    local package proof
+    missing=()
+    while read -r package proof; do
+        [[ -z $package ]] || Have "$proof" || missing+=("$package")
+    done <<<"$kNeeded"
+    MakeTemplate || missing+=(wine wine32:i386)
+}
+
+AsRoot() {
+    if ((EUID == 0)); then "$@"; else sudo "$@"; fi
+}
+
+# Where the amd64 and i386 candidates differ in version a plain install fails; the release's own versions match.
+InstallPackages() {
+    local install=(env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends)
+    local release
+    release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
+
+    [[ $* != *:i386* ]] || AsRoot dpkg --add-architecture i386
+    AsRoot apt-get update || echo "apt-get update reported an error; going on with the indexes that it got" >&2
+    AsRoot "${install[@]}" "$@" || AsRoot "${install[@]}" -t "$release" "$@"
+}
+
+SetUp() {
+    local missing
+    FindMissing
+    ((${#missing[@]})) || return 0
+
+    if ! command -v apt-get >/dev/null; then
+        echo "Missing here, by their Debian names: ${missing[*]}" >&2
+        return 1
+    fi
+    echo "Installing: ${missing[*]}"
+    InstallPackages "${missing[@]}"
+
+    FindMissing
+    ((${#missing[@]} == 0)) || {
+        echo "Still missing after the installation: ${missing[*]}" >&2
+        return 1
+    }
+}
+
+SetUp
