@@ -1,0 +1,55 @@
+// The one error type of the program: an Automation error number, carried as its HRESULT.
+#pragma once
+
+#include <windows.h>
+
+#include <exception>
+#include <new>
+#include <utility>
+
+class AutomationError : public std::exception {
+public:
+    // code: a failing HRESULT. Conversion failures (DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW) become the numbers
+    // that Automation programs know them by, 13 and 6.
+    explicit AutomationError(HRESULT code) noexcept;
+
+    HRESULT Code() const noexcept { return m_code; }
+    const char* what() const noexcept override { return "Automation error"; }
+
+private:
+    HRESULT m_code;
+};
+
+// Numbers as a script's Err.Number shows them.
+enum class ErrorNumber : int {
+    InvalidProcedureCall = 5,
+    Overflow = 6,
+    SubscriptOutOfRange = 9,
+    TypeMismatch = 13,
+    ObjectNotSet = 91,
+    InvalidPropertyValue = 380,
+    CancelSelected = 32755,
+};
+
+constexpr HRESULT HresultOf(ErrorNumber number) {
+    return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, static_cast<int>(number));
+}
+
+[[noreturn]] void RaiseError(ErrorNumber number);
+
+// Throws AutomationError when result is a failure.
+void ThrowIfFailed(HRESULT result);
+
+// Runs one statement whose failure is to be ignored, so that the next one runs. Answers whether it ran
+// through. Being out of memory is one of those failures: to Automation it is an error like others, number 7.
+template <class Statement>
+bool ResumeNext(Statement&& statement) {
+    try {
+        std::forward<Statement>(statement)();
+        return true;
+    } catch (const AutomationError&) {
+        return false;
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+}

@@ -1,0 +1,72 @@
+// Owners of Windows handles: one template, one alias per kind.
+#pragma once
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <utility>
+
+// Traits: Type, Null() and Close(Type). The handle is closed exactly once, by the last owner.
+template <class Traits>
+class UniqueHandle {
+public:
+    using Type = typename Traits::Type;
+
+    UniqueHandle() noexcept = default;
+    explicit UniqueHandle(Type handle) noexcept : m_handle(handle) {}
+    UniqueHandle(UniqueHandle&& other) noexcept : m_handle(other.Detach()) {}
+    UniqueHandle& operator=(UniqueHandle&& other) noexcept {
+        if (this != &other) Reset(other.Detach());
+        return *this;
+    }
+    UniqueHandle(const UniqueHandle&) = delete;
+    UniqueHandle& operator=(const UniqueHandle&) = delete;
+    ~UniqueHandle() { Reset(); }
+
+    Type Get() const noexcept { return m_handle; }
+    explicit operator bool() const noexcept { return m_handle != Traits::Null(); }
+    Type Detach() noexcept { return std::exchange(m_handle, Traits::Null()); }
+    void Reset(Type handle = Traits::Null()) noexcept {
+        const Type old = std::exchange(m_handle, handle);
+        if (old != Traits::Null()) Traits::Close(old);
+    }
+
+private:
+    Type m_handle = Traits::Null();
+};
+
+struct FileHandleTraits {
+    using Type = HANDLE;
+    static Type Null() noexcept { return INVALID_HANDLE_VALUE; }
+    static void Close(Type handle) noexcept { CloseHandle(handle); }
+};
+
+struct RegistryKeyTraits {
+    using Type = HKEY;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type handle) noexcept { RegCloseKey(handle); }
+};
+
+struct IconTraits {
+    using Type = HICON;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type handle) noexcept { DestroyIcon(handle); }
+};
+
+struct MenuTraits {
+    using Type = HMENU;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type handle) noexcept { DestroyMenu(handle); }
+};
+
+struct ImageListTraits {
+    using Type = HIMAGELIST;
+    static Type Null() noexcept { return nullptr; }
+    static void Close(Type handle) noexcept { ImageList_Destroy(handle); }
+};
+
+using FileHandle = UniqueHandle<FileHandleTraits>;
+using RegistryKey = UniqueHandle<RegistryKeyTraits>;
+using IconHandle = UniqueHandle<IconTraits>;
+using MenuHandle = UniqueHandle<MenuTraits>;
+using ImageListHandle = UniqueHandle<ImageListTraits>;

@@ -1,0 +1,31 @@
+// A timer that ticks through the message queue of the thread that started it.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+
+class Timer {
+public:
+    explicit Timer(UINT milliseconds) : m_interval(milliseconds) {}
+    Timer(const Timer&) = delete;
+    Timer& operator=(const Timer&) = delete;
+    ~Timer() { Stop(); }
+
+    // Raised once per period. The listener may stop, restart or destroy the timer.
+    std::function<void()> Tick;
+
+    // In milliseconds; takes effect with the next Start.
+    void Interval(UINT milliseconds) noexcept { m_interval = milliseconds; }
+
+    // Ticks until Stop, or until owner's window is destroyed. A running timer starts its period anew.
+    void Start(HWND owner) noexcept;
+    void Stop() noexcept;
+    bool Running() const noexcept { return m_owner != nullptr; }
+
+private:
+    static void CALLBACK Procedure(HWND owner, UINT message, UINT_PTR id, DWORD time);
+
+    UINT m_interval;
+    HWND m_owner = nullptr;
+};
