@@ -1,0 +1,6 @@
+// The defaults of a fresh installation.
+#pragma once
+
+// Writes every default unless the mark of an earlier run is there, whatever that holds. The mark is written
+// last, so that a run that was cut short is repeated in full. What is stored beyond the defaults stays.
+void WriteFirstRunDefaults();

@@ -1,0 +1,172 @@
+#include "store/registry.h"
+
+#include <algorithm>
+#include <cstdint>
+
+#include "platform/automation_error.h"
+#include "platform/handle.h"
+#include "platform/text.h"
+
+namespace {
+
+constexpr REGSAM kReadAccess = KEY_QUERY_VALUE | KEY_ENUMERATE_SUB_KEYS | KEY_NOTIFY;
+constexpr REGSAM kWriteAccess = KEY_SET_VALUE;
+
+// The longest class that a read returns, and the buffer with a NUL at its end.
+constexpr DWORD kClassLength = 511;
+constexpr size_t kClassBuffer = 512;
+
+// Longer than the record is; Windows asks for no exact length.
+constexpr DWORD kSecurityAttributesLength = 50;
+
+// RegSetValueExA looks at the byte behind the counted data of the string types: when it is a NUL, the system
+// takes it for a terminator that the caller forgot to count, and stores it. A byte that is no NUL keeps the
+// data as counted.
+constexpr char kUncounted = '\x01';
+
+uint32_t ByteAt(const std::string& bytes, size_t index) {
+    return static_cast<unsigned char>(bytes[index]);
+}
+
+}  // namespace
+
+bool Registry::Read(HKEY hKey, const std::wstring& ItemKey, const std::wstring& ValueKey, Variant& sValue,
+                    long& sValueType, std::wstring& sClass) const {
+    const std::string valueName = ToAnsi(ValueKey);
+    HKEY key = nullptr;
+    if (RegOpenKeyExA(hKey, ToAnsi(ItemKey).c_str(), 0, kReadAccess, &key) != ERROR_SUCCESS) return false;
+
+    // A buffer of no length makes the query a mere probe: it fails, and tells the size all the same.
+    DWORD type = 0;
+    DWORD size = 0;
+    BYTE noBuffer = 0;
+    RegQueryValueExA(key, valueName.c_str(), nullptr, &type, &noBuffer, &size);
+
+    char keyClass[kClassBuffer] = {};
+    DWORD classLength = kClassLength;
+    RegQueryInfoKeyA(key, keyClass, &classLength, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, nullptr, nullptr);
+    sClass = FromAnsi({keyClass, std::min<size_t>(classLength, kClassBuffer)});
+
+    // A query for a missing value does not touch the type: what the probe saw is not to pass for an answer.
+    type = 0;
+    std::string data(size, '\0');
+    const bool isRead = RegQueryValueExA(key, valueName.c_str(), nullptr, &type,
+                                         reinterpret_cast<BYTE*>(data.data()), &size) == ERROR_SUCCESS;
+    sValueType = static_cast<long>(type);
+    if (isRead) {
+        data.resize(std::min<size_t>(size, data.size()));
+        RegCloseKey(key);
+    }
+    // The root belongs to the read and is closed with it; a predefined one stays usable. The subkey of a
+    // query that failed is left open by design, until the process ends.
+    RegCloseKey(hKey);
+
+    if (isRead && !data.empty()) DecodeValue(data, sValueType, sValue);
+    return isRead;
+}
+
+bool Registry::Save(HKEY hKey, const std::wstring& ItemKey, const std::wstring& lpClass,
+                    const std::wstring& ValueKey, const Variant& sValue, long sValueType) const {
+    SECURITY_ATTRIBUTES security{kSecurityAttributesLength, nullptr, TRUE};
+    std::string keyClass = ToAnsi(lpClass);
+    // Never closed by design: keys once written stay open until the process ends.
+    HKEY key = nullptr;
+    if (RegCreateKeyExA(hKey, ToAnsi(ItemKey).c_str(), 0, keyClass.data(), REG_OPTION_NON_VOLATILE,
+                        kWriteAccess, &security, &key, nullptr) != ERROR_SUCCESS) {
+        return false;
+    }
+    const std::string data = EncodeValue(sValue, sValueType);
+    return RegSetValueExA(key, ToAnsi(ValueKey).c_str(), 0, static_cast<DWORD>(sValueType),
+                          reinterpret_cast<const BYTE*>(data.data()),
+                          static_cast<DWORD>(data.size() - 1)) == ERROR_SUCCESS;
+}
+
+bool Registry::Delete(HKEY hKey, const std::wstring& ItemKey, const std::wstring& ValueName) const {
+    if (ItemKey.empty()) return false;
+    const std::string path = ToAnsi(ItemKey);
+    if (ValueName.empty()) return RegDeleteKeyA(hKey, path.c_str()) == ERROR_SUCCESS;
+
+    HKEY opened = nullptr;
+    if (RegOpenKeyExA(hKey, path.c_str(), 0, kWriteAccess, &opened) != ERROR_SUCCESS) return false;
+    const RegistryKey key(opened);
+    return RegDeleteValueA(key.Get(), ToAnsi(ValueName).c_str()) == ERROR_SUCCESS;
+}
+
+std::string Registry::EncodeValue(const Variant& sValue, long sValueType) const {
+    std::string data;
+    switch (sValueType) {
+        case REG_DWORD:
+            data = MKLLittleEndian(ToLong(sValue));
+            break;
+        case REG_DWORD_BIG_ENDIAN:
+            data = MKLBigEndian(ToLong(sValue));
+            break;
+        default:
+            data = ToAnsi(ToText(sValue));
+            break;
+    }
+    data.push_back(kUncounted);
+    return data;
+}
+
+// Numbers are taken from the bytes themselves: a code page of several bytes a character would not keep them
+// all.
+void Registry::DecodeValue(const std::string& data, long sValueType, Variant& sValue) const {
+    switch (sValueType) {
+        case REG_BINARY:
+        case REG_MULTI_SZ:
+            sValue = FromAnsi(data);
+            break;
+        case REG_DWORD:
+            sValue = CVLLittleEndian(data);
+            break;
+        case REG_DWORD_BIG_ENDIAN:
+            sValue = CVLBigEndian(data);
+            break;
+        default:
+            sValue = ASCIIZ(FromAnsi(data));
+            break;
+    }
+}
+
+double Registry::UnsignedLong(long l) const {
+    return static_cast<double>(static_cast<uint32_t>(l));
+}
+
+std::string Registry::MKLLittleEndian(long l) const {
+    const auto number = static_cast<uint32_t>(l);
+    return {static_cast<char>(number), static_cast<char>(number >> 8), static_cast<char>(number >> 16),
+            static_cast<char>(number >> 24)};
+}
+
+std::string Registry::MKLBigEndian(long l) const {
+    std::string bytes = MKLLittleEndian(l);
+    std::reverse(bytes.begin(), bytes.end());
+    return bytes;
+}
+
+long Registry::CVLLittleEndian(const std::string& bytes) const {
+    if (bytes.size() < sizeof(uint32_t)) RaiseError(ErrorNumber::InvalidProcedureCall);
+    return static_cast<long>(ByteAt(bytes, 0) | ByteAt(bytes, 1) << 8 | ByteAt(bytes, 2) << 16 |
+                             ByteAt(bytes, 3) << 24);
+}
+
+long Registry::CVLBigEndian(const std::string& bytes) const {
+    if (bytes.size() < sizeof(uint32_t)) RaiseError(ErrorNumber::InvalidProcedureCall);
+    return static_cast<long>(ByteAt(bytes, 3) | ByteAt(bytes, 2) << 8 | ByteAt(bytes, 1) << 16 |
+                             ByteAt(bytes, 0) << 24);
+}
+
+Variant Registry::ASCIIZ(std::wstring x) const {
+    return std::wstring_view(x).substr(0, x.find(L'\0'));
+}
+
+bool Registry::AdjustPrivilege(std::wstring pPriv, bool /*bSet*/) const {
+    // Never closed by design: the token stays open until the process ends.
+    HANDLE token = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token)) return false;
+    TOKEN_PRIVILEGES privileges{1, {{{}, SE_PRIVILEGE_ENABLED}}};
+    if (!LookupPrivilegeValueA("0", ToAnsi(pPriv).c_str(), &privileges.Privileges[0].Luid)) return false;
+    return AdjustTokenPrivileges(token, FALSE, &privileges, sizeof(privileges), nullptr, nullptr) != FALSE;
+}
