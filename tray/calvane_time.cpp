@@ -1,0 +1,15 @@
+#include "tray/calvane_time.h"
+
+namespace {
+
+constexpr UINT kDefaultInterval = 1000;
+
+}  // namespace
+
+CalvaneTime::CalvaneTime() : m_timer(kDefaultInterval) {
+    m_timer.Tick = [this] {
+        // The copy outlives a listener that destroys the timer.
+        const auto fired = TimerFired;
+        if (fired) fired(static_cast<LONG>(reinterpret_cast<LONG_PTR>(this)));
+    };
+}

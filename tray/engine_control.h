@@ -1,0 +1,81 @@
+// The blocking engine: its creation, its events, and the commands of the tray menu.
+#pragma once
+
+#include <windows.h>
+
+#include <memory>
+#include <string>
+
+#include "platform/com_ptr.h"
+#include "platform/control.h"
+#include "platform/event_connection.h"
+#include "platform/timer.h"
+#include "sentrel1.h"
+#include "tray/tray_menu.h"
+
+// The engine is another process: messages, and with them any member here, may come in while it is called.
+// Whoever owns this object keeps it alive through that.
+class EngineControl {
+public:
+    // Listens to menu's first three items. What a closed window does: animate starts the icon's animation,
+    // announce gives the notice; either may throw AutomationError. All outlive this object.
+    EngineControl(TrayMenu& menu, Event animate, Event announce);
+    EngineControl(const EngineControl&) = delete;
+    EngineControl& operator=(const EngineControl&) = delete;
+
+    // Creates the engine and puts its state into the menu. Every failure is ignored: without an engine the
+    // menu stays as it is. configHwnd: the configuration window, which also owns the timer of the commands.
+    // formReferenceAddress: the address of a variable that holds a reference to the window's object, valid
+    // during the call.
+    void Connect(HWND configHwnd, LONG formReferenceAddress);
+
+    // Disconnects the events and lets go of the engine, in this order; the engine is not stopped.
+    void Release() noexcept;
+
+    // Releases the engine if that is still to be done, and takes leave of the engine's application with the
+    // arguments of Connect. Every failure is ignored.
+    void Disconnect(HWND configHwnd, LONG formReferenceAddress);
+
+    // Each throws AutomationError when there is no engine (91) or it fails.
+    void ReloadSettings();
+    std::wstring LogFile();
+
+    // The engine; null when there is none.
+    ComPtr<IDispatch> Popup() const { return m_oPopup; }
+
+    void m_oPopup_Killed(LONG hwnd, const std::wstring& strCaption);
+    void m_oPopup_Paused();
+    void m_oPopup_Started();
+    void m_oPopup_Stopped();
+
+    // A command is only noted here; tmMenu carries it out after the menu has closed.
+    void mnuStartKiller_Click();
+    void mnuStopKiller_Click();
+    void mnuPauseKiller_Click();
+
+    // One command a tick, starting before stopping before pausing. What is left waits for the next command.
+    void tmMenu_Timer();
+
+    bool bStartPending = false;
+    bool bStopPending = false;
+    bool bPausePending = false;
+
+    // Runs only while a command waits.
+    const Timer& tmMenu() const noexcept { return m_tmMenu; }
+
+private:
+    void ConnectEvents();
+    void ReadState();
+    void ServeCommand();
+    ComPtr<_Popup> Engine() const;
+
+    TrayMenu& m_menu;
+    const Event m_animate;
+    const Event m_announce;
+    HWND m_configHwnd = nullptr;
+    ComPtr<_SentrelApp> m_application;
+    ComPtr<_Popup> m_oPopup;
+    std::unique_ptr<EventConnection> m_popupEvents;
+    Timer m_tmMenu;
+    bool m_bServing = false;
+};

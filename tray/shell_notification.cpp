@@ -1,0 +1,168 @@
+#include "tray/shell_notification.h"
+
+#include <shellapi.h>
+
+#include <utility>
+
+#include "platform/automation_error.h"
+#include "platform/com_method.h"
+#include "platform/picture_box.h"
+#include "tray/bas_shell_notify.h"
+
+namespace {
+
+// A shell that is busy, as at logon, refuses icons or answers too late.
+constexpr UINT kAddInterval = 2000;
+constexpr int kAddTries = 15;
+
+HWND WindowOf(LONG handle) {
+    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(handle));
+}
+
+}  // namespace
+
+ShellNotification::ShellNotification()
+    : DispatchObject(Holder::Server),
+      m_tmrAdd(kAddInterval),
+      m_events(*static_cast<_ShellNotification*>(this), __uuidof(__ShellNotification)) {
+    m_tmrAdd.Tick = [this] { AddAgain(); };
+}
+
+ShellNotification::~ShellNotification() {
+    Class_Terminate();
+}
+
+void* ShellNotification::FindOtherInterface(REFIID id) {
+    return IsEqualIID(id, IID_IConnectionPointContainer) ? m_events.Container() : nullptr;
+}
+
+STDMETHODIMP ShellNotification::get_ToolTip(BSTR* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = SysAllocStringLen(m_strToolTip.data(), static_cast<UINT>(m_strToolTip.size()));
+    return *value == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
+STDMETHODIMP ShellNotification::put_ToolTip(BSTR value) {
+    return ComMethod([&] { m_strToolTip.assign(value == nullptr ? L"" : value, SysStringLen(value)); });
+}
+
+STDMETHODIMP ShellNotification::InitShellNotify(LONG lgHwnd, LONG lgCallBackMsg) {
+    return ComMethod([&] {
+        if (m_bTerminated) return;
+        m_lgHwnd = WindowOf(lgHwnd);
+        m_lgCallBackMsg = static_cast<UINT>(lgCallBackMsg);
+        HookTrayWindow(m_lgHwnd);
+    });
+}
+
+STDMETHODIMP ShellNotification::AddIcon(IDispatch* pPic) {
+    return ComMethod([&] {
+        if (m_bTerminated || m_bIconAdded) return;
+        m_oPic = pPic;
+        FillRecord(pPic);
+        // A picture box of another process lets other calls in while it is asked for its picture.
+        if (m_bTerminated || m_bIconAdded) return;
+        m_bIconAdded = true;
+        Add();
+    });
+}
+
+STDMETHODIMP ShellNotification::RemoveIcon() {
+    return ComMethod([&] {
+        m_tmrAdd.Stop();
+        // The shell may let a message in meanwhile that tells of a new taskbar: the icon must not come back.
+        if (std::exchange(m_bIconAdded, false)) NotifyShell(NIM_DELETE, m_record);
+    });
+}
+
+STDMETHODIMP ShellNotification::AnimateIcon(SAFEARRAY** pPics, LONG lngInterval, LONG lngPicsPerCycle,
+                                            LONG hwndOwner) {
+    if (pPics == nullptr) return E_POINTER;
+    return ComMethod([&] {
+        if (m_bTerminated) return;
+        m_tmrAni = std::make_unique<CalvaneTime>();
+        m_tmrAni->TimerFired = [this](LONG lngTHandle) {
+            // A picture box of another process may let in the call that releases this object.
+            const ComPtr<IUnknown> self(static_cast<_ShellNotification*>(this));
+            m_tmrAni_TimerFired(lngTHandle);
+        };
+        m_tmrAni->Interval(lngInterval);
+        m_lngPicsPerCycle = lngPicsPerCycle;
+        m_lngFrameCounter = 0;
+        PictureArray frames(*pPics);
+        m_frames = std::move(frames);
+        m_bAnimating = true;
+        m_tmrAni->Start(WindowOf(hwndOwner));
+    });
+}
+
+// The picture with the number of the upper bound is never shown: its place is the resting icon's.
+void ShellNotification::m_tmrAni_TimerFired(LONG) {
+    if (m_lngFrameCounter == m_frames.UpperBound()) {
+        EndAnimation();
+        return;
+    }
+    try {
+        ModifyIcon(m_frames.Item(m_lngFrameCounter).Get());
+    } catch (const AutomationError&) {
+        // The same picture would fail again at every tick.
+        EndAnimation();
+        throw;
+    }
+    ++m_lngFrameCounter;
+}
+
+void ShellNotification::EndAnimation() {
+    if (m_tmrAni) m_tmrAni->Stop();
+    m_bAnimating = false;
+    m_frames.Clear();
+    m_lngPicsPerCycle = 0;
+    RemoveIcon();
+    AddIcon(m_oPic.Get());
+}
+
+// A picture box of another process may let in the call that lets go of the picture.
+void ShellNotification::FillRecord(ComPtr<IDispatch> picture) {
+    const HICON icon = IconOf(picture.Get());
+    m_record = MakeNotifyIconRecord(m_lgHwnd, m_lgCallBackMsg, icon, m_strToolTip);
+}
+
+void ShellNotification::Add() {
+    if (NotifyShell(NIM_ADD, m_record)) return;
+    m_triesLeft = kAddTries;
+    m_tmrAdd.Start(m_lgHwnd);
+}
+
+// An icon that the shell took after it had given up answering can be changed, but not added once more.
+void ShellNotification::AddAgain() {
+    const ComPtr<IUnknown> self(static_cast<_ShellNotification*>(this));
+    if (--m_triesLeft <= 0) m_tmrAdd.Stop();
+    ResumeNext([&] { FillRecord(m_oPic); });
+    if (!m_bIconAdded) return;
+    if (NotifyShell(NIM_MODIFY, m_record) || NotifyShell(NIM_ADD, m_record)) m_tmrAdd.Stop();
+}
+
+void ShellNotification::OnTaskbarCreated() {
+    if (!m_bIconAdded) return;
+    m_tmrAdd.Stop();
+    ResumeNext([&] { FillRecord(m_oPic); });
+    if (m_bIconAdded) Add();
+}
+
+void ShellNotification::ModifyIcon(IDispatch* pPic) {
+    if (!m_bIconAdded) return;
+    FillRecord(pPic);
+    if (m_bIconAdded) NotifyShell(NIM_MODIFY, m_record);
+}
+
+void ShellNotification::Class_Terminate() {
+    if (std::exchange(m_bTerminated, true)) return;
+    RemoveIcon();
+    // A finished animation leaves its timer behind, and a client may have asked for 0 pictures per cycle.
+    if (m_lngPicsPerCycle > 0) m_tmrAni->Stop();
+    m_tmrAni.reset();
+    m_bAnimating = false;
+    m_frames.Clear();
+    m_oPic.Reset();
+    UnhookTrayWindow(m_lgHwnd);
+}
