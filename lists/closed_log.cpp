@@ -1,0 +1,89 @@
+#include "lists/closed_log.h"
+
+#include <new>
+#include <stdexcept>
+#include <utility>
+
+#include "lists/is_in_list.h"
+#include "lists/log_file.h"
+#include "lists/newest_lines.h"
+#include "lists/site_of_address.h"
+#include "platform/automation_error.h"
+#include "platform/message.h"
+#include "platform/text.h"
+
+namespace {
+
+constexpr size_t kMaxEntries = 25;
+
+}  // namespace
+
+ClosedLog::ClosedLog(ListBox& lstClosedWnd, Button& cmdRefreshLog, Button& cmdAddTo, Button& cmdClearList,
+                     ListBox& lstExclude, std::function<std::wstring()> logFile, Event markChanged)
+    : m_lstClosedWnd(lstClosedWnd),
+      m_cmdAddTo(cmdAddTo),
+      m_lstExclude(lstExclude),
+      m_logFile(std::move(logFile)),
+      m_markChanged(std::move(markChanged)) {
+    cmdRefreshLog.Click = [this] { cmdRefreshLog_Click(); };
+    m_cmdAddTo.Click = [this] { cmdAddTo_Click(); };
+    cmdClearList.Click = [this] { cmdClearList_Click(); };
+}
+
+void ClosedLog::ReadClosedLog() {
+    const RedrawPause pause(m_lstClosedWnd);
+    m_lstClosedWnd.Clear();
+    const LogFile log(m_logFile());
+    try {
+        ReadNewestLines(
+            log.Size(),
+            [&](std::uint64_t offset, char* buffer, size_t count) { log.Read(offset, buffer, count); },
+            [this](std::string_view line) { return AddEntry(line); }, kMaxEntries);
+    } catch (const std::bad_alloc&) {
+        throw AutomationError(E_OUTOFMEMORY);
+    } catch (const std::length_error&) {
+        throw AutomationError(E_OUTOFMEMORY);
+    }
+}
+
+// Different bytes can stand for the same text, so that the rows are asked too. A row ends where its text has
+// a NUL: what a log holds behind one is neither shown nor compared.
+bool ClosedLog::AddEntry(std::string_view line) {
+    const std::wstring text = FromAnsi(line.substr(0, line.find('\0')));
+    if (FindClosedEntry(text) != -1) return false;
+    m_lstClosedWnd.AddItem(text);
+    return true;
+}
+
+short ClosedLog::FindClosedEntry(const std::wstring& text) const {
+    const int count = m_lstClosedWnd.ListCount();
+    std::wstring row;
+    for (int i = 0; i < count; ++i) {
+        if (m_lstClosedWnd.Length(i) != text.size()) continue;
+        m_lstClosedWnd.List(i, row);
+        if (row == text) return static_cast<short>(i);
+    }
+    return -1;
+}
+
+void ClosedLog::cmdRefreshLog_Click() {
+    ReadClosedLog();
+}
+
+void ClosedLog::cmdAddTo_Click() {
+    const int selected = m_lstClosedWnd.ListIndex();
+    if (selected == -1) return;
+    const std::wstring site = SiteOfAddress(m_lstClosedWnd.List(selected));
+    if (IsInList(site, m_lstExclude)) {
+        ShowMessage(GetAncestor(m_cmdAddTo.Hwnd(), GA_ROOT),
+                    L"This is a duplicate entry and cannot be added.", MB_ICONINFORMATION);
+        return;
+    }
+    m_lstExclude.AddItem(site);
+    m_markChanged();
+}
+
+// The button is disabled for good: neither the list nor the log is ever cleared.
+void ClosedLog::cmdClearList_Click() {
+    m_markChanged();
+}

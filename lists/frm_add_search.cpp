@@ -1,0 +1,53 @@
+#include "lists/frm_add_search.h"
+
+#include "lists/centre_on_owner.h"
+#include "platform/message.h"
+#include "platform/variant.h"
+
+frmAddSearch::frmAddSearch() : Dialog(IDD_ADD_SEARCH) {
+    m_cmdOK.Click = [this] { cmdOK_Click(); };
+    m_cmdCancel.Click = [this] { cmdCancel_Click(); };
+}
+
+bool frmAddSearch::OnInit() {
+    CentreOnOwner(Hwnd());
+    if (m_sName) m_txtName.Text(*m_sName);
+    if (m_sURL) m_txtURL.Text(*m_sURL);
+    if (m_sIndex) m_txtIndex.Text(*m_sIndex);
+    return true;
+}
+
+void frmAddSearch::cmdOK_Click() {
+    if (m_txtURL.Text().empty()) {
+        ShowMessage(Hwnd(), L"You need an URL.");
+        m_txtURL.SetFocus();
+        return;
+    }
+    if (m_txtName.Text().empty()) {
+        ShowMessage(Hwnd(), L"You need a Name.");
+        m_txtName.SetFocus();
+        return;
+    }
+    if (ToDouble(Variant(m_txtIndex.Text())) != 0) {
+        ModSearcher();
+    } else {
+        AddSearcher();
+    }
+    Close();
+}
+
+void frmAddSearch::cmdCancel_Click() {
+    Close();
+}
+
+void frmAddSearch::AddSearcher() {
+    const int position = m_lstRef->Add(m_lstRef->Count() + 1, m_txtName.Text());
+    m_lstRef->Checked(position, true);
+    m_lstRef->SubItem(position, 1, m_txtURL.Text());
+}
+
+void frmAddSearch::ModSearcher() {
+    const short position = ToShort(Variant(m_txtIndex.Text()));
+    m_lstRef->Text(position, m_txtName.Text());
+    m_lstRef->SubItem(position, 1, m_txtURL.Text());
+}
