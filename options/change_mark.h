@@ -1,0 +1,20 @@
+// The only record that something was changed since the last save: whether the Apply button is enabled.
+#pragma once
+
+#include "platform/button.h"
+
+class ChangeMark {
+public:
+    explicit ChangeMark(Button& cmdApply) : m_cmdApply(cmdApply) {}
+
+    // Enables the Apply button, except while the settings are being loaded into the controls: the handlers
+    // that call this also run when a control is set from code.
+    void MarkChanged() {
+        if (!m_bLoading) m_cmdApply.Enabled(true);
+    }
+
+    bool m_bLoading = false;
+
+private:
+    Button& m_cmdApply;
+};

@@ -1,0 +1,38 @@
+#include "options/commands.h"
+
+#include <utility>
+
+#include "platform/automation_error.h"
+
+Commands::Commands(Button& cmdOK, Button& cmdApply, Button& cmdCancel, SettingsTransfer& transfer,
+                   Event reloadSettings, Event hide)
+    : m_cmdApply(cmdApply),
+      m_transfer(transfer),
+      m_reloadSettings(std::move(reloadSettings)),
+      m_hide(std::move(hide)) {
+    cmdOK.Click = [this] { cmdOK_Click(); };
+    cmdApply.Click = [this] { cmdApply_Click(); };
+    cmdCancel.Click = [this] { cmdCancel_Click(); };
+}
+
+// The engine is not told: it sees what OK stores when it next reads the store by itself, or after a later
+// Apply.
+void Commands::cmdOK_Click() {
+    m_transfer.SaveSettings();
+    m_hide();
+    m_cmdApply.Enabled(false);
+}
+
+// Saving marks a change, so the mark is cleared last.
+void Commands::cmdApply_Click() {
+    m_transfer.SaveSettings();
+    ResumeNext([&] { m_reloadSettings(); });
+    m_cmdApply.Enabled(false);
+}
+
+// The mark stays: a window that is shown again after Cancel may offer Apply although it shows the stored
+// settings.
+void Commands::cmdCancel_Click() {
+    m_transfer.LoadSettings();
+    m_hide();
+}

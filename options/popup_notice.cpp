@@ -1,0 +1,87 @@
+#include "options/popup_notice.h"
+
+#include <mmsystem.h>
+
+#include <utility>
+
+#include "platform/automation_error.h"
+#include "platform/text.h"
+
+namespace {
+
+void Beep() {
+    MessageBeep(MB_OK);
+}
+
+}  // namespace
+
+PopupNotice::PopupNotice(CheckBox& chkPlaySound, CheckBox& chkBeep, Button& cmdSoundFile,
+                         Button& cmdTestSound, Event markChanged)
+    : m_chkPlaySound(chkPlaySound),
+      m_chkBeep(chkBeep),
+      m_cmdSoundFile(cmdSoundFile),
+      m_cmdTestSound(cmdTestSound),
+      m_markChanged(std::move(markChanged)) {
+    m_chkPlaySound.Click = [this] { chkPlaySound_Click(); };
+    m_chkBeep.Click = [this] { chkBeep_Click(); };
+    m_cmdSoundFile.Click = [this] { cmdSoundFile_Click(); };
+    m_cmdTestSound.Click = [this] { cmdTestSound_Click(); };
+}
+
+void PopupNotice::PlayNotice() {
+    if (m_chkPlaySound.Value() == 1) PlaySoundFile();
+    if (m_chkBeep.Value() == 1) Beep();
+}
+
+void PopupNotice::Announce() {
+    if (m_chkPlaySound.Value() == 1) {
+        PlaySoundFile();
+    } else if (m_chkBeep.Value() == 1) {
+        Beep();
+    }
+}
+
+void PopupNotice::ChooseSoundFile() {
+    ResumeNext([&] {
+        cdlg.FileName(m_strSoundFile);
+        cdlg.DialogTitle(L"Select a Sound File");
+        cdlg.CancelError(true);
+        cdlg.Filter(L"WAV File|*.WAV");
+        cdlg.ShowOpen(GetAncestor(m_cmdSoundFile.Hwnd(), GA_ROOT));
+        if (!cdlg.FileName().empty()) m_strSoundFile = cdlg.FileName();
+    });
+}
+
+void PopupNotice::chkPlaySound_Click() {
+    if (m_chkPlaySound.Value() == 1) {
+        m_cmdSoundFile.Enabled(true);
+        // Without a sound file the test button keeps its state.
+        if (!m_strSoundFile.empty()) m_cmdTestSound.Enabled(true);
+        m_chkBeep.Value(0);
+    } else {
+        m_cmdSoundFile.Enabled(false);
+        m_cmdTestSound.Enabled(false);
+    }
+    m_markChanged();
+}
+
+void PopupNotice::chkBeep_Click() {
+    if (m_chkBeep.Value() == 1) m_chkPlaySound.Value(0);
+    m_markChanged();
+}
+
+void PopupNotice::cmdSoundFile_Click() {
+    ChooseSoundFile();
+    m_cmdTestSound.Enabled(m_chkPlaySound.Value() == 1 && !m_strSoundFile.empty());
+    m_markChanged();
+}
+
+void PopupNotice::cmdTestSound_Click() {
+    PlayNotice();
+}
+
+// With no other flag than SND_ASYNC a missing file plays the system's default sound, and a sound cuts off the
+// one before it.
+void PopupNotice::PlaySoundFile() {
+    if (!m_strSoundFile.empty()) sndPlaySoundA(ToAnsi(m_strSoundFile).c_str(), SND_ASYNC);
+}

@@ -1,0 +1,94 @@
+#include "options/settings_saver.h"
+
+#include <limits>
+
+#include "options/speed_levels.h"
+#include "platform/automation_error.h"
+
+using Schema::Numbered;
+
+namespace {
+
+constexpr long long kMillisecondsPerSecond = 1000;
+
+// Throws AutomationError 6 when the product has no 32-bit form.
+long Milliseconds(long seconds) {
+    const long long product = seconds * kMillisecondsPerSecond;
+    if (product < std::numeric_limits<long>::min() || product > std::numeric_limits<long>::max()) {
+        RaiseError(ErrorNumber::Overflow);
+    }
+    return static_cast<long>(product);
+}
+
+}  // namespace
+
+void SettingsSaver::Save(Control& control) {
+    ResumeNext([&] {
+        const ListLayout* const layout = LayoutOf(control.Name());
+        switch (control.Kind()) {
+            case ControlKind::CheckBox:
+                return Write(Schema::kSettingsKey, std::wstring(control.Name()),
+                             static_cast<CheckBox&>(control).Value());
+            case ControlKind::TextBox:
+                return SaveTextBox(static_cast<TextBox&>(control));
+            case ControlKind::ListBox:
+                if (control.Name() == kExcludeControl) SaveRows(static_cast<ListBox&>(control));
+                return;
+            case ControlKind::ListView:
+                if (layout != nullptr) SaveEntries(static_cast<ListView&>(control), *layout);
+                return;
+            default:
+                return;
+        }
+    });
+}
+
+void SettingsSaver::Write(const wchar_t* key, const std::wstring& name, const Variant& value) {
+    m_registry.Save(HKEY_CURRENT_USER, key, L"", name, value, Schema::kTextType);
+}
+
+bool SettingsSaver::Delete(const wchar_t* key, const std::wstring& name) {
+    return m_registry.Delete(HKEY_CURRENT_USER, key, name);
+}
+
+// The number is made first: what does not convert leaves the stored one.
+void SettingsSaver::SaveTextBox(TextBox& textBox) {
+    Variant value(textBox.Text());
+    if (textBox.Name() == Schema::kPause) {
+        value = Milliseconds(ToLong(value));
+    } else if (textBox.Name() == Schema::kSpeed) {
+        value = SpeedToInterval(ToLong(value));
+    }
+    Write(Schema::kSettingsKey, std::wstring(textBox.Name()), value);
+}
+
+// What is stored behind a gap in the numbers stays there.
+void SettingsSaver::SaveRows(ListBox& list) {
+    for (long n = 0; Delete(Schema::kExcludeKey, Numbered(n, L"")); ++n)
+        continue;
+    const int count = list.ListCount();
+    for (int row = 0; row < count; ++row) {
+        ResumeNext([&] { Write(Schema::kExcludeKey, Numbered(row, L""), list.List(row)); });
+    }
+}
+
+void SettingsSaver::SaveEntries(ListView& list, const ListLayout& layout) {
+    // The use is deleted last and decides whether there is a next entry to delete.
+    bool goesOn = true;
+    for (long i = 1; goesOn; ++i) {
+        Delete(layout.key, Numbered(i, Schema::kName));
+        for (const wchar_t* const field : layout.subItemFields)
+            Delete(layout.key, Numbered(i, field));
+        goesOn = Delete(layout.key, Numbered(i, Schema::kUse));
+    }
+    const int count = list.Count();
+    for (int i = 1; i <= count; ++i) {
+        ResumeNext([&] { Write(layout.key, Numbered(i, Schema::kName), list.Text(i)); });
+        int subItem = 0;
+        for (const wchar_t* const field : layout.subItemFields) {
+            ++subItem;
+            ResumeNext([&] { Write(layout.key, Numbered(i, field), list.SubItem(i, subItem)); });
+        }
+        ResumeNext([&] { Write(layout.key, Numbered(i, Schema::kUse), list.Checked(i)); });
+    }
+}

@@ -1,0 +1,30 @@
+// One pass of writing settings from controls into the store.
+#pragma once
+
+#include <string>
+
+#include "options/list_layouts.h"
+#include "platform/check_box.h"
+#include "platform/control.h"
+#include "platform/list_box.h"
+#include "platform/text_box.h"
+#include "platform/variant.h"
+#include "store/registry.h"
+
+class SettingsSaver {
+public:
+    explicit SettingsSaver(const Registry& registry) : m_registry(registry) {}
+
+    // Stores a check box, a text box or one of the lists; any other control has nothing to store. Never
+    // throws an AutomationError.
+    void Save(Control& control);
+
+private:
+    void Write(const wchar_t* key, const std::wstring& name, const Variant& value);
+    bool Delete(const wchar_t* key, const std::wstring& name);
+    void SaveTextBox(TextBox& textBox);
+    void SaveRows(ListBox& list);
+    void SaveEntries(ListView& list, const ListLayout& layout);
+
+    const Registry& m_registry;
+};

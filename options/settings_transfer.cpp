@@ -1,0 +1,63 @@
+#include "options/settings_transfer.h"
+
+#include <string>
+
+#include "options/settings_loader.h"
+#include "options/settings_saver.h"
+#include "platform/automation_error.h"
+#include "store/settings_schema.h"
+
+namespace {
+
+// True for the life of this object, however the load ends.
+class LoadingFlag {
+public:
+    explicit LoadingFlag(bool& flag) noexcept : m_flag(flag) { m_flag = true; }
+    LoadingFlag(const LoadingFlag&) = delete;
+    LoadingFlag& operator=(const LoadingFlag&) = delete;
+    ~LoadingFlag() { m_flag = false; }
+
+private:
+    bool& m_flag;
+};
+
+// The stored text of a setting that is no control's own; preset where there is none, or an empty one.
+std::wstring ReadText(const Registry& registry, const wchar_t* name, const wchar_t* preset) {
+    Variant value(preset);
+    long valueType = 0;
+    std::wstring keyClass;
+    ResumeNext(
+        [&] { registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, name, value, valueType, keyClass); });
+    return ToText(value);
+}
+
+void WriteText(const Registry& registry, const wchar_t* name, const std::wstring& text) {
+    registry.Save(HKEY_CURRENT_USER, Schema::kSettingsKey, L"", name, text, Schema::kTextType);
+}
+
+}  // namespace
+
+void SettingsTransfer::LoadSettings() {
+    Registry registry;
+    const LoadingFlag loading(m_changeMark.m_bLoading);
+    SettingsLoader loader(registry);
+    for (Control* const control : m_controls)
+        loader.Load(*control);
+    ResumeNext([&] { m_closedLog.ReadClosedLog(); });
+    ResumeNext([&] { m_generalOptions.ReadStartupMode(registry); });
+    // A stored key that is none of the items leaves the choice as it was.
+    ResumeNext([&] { m_cboPauseKey.Text(ReadText(registry, Schema::kPauseKey, Schema::kDefaultPauseKey)); });
+    ResumeNext([&] { m_popupNotice.m_strSoundFile = ReadText(registry, Schema::kSoundFile, L""); });
+    ResumeNext([&] { m_popupNotice.chkPlaySound_Click(); });
+}
+
+void SettingsTransfer::SaveSettings() {
+    Registry registry;
+    SettingsSaver saver(registry);
+    for (Control* const control : m_controls)
+        saver.Save(*control);
+    ResumeNext([&] { WriteText(registry, Schema::kSoundFile, m_popupNotice.m_strSoundFile); });
+    ResumeNext([&] { WriteText(registry, Schema::kPauseKey, m_cboPauseKey.Text()); });
+    ResumeNext([&] { m_generalOptions.WriteStartupMode(registry); });
+    ResumeNext([&] { m_popupNotice.chkPlaySound_Click(); });
+}
