@@ -1,0 +1,61 @@
+#include "app/config.h"
+
+#include "app/config_globals.h"
+#include "app/frm_config.h"
+#include "platform/text.h"
+#include "platform/variant.h"
+#include "tray/bas_shell_notify.h"
+
+namespace {
+
+constexpr wchar_t kLoaderName[] = L"CalvaneConfigLoader.exe";
+
+// The process has only a moment to live after ReleaseConfig, and no window any more.
+frmConfig& Form() {
+    if (g_frmConfig == nullptr) throw AutomationError(CO_E_SERVER_STOPPING);
+    return *g_frmConfig.Get();
+}
+
+}  // namespace
+
+void Config::Initialise() {
+    // A server in a drive's root gets a doubled separator, as it always has.
+    g_strLoaderPath = ServerDirectory() + L"\\" + kLoaderName;
+    g_frmConfig = MakeObject<frmConfig>();
+    g_frmConfig->Initialise();
+    g_lngConfigHwnd = g_frmConfig->Handle();
+}
+
+STDMETHODIMP Config::get_ConfigHwnd(VARIANT* value) {
+    if (value == nullptr) return E_POINTER;
+    VariantInit(value);
+    return ComMethod([&] { *value = Variant(Form().Handle()).Detach(); });
+}
+
+STDMETHODIMP Config::get_ConfigForm(VARIANT* value) {
+    if (value == nullptr) return E_POINTER;
+    VariantInit(value);
+    return ComMethod([&] { *value = Variant(static_cast<_frmConfig*>(&Form())).Detach(); });
+}
+
+STDMETHODIMP Config::get_ShellIconClass(VARIANT* value) {
+    if (value == nullptr) return E_POINTER;
+    VariantInit(value);
+    return ComMethod([&] {
+        ComPtr<IDispatch> icon;
+        ThrowIfFailed(Form().get_m_oShellIcon(&icon));
+        *value = Variant(icon.Get()).Detach();
+    });
+}
+
+void* Config::FindOtherInterface(REFIID id) {
+    if (IsEqualIID(id, IID_IConnectionPointContainer)) return m_events.Container();
+    if (IsEqualIID(id, IID_IProvideClassInfo)) return static_cast<IProvideClassInfo*>(this);
+    return nullptr;
+}
+
+STDMETHODIMP Config::GetClassInfo(ITypeInfo** classInfo) {
+    if (classInfo == nullptr) return E_POINTER;
+    *classInfo = nullptr;
+    return ComMethod([&] { *classInfo = OwnTypeInfo(kPublicTypeLibrary, CLSID_Config).Detach(); });
+}

@@ -1,0 +1,111 @@
+// The configuration window: it owns every control and every part, and is the object that Config.ConfigForm hands out.
+#pragma once
+
+#include <array>
+
+#include "app/config_controls.h"
+#include "app/config_page.h"
+#include "calvane_forms.h"
+#include "lists/banner_sizes.h"
+#include "lists/closed_log.h"
+#include "lists/exclude_list.h"
+#include "lists/search_addresses.h"
+#include "options/change_mark.h"
+#include "options/commands.h"
+#include "options/general_options.h"
+#include "options/popup_notice.h"
+#include "options/settings_transfer.h"
+#include "platform/dialog.h"
+#include "platform/dispatch_object.h"
+#include "platform/handle.h"
+#include "platform/picture_box.h"
+#include "platform/type_libraries.h"
+#include "tray/bas_shell_notify.h"
+#include "tray/engine_control.h"
+#include "tray/shell_notification.h"
+#include "tray/tray_gestures.h"
+#include "tray/tray_menu.h"
+
+class frmConfig final : public DispatchObject<_frmConfig, kFormsTypeLibrary>, private Dialog, private TrayWindow {
+public:
+    frmConfig();
+    ~frmConfig() override;
+
+    // The window object comes to life: its window is made, the engine is connected to, the tray icon set up. Throws
+    // AutomationError when there can be no window; an engine or an icon that is missing is no error.
+    void Initialise();
+
+    // The window's handle. The first reading loads the window: first-run defaults, list columns, all settings. After an
+    // unloading it is made and loaded anew.
+    LONG Handle();
+
+    // Each loads the window first, where it is not loaded.
+    void ShowModeless() override;
+    void ShowAbout();
+
+    // Takes the window away, whatever b_OKtoUnload says. Nothing happens where there is none.
+    void Unload();
+
+    // The main message loop asks first whether a message is the window's: keyboard navigation.
+    bool IsFormMessage(MSG& message);
+
+    STDMETHODIMP get_b_OKtoUnload(VARIANT_BOOL* value) override;
+    STDMETHODIMP put_b_OKtoUnload(VARIANT_BOOL value) override;
+    STDMETHODIMP get_m_oShellIcon(IDispatch** value) override;
+    STDMETHODIMP get_m_oPopup(IDispatch** value) override;
+    STDMETHODIMP Show() override;
+    STDMETHODIMP Hide() override;
+    STDMETHODIMP get_Visible(VARIANT_BOOL* value) override;
+    STDMETHODIMP put_Visible(VARIANT_BOOL value) override;
+    STDMETHODIMP get_Caption(BSTR* value) override;
+    STDMETHODIMP put_Caption(BSTR value) override;
+    STDMETHODIMP get_hWnd(LONG* value) override;
+    STDMETHODIMP get_picShellIcon(IDispatch** value) override;
+    STDMETHODIMP get_picTray(short index, IDispatch** value) override;
+    STDMETHODIMP ControlHwnd(BSTR name, LONG* value) override;
+
+private:
+    enum class State { None, Initialising, Initialised, Loading, Loaded, Unloading };
+
+    ControlTable Controls() override { return m_controls.All(); }
+    bool OnInit() override;
+    bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
+    void PopupTrayMenu(bool pauseIsDefault) override;
+
+    void MakePages();
+    void SelectPage();
+    void NextPage(int step);
+    void SetUpTray();
+    void AnimateTray();
+    void Load();
+    bool QueryUnload() const noexcept;
+    void HideWindow() noexcept;
+    LONG Reference() noexcept;
+
+    bool b_OKtoUnload = false;
+
+    ConfigControls m_controls;
+    std::array<ConfigPage, 6> m_pages;
+    const ComPtr<PictureBox> m_picShellIcon;
+    const std::array<ComPtr<PictureBox>, 3> m_picTray;
+    ImageListHandle m_imageList1;
+
+    ChangeMark m_changeMark;
+    PopupNotice m_popupNotice;
+    GeneralOptions m_generalOptions;
+    TrayMenu m_mnuConfig;
+    TrayGestures m_trayGestures;
+    EngineControl m_engine;
+    ComPtr<ShellNotification> m_oShellIcon;
+    ExcludeList m_excludeList;
+    ClosedLog m_closedLog;
+    BannerSizes m_bannerSizes;
+    SearchAddresses m_searchAddresses;
+    SettingsTransfer m_transfer;
+    Commands m_commands;
+
+    State m_state = State::None;
+    bool m_showWhenLoaded = false;
+    _frmConfig* m_reference = this;
+    const UINT m_taskbarCreated;
+};

@@ -1,0 +1,96 @@
+// The automation face of the configuration window.
+#include "app/frm_config.h"
+
+namespace {
+
+VARIANT_BOOL Boolean(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
+
+}  // namespace
+
+STDMETHODIMP frmConfig::get_b_OKtoUnload(VARIANT_BOOL* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = Boolean(b_OKtoUnload);
+    return S_OK;
+}
+
+STDMETHODIMP frmConfig::put_b_OKtoUnload(VARIANT_BOOL value) {
+    b_OKtoUnload = value != VARIANT_FALSE;
+    return S_OK;
+}
+
+STDMETHODIMP frmConfig::get_m_oShellIcon(IDispatch** value) {
+    if (value == nullptr) return E_POINTER;
+    *value = nullptr;
+    return m_oShellIcon == nullptr ? S_OK : m_oShellIcon.CopyTo(value);
+}
+
+STDMETHODIMP frmConfig::get_m_oPopup(IDispatch** value) {
+    if (value == nullptr) return E_POINTER;
+    ComPtr<IDispatch> popup = m_engine.Popup();
+    *value = popup.Detach();
+    return S_OK;
+}
+
+STDMETHODIMP frmConfig::Show() {
+    return ComMethod([&] { ShowModeless(); });
+}
+
+STDMETHODIMP frmConfig::Hide() {
+    HideWindow();
+    return S_OK;
+}
+
+STDMETHODIMP frmConfig::get_Visible(VARIANT_BOOL* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = Boolean(IsWindowVisible(Hwnd()) != FALSE);
+    return S_OK;
+}
+
+STDMETHODIMP frmConfig::put_Visible(VARIANT_BOOL value) { return value != VARIANT_FALSE ? Show() : Hide(); }
+
+STDMETHODIMP frmConfig::get_Caption(BSTR* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = nullptr;
+    return ComMethod([&] {
+        std::wstring caption(static_cast<size_t>(GetWindowTextLengthW(Hwnd())) + 1, L'\0');
+        caption.resize(static_cast<size_t>(GetWindowTextW(Hwnd(), caption.data(), static_cast<int>(caption.size()))));
+        *value = Variant(caption).Detach().bstrVal;
+    });
+}
+
+STDMETHODIMP frmConfig::put_Caption(BSTR value) {
+    SetWindowTextW(Hwnd(), value == nullptr ? L"" : value);
+    return S_OK;
+}
+
+STDMETHODIMP frmConfig::get_hWnd(LONG* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = 0;
+    return ComMethod([&] { *value = Handle(); });
+}
+
+STDMETHODIMP frmConfig::get_picShellIcon(IDispatch** value) {
+    if (value == nullptr) return E_POINTER;
+    return m_picShellIcon.CopyTo(value);
+}
+
+STDMETHODIMP frmConfig::get_picTray(short index, IDispatch** value) {
+    if (value == nullptr) return E_POINTER;
+    *value = nullptr;
+    return ComMethod([&] {
+        if (index < 0 || static_cast<size_t>(index) >= m_picTray.size()) RaiseError(ErrorNumber::SubscriptOutOfRange);
+        ThrowIfFailed(m_picTray[static_cast<size_t>(index)].CopyTo(value));
+    });
+}
+
+// An element of the array of tray pictures is a picture box of its own and has no window; what has one is found here.
+STDMETHODIMP frmConfig::ControlHwnd(BSTR name, LONG* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = 0;
+    return ComMethod([&] {
+        Handle();
+        const Control* const control = FindControl(Controls(), std::wstring_view(name, SysStringLen(name)));
+        if (control == nullptr) RaiseError(ErrorNumber::InvalidProcedureCall);
+        *value = HandleToLong(control->Hwnd());
+    });
+}

@@ -1,0 +1,71 @@
+// The tabs of the configuration window and the way through them by keyboard.
+#include <algorithm>
+
+#include "app/frm_config.h"
+
+namespace {
+
+constexpr int kAboutPage = 5;
+
+bool IsDown(int key) { return GetKeyState(key) < 0; }
+
+}  // namespace
+
+void frmConfig::MakePages() {
+    // The tabs decide how much room is left for the pages, and the pages hold most of the controls.
+    m_controls.DesignTabs();
+    const RECT area = m_controls.tab.DisplayArea();
+    HWND previous = m_controls.tab.Hwnd();
+    for (ConfigPage& page : m_pages) {
+        page.CreateOn(Hwnd(), area, previous);
+        previous = page.Hwnd();
+    }
+    m_controls.Design();
+
+    m_imageList1.Reset(ImageList_Create(GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), ILC_COLOR32, 0, 1));
+    m_controls.lvwBanners.SmallIcons(m_imageList1.Get());
+    m_controls.lvwSearchURLs.SmallIcons(m_imageList1.Get());
+    SelectPage();
+}
+
+void frmConfig::SelectPage() {
+    const int selected = m_controls.tab.Selected();
+    for (int page = 0; page < static_cast<int>(m_pages.size()); ++page) {
+        m_pages[static_cast<size_t>(page)].Show(page == selected);
+    }
+}
+
+void frmConfig::ShowAbout() {
+    ShowModeless();
+    m_controls.tab.Selected(kAboutPage);
+}
+
+void frmConfig::NextPage(int step) {
+    const int count = static_cast<int>(m_pages.size());
+    const bool fromTab = GetFocus() == m_controls.tab.Hwnd();
+    m_controls.tab.Selected((m_controls.tab.Selected() + step + count) % count);
+    if (fromTab) return;
+    const HWND page = m_pages[static_cast<size_t>(m_controls.tab.Selected())].Hwnd();
+    SendMessageW(Hwnd(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetNextDlgTabItem(page, nullptr, FALSE)), TRUE);
+}
+
+bool frmConfig::IsFormMessage(MSG& message) {
+    if (Hwnd() == nullptr) return false;
+    const bool isOurs = message.hwnd == Hwnd() || IsChild(Hwnd(), message.hwnd);
+    if (isOurs && message.message == WM_KEYDOWN && IsDown(VK_CONTROL) && !IsDown(VK_MENU)) {
+        switch (message.wParam) {
+            case VK_TAB:
+                NextPage(IsDown(VK_SHIFT) ? -1 : +1);
+                return true;
+            case VK_NEXT:
+                NextPage(+1);
+                return true;
+            case VK_PRIOR:
+                NextPage(-1);
+                return true;
+            default:
+                break;
+        }
+    }
+    return IsDialogMessageW(Hwnd(), &message) != FALSE;
+}
