@@ -1,0 +1,129 @@
+#include "standin/engine/control_object.h"
+
+namespace {
+
+// A null BSTR is the empty text.
+std::wstring TextOf(BSTR text) {
+    return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
+}
+
+// The body of a property's get: stores what read answers as the caller's own.
+template <class Value, class Read>
+HRESULT Get(Value* value, Read&& read) {
+    if (value == nullptr) return E_POINTER;
+    return ComMethod([&] { *value = read(); });
+}
+
+template <class Read>
+HRESULT GetText(BSTR* value, Read&& read) {
+    if (value == nullptr) return E_POINTER;
+    *value = nullptr;
+    return ComMethod([&] { *value = Variant(std::wstring(read())).Detach().bstrVal; });
+}
+
+VARIANT_BOOL Flag(bool flag) {
+    return flag ? VARIANT_TRUE : VARIANT_FALSE;
+}
+
+}  // namespace
+
+STDMETHODIMP ControlObject::get_State(long* value) {
+    return Get(value, [&] { return m_engine.State(); });
+}
+
+STDMETHODIMP ControlObject::put_State(long value) {
+    return ComMethod([&] { m_engine.State(value); });
+}
+
+STDMETHODIMP ControlObject::get_LogFile(BSTR* value) {
+    return GetText(value, [&] { return m_engine.logFile; });
+}
+
+STDMETHODIMP ControlObject::put_LogFile(BSTR value) {
+    return ComMethod([&] { m_engine.logFile = TextOf(value); });
+}
+
+STDMETHODIMP ControlObject::get_Calls(BSTR* value) {
+    return GetText(value, [&] { return m_engine.calls.Text(); });
+}
+
+STDMETHODIMP ControlObject::get_Stamped(VARIANT_BOOL* value) {
+    return Get(value, [&] { return Flag(m_engine.calls.Stamped()); });
+}
+
+STDMETHODIMP ControlObject::put_Stamped(VARIANT_BOOL value) {
+    return ComMethod([&] { m_engine.calls.Stamped(value != VARIANT_FALSE); });
+}
+
+STDMETHODIMP ControlObject::get_RaiseByItself(VARIANT_BOOL* value) {
+    return Get(value, [&] { return Flag(m_engine.raiseByItself); });
+}
+
+STDMETHODIMP ControlObject::put_RaiseByItself(VARIANT_BOOL value) {
+    return ComMethod([&] { m_engine.raiseByItself = value != VARIANT_FALSE; });
+}
+
+STDMETHODIMP ControlObject::get_WatchValue(BSTR* value) {
+    return GetText(value, [&] { return m_engine.watchValue; });
+}
+
+STDMETHODIMP ControlObject::put_WatchValue(BSTR value) {
+    return ComMethod([&] { m_engine.watchValue = TextOf(value); });
+}
+
+STDMETHODIMP ControlObject::get_Popups(long* value) {
+    return Get(value, [&] { return static_cast<long>(m_engine.PopupCount()); });
+}
+
+STDMETHODIMP ControlObject::get_Connections(long* value) {
+    return Get(value, [&] { return static_cast<long>(m_engine.ConnectionCount()); });
+}
+
+STDMETHODIMP ControlObject::RaiseKilled(long hwnd, BSTR caption) {
+    return ComMethod([&] { m_engine.RaiseKilled(hwnd, TextOf(caption)); });
+}
+
+STDMETHODIMP ControlObject::RaisePaused() {
+    return ComMethod([&] { m_engine.RaisePaused(); });
+}
+
+STDMETHODIMP ControlObject::RaiseStarted() {
+    return ComMethod([&] { m_engine.RaiseStarted(); });
+}
+
+STDMETHODIMP ControlObject::RaiseStopped() {
+    return ComMethod([&] { m_engine.RaiseStopped(); });
+}
+
+STDMETHODIMP ControlObject::ClosePopup(long hwnd, BSTR address) {
+    return ComMethod([&] { m_engine.ClosePopup(hwnd, TextOf(address)); });
+}
+
+STDMETHODIMP ControlObject::ClearCalls() {
+    m_engine.calls.Clear();
+    return S_OK;
+}
+
+STDMETHODIMP ControlObject::FailNext(BSTR member, long result) {
+    return ComMethod([&] { m_engine.calls.FailNext(TextOf(member), result); });
+}
+
+STDMETHODIMP ControlObject::DelayNext(BSTR member, long milliseconds) {
+    return ComMethod([&] { m_engine.calls.DelayNext(TextOf(member), milliseconds); });
+}
+
+STDMETHODIMP ControlObject::DieIn(BSTR member) {
+    return ComMethod([&] { m_engine.calls.DieIn(TextOf(member)); });
+}
+
+STDMETHODIMP ControlObject::OpenWindow() {
+    return ComMethod(m_openWindow);
+}
+
+STDMETHODIMP ControlObject::Quit() {
+    return ComMethod(m_engine.calls.Die);
+}
+
+STDMETHODIMP ControlObject::Reset() {
+    return ComMethod([&] { m_engine.Reset(); });
+}

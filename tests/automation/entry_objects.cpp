@@ -1,0 +1,288 @@
+// ConfigControl and Config as clients in other processes see them.
+#include <doctest.h>
+
+#include <climits>
+
+#include "platform/automation_error.h"
+#include "platform/event_connection.h"
+#include "platform/variant.h"
+#include "tests/support/automation.h"
+#include "tests/support/manager.h"
+#include "tests/support/message_pump.h"
+
+namespace {
+
+ComPtr<IUnknown> Identity(IDispatch* object) {
+    ComPtr<IUnknown> identity;
+    ThrowIfFailed(object->QueryInterface(IID_PPV_ARGS(&identity)));
+    return identity;
+}
+
+ComPtr<_ConfigControl> AnotherControl() {
+    ComPtr<_ConfigControl> control;
+    ThrowIfFailed(
+        CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&control)));
+    return control;
+}
+
+int SelectedTab(Manager& manager) { return static_cast<int>(SendMessageW(manager.Control(L"tab"), TCM_GETCURSEL, 0, 0)); }
+
+size_t ConfigWindowCount() {
+    size_t count = 0;
+    HWND window = nullptr;
+    while ((window = FindWindowExW(nullptr, window, L"#32770", L"Calvane")) != nullptr) ++count;
+    return count;
+}
+
+}  // namespace
+
+TEST_CASE("two calls yield the same Config and no second window") {
+    Manager manager;
+    const auto first = Identity(manager.Instance(FormHide).Get());
+    const HWND window = manager.Window();
+    const auto second = Identity(manager.Instance(FormHide).Get());
+    CHECK(first.Get() == second.Get());
+    CHECK(manager.Window() == window);
+    CHECK(ConfigWindowCount() == 1);
+}
+
+TEST_CASE("a second client's control gives the same Config") {
+    Manager manager;
+    const auto mine = Identity(manager.Instance(FormHide).Get());
+    const auto other = AnotherControl();
+    LONG hidden = FormHide;
+    ComPtr<IDispatch> config;
+    REQUIRE(other->ConfigInstance(&hidden, &config) == S_OK);
+    CHECK(Identity(config.Get()).Get() == mine.Get());
+}
+
+TEST_CASE("show type 2 loads all settings and leaves the window hidden") {
+    Manager manager;
+    manager.Instance(FormHide);
+    CHECK(IsWindowVisible(manager.Window()) == FALSE);
+    CHECK(manager.Text(L"txtSpeed") == L"6");
+    CHECK(SendMessageW(manager.Control(L"lvwBanners"), LVM_GETITEMCOUNT, 0, 0) == 4);
+    CHECK(SendMessageW(manager.Control(L"lvwSearchURLs"), LVM_GETITEMCOUNT, 0, 0) == 6);
+}
+
+TEST_CASE("show type 1 shows the window on the tab that was last selected") {
+    Manager manager;
+    manager.Instance(formShow);
+    CHECK(IsWindowVisible(manager.Window()) != FALSE);
+    CHECK(SelectedTab(manager) == 0);
+    manager.Instance(3);
+    Call(manager.Form().Get(), L"Hide");
+    manager.Instance(formShow);
+    CHECK(IsWindowVisible(manager.Window()) != FALSE);
+    CHECK(SelectedTab(manager) == 5);
+}
+
+TEST_CASE("show type 3 shows the window with the About tab selected") {
+    Manager manager;
+    manager.Instance(3);
+    CHECK(IsWindowVisible(manager.Window()) != FALSE);
+    CHECK(SelectedTab(manager) == 5);
+    CHECK(IsWindowVisible(manager.Control(L"lblAbout")) != FALSE);
+    CHECK(IsWindowVisible(manager.Control(L"chkBeep")) == FALSE);
+}
+
+TEST_CASE("any other show type neither shows nor hides") {
+    for (const long showType : {0L, 4L, -1L, LONG_MIN, LONG_MAX}) {
+        CAPTURE(showType);
+        Manager manager;
+        manager.Instance(showType);
+        CHECK(IsWindowVisible(manager.Window()) == FALSE);
+        manager.Instance(formShow);
+        manager.Instance(showType);
+        CHECK(IsWindowVisible(manager.Window()) != FALSE);
+    }
+}
+
+TEST_CASE("the show type is never written") {
+    Manager manager;
+    for (const LONG before : {1L, 2L, 3L, 77L}) {
+        LONG showType = before;
+        ComPtr<IDispatch> config;
+        REQUIRE(manager.Control()->ConfigInstance(&showType, &config) == S_OK);
+        CHECK(showType == before);
+    }
+}
+
+TEST_CASE("one ReleaseConfig ends the manager for every client") {
+    Manager manager;
+    const auto config = manager.Instance(FormHide);
+    const auto other = AnotherControl();
+    LONG hidden = FormHide;
+    ComPtr<IDispatch> otherConfig;
+    REQUIRE(other->ConfigInstance(&hidden, &otherConfig) == S_OK);
+    const HWND window = manager.Window();
+
+    CHECK(other->ReleaseConfig() == S_OK);
+    CHECK(IsWindow(window) == FALSE);
+    CHECK(manager.WaitForEnd());
+    CHECK_THROWS_AS(Get(config.Get(), L"ConfigHwnd"), AutomationError);
+}
+
+TEST_CASE("ReleaseConfig before any ConfigInstance ends the process all the same") {
+    const auto control = AnotherControl();
+    CHECK(control->ReleaseConfig() == S_OK);
+    LONG hidden = FormHide;
+    ComPtr<IDispatch> config;
+    CHECK(FAILED(control->ConfigInstance(&hidden, &config)));
+}
+
+TEST_CASE("ConfigHwnd is a Variant with a 32-bit integer: the window's handle, the same at each call") {
+    Manager manager;
+    const auto config = manager.Instance(FormHide);
+    const Variant handle = Get(config.Get(), L"ConfigHwnd");
+    CHECK(handle.Value().vt == VT_I4);
+    const auto window = reinterpret_cast<HWND>(static_cast<LONG_PTR>(handle.Value().lVal));
+    CHECK(window == FindWindowW(L"#32770", L"Calvane"));
+    CHECK(Get(config.Get(), L"ConfigHwnd").Value().lVal == handle.Value().lVal);
+}
+
+TEST_CASE("ConfigForm hands out the window with its public members") {
+    Manager manager;
+    const auto form = manager.Form();
+    CHECK(ToLong(Get(form.Get(), L"hWnd")) == HandleToLong(manager.Window()));
+    CHECK(ToText(Get(form.Get(), L"Caption")) == L"Calvane");
+    CHECK_FALSE(ToBool(Get(form.Get(), L"Visible")));
+    Call(form.Get(), L"Show");
+    CHECK(Get(form.Get(), L"Visible").Value().boolVal == VARIANT_TRUE);
+    Call(form.Get(), L"Hide");
+    CHECK(Get(form.Get(), L"Visible").Value().boolVal == VARIANT_FALSE);
+    Put(form.Get(), L"Visible", true);
+    CHECK(IsWindowVisible(manager.Window()) != FALSE);
+    CHECK_FALSE(ToBool(Get(form.Get(), L"b_OKtoUnload")));
+    Put(form.Get(), L"b_OKtoUnload", true);
+    CHECK(Get(form.Get(), L"b_OKtoUnload").Value().boolVal == VARIANT_TRUE);
+    CHECK(ToText(Get(ObjectIn(Get(form.Get(), L"picShellIcon")).Get(), L"Name")) == L"picShellIcon");
+    for (short index = 0; index < 3; ++index) {
+        CHECK(ToText(Get(ObjectIn(Get(form.Get(), L"picTray", {index})).Get(), L"Name")) == L"picTray");
+    }
+    CHECK_THROWS_AS(Get(form.Get(), L"picTray", {short{3}}), AutomationError);
+    CHECK_THROWS_AS(Get(form.Get(), L"picTray", {short{-1}}), AutomationError);
+}
+
+TEST_CASE("ControlHwnd finds every control by its name in any letter case, and no other") {
+    Manager manager;
+    const auto form = manager.Form();
+    wchar_t className[32];
+    REQUIRE(GetClassNameW(manager.Control(L"LVWBANNERS"), className, 32) > 0);
+    CHECK(std::wstring(className) == L"SysListView32");
+    CHECK_THROWS_AS(Call(form.Get(), L"ControlHwnd", {L"cmdNothing"}), AutomationError);
+    CHECK_THROWS_AS(Call(form.Get(), L"ControlHwnd", {L""}), AutomationError);
+}
+
+TEST_CASE("ShellIconClass is the object that the window holds as m_oShellIcon") {
+    Manager manager;
+    const auto config = manager.Instance(FormHide);
+    const auto icon = ObjectIn(Get(config.Get(), L"ShellIconClass"));
+    CHECK(Identity(icon.Get()).Get() == Identity(ObjectIn(Get(manager.Form().Get(), L"m_oShellIcon")).Get()).Get());
+    CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"Calvane Sentrel");
+    Put(icon.Get(), L"ToolTip", L"another");
+    CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"another");
+}
+
+TEST_CASE("clients can connect to ConfigClosed and never receive it") {
+    Manager manager;
+    const auto config = manager.Instance(formShow);
+    int received = 0;
+    {
+        const EventConnection connection(config.Get(), __uuidof(__Config), {{1, [&](const DISPPARAMS&) { ++received; }}});
+        SendMessageW(manager.Window(), WM_CLOSE, 0, 0);
+        manager.Instance(formShow);
+        PumpFor(200);
+        manager.Control()->ReleaseConfig();
+        CHECK(manager.WaitForEnd());
+        PumpFor(100);
+    }
+    CHECK(received == 0);
+}
+
+TEST_CASE("clients cannot create Config themselves") {
+    ComPtr<IUnknown> object;
+    CHECK(CoCreateInstance(__uuidof(Config), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&object)) ==
+          REGDB_E_CLASSNOTREG);
+}
+
+TEST_CASE("calls with wrong arguments get an error and change nothing") {
+    Manager manager;
+    manager.Instance(FormHide);
+    const auto control = AnotherControl();
+    ComPtr<IDispatch> byName;
+    REQUIRE(control.As(&byName) == S_OK);
+    CHECK_THROWS_AS(Call(byName.Get(), L"ConfigInstance"), AutomationError);
+    CHECK_THROWS_AS(Call(byName.Get(), L"ConfigInstance", {L"no number"}), AutomationError);
+    CHECK_THROWS_AS(Call(byName.Get(), L"ConfigInstance", {1L, 2L}), AutomationError);
+    CHECK_THROWS_AS(Call(byName.Get(), L"NoSuchMember"), AutomationError);
+    CHECK_THROWS_AS(Put(manager.Form().Get(), L"b_OKtoUnload", L"no flag"), AutomationError);
+    CHECK_THROWS_AS(Put(manager.Instance(FormHide).Get(), L"ConfigHwnd", 1L), AutomationError);
+    CHECK(IsWindow(manager.Window()) != FALSE);
+    CHECK(IsWindowVisible(manager.Window()) == FALSE);
+}
+
+TEST_CASE("a hidden loaded window keeps the manager alive without any client") {
+    Manager manager;
+    const HWND window = manager.Window();
+    manager.LetGo();
+    PumpFor(500);
+    CHECK(IsWindow(window) != FALSE);
+    CHECK(AnotherControl()->ReleaseConfig() == S_OK);
+    CHECK(manager.WaitForEnd());
+}
+
+TEST_CASE("without a window the manager ends with its last client") {
+    Manager manager;
+    const HWND window = manager.Window();
+    Put(manager.Form().Get(), L"b_OKtoUnload", true);
+    PostMessageA(window, WM_CLOSE, 0, 0);
+    REQUIRE(WaitUntil([&] { return !IsWindow(window); }));
+    PumpFor(300);
+    CHECK(manager.Running());
+    manager.LetGo();
+    CHECK(manager.WaitForEnd());
+}
+
+TEST_CASE("a client that only creates the control and lets go leaves no process behind") {
+    { const auto control = AnotherControl(); }
+    CHECK(WaitUntil([] { return FindWindowW(L"#32770", L"Calvane") == nullptr; }));
+}
+
+TEST_CASE("after the exit a client that still holds the manager gets a window made anew") {
+    Manager manager;
+    manager.Instance(FormHide);
+    const HWND first = manager.Window();
+    Put(manager.Form().Get(), L"b_OKtoUnload", true);
+    PostMessageA(first, WM_CLOSE, 0, 0);
+    REQUIRE(WaitUntil([&] { return !IsWindow(first); }));
+
+    SUBCASE("by showing it") {
+        manager.Instance(formShow);
+        CHECK(IsWindowVisible(manager.Window()) != FALSE);
+    }
+    SUBCASE("by reading its handle") { CHECK(IsWindow(manager.Window()) != FALSE); }
+    CHECK(manager.Text(L"txtSpeed") == L"6");
+    CHECK_FALSE(ToBool(Get(manager.Form().Get(), L"b_OKtoUnload")));
+    CHECK(Get(manager.Form().Get(), L"m_oShellIcon").Value().pdispVal != nullptr);
+    // The close box only hides the new one too.
+    const HWND second = manager.Window();
+    SendMessageW(second, WM_CLOSE, 0, 0);
+    CHECK(IsWindow(second) != FALSE);
+}
+
+TEST_CASE("reading the members of an unloaded window does not load it") {
+    Manager manager;
+    const HWND window = manager.Window();
+    const auto form = manager.Form();
+    const auto config = manager.Instance(FormHide);
+    Put(form.Get(), L"b_OKtoUnload", true);
+    PostMessageA(window, WM_CLOSE, 0, 0);
+    REQUIRE(WaitUntil([&] { return !IsWindow(window); }));
+    const Variant icon = Get(config.Get(), L"ShellIconClass");
+    CHECK(icon.Value().vt == VT_DISPATCH);
+    CHECK(icon.Value().pdispVal == nullptr);
+    CHECK_FALSE(ToBool(Get(form.Get(), L"Visible")));
+    manager.Instance(FormHide);
+    CHECK(FindWindowW(L"#32770", L"Calvane") == nullptr);
+}

@@ -1,0 +1,83 @@
+// An engine control on a window, with an engine in this process and the notices kept.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "platform/automation_error.h"
+#include "tests/engine_control/fake_engine.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/plain_window.h"
+#include "tray/engine_control.h"
+
+using Calls = std::vector<std::string>;
+
+inline constexpr DISPID kKilled = 1;
+inline constexpr DISPID kPaused = 2;
+inline constexpr DISPID kStarted = 3;
+inline constexpr DISPID kStopped = 4;
+
+// Every way in which a call to another process fails, and some that engines invent.
+inline const HRESULT kFailures[] = {E_FAIL,
+                                    E_OUTOFMEMORY,
+                                    E_ACCESSDENIED,
+                                    E_NOTIMPL,
+                                    DISP_E_EXCEPTION,
+                                    RPC_E_DISCONNECTED,
+                                    RPC_E_SERVERFAULT,
+                                    RPC_E_CALL_REJECTED,
+                                    HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
+                                    HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE)};
+
+struct EngineFixture {
+    bool IsEnabled(UINT item) const {
+        return (GetMenuState(menu.Handle(), item, MF_BYCOMMAND) & MF_GRAYED) == 0;
+    }
+
+    // "Start Stop Pause", each "+" or "-".
+    std::string Enabled() const {
+        std::string text;
+        for (const UINT item : {mnuStartKiller, mnuStopKiller, mnuPauseKiller})
+            text += IsEnabled(item) ? '+' : '-';
+        return text;
+    }
+
+    void Connect() { engine.Connect(window.Hwnd(), 0x1234); }
+
+    // Without what connecting calls.
+    void ConnectQuietly() {
+        Connect();
+        server.script.calls.clear();
+    }
+
+    // Until the timer of the commands is off again.
+    bool Tick() {
+        return PumpUntil([&] { return !engine.tmMenu().Running(); });
+    }
+
+    HRESULT ErrorOf(const std::function<void()>& body) {
+        try {
+            body();
+        } catch (const AutomationError& error) {
+            return error.Code();
+        }
+        return S_OK;
+    }
+
+    PlainWindow window;
+    FakeEngine server;
+    TrayMenu menu;
+    Calls notices;
+    std::function<void()> animate;
+    EngineControl engine{menu,
+                         [this] {
+                             notices.push_back("animate");
+                             if (animate) animate();
+                         },
+                         [this] { notices.push_back("announce"); }};
+};
+
+inline constexpr char kDesigned[] = "+++";
+inline constexpr char kRunning[] = "-++";
+inline constexpr char kStoppedMenu[] = "+--";

@@ -1,0 +1,67 @@
+// An engine in this process, offered where the manager creates the real one.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "platform/com_ptr.h"
+#include "platform/event_source.h"
+#include "sentrel1.h"
+#include "tests/support/import_patch.h"
+
+// What the engine was asked, and what it answers.
+struct EngineScript {
+    // The calls in order: "CreateInstance", "CreatePopup", "Advise", "State", "Start", ..., "Popup gone".
+    std::vector<std::string> calls;
+
+    // The result of each call of that name; S_OK where nothing is set.
+    std::map<std::string, HRESULT> results;
+
+    // What runs within each call of that name.
+    std::map<std::string, std::function<void()>> within;
+
+    LONG state = 1;
+    std::wstring logFile = L"C:\\Sentrel\\closed.log";
+    bool createsNothing = false;
+
+    // The arguments of the last CreatePopup and ReleasePopup.
+    LONG configHwnd = 0;
+    LONG configForm = 0;
+    LONG mode = 0;
+
+    HRESULT Call(const std::string& name);
+    int Count(const std::string& name) const;
+};
+
+class FakePopup;
+
+// While it exists, CoCreateInstance of the engine's application gives the fake.
+class FakeEngine {
+public:
+    FakeEngine();
+    FakeEngine(const FakeEngine&) = delete;
+    FakeEngine& operator=(const FakeEngine&) = delete;
+    ~FakeEngine();
+
+    EngineScript script;
+
+    // What CoCreateInstance was asked for.
+    CLSID classId{};
+    DWORD context = 0;
+
+    // The engine object while somebody holds it; null otherwise.
+    FakePopup* popup = nullptr;
+
+    // Raises an event of the engine object.
+    void Raise(DISPID event, std::vector<Variant> arguments = {});
+    size_t ConnectionCount() const;
+
+private:
+    static HRESULT WINAPI Create(REFCLSID classId, IUnknown* outer, DWORD context, REFIID id, void** object);
+
+    const ImportPatch m_patch;
+};

@@ -1,0 +1,67 @@
+// The entry of every suite: a single-threaded apartment, common controls, and the name of the running test where a
+// time-out can find it.
+#define DOCTEST_CONFIG_IMPLEMENT
+#include <doctest.h>
+
+#include <windows.h>
+#include <commctrl.h>
+#include <objbase.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "platform/server_process.h"
+#include "platform/text.h"
+
+namespace {
+
+// Writes the name of each test case into the file that the environment variable TEST_CURRENT names.
+struct CurrentTest : doctest::IReporter {
+    explicit CurrentTest(const doctest::ContextOptions&) {}
+
+    void test_case_start(const doctest::TestCaseData& test) override {
+        const wchar_t* const path = _wgetenv(L"TEST_CURRENT");
+        if (path == nullptr) return;
+        if (FILE* const file = _wfopen(path, L"w")) {
+            std::fprintf(file, "%s\n", test.m_name);
+            std::fclose(file);
+        }
+    }
+
+    void report_query(const doctest::QueryData&) override {}
+    void test_run_start() override {}
+    void test_run_end(const doctest::TestRunStats&) override {}
+    void test_case_reenter(const doctest::TestCaseData&) override {}
+    void test_case_end(const doctest::CurrentTestCaseStats&) override {}
+    void test_case_exception(const doctest::TestCaseException&) override {}
+    void subcase_start(const doctest::SubcaseSignature&) override {}
+    void subcase_end() override {}
+    void log_assert(const doctest::AssertData&) override {}
+    void log_message(const doctest::MessageData&) override {}
+    void test_case_skipped(const doctest::TestCaseData&) override {}
+};
+
+REGISTER_LISTENER("current", 1, CurrentTest);
+
+}  // namespace
+
+int wmain(int count, wchar_t** arguments) {
+    std::vector<std::string> texts;
+    for (int i = 0; i < count; ++i) texts.push_back(ToAnsi(arguments[i]));
+    std::vector<const char*> pointers;
+    for (const std::string& text : texts) pointers.push_back(text.c_str());
+
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const INITCOMMONCONTROLSEX classes{
+        sizeof(classes), ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES | ICC_LINK_CLASS | ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&classes);
+    // Objects under test come and go without the last of them ending the program.
+    ServerProcess::Lock();
+
+    doctest::Context context(count, pointers.data());
+    context.setOption("no-colors", true);
+    const int result = context.run();
+    std::fflush(nullptr);
+    return result;
+}

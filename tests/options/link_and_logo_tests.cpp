@@ -1,0 +1,335 @@
+#include <windows.h>
+#include <shellapi.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/resource.h"
+#include "platform/automation_error.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/settings_window.h"
+#include "tests/support/shown_text.h"
+
+namespace {
+
+struct Opened {
+    HWND owner;
+    std::string verb;
+    std::string file;
+    bool hasParameters;
+    bool hasDirectory;
+    int show;
+};
+
+std::vector<Opened>* g_opened = nullptr;
+
+HINSTANCE WINAPI FakeShellExecute(HWND owner, LPCSTR verb, LPCSTR file, LPCSTR parameters, LPCSTR directory,
+                                  INT show) {
+    g_opened->push_back({owner, verb, file, parameters != nullptr, directory != nullptr, show});
+    return reinterpret_cast<HINSTANCE>(SE_ERR_NOASSOC);
+}
+
+class Browser {
+public:
+    Browser() { g_opened = &opened; }
+    ~Browser() { g_opened = nullptr; }
+
+    std::vector<Opened> opened;
+
+private:
+    ImportPatch m_patch{"shell32.dll", "ShellExecuteA", &FakeShellExecute};
+};
+
+constexpr wchar_t kAddress[] = L"http://www.calvane.example/";
+
+LPARAM MiddleOf(HWND window) {
+    RECT bounds;
+    GetClientRect(window, &bounds);
+    return MAKELPARAM(bounds.right / 2, bounds.bottom / 2);
+}
+
+// What a control draws into its client area.
+class Drawing {
+public:
+    Drawing(HWND window, COLORREF before) {
+        RECT bounds;
+        GetClientRect(window, &bounds);
+        const HDC screen = GetDC(nullptr);
+        m_dc = CreateCompatibleDC(screen);
+        m_bitmap = CreateCompatibleBitmap(screen, bounds.right, bounds.bottom);
+        ReleaseDC(nullptr, screen);
+        m_old = SelectObject(m_dc, m_bitmap);
+        const HBRUSH brush = CreateSolidBrush(before);
+        FillRect(m_dc, &bounds, brush);
+        DeleteObject(brush);
+        SendMessageW(window, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(m_dc), PRF_CLIENT);
+    }
+    Drawing(const Drawing&) = delete;
+    Drawing& operator=(const Drawing&) = delete;
+    ~Drawing() {
+        SelectObject(m_dc, m_old);
+        DeleteObject(m_bitmap);
+        DeleteDC(m_dc);
+    }
+
+    COLORREF At(int x, int y) const { return GetPixel(m_dc, x, y); }
+
+private:
+    HDC m_dc;
+    HBITMAP m_bitmap;
+    HGDIOBJ m_old;
+};
+
+// The smallest rectangle around everything that is not background.
+RECT InkOf(const Drawing& drawing, SIZE size, COLORREF background) {
+    RECT ink{size.cx, size.cy, 0, 0};
+    for (LONG y = 0; y < size.cy; ++y) {
+        for (LONG x = 0; x < size.cx; ++x) {
+            if (drawing.At(x, y) == background) continue;
+            ink.left = std::min(ink.left, x);
+            ink.top = std::min(ink.top, y);
+            ink.right = std::max(ink.right, x + 1);
+            ink.bottom = std::max(ink.bottom, y + 1);
+        }
+    }
+    return ink;
+}
+
+void Resize(const Control& control, int width, int height) {
+    SetWindowPos(control.Hwnd(), nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+}
+
+constexpr COLORREF kBefore = RGB(1, 254, 3);
+
+}  // namespace
+
+TEST_CASE("an address is opened by the shell as it stands, and the result does not matter") {
+    SettingsWindow page;
+    Browser browser;
+    page.generalOptions.OpenAddress(L"http://www.calvane.example/\u00e4?a b");
+    REQUIRE(browser.opened.size() == 1);
+    const Opened& opened = browser.opened[0];
+    CHECK(opened.owner == nullptr);
+    CHECK(opened.verb == "open");
+    CHECK(opened.file == ToAnsi(L"http://www.calvane.example/\u00e4?a b"));
+    CHECK_FALSE(opened.hasParameters);
+    CHECK_FALSE(opened.hasDirectory);
+    CHECK(opened.show == 1);
+    CHECK_FALSE(page.cmdApply.Enabled());
+}
+
+TEST_CASE("the link and the logo open the link's caption, so that changing it changes the target") {
+    SettingsWindow page;
+    Browser browser;
+    page.lblNavSite.Caption(kAddress);
+    page.generalOptions.lblNavSite_Click();
+    page.lblNavSite.Caption(L"http://other.example/");
+    page.generalOptions.imgLogo_Click();
+    REQUIRE(browser.opened.size() == 2);
+    CHECK(browser.opened[0].file == "http://www.calvane.example/");
+    CHECK(browser.opened[1].file == "http://other.example/");
+}
+
+TEST_CASE("the link is pressed by the mouse, by Enter and by Space, once each") {
+    SettingsWindow page;
+    Browser browser;
+    page.lblNavSite.Caption(kAddress);
+    ShowWindow(page.window.Hwnd(), SW_SHOW);
+    UpdateWindow(page.window.Hwnd());
+    const HWND link = page.lblNavSite.Hwnd();
+    page.lblNavSite.SetFocus();
+
+    const LPARAM point = MAKELPARAM(10, 6);
+    SendMessageW(link, WM_LBUTTONDOWN, MK_LBUTTON, point);
+    SendMessageW(link, WM_LBUTTONUP, 0, point);
+    CHECK(browser.opened.size() == 1);
+
+    for (const WPARAM key : {VK_RETURN, VK_SPACE}) {
+        CAPTURE(key);
+        browser.opened.clear();
+        PostMessageW(link, WM_KEYDOWN, key, 1);
+        PostMessageW(link, WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            if (IsDialogMessageW(page.window.Hwnd(), &message)) continue;
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+        CHECK(browser.opened.size() == 1);
+    }
+}
+
+TEST_CASE("a key that is held down presses the link once") {
+    SettingsWindow page;
+    Browser browser;
+    page.lblNavSite.Caption(kAddress);
+    ShowWindow(page.window.Hwnd(), SW_SHOW);
+    page.lblNavSite.SetFocus();
+    for (const WPARAM key : {VK_RETURN, VK_SPACE}) {
+        CAPTURE(key);
+        browser.opened.clear();
+        SendMessageW(page.lblNavSite.Hwnd(), WM_KEYDOWN, key, 1);
+        for (int repeat = 0; repeat < 5; ++repeat) {
+            SendMessageW(page.lblNavSite.Hwnd(), WM_KEYDOWN, key, (static_cast<LPARAM>(KF_REPEAT) << 16) | 1);
+        }
+        CHECK(browser.opened.size() == 1);
+    }
+}
+
+TEST_CASE("the pointer over the link is a hand") {
+    SettingsWindow page;
+    page.lblNavSite.Caption(kAddress);
+    ShowWindow(page.window.Hwnd(), SW_SHOW);
+    UpdateWindow(page.window.Hwnd());
+    POINT point{10, 6};
+    const LPARAM packed = MAKELPARAM(point.x, point.y);
+    ClientToScreen(page.lblNavSite.Hwnd(), &point);
+    SetCursorPos(point.x, point.y);
+    SetCursor(LoadCursorW(nullptr, IDC_ARROW));
+    SendMessageW(page.lblNavSite.Hwnd(), WM_SETCURSOR, reinterpret_cast<WPARAM>(page.lblNavSite.Hwnd()),
+                 MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+    SendMessageW(page.lblNavSite.Hwnd(), WM_MOUSEMOVE, 0, packed);
+    CHECK(GetCursor() == LoadCursorW(nullptr, IDC_HAND));
+}
+
+TEST_CASE("the tab key reaches the link and passes the logo by") {
+    SettingsWindow page;
+    ShowWindow(page.window.Hwnd(), SW_SHOW);
+    bool seesLink = false;
+    bool seesLogo = false;
+    HWND current = nullptr;
+    for (size_t i = 0; i <= page.controls.size(); ++i) {
+        current = GetNextDlgTabItem(page.window.Hwnd(), current, FALSE);
+        seesLink = seesLink || current == page.lblNavSite.Hwnd();
+        seesLogo = seesLogo || current == page.imgLogo.Hwnd();
+    }
+    CHECK(seesLink);
+    CHECK_FALSE(seesLogo);
+}
+
+TEST_CASE("the caption of the link is text without markup, set before or after its window is made") {
+    SettingsWindow page;
+    CHECK(page.lblNavSite.Caption().empty());
+    page.lblNavSite.Caption(kAddress);
+    CHECK(page.lblNavSite.Caption() == kAddress);
+
+    LinkLabel link(L"lblLink", 1);
+    CHECK(link.Caption().empty());
+    link.Attach(CreateWindowExW(0, WC_LINK, kAddress, WS_CHILD, 0, 0, 100, 20, page.window.Hwnd(), nullptr,
+                                GetModuleHandleW(nullptr), nullptr));
+    CHECK(link.Caption() == kAddress);
+    DestroyWindow(link.Hwnd());
+}
+
+TEST_CASE("a click on the logo opens the page, and the pointer over it is a hand") {
+    SettingsWindow page;
+    Browser browser;
+    page.lblNavSite.Caption(kAddress);
+    SendMessageW(page.imgLogo.Hwnd(), WM_LBUTTONDOWN, MK_LBUTTON, MiddleOf(page.imgLogo.Hwnd()));
+    SendMessageW(page.imgLogo.Hwnd(), WM_LBUTTONUP, 0, MiddleOf(page.imgLogo.Hwnd()));
+    REQUIRE(browser.opened.size() == 1);
+    CHECK(browser.opened[0].file == "http://www.calvane.example/");
+
+    SetCursor(LoadCursorW(nullptr, IDC_ARROW));
+    CHECK(SendMessageW(page.imgLogo.Hwnd(), WM_SETCURSOR, reinterpret_cast<WPARAM>(page.imgLogo.Hwnd()),
+                       MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)) != 0);
+    CHECK(GetCursor() == LoadCursorW(nullptr, IDC_HAND));
+}
+
+TEST_CASE("without a picture the logo shows the background of its parent") {
+    SettingsWindow page;
+    Resize(page.imgLogo, 96, 96);
+    const Drawing drawing(page.imgLogo.Hwnd(), kBefore);
+    const COLORREF background = GetSysColor(COLOR_3DFACE);
+    CHECK(drawing.At(0, 0) == background);
+    CHECK(drawing.At(95, 95) == background);
+    CHECK(drawing.At(48, 48) == background);
+}
+
+TEST_CASE("a logo of the control's size is drawn in its own pixels, with the parent's background behind it") {
+    SettingsWindow page;
+    const COLORREF background = GetSysColor(COLOR_3DFACE);
+    page.imgLogo.Picture(IDG_LOGO_96);
+    Resize(page.imgLogo, 96, 96);
+    const Drawing exact(page.imgLogo.Hwnd(), kBefore);
+    Resize(page.imgLogo, 104, 100);
+    const Drawing roomy(page.imgLogo.Hwnd(), kBefore);
+    int ink = 0;
+    int same = 0;
+    for (int y = 0; y < 96; ++y) {
+        for (int x = 0; x < 96; ++x) {
+            if (exact.At(x, y) != background) ++ink;
+            if (exact.At(x, y) == roomy.At(x + 4, y + 2)) ++same;
+            REQUIRE(exact.At(x, y) != kBefore);
+        }
+    }
+    CHECK(ink > 1000);
+    CHECK(same == 96 * 96);
+    CHECK(exact.At(0, 0) == background);  // a transparent corner
+}
+
+TEST_CASE("a logo of another size is scaled to fill the control in its proportions") {
+    SettingsWindow page;
+    const COLORREF background = GetSysColor(COLOR_3DFACE);
+    page.imgLogo.Picture(IDG_LOGO_192);
+    Resize(page.imgLogo, 200, 192);
+    const RECT full = InkOf(Drawing(page.imgLogo.Hwnd(), kBefore), {200, 192}, background);
+    Resize(page.imgLogo, 100, 48);
+    const RECT quarter = InkOf(Drawing(page.imgLogo.Hwnd(), kBefore), {100, 48}, background);
+    CHECK(std::abs((full.right - full.left) / 4 - (quarter.right - quarter.left)) <= 2);
+    CHECK(std::abs((full.bottom - full.top) / 4 - (quarter.bottom - quarter.top)) <= 2);
+    CHECK(std::abs((quarter.left + quarter.right) / 2 - 50) <= 2);
+}
+
+TEST_CASE("a picture that cannot be loaded is an error and leaves the one before it") {
+    SettingsWindow page;
+    Resize(page.imgLogo, 96, 96);
+    page.imgLogo.Picture(IDG_LOGO_96);
+    const COLORREF middle = Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48);
+    CHECK_THROWS_AS(page.imgLogo.Picture(9999), AutomationError);
+    CHECK(Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48) == middle);
+}
+
+TEST_CASE("the place of a picture in its box") {
+    struct Row {
+        SIZE picture;
+        SIZE box;
+        RECT bounds;
+    };
+    const Row rows[] = {
+        {{96, 96}, {96, 96}, {0, 0, 96, 96}},       {{96, 96}, {104, 100}, {4, 2, 100, 98}},
+        {{96, 96}, {119, 119}, {11, 11, 107, 107}}, {{96, 96}, {120, 120}, {0, 0, 120, 120}},
+        {{96, 96}, {95, 95}, {0, 0, 95, 95}},       {{96, 48}, {200, 200}, {0, 50, 200, 150}},
+        {{48, 96}, {200, 200}, {50, 0, 150, 200}},  {{1000, 1}, {10, 10}, {0, 4, 10, 5}},
+        {{0, 0}, {10, 10}, {0, 0, 0, 0}},           {{10, 10}, {0, 10}, {0, 0, 0, 0}},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.picture.cx);
+        CAPTURE(row.box.cx);
+        const RECT bounds = PictureBounds(row.picture, row.box);
+        CHECK(EqualRect(&bounds, &row.bounds) != 0);
+    }
+}
+
+TEST_CASE("the logo is taken that was drawn for the screen, else the next finer, else the finest") {
+    const std::initializer_list<ImageBox::Resource> resources = {{144, 3}, {96, 1}, {192, 4}, {120, 2}};
+    CHECK(ResourceForDpi(resources, 96) == 1);
+    CHECK(ResourceForDpi(resources, 120) == 2);
+    CHECK(ResourceForDpi(resources, 144) == 3);
+    CHECK(ResourceForDpi(resources, 192) == 4);
+    CHECK(ResourceForDpi(resources, 72) == 1);
+    CHECK(ResourceForDpi(resources, 100) == 2);
+    CHECK(ResourceForDpi(resources, 168) == 4);
+    CHECK(ResourceForDpi(resources, 288) == 4);
+}
+
+TEST_CASE("the logo of the screen's resolution is the one that is shown") {
+    SettingsWindow page;
+    Resize(page.imgLogo, 96, 96);
+    page.imgLogo.Picture(IDG_LOGO_96);
+    const COLORREF middle = Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48);
+    page.imgLogo.Picture({{96, IDG_LOGO_96}, {192, IDG_LOGO_192}});
+    CHECK(Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48) == middle);
+}

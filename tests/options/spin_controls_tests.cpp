@@ -1,0 +1,133 @@
+#include <string>
+
+#include "tests/support/settings_window.h"
+#include "tests/support/shown_text.h"
+
+namespace {
+
+enum class Arrow { Up, Down };
+
+// A click on an arrow of the spin control with the mouse.
+void ClickArrow(const UpDown& spin, Arrow arrow) {
+    RECT bounds;
+    GetClientRect(spin.Hwnd(), &bounds);
+    const int y = arrow == Arrow::Up ? bounds.bottom / 4 : bounds.bottom * 3 / 4;
+    const LPARAM point = MAKELPARAM(bounds.right / 2, y);
+    SendMessageW(spin.Hwnd(), WM_LBUTTONDOWN, MK_LBUTTON, point);
+    SendMessageW(spin.Hwnd(), WM_LBUTTONUP, 0, point);
+}
+
+// An arrow key in the text box.
+void PressKey(const TextBox& box, Arrow arrow) {
+    const WPARAM key = arrow == Arrow::Up ? VK_UP : VK_DOWN;
+    SendMessageW(box.Hwnd(), WM_KEYDOWN, key, 1);
+    SendMessageW(box.Hwnd(), WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
+}
+
+void Type(const TextBox& box, const std::wstring& text) {
+    SendMessageW(box.Hwnd(), EM_SETSEL, 0, -1);
+    SendMessageW(box.Hwnd(), WM_CLEAR, 0, 0);
+    for (const wchar_t character : text)
+        SendMessageW(box.Hwnd(), WM_CHAR, character, 1);
+}
+
+struct Spin {
+    UpDown& arrows;
+    TextBox& box;
+    int minimum;
+    int maximum;
+};
+
+}  // namespace
+
+TEST_CASE("the arrows step by 1, by mouse and by key, and stop at the ends") {
+    SettingsWindow page;
+    ShowWindow(page.window.Hwnd(), SW_SHOW);
+    for (const Spin& spin :
+         {Spin{page.udbSpeed, page.txtSpeed, 1, 10}, Spin{page.udbPause, page.txtPause, 1, 30}}) {
+        for (const bool byKey : {false, true}) {
+            CAPTURE(std::wstring(spin.box.Name()));
+            CAPTURE(byKey);
+            const auto step = [&](Arrow arrow) {
+                byKey ? PressKey(spin.box, arrow) : ClickArrow(spin.arrows, arrow);
+            };
+            spin.box.Text(std::to_wstring(spin.minimum));
+            for (int value = spin.minimum; value <= spin.maximum + 2; ++value) {
+                CHECK(spin.box.Text() == std::to_wstring(std::min(value, spin.maximum)));
+                step(Arrow::Up);
+            }
+            for (int value = spin.maximum; value >= spin.minimum - 2; --value) {
+                CHECK(spin.box.Text() == std::to_wstring(std::max(value, spin.minimum)));
+                step(Arrow::Down);
+            }
+        }
+    }
+}
+
+TEST_CASE("a step starts from what was typed and ends in the range") {
+    struct Row {
+        const wchar_t* typed;
+        const wchar_t* afterUp;
+        const wchar_t* afterDown;
+    };
+    const Row rows[] = {
+        {L"4", L"5", L"3"},     {L"2.5", L"3", L"1"},         {L"3.5", L"5", L"3"}, {L"99", L"10", L"10"},
+        {L"11", L"10", L"10"},  {L"0", L"1", L"1"},           {L"-5", L"1", L"1"},  {L"10", L"10", L"9"},
+        {L"1e9", L"10", L"10"}, {L"99999999999", L"7", L"5"},
+    };
+    SettingsWindow page;
+    ShowWindow(page.window.Hwnd(), SW_SHOW);
+    for (const Row& row : rows) {
+        CAPTURE(std::wstring(row.typed));
+        for (const Arrow arrow : {Arrow::Up, Arrow::Down}) {
+            // The last step ends at 6, which is where a text that is no number starts from.
+            page.txtSpeed.Text(L"5");
+            ClickArrow(page.udbSpeed, Arrow::Up);
+            Type(page.txtSpeed, row.typed);
+            CHECK(page.txtSpeed.Text() == row.typed);
+            ClickArrow(page.udbSpeed, arrow);
+            CHECK(page.txtSpeed.Text() == (arrow == Arrow::Up ? row.afterUp : row.afterDown));
+        }
+    }
+}
+
+TEST_CASE("after letters or an empty box a step goes on from the last one") {
+    for (const wchar_t* const typed : {L"", L"fast", L" "}) {
+        CAPTURE(std::wstring(typed));
+        SettingsWindow page;
+        ShowWindow(page.window.Hwnd(), SW_SHOW);
+        page.txtSpeed.Text(L"5");
+        ClickArrow(page.udbSpeed, Arrow::Up);
+        Type(page.txtSpeed, typed);
+        ClickArrow(page.udbSpeed, Arrow::Up);
+        CHECK(page.txtSpeed.Text() == L"7");
+    }
+}
+
+TEST_CASE("the pause takes no more than 3 typed characters") {
+    SettingsWindow page;
+    Type(page.txtPause, L"12345");
+    CHECK(page.txtPause.Text() == L"123");
+}
+
+TEST_CASE("the arrows mark a change, typing does not, and neither does an arrow at its end") {
+    for (const bool speed : {true, false}) {
+        for (const bool byKey : {false, true}) {
+            CAPTURE(speed);
+            CAPTURE(byKey);
+            SettingsWindow page;
+            ShowWindow(page.window.Hwnd(), SW_SHOW);
+            UpDown& spin = speed ? page.udbSpeed : page.udbPause;
+            TextBox& box = speed ? page.txtSpeed : page.txtPause;
+            const auto stepUp = [&] { byKey ? PressKey(box, Arrow::Up) : ClickArrow(spin, Arrow::Up); };
+            Type(box, speed ? L"10" : L"30");
+            CHECK_FALSE(page.cmdApply.Enabled());
+            stepUp();
+            CHECK_FALSE(page.cmdApply.Enabled());
+            Type(box, L"3");
+            CHECK_FALSE(page.cmdApply.Enabled());
+            stepUp();
+            CHECK(page.cmdApply.Enabled());
+        }
+    }
+}

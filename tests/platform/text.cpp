@@ -1,0 +1,116 @@
+// Text between UTF-16 and the code page, and the server's path.
+#include "platform/text.h"
+
+#include <doctest.h>
+
+#include <windows.h>
+
+#include "tests/support/import_patch.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+std::wstring g_path;
+
+DWORD WINAPI PathOf(HMODULE, LPWSTR path, DWORD size) {
+    // As Windows does it: what does not fit is cut, and the answer is then the whole buffer.
+    const size_t length = g_path.copy(path, size);
+    if (length == size) return size;
+    path[length] = L'\0';
+    return static_cast<DWORD>(length);
+}
+
+class ServerAt {
+public:
+    explicit ServerAt(std::wstring path) { g_path = std::move(path); }
+
+private:
+    ImportPatch m_patch{"kernel32.dll", "GetModuleFileNameW", &PathOf};
+};
+
+}  // namespace
+
+TEST_CASE("Plain text passes through the code page unchanged, NULs and all") {
+    std::wstring wide;
+    std::string ansi;
+    for (int code = 0; code < 128; ++code) {
+        wide.push_back(static_cast<wchar_t>(code));
+        ansi.push_back(static_cast<char>(code));
+    }
+    CHECK(ToAnsi(wide) == ansi);
+    CHECK(FromAnsi(ansi) == wide);
+    CHECK(ToAnsi(L"a\0\0b\0"s) == "a\0\0b\0"s);
+    CHECK(FromAnsi("\0"s) == L"\0"s);
+}
+
+TEST_CASE("Empty text stays empty") {
+    CHECK(ToAnsi(L"").empty());
+    CHECK(FromAnsi("").empty());
+    CHECK(UpperCase(L"").empty());
+}
+
+TEST_CASE("A character that the code page lacks becomes its default character") {
+    CPINFO codePage{};
+    REQUIRE(GetCPInfo(CP_ACP, &codePage));
+    BOOL isReplaced = FALSE;
+    char bytes[8] = {};
+    // Ogham is in no ANSI code page.
+    WideCharToMultiByte(CP_ACP, 0, L"\x1681", 1, bytes, sizeof(bytes), nullptr, &isReplaced);
+    REQUIRE(isReplaced);
+    CHECK(ToAnsi(L"a\x1681z") == "a"s + static_cast<char>(codePage.DefaultChar[0]) + "z");
+}
+
+TEST_CASE("Long text is converted whole") {
+    const std::wstring wide(200000, L'x');
+    CHECK(ToAnsi(wide) == std::string(200000, 'x'));
+    CHECK(FromAnsi(std::string(200000, 'x')) == wide);
+}
+
+TEST_CASE("Upper case goes character by character and keeps the length") {
+    CHECK(UpperCase(L"http://Example.com/a1") == L"HTTP://EXAMPLE.COM/A1");
+    CHECK(UpperCase(L"\x00e9\x00e4\x0436") == L"\x00c9\x00c4\x0416");
+    CHECK(UpperCase(L"stra\x00df"
+                    L"e") ==
+          L"STRA\x00df"
+          L"E");
+    CHECK(UpperCase(L"a\0b"s) == L"A\0B"s);
+}
+
+TEST_CASE("The server's path is the running program's, its directory what lies before the last separator") {
+    const std::wstring path = ServerPath();
+    CHECK(GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES);
+    CHECK(path.ends_with(L"_tests.exe"));
+    CHECK(path.starts_with(ServerDirectory() + L"\\"));
+    CHECK(path.find(L'\\', ServerDirectory().size() + 1) == std::wstring::npos);
+}
+
+TEST_CASE("The directory has no separator at its end, except where it is a drive's root") {
+    struct Row {
+        const wchar_t* path;
+        const wchar_t* directory;
+    };
+    const Row rows[] = {
+        {L"C:\\Program Files\\Calvane\\server.exe", L"C:\\Program Files\\Calvane"},
+        {L"C:\\Calvane\\server.exe", L"C:\\Calvane"},
+        {L"C:\\server.exe", L"C:\\"},
+        {L"Z:\\server.exe", L"Z:\\"},
+        {L"\\\\host\\share\\server.exe", L"\\\\host\\share"},
+    };
+    for (const Row& row : rows) {
+        const ServerAt server(row.path);
+        CHECK(ServerPath() == row.path);
+        CHECK(ServerDirectory() == row.directory);
+    }
+}
+
+TEST_CASE("Paths longer than MAX_PATH are answered whole") {
+    for (const size_t length : {MAX_PATH - 1, MAX_PATH, MAX_PATH + 1, 2 * MAX_PATH, 3000}) {
+        CAPTURE(length);
+        const std::wstring directory = L"C:\\" + std::wstring(length - 3 - 2, L'd');
+        const ServerAt server(directory + L"\\s");
+        CHECK(ServerPath() == directory + L"\\s");
+        CHECK(ServerPath().size() == length);
+        CHECK(ServerDirectory() == directory);
+    }
+}

@@ -1,0 +1,100 @@
+// The codec's helpers: byte orders, unsigned numbers and text up to a NUL.
+#include <doctest.h>
+
+#include "platform/automation_error.h"
+#include "store/registry.h"
+
+using namespace std::string_literals;
+
+namespace {
+
+struct Row {
+    long number;
+    std::string lowestFirst;
+};
+
+const Row kRows[] = {
+    {0, "\0\0\0\0"s},
+    {1, "\x01\0\0\0"s},
+    {256, "\0\x01\0\0"s},
+    {65536, "\0\0\x01\0"s},
+    {16777216, "\0\0\0\x01"s},
+    {0x04030201, "\x01\x02\x03\x04"s},
+    {2147483647, "\xff\xff\xff\x7f"s},
+    {-1, "\xff\xff\xff\xff"s},
+    {-2, "\xfe\xff\xff\xff"s},
+    {static_cast<long>(0x80000000), "\0\0\0\x80"s},
+    {static_cast<long>(0x80000001), "\x01\0\0\x80"s},
+};
+
+std::string Reversed(const std::string& bytes) {
+    return {bytes.rbegin(), bytes.rend()};
+}
+
+template <class Body>
+HRESULT ErrorOf(Body&& body) {
+    try {
+        body();
+    } catch (const AutomationError& error) {
+        return error.Code();
+    }
+    return S_OK;
+}
+
+}  // namespace
+
+TEST_CASE("A number becomes four bytes in either order") {
+    const Registry registry;
+    for (const Row& row : kRows) {
+        CAPTURE(row.number);
+        CHECK(registry.MKLLittleEndian(row.number) == row.lowestFirst);
+        CHECK(registry.MKLBigEndian(row.number) == Reversed(row.lowestFirst));
+    }
+}
+
+TEST_CASE("Four bytes become a signed number in either order, whatever follows them") {
+    const Registry registry;
+    for (const Row& row : kRows) {
+        CAPTURE(row.number);
+        CHECK(registry.CVLLittleEndian(row.lowestFirst) == row.number);
+        CHECK(registry.CVLBigEndian(Reversed(row.lowestFirst)) == row.number);
+        CHECK(registry.CVLLittleEndian(row.lowestFirst + "\x7f\xff") == row.number);
+        CHECK(registry.CVLBigEndian(Reversed(row.lowestFirst) + "\x7f\xff") == row.number);
+    }
+}
+
+TEST_CASE("Fewer than four bytes raise error 5") {
+    const Registry registry;
+    for (const std::string& bytes : {""s, "\x01"s, "\x01\x02"s, "\x01\x02\x03"s}) {
+        CAPTURE(bytes.size());
+        CHECK(ErrorOf([&] { registry.CVLLittleEndian(bytes); }) == static_cast<HRESULT>(0x800A0005));
+        CHECK(ErrorOf([&] { registry.CVLBigEndian(bytes); }) == static_cast<HRESULT>(0x800A0005));
+    }
+}
+
+TEST_CASE("A number read as unsigned is itself, or lies above 2147483647") {
+    const Registry registry;
+    CHECK(registry.UnsignedLong(0) == 0.0);
+    CHECK(registry.UnsignedLong(1) == 1.0);
+    CHECK(registry.UnsignedLong(2147483647) == 2147483647.0);
+    CHECK(registry.UnsignedLong(static_cast<long>(0x80000000)) == 2147483648.0);
+    CHECK(registry.UnsignedLong(-2) == 4294967294.0);
+    CHECK(registry.UnsignedLong(-1) == 4294967295.0);
+}
+
+TEST_CASE("Text ends at its first NUL, or not at all") {
+    const Registry registry;
+    struct TextRow {
+        std::wstring text;
+        std::wstring cut;
+    };
+    const TextRow rows[] = {
+        {L"", L""},       {L"abc", L"abc"},      {L"abc\0"s, L"abc"}, {L"\0"s, L""},
+        {L"\0abc"s, L""}, {L"ab\0cd\0"s, L"ab"}, {L"a b", L"a b"},    {L"\x20ac", L"\x20ac"},
+    };
+    for (const TextRow& row : rows) {
+        const Variant result = registry.ASCIIZ(row.text);
+        CHECK(result.Value().vt == VT_BSTR);
+        CHECK(ToText(result) == row.cut);
+    }
+}

@@ -1,0 +1,60 @@
+#include "tests/support/automation.h"
+
+#include <algorithm>
+
+#include "platform/automation_error.h"
+
+namespace {
+
+Variant Invoke(IDispatch* object, const wchar_t* member, WORD flags, std::vector<Variant> arguments) {
+    LPOLESTR name = const_cast<LPOLESTR>(member);
+    DISPID id = DISPID_UNKNOWN;
+    ThrowIfFailed(object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id));
+
+    std::reverse(arguments.begin(), arguments.end());
+    std::vector<VARIANT> values;
+    for (const Variant& argument : arguments) values.push_back(argument.Value());
+    DISPID put = DISPID_PROPERTYPUT;
+    DISPPARAMS parameters{values.data(), nullptr, static_cast<UINT>(values.size()), 0};
+    if (flags == DISPATCH_PROPERTYPUT) {
+        parameters.rgdispidNamedArgs = &put;
+        parameters.cNamedArgs = 1;
+    }
+
+    Variant result;
+    EXCEPINFO exception{};
+    const HRESULT answer =
+        object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result.Receive(), &exception, nullptr);
+    SysFreeString(exception.bstrSource);
+    SysFreeString(exception.bstrDescription);
+    SysFreeString(exception.bstrHelpFile);
+    ThrowIfFailed(answer == DISP_E_EXCEPTION && FAILED(exception.scode) ? exception.scode : answer);
+    return result;
+}
+
+}  // namespace
+
+Variant Call(IDispatch* object, const wchar_t* member, std::vector<Variant> arguments) {
+    return Invoke(object, member, DISPATCH_METHOD, std::move(arguments));
+}
+
+Variant Get(IDispatch* object, const wchar_t* property, std::vector<Variant> arguments) {
+    return Invoke(object, property, DISPATCH_PROPERTYGET, std::move(arguments));
+}
+
+void Put(IDispatch* object, const wchar_t* property, const Variant& value) {
+    Invoke(object, property, DISPATCH_PROPERTYPUT, {value});
+}
+
+ComPtr<IDispatch> ObjectIn(const Variant& value) {
+    if (value.Value().vt != VT_DISPATCH || value.Value().pdispVal == nullptr) throw std::runtime_error("no object");
+    return value.Value().pdispVal;
+}
+
+ComPtr<IDispatch> CreateByName(const wchar_t* programId) {
+    CLSID classId;
+    ThrowIfFailed(CLSIDFromProgID(programId, &classId));
+    ComPtr<IDispatch> object;
+    ThrowIfFailed(CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&object)));
+    return object;
+}

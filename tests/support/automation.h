@@ -1,0 +1,23 @@
+// Automation objects as a script uses them: by name.
+#pragma once
+
+#include <windows.h>
+#include <oleauto.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/com_ptr.h"
+#include "platform/variant.h"
+
+// Each throws AutomationError with what the object answered.
+Variant Call(IDispatch* object, const wchar_t* member, std::vector<Variant> arguments = {});
+Variant Get(IDispatch* object, const wchar_t* property, std::vector<Variant> arguments = {});
+void Put(IDispatch* object, const wchar_t* property, const Variant& value);
+
+// The object in a value that holds one; throws std::runtime_error when it holds none.
+ComPtr<IDispatch> ObjectIn(const Variant& value);
+
+// Creates an object by the name under which scripts know it.
+ComPtr<IDispatch> CreateByName(const wchar_t* programId);

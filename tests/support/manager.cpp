@@ -1,0 +1,121 @@
+#include "tests/support/manager.h"
+
+#include <stdexcept>
+
+#include "platform/automation_error.h"
+#include "platform/text.h"
+#include "tests/support/automation.h"
+
+namespace {
+
+constexpr wchar_t kRootKey[] = L"Software\\Calvane";
+
+std::wstring PathOf(const std::wstring& key) { return std::wstring(kRootKey) + L"\\" + key; }
+
+}  // namespace
+
+Manager::Manager(bool keepSettings) {
+    if (!keepSettings) DeleteSettings();
+    ThrowIfFailed(
+        CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&m_control)));
+}
+
+Manager::~Manager() {
+    if (m_control != nullptr) m_control->ReleaseConfig();
+    if (m_process && !WaitForEnd()) TerminateProcess(m_process.Get(), 1);
+}
+
+ComPtr<IDispatch> Manager::Instance(long showType) {
+    ComPtr<IDispatch> config;
+    ThrowIfFailed(m_control->ConfigInstance(&showType, &config));
+    m_config = config;
+    if (!m_process) {
+        DWORD process = 0;
+        const auto window = reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Get(config.Get(), L"ConfigHwnd"))));
+        GetWindowThreadProcessId(window, &process);
+        m_process.Reset(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE | PROCESS_QUERY_INFORMATION, FALSE, process));
+    }
+    return config;
+}
+
+HWND Manager::Window() {
+    if (m_config == nullptr) Instance(FormHide);
+    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Get(m_config.Get(), L"ConfigHwnd"))));
+}
+
+ComPtr<IDispatch> Manager::Form() {
+    if (m_config == nullptr) Instance(FormHide);
+    return ObjectIn(Get(m_config.Get(), L"ConfigForm"));
+}
+
+HWND Manager::Control(const wchar_t* name) {
+    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Call(Form().Get(), L"ControlHwnd", {name}))));
+}
+
+void Manager::Click(const wchar_t* name) { SendMessageW(Control(name), BM_CLICK, 0, 0); }
+
+void Manager::Type(const wchar_t* name, const std::wstring& text) {
+    const HWND control = Control(name);
+    SendMessageW(control, EM_SETSEL, 0, -1);
+    if (text.empty()) SendMessageW(control, WM_CLEAR, 0, 0);
+    for (const wchar_t character : text) SendMessageW(control, WM_CHAR, character, 1);
+}
+
+std::wstring Manager::Text(const wchar_t* name) {
+    const HWND control = Control(name);
+    std::wstring text(static_cast<size_t>(SendMessageW(control, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
+    text.resize(static_cast<size_t>(
+        SendMessageW(control, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+void Manager::LetGo() {
+    m_config.Reset();
+    m_control.Reset();
+}
+
+bool Manager::WaitForEnd(DWORD milliseconds) {
+    if (!m_process) throw std::runtime_error("the manager's process is not known");
+    // The apartment must serve calls meanwhile: the manager may be releasing what this process gave it.
+    const DWORD start = GetTickCount();
+    while (WaitForSingleObject(m_process.Get(), 10) == WAIT_TIMEOUT) {
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+        if (GetTickCount() - start >= milliseconds) return false;
+    }
+    return true;
+}
+
+bool Manager::Running() { return !WaitForEnd(0); }
+
+void DeleteSettings() { RegDeleteTreeW(HKEY_CURRENT_USER, kRootKey); }
+
+std::wstring Setting(const std::wstring& key, const std::wstring& value) {
+    std::string bytes(1 << 16, '\0');
+    DWORD size = static_cast<DWORD>(bytes.size());
+    if (RegGetValueA(HKEY_CURRENT_USER, ToAnsi(PathOf(key)).c_str(), ToAnsi(value).c_str(), RRF_RT_ANY, nullptr,
+                     bytes.data(), &size) != ERROR_SUCCESS) {
+        throw std::runtime_error("no setting " + ToAnsi(value));
+    }
+    return FromAnsi(bytes.c_str());
+}
+
+bool HasSetting(const std::wstring& key, const std::wstring& value) {
+    return RegGetValueW(HKEY_CURRENT_USER, PathOf(key).c_str(), value.c_str(), RRF_RT_ANY, nullptr, nullptr, nullptr) ==
+           ERROR_SUCCESS;
+}
+
+size_t SettingCount(const std::wstring& key) {
+    HKEY opened = nullptr;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, PathOf(key).c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return 0;
+    const RegistryKey owner(opened);
+    DWORD count = 0;
+    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr,
+                     nullptr);
+    return count;
+}
+
+void WriteSetting(const std::wstring& key, const std::wstring& value, const std::wstring& text) {
+    RegSetKeyValueW(HKEY_CURRENT_USER, PathOf(key).c_str(), value.c_str(), REG_SZ, text.c_str(),
+                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+}

@@ -1,0 +1,33 @@
+// Answers message boxes at once and notes what they showed.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/support/import_patch.h"
+
+// One at a time.
+class MessageRecorder {
+public:
+    struct Message {
+        HWND owner;
+        std::wstring text;
+        std::wstring title;
+        UINT type;
+    };
+
+    MessageRecorder();
+    MessageRecorder(const MessageRecorder&) = delete;
+    MessageRecorder& operator=(const MessageRecorder&) = delete;
+    ~MessageRecorder();
+
+    std::vector<Message> messages;
+
+private:
+    static int WINAPI Show(HWND owner, const wchar_t* text, const wchar_t* title, UINT type);
+
+    static MessageRecorder* s_active;
+    ImportPatch m_patch;
+};

@@ -1,0 +1,31 @@
+// Redirects a registry root of this process to an empty throw-away key.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+class TestHive {
+public:
+    // root: HKEY_CURRENT_USER or HKEY_LOCAL_MACHINE. One at a time for each root.
+    explicit TestHive(HKEY root);
+    TestHive(const TestHive&) = delete;
+    TestHive& operator=(const TestHive&) = delete;
+    ~TestHive();
+
+    // Seen from the redirected root. The bytes of the stored value, type in *type where wanted; Exists first.
+    bool Exists(const std::wstring& key) const;
+    bool Exists(const std::wstring& key, const std::wstring& value) const;
+    std::string Bytes(const std::wstring& key, const std::wstring& value, DWORD* type = nullptr) const;
+    std::wstring Text(const std::wstring& key, const std::wstring& value) const;
+    size_t ValueCount(const std::wstring& key) const;
+    void Write(const std::wstring& key, const std::wstring& value, DWORD type, const std::string& bytes) const;
+    void Write(const std::wstring& key, const std::wstring& value, const std::wstring& text) const;
+    void Delete(const std::wstring& key, const std::wstring& value) const;
+    void DeleteTree(const std::wstring& key) const;
+
+private:
+    const HKEY m_root;
+    std::wstring m_path;
+    HKEY m_key = nullptr;
+};

@@ -1,0 +1,25 @@
+// A real dialog window, made in memory, with real controls on it.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/dialog.h"
+
+// Makes one child window for each control of the table, of the window class and style that its kind has in the program,
+// stacked from top to bottom. The window is hidden unless shown.
+class TestWindow final : public Dialog {
+public:
+    // The controls outlive the window.
+    explicit TestWindow(std::vector<Control*> controls);
+    ~TestWindow() override;
+
+protected:
+    ControlTable Controls() override { return m_controls; }
+    bool OnInit() override;
+
+private:
+    std::vector<Control*> m_controls;
+};

@@ -1,0 +1,162 @@
+#include <doctest.h>
+
+#include <utility>
+
+#include "tests/support/message_pump.h"
+#include "tests/tray_icon/tray_icon_fixture.h"
+
+namespace {
+
+using Actions = std::vector<DWORD>;
+
+// Keeps the periods of the timers that are started, and makes long ones short.
+struct TimerPeriods {
+    TimerPeriods() : patch("user32.dll", "SetTimer", &Fake) { current = this; }
+    ~TimerPeriods() { current = nullptr; }
+
+    static UINT_PTR WINAPI Fake(HWND hwnd, UINT_PTR id, UINT period, TIMERPROC procedure) {
+        current->periods.push_back(period);
+        return current->patch.Original<decltype(&Fake)>()(hwnd, id, 10, procedure);
+    }
+
+    static inline TimerPeriods* current = nullptr;
+    std::vector<UINT> periods;
+    const ImportPatch patch;
+};
+
+}  // namespace
+
+TEST_CASE_FIXTURE(TrayIconFixture, "a new taskbar gets the icon again, once, with the current tip") {
+    SetUp();
+    icon->OnTaskbarCreated();
+    PumpFor(50);
+    REQUIRE(shell.Actions() == Actions{NIM_ADD, NIM_ADD});
+    CHECK(shell.calls[1].Icon() == kRestHandle);
+    CHECK(shell.calls[1].Tip() == std::string("Calvane Sentrel\0", 16) + std::string(48, ' '));
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "a new taskbar gets no icon where none is added") {
+    icon->OnTaskbarCreated();
+    SetUp();
+    icon->RemoveIcon();
+    icon->OnTaskbarCreated();
+    PumpFor(50);
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "an animation goes on across a new taskbar") {
+    SetUp();
+    REQUIRE(Animate(20) == S_OK);
+    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 2; }));
+    icon->OnTaskbarCreated();
+    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    CHECK(shell.Actions() ==
+          Actions{NIM_ADD, NIM_MODIFY, NIM_ADD, NIM_MODIFY, NIM_MODIFY, NIM_DELETE, NIM_ADD});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture,
+                  "a new taskbar that arrives while the icon is being removed does not bring it back") {
+    SetUp();
+    shell.answer = [this](DWORD action) {
+        if (action == NIM_DELETE) icon->OnTaskbarCreated();
+        return TRUE;
+    };
+    icon->Class_Terminate();
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture,
+                  "a refused add is tried again every two seconds until the shell takes it") {
+    TimerPeriods timers;
+    int refusals = 3;
+    shell.answer = [&](DWORD action) { return action == NIM_ADD && refusals-- <= 0 ? TRUE : FALSE; };
+    SetUp();
+    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 7; }));
+    PumpFor(80);
+    CHECK(timers.periods == std::vector<UINT>{2000});
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_MODIFY, NIM_ADD, NIM_MODIFY, NIM_ADD, NIM_MODIFY, NIM_ADD});
+    CHECK(shell.calls.back().Icon() == kRestHandle);
+    CHECK(shell.calls.back().Tip().substr(0, 15) == "Calvane Sentrel");
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "an icon that the shell took without saying so is not added twice") {
+    TimerPeriods timers;
+    shell.answer = [](DWORD action) { return action == NIM_ADD ? FALSE : TRUE; };
+    SetUp();
+    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 2; }));
+    PumpFor(80);
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_MODIFY});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "a shell that always refuses is left alone after half a minute of tries") {
+    TimerPeriods timers;
+    shell.answer = [](DWORD) { return FALSE; };
+    SetUp();
+    // 15 times 2 seconds, each a change and an add.
+    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 31; }));
+    PumpFor(100);
+    CHECK(shell.calls.size() == 31);
+    CHECK(timers.periods.size() == 1);
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "an icon that was taken at once is never tried again") {
+    TimerPeriods timers;
+    SetUp();
+    PumpFor(50);
+    CHECK(timers.periods.empty());
+    CHECK(shell.calls.size() == 1);
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "removing a refused icon ends the tries") {
+    TimerPeriods timers;
+    shell.answer = [](DWORD) { return FALSE; };
+    SetUp();
+    icon->RemoveIcon();
+    PumpFor(80);
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "the owner's release ends the tries") {
+    TimerPeriods timers;
+    shell.answer = [](DWORD) { return FALSE; };
+    SetUp();
+    icon.Reset();
+    PumpFor(80);
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture,
+                  "the owner's release from within a try is survived, and the icon stays away") {
+    TimerPeriods timers;
+    shell.answer = [](DWORD) { return FALSE; };
+    SetUp();
+    rest->asked = [this] {
+        icon->Class_Terminate();
+        icon.Reset();
+    };
+    REQUIRE(PumpUntil([&] { return icon == nullptr; }));
+    PumpFor(80);
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "a new taskbar that refuses the icon is tried again too") {
+    TimerPeriods timers;
+    SetUp();
+    int refusals = 1;
+    shell.answer = [&](DWORD action) { return action == NIM_ADD && refusals-- <= 0 ? TRUE : FALSE; };
+    icon->OnTaskbarCreated();
+    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 4; }));
+    PumpFor(80);
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_ADD, NIM_MODIFY, NIM_ADD});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "a refused add comes two seconds later in real time") {
+    bool refused = false;
+    shell.answer = [&](DWORD action) {
+        return action == NIM_ADD && std::exchange(refused, true) ? TRUE : FALSE;
+    };
+    SetUp();
+    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 3; }));
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_MODIFY, NIM_ADD});
+    CHECK(shell.calls[2].time - shell.calls[0].time >= 1980);
+}
