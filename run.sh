@@ -24,7 +24,7 @@ case ${1:-} in
 esac
 
 cmake --preset release
-cmake --build --preset release
+cmake --build --preset release --target SentrelConfig SentrelStandin CalvaneConfigLoader
 
 UsePrefix "$kBuildRoot/wine-run"
 [[ -d $WINEPREFIX ]] || MakePrefix "$WINEPREFIX"

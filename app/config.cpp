@@ -23,7 +23,8 @@ void Config::Initialise() {
     g_strLoaderPath = ServerDirectory() + L"\\" + kLoaderName;
     g_frmConfig = MakeObject<frmConfig>();
     g_frmConfig->Initialise();
-    g_lngConfigHwnd = g_frmConfig->Handle();
+    // The connecting to the engine lets other clients' calls in, ReleaseConfig among them.
+    g_lngConfigHwnd = Form().Handle();
 }
 
 STDMETHODIMP Config::get_ConfigHwnd(VARIANT* value) {

@@ -12,15 +12,17 @@ class Config final : public DispatchObject<_Config, kPublicTypeLibrary>, private
 public:
     Config() : DispatchObject(Holder::Server), m_events(static_cast<_Config&>(*this), __uuidof(__Config)) {}
 
-    // Fills g_strLoaderPath, makes the configuration window (g_frmConfig) and loads it, hidden (g_lngConfigHwnd).
-    // Throws AutomationError when the window cannot be made or loaded.
+    // Fills g_strLoaderPath, makes the configuration window (g_frmConfig) and loads it, hidden
+    // (g_lngConfigHwnd). Throws AutomationError when the window cannot be made or loaded.
     void Initialise();
 
     STDMETHODIMP get_ConfigHwnd(VARIANT* value) override;
     STDMETHODIMP get_ConfigForm(VARIANT* value) override;
     STDMETHODIMP get_ShellIconClass(VARIANT* value) override;
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override { return DispatchObject::QueryInterface(id, object); }
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+        return DispatchObject::QueryInterface(id, object);
+    }
     STDMETHODIMP_(ULONG) AddRef() override { return DispatchObject::AddRef(); }
     STDMETHODIMP_(ULONG) Release() override { return DispatchObject::Release(); }
 

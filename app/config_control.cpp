@@ -17,8 +17,8 @@ void CountClients(LONG difference) {
     g_lngClientCount += difference;
 }
 
-// Calls that arrive while the window is being made find g_oConfig already there: the connecting to the engine lets them
-// in. A Config whose window could not be made is no Config.
+// Calls that arrive while the window is being made find g_oConfig already there: the connecting to the engine
+// lets them in. A Config whose window could not be made is no Config.
 class ConfigInMaking {
 public:
     ConfigInMaking() { g_oConfig = MakeObject<Config>(); }
@@ -39,12 +39,15 @@ private:
     bool m_made = false;
 };
 
-void CALLBACK EndProcess(HWND, UINT, UINT_PTR, DWORD) { ExitProcess(0); }
+void CALLBACK EndProcess(HWND, UINT, UINT_PTR, DWORD) {
+    ExitProcess(0);
+}
 
-// The process ends as soon as the caller has its answer: a timer is served by whichever message loop is running, also
-// that of a dialog or menu, and only after the call that is being answered now.
+// The process ends as soon as the caller has its answer: a timer is served by whichever message loop is
+// running, also that of a dialog or menu, and only after the call that is being answered now.
 void EndProcessSoon() {
     g_ending = true;
+    CoSuspendClassObjects();  // who comes now starts a new manager
     if (SetTimer(nullptr, 0, USER_TIMER_MINIMUM, EndProcess) == 0) ExitProcess(0);
 }
 
@@ -56,6 +59,8 @@ STDMETHODIMP ConfigControl::ConfigInstance(long* nShowType, IDispatch** config) 
     if (g_ending) return CO_E_SERVER_STOPPING;
     return ComMethod([&] {
         if (g_oConfig == nullptr) ConfigInMaking().Initialise();
+        // Another client's ReleaseConfig may have come in while the window was made.
+        if (g_ending) throw AutomationError(CO_E_SERVER_STOPPING);
         if (*nShowType == kShowWindow) g_frmConfig->ShowModeless();
         if (*nShowType == kShowAbout) g_frmConfig->ShowAbout();
         CountClients(+1);

@@ -11,18 +11,22 @@ constexpr const wchar_t* kPauseKeys[] = {L"Alt", L"Ctrl", L"Shift", L"F6", L"F7"
 constexpr wchar_t kInitialSpeed[] = L"6";
 constexpr wchar_t kInitialPause[] = L"5";
 constexpr int kPauseLength = 3;  // characters
-constexpr wchar_t kHomePage[] = L"http://www.calvane.example/";
+constexpr wchar_t kHomePage[] = L"http://www.calvane.example";
 
 }  // namespace
 
 void ConfigControls::DesignTabs() {
-    for (const wchar_t* const caption : kPages) tab.AddTab(caption);
+    for (const wchar_t* const caption : kPages)
+        tab.AddTab(caption);
 }
 
 void ConfigControls::Design() {
-    for (const wchar_t* const heading : kBannerColumns) lvwBanners.AddColumn(heading);
-    for (const wchar_t* const heading : kSearchColumns) lvwSearchURLs.AddColumn(heading);
-    for (const wchar_t* const key : kPauseKeys) cboPauseKey.AddItem(key);
+    for (const wchar_t* const heading : kBannerColumns)
+        lvwBanners.AddColumn(heading);
+    for (const wchar_t* const heading : kSearchColumns)
+        lvwSearchURLs.AddColumn(heading);
+    for (const wchar_t* const key : kPauseKeys)
+        cboPauseKey.AddItem(key);
     txtSpeed.Text(kInitialSpeed);
     txtPause.Text(kInitialPause);
     txtPause.MaxLength(kPauseLength);

@@ -26,8 +26,8 @@ public:
     // All of them in the window's control order, the order in which settings are loaded and saved.
     ControlTable All() const noexcept { return m_all; }
 
-    // What the designer would have typed into the property sheets: the tabs; then items, columns, limits, first
-    // texts. Each is called when the windows of the controls it is about have just been made.
+    // What the designer would have typed into the property sheets: the tabs; then items, columns, limits,
+    // first texts. Each is called when the windows of the controls it is about have just been made.
     void DesignTabs();
     void Design();
 

@@ -1,5 +1,5 @@
-// What the whole process shares. The window handle that the tray's hook compares with, g_lngConfigHwnd, is declared
-// beside the hook.
+// What the whole process shares. The window handle that the tray's hook compares with, g_lngConfigHwnd, is
+// declared beside the hook.
 #pragma once
 
 #include <windows.h>

@@ -5,5 +5,6 @@
 void ConfigPage::CreateOn(HWND parent, const RECT& area, HWND sibling) {
     Create(parent);
     EnableTabTexture(Hwnd());
-    SetWindowPos(Hwnd(), sibling, area.left, area.top, area.right - area.left, area.bottom - area.top, SWP_NOACTIVATE);
+    SetWindowPos(Hwnd(), sibling, area.left, area.top, area.right - area.left, area.bottom - area.top,
+                 SWP_NOACTIVATE);
 }

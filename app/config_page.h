@@ -7,7 +7,8 @@ class ConfigPage final : public Dialog {
 public:
     ConfigPage(int resourceId, ControlTable controls) : Dialog(resourceId), m_controls(controls) {}
 
-    // Makes the page, hidden, over area (in parent's coordinates) and behind the window sibling in the tab order.
+    // Makes the page, hidden, over area (in parent's coordinates) and behind the window sibling in the tab
+    // order.
     void CreateOn(HWND parent, const RECT& area, HWND sibling);
     void Show(bool visible) noexcept { ShowWindow(Hwnd(), visible ? SW_SHOW : SW_HIDE); }
 

@@ -42,38 +42,50 @@ frmConfig::frmConfig()
               ConfigPage(IDD_PAGE_LOG, m_controls.All()),      ConfigPage(IDD_PAGE_BANNERS, m_controls.All()),
               ConfigPage(IDD_PAGE_SEARCH, m_controls.All()),   ConfigPage(IDD_PAGE_ABOUT, m_controls.All())},
       m_picShellIcon(MakeObject<PictureBox>(L"picShellIcon", IDI_TRAY_REST)),
-      m_picTray{MakeObject<PictureBox>(L"picTray", IDI_TRAY_0), MakeObject<PictureBox>(L"picTray", IDI_TRAY_1),
+      m_picTray{MakeObject<PictureBox>(L"picTray", IDI_TRAY_0),
+                MakeObject<PictureBox>(L"picTray", IDI_TRAY_1),
                 MakeObject<PictureBox>(L"picTray", IDI_TRAY_2)},
       m_changeMark(m_controls.cmdApply),
-      m_popupNotice(m_controls.chkPlaySound, m_controls.chkBeep, m_controls.cmdSoundFile, m_controls.cmdTestSound,
-                    [this] { m_changeMark.MarkChanged(); }),
+      m_popupNotice(m_controls.chkPlaySound, m_controls.chkBeep, m_controls.cmdSoundFile,
+                    m_controls.cmdTestSound, [this] { m_changeMark.MarkChanged(); }),
       m_generalOptions(m_controls.optStartup, m_controls.optLoadWithKiller, m_controls.optLoadFromMenu,
-                       m_controls.cboPauseKey, m_controls.udbSpeed, m_controls.udbPause, m_controls.lblNavSite,
-                       m_controls.imgLogo, g_strLoaderPath, [this] { m_changeMark.MarkChanged(); }),
+                       m_controls.cboPauseKey, m_controls.udbSpeed, m_controls.udbPause,
+                       m_controls.lblNavSite, m_controls.imgLogo, g_strLoaderPath,
+                       [this] { m_changeMark.MarkChanged(); }),
       m_trayGestures(m_mnuConfig, *this, b_OKtoUnload),
-      m_engine(m_mnuConfig, [this] { AnimateTray(); }, [this] { m_popupNotice.Announce(); }),
+      m_engine(
+          m_mnuConfig, [this] { AnimateTray(); }, [this] { m_popupNotice.Announce(); }),
       m_excludeList(m_controls.lstExclude, m_controls.cmdAddURL, m_controls.cmdRemoveURL, m_controls.cmdApply,
                     [this] { m_changeMark.MarkChanged(); }),
-      m_closedLog(m_controls.lstClosedWnd, m_controls.cmdRefreshLog, m_controls.cmdAddTo, m_controls.cmdClearList,
-                  m_controls.lstExclude, [this] { return m_engine.LogFile(); }, [this] { m_changeMark.MarkChanged(); }),
+      m_closedLog(
+          m_controls.lstClosedWnd, m_controls.cmdRefreshLog, m_controls.cmdAddTo, m_controls.cmdClearList,
+          m_controls.lstExclude, [this] { return m_engine.LogFile(); },
+          [this] { m_changeMark.MarkChanged(); }),
       m_bannerSizes(m_controls.lvwBanners, m_controls.cmdAddSize, m_controls.cmdRemoveSize,
                     [this] { m_changeMark.MarkChanged(); }),
       m_searchAddresses(m_controls.lvwSearchURLs, m_controls.cmdAddSearch, m_controls.cmdEditSearch,
                         m_controls.cmdRemoveSearch, [this] { m_changeMark.MarkChanged(); }),
-      m_transfer(m_controls.All(), m_changeMark, m_popupNotice, m_generalOptions, m_closedLog, m_controls.cboPauseKey),
-      m_commands(m_controls.cmdOK, m_controls.cmdApply, m_controls.cmdCancel, m_transfer,
-                 [this] { m_engine.ReloadSettings(); }, [this] { HideWindow(); }),
+      m_transfer(m_controls.All(), m_changeMark, m_popupNotice, m_generalOptions, m_closedLog,
+                 m_controls.cboPauseKey),
+      m_commands(
+          m_controls.cmdOK, m_controls.cmdApply, m_controls.cmdCancel, m_transfer,
+          [this] { m_engine.ReloadSettings(); }, [this] { HideWindow(); }),
       m_taskbarCreated(RegisterWindowMessageW(L"TaskbarCreated")) {
     m_controls.tab.Change = [this] { SelectPage(); };
 }
 
-frmConfig::~frmConfig() { Unload(); }
+frmConfig::~frmConfig() {
+    Unload();
+}
 
 void frmConfig::Initialise() {
     m_state = State::Initialising;
     try {
         Create(nullptr);
-    } catch (const AutomationError&) {
+        // Not while the window itself is being made: no error leaves its procedure.
+        MakePages();
+    } catch (const std::exception&) {
+        Destroy();
         m_state = State::None;
         throw;
     }
@@ -123,7 +135,9 @@ void frmConfig::HideWindow() noexcept {
     ShowWindow(Hwnd(), SW_HIDE);
 }
 
-bool frmConfig::QueryUnload() const noexcept { return b_OKtoUnload; }
+bool frmConfig::QueryUnload() const noexcept {
+    return b_OKtoUnload;
+}
 
 void frmConfig::Unload() {
     if (m_state == State::None || m_state == State::Unloading) return;
@@ -140,7 +154,9 @@ void frmConfig::Unload() {
 }
 
 // The engine gets the address of a variable that holds a reference to the window.
-LONG frmConfig::Reference() noexcept { return static_cast<LONG>(reinterpret_cast<LONG_PTR>(&m_reference)); }
+LONG frmConfig::Reference() noexcept {
+    return static_cast<LONG>(reinterpret_cast<LONG_PTR>(&m_reference));
+}
 
 void frmConfig::SetUpTray() {
     ResumeNext([&] { m_oShellIcon = MakeObject<ShellNotification>(); });
@@ -162,12 +178,14 @@ void frmConfig::AnimateTray() {
                                             HandleToLong(Hwnd())));
 }
 
-void frmConfig::PopupTrayMenu(bool pauseIsDefault) { m_mnuConfig.PopUp(Hwnd(), pauseIsDefault); }
+void frmConfig::PopupTrayMenu(bool pauseIsDefault) {
+    m_mnuConfig.PopUp(Hwnd(), pauseIsDefault);
+}
 
 bool frmConfig::OnInit() {
     SendMessageW(Hwnd(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(LoadIconAt(SM_CXICON, SM_CYICON)));
-    SendMessageW(Hwnd(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(LoadIconAt(SM_CXSMICON, SM_CYSMICON)));
-    MakePages();
+    SendMessageW(Hwnd(), WM_SETICON, ICON_SMALL,
+                 reinterpret_cast<LPARAM>(LoadIconAt(SM_CXSMICON, SM_CYSMICON)));
     return true;
 }
 

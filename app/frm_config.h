@@ -1,4 +1,5 @@
-// The configuration window: it owns every control and every part, and is the object that Config.ConfigForm hands out.
+// The configuration window: it owns every control and every part, and is the object that Config.ConfigForm
+// hands out.
 #pragma once
 
 #include <array>
@@ -26,17 +27,19 @@
 #include "tray/tray_gestures.h"
 #include "tray/tray_menu.h"
 
-class frmConfig final : public DispatchObject<_frmConfig, kFormsTypeLibrary>, private Dialog, private TrayWindow {
+class frmConfig final : public DispatchObject<_frmConfig, kFormsTypeLibrary>,
+                        private Dialog,
+                        private TrayWindow {
 public:
     frmConfig();
     ~frmConfig() override;
 
-    // The window object comes to life: its window is made, the engine is connected to, the tray icon set up. Throws
-    // AutomationError when there can be no window; an engine or an icon that is missing is no error.
+    // The window object comes to life: its window is made, the engine is connected to, the tray icon set up.
+    // Throws AutomationError when there can be no window; an engine or an icon that is missing is no error.
     void Initialise();
 
-    // The window's handle. The first reading loads the window: first-run defaults, list columns, all settings. After an
-    // unloading it is made and loaded anew.
+    // The window's handle. The first reading loads the window: first-run defaults, list columns, all
+    // settings. After an unloading it is made and loaded anew.
     LONG Handle();
 
     // Each loads the window first, where it is not loaded.
@@ -73,6 +76,7 @@ private:
     void PopupTrayMenu(bool pauseIsDefault) override;
 
     void MakePages();
+    void MakeImageList1();
     void SelectPage();
     void NextPage(int step);
     void SetUpTray();

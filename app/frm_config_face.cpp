@@ -3,7 +3,9 @@
 
 namespace {
 
-VARIANT_BOOL Boolean(bool value) { return value ? VARIANT_TRUE : VARIANT_FALSE; }
+VARIANT_BOOL Boolean(bool value) {
+    return value ? VARIANT_TRUE : VARIANT_FALSE;
+}
 
 }  // namespace
 
@@ -46,14 +48,17 @@ STDMETHODIMP frmConfig::get_Visible(VARIANT_BOOL* value) {
     return S_OK;
 }
 
-STDMETHODIMP frmConfig::put_Visible(VARIANT_BOOL value) { return value != VARIANT_FALSE ? Show() : Hide(); }
+STDMETHODIMP frmConfig::put_Visible(VARIANT_BOOL value) {
+    return value != VARIANT_FALSE ? Show() : Hide();
+}
 
 STDMETHODIMP frmConfig::get_Caption(BSTR* value) {
     if (value == nullptr) return E_POINTER;
     *value = nullptr;
     return ComMethod([&] {
         std::wstring caption(static_cast<size_t>(GetWindowTextLengthW(Hwnd())) + 1, L'\0');
-        caption.resize(static_cast<size_t>(GetWindowTextW(Hwnd(), caption.data(), static_cast<int>(caption.size()))));
+        caption.resize(
+            static_cast<size_t>(GetWindowTextW(Hwnd(), caption.data(), static_cast<int>(caption.size()))));
         *value = Variant(caption).Detach().bstrVal;
     });
 }
@@ -78,12 +83,14 @@ STDMETHODIMP frmConfig::get_picTray(short index, IDispatch** value) {
     if (value == nullptr) return E_POINTER;
     *value = nullptr;
     return ComMethod([&] {
-        if (index < 0 || static_cast<size_t>(index) >= m_picTray.size()) RaiseError(ErrorNumber::SubscriptOutOfRange);
+        if (index < 0 || static_cast<size_t>(index) >= m_picTray.size())
+            RaiseError(ErrorNumber::SubscriptOutOfRange);
         ThrowIfFailed(m_picTray[static_cast<size_t>(index)].CopyTo(value));
     });
 }
 
-// An element of the array of tray pictures is a picture box of its own and has no window; what has one is found here.
+// An element of the array of tray pictures is a picture box of its own and has no window; what has one is
+// found here.
 STDMETHODIMP frmConfig::ControlHwnd(BSTR name, LONG* value) {
     if (value == nullptr) return E_POINTER;
     *value = 0;

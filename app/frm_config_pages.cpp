@@ -7,7 +7,9 @@ namespace {
 
 constexpr int kAboutPage = 5;
 
-bool IsDown(int key) { return GetKeyState(key) < 0; }
+bool IsDown(int key) {
+    return GetKeyState(key) < 0;
+}
 
 }  // namespace
 
@@ -22,10 +24,21 @@ void frmConfig::MakePages() {
     }
     m_controls.Design();
 
-    m_imageList1.Reset(ImageList_Create(GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), ILC_COLOR32, 0, 1));
-    m_controls.lvwBanners.SmallIcons(m_imageList1.Get());
-    m_controls.lvwSearchURLs.SmallIcons(m_imageList1.Get());
+    MakeImageList1();
     SelectPage();
+}
+
+void frmConfig::MakeImageList1() {
+    const int width = GetSystemMetrics(SM_CXSMICON);
+    const int height = GetSystemMetrics(SM_CYSMICON);
+    m_imageList1.Reset(ImageList_Create(width, height, ILC_COLOR32, 0, 1));
+    const auto add = [&](int resource) {
+        const IconHandle icon(static_cast<HICON>(
+            LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), IMAGE_ICON, width, height, 0)));
+        return ImageList_AddIcon(m_imageList1.Get(), icon.Get());
+    };
+    m_controls.lvwBanners.SmallIcons(m_imageList1.Get(), add(IDI_LIST_BANNER));
+    m_controls.lvwSearchURLs.SmallIcons(m_imageList1.Get(), add(IDI_LIST_SEARCH));
 }
 
 void frmConfig::SelectPage() {
@@ -46,7 +59,8 @@ void frmConfig::NextPage(int step) {
     m_controls.tab.Selected((m_controls.tab.Selected() + step + count) % count);
     if (fromTab) return;
     const HWND page = m_pages[static_cast<size_t>(m_controls.tab.Selected())].Hwnd();
-    SendMessageW(Hwnd(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetNextDlgTabItem(page, nullptr, FALSE)), TRUE);
+    SendMessageW(Hwnd(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetNextDlgTabItem(page, nullptr, FALSE)),
+                 TRUE);
 }
 
 bool frmConfig::IsFormMessage(MSG& message) {

@@ -13,8 +13,8 @@
 
 namespace {
 
-// Nothing is ever loaded from the folder that the program happens to lie in, or from the current one. Windows 7 knows
-// the call only with an update, so it is asked for.
+// Nothing is ever loaded from the folder that the program happens to lie in, or from the current one. Windows
+// 7 knows the call only with an update, so it is asked for.
 void LoadSystemLibrariesOnly() {
     using SetDirectories = BOOL(WINAPI*)(DWORD);
     if (const auto set = reinterpret_cast<SetDirectories>(reinterpret_cast<void*>(
@@ -33,8 +33,9 @@ void RunMessageLoop() {
 }
 
 HRESULT Serve() {
-    const INITCOMMONCONTROLSEX classes{
-        sizeof(classes), ICC_STANDARD_CLASSES | ICC_LINK_CLASS | ICC_LISTVIEW_CLASSES | ICC_TAB_CLASSES | ICC_UPDOWN_CLASS};
+    const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_STANDARD_CLASSES | ICC_LINK_CLASS |
+                                                            ICC_LISTVIEW_CLASSES | ICC_TAB_CLASSES |
+                                                            ICC_UPDOWN_CLASS};
     InitCommonControlsEx(&classes);
 
     const HRESULT result = ComMethod([] {
@@ -52,7 +53,8 @@ HRESULT Serve() {
 
 // What the manager registers: its one creatable class and its public type library.
 ServerDescription Description() {
-    return {{{__uuidof(ConfigControl), L"SentrelConfig.ConfigControl", L"Calvane configuration manager", kPublicTypeLibrary}},
+    return {{{__uuidof(ConfigControl), L"SentrelConfig.ConfigControl", L"Calvane configuration manager",
+              kPublicTypeLibrary}},
             {kPublicTypeLibrary}};
 }
 

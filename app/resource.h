@@ -6,6 +6,8 @@
 #define IDI_TRAY_0 11
 #define IDI_TRAY_1 12
 #define IDI_TRAY_2 13
+#define IDI_LIST_BANNER 14
+#define IDI_LIST_SEARCH 15
 #define IDG_LOGO_96 20
 #define IDG_LOGO_120 21
 #define IDG_LOGO_144 22
@@ -20,8 +22,8 @@
 #define IDD_PAGE_ABOUT 106
 #define IDD_EMPTY 110
 
-/* cmdOK must not be IDOK (1): the dialog manager presses IDOK on Enter wherever no default button answers. cmdCancel is
-   IDCANCEL (2), which Esc presses. */
+/* cmdOK must not be IDOK (1): the dialog manager presses IDOK on Enter wherever no default button answers.
+   cmdCancel is IDCANCEL (2), which Esc presses. */
 #define IDC_TAB 1000
 #define IDC_CMDOK 1001
 #define IDC_CMDAPPLY 1002

@@ -109,7 +109,7 @@ public:
         m_searched = m_end;
     }
 
-    // Reads the block before the unread bytes.
+    // Reads the block before the unread bytes. To be called when there is no line feed among these.
     void ReadBlock() {
         const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(m_blockSize, m_offset));
         if (m_begin < count) MakeRoom();
@@ -142,7 +142,6 @@ private:
     void MakeRoom() {
         const std::size_t held = m_end - m_begin;
         const std::size_t wanted = held + std::max(held / 2, m_blockSize) + m_blockSize;
-        const std::size_t searched = m_end - m_searched;
         const char* const unread = m_bytes.get() + m_begin;
         if (m_size < wanted || m_size / 2 > wanted) {
             auto bytes = std::make_unique_for_overwrite<char[]>(wanted);
@@ -154,7 +153,7 @@ private:
         }
         m_begin = m_size - held;
         m_end = m_size;
-        m_searched = m_end - searched;
+        m_searched = m_begin;
     }
 
     const ReadBytes& m_read;

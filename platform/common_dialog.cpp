@@ -38,7 +38,7 @@ void CommonDialog::ShowOpen(HWND owner) {
         chosen = GetOpenFileNameW(&dialog) != FALSE;
     }
     if (chosen) {
-        m_fileName = file.c_str();
+        m_fileName.assign(file, 0, file.find(L'\0'));
     } else if (CommDlgExtendedError() != 0) {
         throw AutomationError(E_FAIL);
     } else if (m_cancelError) {

@@ -68,6 +68,9 @@ INT_PTR Dialog::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
             break;
 
         case WM_NOTIFY: {
+            // The structures of key notifications are packed and may lie at any address; nobody listens to
+            // them.
+            if (lParam % static_cast<LPARAM>(alignof(NMHDR)) != 0) return FALSE;
             const auto& header = *reinterpret_cast<const NMHDR*>(lParam);
             if (Control* const control = FindControl(Controls(), static_cast<int>(header.idFrom));
                 control != nullptr && control->Hwnd() == header.hwndFrom) {

@@ -13,8 +13,8 @@ public:
 
     int ListCount() const noexcept { return static_cast<int>(Send(LB_GETCOUNT)); }
 
-    // The text of a row and its length in characters. Each throws AutomationError (5) for a row that does not exist;
-    // text, whose memory is used again, is untouched then.
+    // The text of a row and its length in characters. Each throws AutomationError (5) for a row that does not
+    // exist; text, whose memory is used again, is untouched then.
     std::wstring List(int row) const;
     void List(int row, std::wstring& text) const;
     size_t Length(int row) const;

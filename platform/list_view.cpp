@@ -27,11 +27,11 @@ int ListView::Width() const noexcept {
     return bounds.right - bounds.left;
 }
 
-int ListView::Add(int position, const std::wstring& text, int image) {
+int ListView::Add(int position, const std::wstring& text) {
     LVITEMW item{};
     item.mask = LVIF_TEXT | LVIF_IMAGE;
     item.iItem = position - 1;
-    item.iImage = image < 0 ? I_IMAGENONE : image;
+    item.iImage = m_rowImage;
     item.pszText = const_cast<wchar_t*>(text.c_str());
     m_settingCheck = true;
     const LRESULT index = Send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));

@@ -14,7 +14,11 @@ public:
     Event ItemCheck;
 
     void AddColumn(const wchar_t* heading);
-    void SmallIcons(HIMAGELIST images) { ListView_SetImageList(Hwnd(), images, LVSIL_SMALL); }
+    // rowImage: the index of the picture that new rows get.
+    void SmallIcons(HIMAGELIST images, int rowImage) {
+        m_rowImage = rowImage;
+        ListView_SetImageList(Hwnd(), images, LVSIL_SMALL);
+    }
 
     // Of the whole control, in pixels.
     int Width() const noexcept;
@@ -23,9 +27,9 @@ public:
     int Count() const noexcept { return ListView_GetItemCount(Hwnd()); }
     void Clear() { ListView_DeleteAllItems(Hwnd()); }
 
-    // Inserts a row with an unchecked box and answers its position. image: index into the small icons, -1 for
-    // none. Throws AutomationError (5) when the row cannot be added.
-    int Add(int position, const std::wstring& text, int image = -1);
+    // Inserts a row with an unchecked box and answers its position. Throws AutomationError (5) when the row
+    // cannot be added.
+    int Add(int position, const std::wstring& text);
     void Remove(int position);
 
     // Each throws AutomationError (9) for a row that does not exist.
@@ -48,5 +52,6 @@ protected:
 private:
     void CheckPosition(int position) const;
 
+    int m_rowImage = I_IMAGENONE;
     bool m_settingCheck = false;
 };

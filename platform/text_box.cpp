@@ -19,7 +19,8 @@ LRESULT CALLBACK TextBox::Procedure(HWND hwnd, UINT message, WPARAM wParam, LPAR
                                     DWORD_PTR self) {
     const LRESULT result = DefSubclassProc(hwnd, message, wParam, lParam);
     // With Alt or F10 the release comes as a system key's.
-    if (message == WM_KEYUP || message == WM_SYSKEYUP) Guarded([&] { Raise(reinterpret_cast<TextBox*>(self)->KeyUp); });
+    if (message == WM_KEYUP || message == WM_SYSKEYUP)
+        Guarded([&] { Raise(reinterpret_cast<TextBox*>(self)->KeyUp); });
     if (message == WM_NCDESTROY) RemoveWindowSubclass(hwnd, Procedure, 0);
     return result;
 }

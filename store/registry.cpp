@@ -16,7 +16,7 @@ constexpr REGSAM kWriteAccess = KEY_SET_VALUE;
 constexpr DWORD kClassLength = 511;
 constexpr size_t kClassBuffer = 512;
 
-// Longer than the record is; Windows asks for no exact length.
+// Longer than the record, which Windows does not mind.
 constexpr DWORD kSecurityAttributesLength = 50;
 
 // RegSetValueExA looks at the byte behind the counted data of the string types: when it is a NUL, the system
@@ -158,11 +158,11 @@ long Registry::CVLBigEndian(const std::string& bytes) const {
                              ByteAt(bytes, 0) << 24);
 }
 
-Variant Registry::ASCIIZ(std::wstring x) const {
-    return std::wstring_view(x).substr(0, x.find(L'\0'));
+Variant Registry::ASCIIZ(std::wstring_view x) const {
+    return x.substr(0, x.find(L'\0'));
 }
 
-bool Registry::AdjustPrivilege(std::wstring pPriv, bool /*bSet*/) const {
+bool Registry::AdjustPrivilege(std::wstring_view pPriv, bool /*bSet*/) const {
     // Never closed by design: the token stays open until the process ends.
     HANDLE token = nullptr;
     if (!OpenProcessToken(GetCurrentProcess(), TOKEN_ADJUST_PRIVILEGES | TOKEN_QUERY, &token)) return false;

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <string>
+#include <string_view>
 
 #include "platform/variant.h"
 
@@ -50,11 +51,11 @@ public:
     long CVLBigEndian(const std::string& bytes) const;
 
     // x up to its first NUL, as text.
-    Variant ASCIIZ(std::wstring x) const;
+    Variant ASCIIZ(std::wstring_view x) const;
 
     // Enables a privilege of the process, whatever bSet says; true when the system took the request. Leaves
     // the process token open until the process ends.
-    bool AdjustPrivilege(std::wstring pPriv, bool bSet) const;
+    bool AdjustPrivilege(std::wstring_view pPriv, bool bSet) const;
 
 private:
     // The bytes to store and one more behind them, which is not to be counted.

@@ -3,10 +3,7 @@
 
 #include <windows.h>
 #include <objbase.h>
-#include <tlhelp32.h>
 
-#include <algorithm>
-#include <cstring>
 #include <string>
 #include <vector>
 
@@ -20,12 +17,12 @@
 #include "standin.h"
 #include "standin/engine/resource.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/program.h"
 
 namespace {
 
 constexpr wchar_t kEngineProgram[] = L"SentrelStandin.exe";
 constexpr wchar_t kWindowTitle[] = L"Sentrel Stand-in";
-constexpr DWORD kEndMilliseconds = 10000;
 
 // A BSTR argument.
 class Text {
@@ -44,19 +41,11 @@ std::wstring TakeText(BSTR text) {
 }
 
 std::vector<DWORD> EngineProcesses() {
-    std::vector<DWORD> ids;
-    const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0);
-    PROCESSENTRY32W entry{};
-    entry.dwSize = sizeof(entry);
-    for (BOOL more = Process32FirstW(snapshot, &entry); more; more = Process32NextW(snapshot, &entry)) {
-        if (lstrcmpiW(entry.szExeFile, kEngineProgram) == 0) ids.push_back(entry.th32ProcessID);
-    }
-    CloseHandle(snapshot);
-    return ids;
+    return ProcessesOf(kEngineProgram);
 }
 
 bool EngineEnds() {
-    return PumpUntil([] { return EngineProcesses().empty(); }, kEndMilliseconds);
+    return ProgramEnds(kEngineProgram);
 }
 
 template <class Interface>
@@ -210,27 +199,6 @@ struct TestValue {
 
     ~TestValue() { RegDeleteKeyW(HKEY_CURRENT_USER, kKey); }
 };
-
-HANDLE StartByHand() {
-    std::wstring path = ServerDirectory();
-    path.resize(path.find_last_of(L'\\') + 1);
-    std::wstring commandLine = L'"' + path + kEngineProgram + L'"';
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    REQUIRE(CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                           &startup, &process));
-    CloseHandle(process.hThread);
-    return process.hProcess;
-}
-
-DWORD ExitCodeOf(HANDLE process) {
-    CHECK(PumpUntil([&] { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }, kEndMilliseconds));
-    DWORD code = STILL_ACTIVE;
-    GetExitCodeProcess(process, &code);
-    CloseHandle(process);
-    return code;
-}
 
 HWND EngineWindow() {
     return FindWindowW(nullptr, kWindowTitle);
@@ -424,16 +392,18 @@ TEST_CASE("Setting the state raises nothing") {
 TEST_CASE("Each event can be raised by order, and changes nothing else") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
-    EventLog log(popup.Get());
+    const TemporaryPath log;
+    EventLog events(popup.Get());
+    CHECK(engine.control->put_LogFile(Text(log.path)) == S_OK);
     CHECK(engine.control->put_State(9) == S_OK);
     CHECK(engine.control->RaiseKilled(-7, Text(L"Buy now \x2013 caf\xe9")) == S_OK);
     CHECK(engine.control->RaisePaused() == S_OK);
     CHECK(engine.control->RaiseStarted() == S_OK);
     CHECK(engine.control->RaiseStopped() == S_OK);
-    CHECK(log.events == Events{L"Killed -7 Buy now \x2013 caf\xe9", L"Paused", L"Started", L"Stopped"});
+    CHECK(events.events == Events{L"Killed -7 Buy now \x2013 caf\xe9", L"Paused", L"Started", L"Stopped"});
     CHECK(engine.State() == 9);
     CHECK(engine.Calls() == L"CreatePopup hwnd=1234 form=5678 mode=2\r\n");
-    CHECK(GetFileAttributesW(engine.LogFile().c_str()) == INVALID_FILE_ATTRIBUTES);
+    CHECK(GetFileAttributesW(log.path.c_str()) == INVALID_FILE_ATTRIBUTES);
 }
 
 TEST_CASE("Events reach every connected client and nobody who has disconnected") {
@@ -584,11 +554,12 @@ TEST_CASE("ReloadSettings tells what a watched value held when it arrived") {
 
 TEST_CASE("The log lies in the user's own folder until told otherwise, and is not made by asking") {
     const EngineProcess engine;
-    const std::wstring path = engine.LogFile();
     const wchar_t* const folder = _wgetenv(L"APPDATA");
     REQUIRE(folder != nullptr);
-    CHECK(path == std::wstring(folder) + L"\\Sentrel closed windows.log");
     CHECK(GetFileAttributesW(folder) != INVALID_FILE_ATTRIBUTES);
+    const std::wstring path = std::wstring(folder) + L"\\Sentrel closed windows.log";
+    DeleteFileW(path.c_str());
+    CHECK(engine.LogFile() == path);
     CHECK(GetFileAttributesW(path.c_str()) == INVALID_FILE_ATTRIBUTES);
 
     const TemporaryPath other;
@@ -630,7 +601,7 @@ TEST_CASE("Started by hand, the engine that serves the clients opens its window"
     const std::vector<DWORD> serving = EngineProcesses();
     REQUIRE(serving.size() == 1);
 
-    CHECK(ExitCodeOf(StartByHand()) == 0);
+    CHECK(RunProgram(kEngineProgram) == 0);
     REQUIRE(EngineWindow() != nullptr);
     CHECK(IsWindowVisible(EngineWindow()));
     DWORD owner = 0;
@@ -662,7 +633,7 @@ TEST_CASE("Started by hand, the engine that serves the clients opens its window"
 
 TEST_CASE("An open window keeps the engine running, closing it ends it") {
     EndEngine();
-    CHECK(ExitCodeOf(StartByHand()) == 0);
+    CHECK(RunProgram(kEngineProgram) == 0);
     REQUIRE(EngineWindow() != nullptr);
     {
         const ComPtr<_Popup> popup = CreatePopup();
@@ -672,7 +643,7 @@ TEST_CASE("An open window keeps the engine running, closing it ends it") {
     CHECK(EngineProcesses().size() == 1);
     // A second start brings the same window to the front.
     const HWND window = EngineWindow();
-    CHECK(ExitCodeOf(StartByHand()) == 0);
+    CHECK(RunProgram(kEngineProgram) == 0);
     CHECK(EngineWindow() == window);
     PostMessageW(window, WM_CLOSE, 0, 0);
     CHECK(EngineEnds());

@@ -3,7 +3,6 @@
 import struct
 import zlib
 
-PNG_FROM_SIZE = 64  # entries below are plain bitmaps, which Windows before Vista can read
 GIF_MATTE = (248, 248, 248)  # between a white page and a light grey one
 GIF_THRESHOLD = 40  # alpha below this becomes transparent: GIF knows no half-transparent pixel
 
@@ -119,23 +118,8 @@ def png(rows):
             + chunk(b"IEND", b""))
 
 
-def icon_bitmap(rows):
-    """The icon form of a bitmap: bottom row first, doubled height, a 1-bit mask after the colours."""
-    size = len(rows)
-    colours, mask = bytearray(), bytearray()
-    for row in reversed(rows):
-        bits = 0
-        for red, green, blue, alpha in row:
-            colours += bytes((blue, green, red, alpha))
-            bits = bits * 2 + (alpha == 0)
-        stride = (size + 31) // 32 * 4
-        mask += (bits << (stride * 8 - size)).to_bytes(stride, "big")
-    header = struct.pack("<IiiHHIIiiII", 40, size, size * 2, 1, 32, 0, len(colours) + len(mask), 0, 0, 0, 0)
-    return header + bytes(colours) + bytes(mask)
-
-
 def ico(pictures):
-    images = [png(rows) if len(rows) >= PNG_FROM_SIZE else icon_bitmap(rows) for rows in pictures]
+    images = [png(rows) for rows in pictures]
     offset = 6 + 16 * len(images)
     directory = struct.pack("<HHH", 0, 1, len(images))
     for rows, image in zip(pictures, images):

@@ -19,12 +19,13 @@ BODY_DARK = "#148A8F"
 ARROW = "#FFB020"
 ARROW_DARK = "#F08A00"
 POLE = "#FFFFFF"
+LENS = "#D5F1F0"
 POPUP_FRAME = "#D0344C"
 POPUP_BODY = "#FFE9E4"
 POPUP_BUTTON = "#FFFFFF"
 
 APP_SIZES = (16, 20, 24, 32, 40, 48, 64, 128, 256)
-TRAY_SIZES = (16, 20, 24, 32)
+TRAY_SIZES = (16, 20, 24, 32)  # of the lists' pictures too
 LOGO_SIZES = (96, 120, 144, 192)
 TRAY_FRAMES = 3
 MASTER = 96
@@ -148,6 +149,31 @@ def tray_frame(size, number):
     return canvas.rgba()
 
 
+# The pictures of the lists, in sixteenths of their size.
+
+def list_banner(size):
+    unit = size / 16
+    at = lambda *edges: rectangle(*(int(edge * unit + 0.5) for edge in edges))
+    canvas = Canvas(size, size)
+    canvas.fill(at(0, 3, 16, 13), TITLE)
+    canvas.fill(at(1, 4, 15, 12), POLE)
+    canvas.fill(at(2, 5, 6, 11), ARROW)
+    canvas.fill(at(7, 6, 14, 7), BODY_LIGHT)
+    canvas.fill(at(7, 9, 12, 10), BODY_LIGHT)
+    return canvas.rgba()
+
+
+def list_search(size):
+    unit = size / 16
+    middle = 6.5 * unit
+    canvas = Canvas(size, size)
+    canvas.fill(polygon(*((x * unit, y * unit) for x, y in ((9, 11), (11, 9), (16, 14), (14, 16)))), ARROW_DARK)
+    canvas.fill(disc(middle, middle, 6.5 * unit), TITLE)
+    canvas.erase(disc(middle, middle, 4.5 * unit))
+    canvas.fill(disc(middle, middle, 4.5 * unit), LENS)
+    return canvas.rgba()
+
+
 def opaque_edges(rows):
     """What is left of the picture in a GIF."""
     return [[(0, 0, 0, 0) if colour is None else colour + (255,) for colour in row] for row in flatten(rows)]
@@ -199,6 +225,8 @@ def main():
     arguments = parser.parse_args()
 
     icons = {"calvane.ico": [mark(size) for size in APP_SIZES], "tray_rest.ico": [mark(size) for size in TRAY_SIZES]}
+    for name, draw in (("list_banner.ico", list_banner), ("list_search.ico", list_search)):
+        icons[name] = [draw(size) for size in TRAY_SIZES]
     for number in range(TRAY_FRAMES):
         icons[f"tray_{number}.ico"] = [tray_frame(size, number) for size in TRAY_SIZES]
     logos = {f"logo_{size}.gif": mark(size) for size in LOGO_SIZES}

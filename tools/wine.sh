@@ -71,10 +71,20 @@ MakeTemplate() {
         rm -rf "$kTemplate"
         WINEPREFIX=$kTemplate WINEARCH=$arch DISPLAY='' FillPrefix >"$kTemplate.log" 2>&1 || continue
         OwnUserFolders "$kTemplate"
+        OwnFonts "$kTemplate"
         touch "$kTemplate.complete"
         return 0
     done
     return 1
+}
+
+# Debian puts Wine's own fonts where Wine does not look: without them dialogs are measured in another font, and window
+# buttons show letters instead of symbols.
+OwnFonts() {
+    local font
+    for font in /usr/share/wine/fonts/{marlett,tahoma,tahomabd}.ttf; do
+        [[ ! -e $font ]] || cp "$font" "$1/drive_c/windows/Fonts/"
+    done
 }
 
 # Wine links Desktop, Documents and the like to the home directory; in here they become directories of their own.

@@ -106,7 +106,7 @@ void EngineControl::ReloadSettings() {
 std::wstring EngineControl::LogFile() {
     BSTR path = nullptr;
     ThrowIfFailed(Engine()->get_LogFile(&path));
-    const std::wstring text(path == nullptr ? L"" : path, SysStringLen(path));
+    std::wstring text(path == nullptr ? L"" : path, SysStringLen(path));
     SysFreeString(path);
     return text;
 }

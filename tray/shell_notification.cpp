@@ -81,11 +81,7 @@ STDMETHODIMP ShellNotification::AnimateIcon(SAFEARRAY** pPics, LONG lngInterval,
     return ComMethod([&] {
         if (m_bTerminated) return;
         m_tmrAni = std::make_unique<CalvaneTime>();
-        m_tmrAni->TimerFired = [this](LONG lngTHandle) {
-            // A picture box of another process may let in the call that releases this object.
-            const ComPtr<IUnknown> self(static_cast<_ShellNotification*>(this));
-            m_tmrAni_TimerFired(lngTHandle);
-        };
+        m_tmrAni->TimerFired = [this](LONG lngTHandle) { m_tmrAni_TimerFired(lngTHandle); };
         m_tmrAni->Interval(lngInterval);
         m_lngPicsPerCycle = lngPicsPerCycle;
         m_lngFrameCounter = 0;
@@ -98,6 +94,8 @@ STDMETHODIMP ShellNotification::AnimateIcon(SAFEARRAY** pPics, LONG lngInterval,
 
 // The picture with the number of the upper bound is never shown: its place is the resting icon's.
 void ShellNotification::m_tmrAni_TimerFired(LONG) {
+    // A picture box of another process may let in the call that releases this object.
+    const ComPtr<IUnknown> self(static_cast<_ShellNotification*>(this));
     if (m_lngFrameCounter == m_frames.UpperBound()) {
         EndAnimation();
         return;
@@ -122,8 +120,9 @@ void ShellNotification::EndAnimation() {
 }
 
 // A picture box of another process may let in the call that lets go of the picture.
-void ShellNotification::FillRecord(ComPtr<IDispatch> picture) {
-    const HICON icon = IconOf(picture.Get());
+void ShellNotification::FillRecord(IDispatch* picture) {
+    const ComPtr<IDispatch> held(picture);
+    const HICON icon = IconOf(picture);
     m_record = MakeNotifyIconRecord(m_lgHwnd, m_lgCallBackMsg, icon, m_strToolTip);
 }
 
@@ -137,7 +136,7 @@ void ShellNotification::Add() {
 void ShellNotification::AddAgain() {
     const ComPtr<IUnknown> self(static_cast<_ShellNotification*>(this));
     if (--m_triesLeft <= 0) m_tmrAdd.Stop();
-    ResumeNext([&] { FillRecord(m_oPic); });
+    ResumeNext([&] { FillRecord(m_oPic.Get()); });
     if (!m_bIconAdded) return;
     if (NotifyShell(NIM_MODIFY, m_record) || NotifyShell(NIM_ADD, m_record)) m_tmrAdd.Stop();
 }
@@ -145,7 +144,7 @@ void ShellNotification::AddAgain() {
 void ShellNotification::OnTaskbarCreated() {
     if (!m_bIconAdded) return;
     m_tmrAdd.Stop();
-    ResumeNext([&] { FillRecord(m_oPic); });
+    ResumeNext([&] { FillRecord(m_oPic.Get()); });
     if (m_bIconAdded) Add();
 }
 

@@ -60,7 +60,7 @@ protected:
 private:
     ~ShellNotification() override;
 
-    void FillRecord(ComPtr<IDispatch> picture);
+    void FillRecord(IDispatch* picture);
     void Add();
     void AddAgain();
     void ModifyIcon(IDispatch* pPic);

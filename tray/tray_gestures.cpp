@@ -28,7 +28,7 @@ TrayGestures::TrayGestures(TrayMenu& menu, TrayWindow& window, bool& theOKtoUnlo
     menu.mnuExit_Click = [this] { mnuExit_Click(); };
 }
 
-void TrayGestures::Connect(HWND configHwnd, IUnknown* m_oShellIcon) {
+void TrayGestures::Connect(HWND configHwnd, IUnknown* shellIcon) {
     m_configHwnd = configHwnd;
     EventHandlers handlers;
     handlers[kMouseUp] = [this](const DISPPARAMS& arguments) {
@@ -36,7 +36,7 @@ void TrayGestures::Connect(HWND configHwnd, IUnknown* m_oShellIcon) {
                              *ByReference(arguments, 1, VT_R4).pfltVal,
                              *ByReference(arguments, 0, VT_R4).pfltVal);
     };
-    m_iconEvents.emplace(m_oShellIcon, __uuidof(__ShellNotification), std::move(handlers));
+    m_iconEvents.emplace(shellIcon, __uuidof(__ShellNotification), std::move(handlers));
 }
 
 void TrayGestures::mnuShowConfig_Click() {

@@ -17,9 +17,9 @@ public:
     TrayGestures(const TrayGestures&) = delete;
     TrayGestures& operator=(const TrayGestures&) = delete;
 
-    // configHwnd: the configuration window, from now on. m_oShellIcon: the tray icon, whose events are
+    // configHwnd: the configuration window, from now on. shellIcon: the tray icon, whose events are
     // listened to until Disconnect and which is held that long. Throws AutomationError when it has no events.
-    void Connect(HWND configHwnd, IUnknown* m_oShellIcon);
+    void Connect(HWND configHwnd, IUnknown* shellIcon);
     void Disconnect() noexcept { m_iconEvents.reset(); }
 
     void mnuShowConfig_Click();

@@ -1,5 +1,8 @@
 #include <doctest.h>
 
+#include <windows.h>
+#include <winioctl.h>
+
 #include "platform/automation_error.h"
 #include "platform/handle.h"
 #include "tests/closed_log/log_page.h"
@@ -154,6 +157,70 @@ TEST_CASE_FIXTURE(LogPage,
         CHECK(lstClosedWnd.List(i).starts_with(std::to_wstring(12 - i) + L"x"));
 }
 
+TEST_CASE_FIXTURE(LogPage, "memory that runs out while the log is read passes to the caller as an error") {
+    folder.Write(L"closed.log", "A\r\n");
+    struct Fake {
+        static BOOL WINAPI Read(HANDLE, LPVOID, DWORD, LPDWORD, LPOVERLAPPED) { throw std::bad_alloc(); }
+    };
+    const ImportPatch patch("kernel32.dll", "ReadFile", &Fake::Read);
+    CHECK(ErrorOf([&] { log.ReadClosedLog(); }) == E_OUTOFMEMORY);
+    CHECK(lstClosedWnd.ListCount() == 0);
+}
+
+TEST_CASE_FIXTURE(LogPage, "the list is drawn once, after the reading, also when it fails") {
+    folder.Write(L"closed.log", "A\r\nB\r\n");
+    static std::vector<UINT> s_messages;
+    static std::vector<WPARAM> s_redraw;
+    struct Watch {
+        static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                          DWORD_PTR) {
+            if (message == WM_SETREDRAW) s_redraw.push_back(wParam);
+            if (message == WM_SETREDRAW || message == LB_RESETCONTENT || message == LB_INSERTSTRING) {
+                s_messages.push_back(message);
+            }
+            return DefSubclassProc(hwnd, message, wParam, lParam);
+        }
+    };
+    s_messages.clear();
+    s_redraw.clear();
+    SetWindowSubclass(lstClosedWnd.Hwnd(), Watch::Procedure, 1, 0);
+    SUBCASE("read") {
+        log.ReadClosedLog();
+        CHECK(s_messages == std::vector<UINT>{WM_SETREDRAW, LB_RESETCONTENT, LB_INSERTSTRING, LB_INSERTSTRING,
+                                              WM_SETREDRAW});
+    }
+    SUBCASE("not found") {
+        path = folder.Folder();
+        CHECK(FAILED(ErrorOf([&] { log.ReadClosedLog(); })));
+        CHECK(s_messages == std::vector<UINT>{WM_SETREDRAW, LB_RESETCONTENT, WM_SETREDRAW});
+    }
+    CHECK(s_redraw == std::vector<WPARAM>{FALSE, TRUE});
+    RemoveWindowSubclass(lstClosedWnd.Hwnd(), Watch::Procedure, 1);
+}
+
+TEST_CASE_FIXTURE(LogPage, "a log of more than four gigabytes shows its newest lines") {
+    folder.Write(L"closed.log", "old\r\n");
+    {
+        const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                          FILE_ATTRIBUTE_NORMAL, nullptr));
+        DWORD done = 0;
+        // Where the file system has no sparse files this fails, and the test takes its time.
+        DeviceIoControl(file.Get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &done, nullptr);
+        LARGE_INTEGER size{};
+        size.QuadPart = 5'000'000'000;
+        REQUIRE(SetFilePointerEx(file.Get(), size, nullptr, FILE_BEGIN));
+        REQUIRE(SetEndOfFile(file.Get()));
+    }
+    std::string lines = "\r\n";
+    for (int i = 1; i <= 30; ++i)
+        lines += "line " + std::to_string(i) + "\r\n";
+    Append(path, lines);
+    log.ReadClosedLog();
+    REQUIRE(lstClosedWnd.ListCount() == 25);
+    CHECK(lstClosedWnd.List(0) == L"line 30");
+    CHECK(lstClosedWnd.List(24) == L"line 6");
+}
+
 TEST_CASE_FIXTURE(LogPage, "a log that grows between two readings shows the new lines at the next one") {
     CHECK(Show("A\r\nB") == Rows{L"B", L"A"});
     Append(path, "C\r\n");
@@ -201,7 +268,10 @@ TEST_CASE("the plain reading splits a file as the scripting runtime does") {
                                 "A\r\n\nB\r",
                                 "\r\r\n\r",
                                 "\xE9\xFF\r\n\xFE"};
-    const ComPtr<IDispatch> files = CreateByName(L"Scripting.FileSystemObject");
+    CLSID classId{};
+    REQUIRE(SUCCEEDED(CLSIDFromProgID(L"Scripting.FileSystemObject", &classId)));
+    ComPtr<IDispatch> files;
+    REQUIRE(SUCCEEDED(CoCreateInstance(classId, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&files))));
     for (const std::string& log : logs) {
         const std::wstring path = folder.Write(L"closed.log", log);
         const ComPtr<IDispatch> stream = ObjectIn(

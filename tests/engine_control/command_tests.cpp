@@ -32,7 +32,7 @@ TEST_CASE_FIXTURE(EngineFixture,
     ConnectQuietly();
     const DWORD start = GetTickCount();
     engine.mnuStartKiller_Click();
-    PumpFor(300);
+    PumpFor(200);
     CHECK(server.script.calls.empty());
     REQUIRE(Tick());
     CHECK(GetTickCount() - start >= 480);

@@ -15,48 +15,6 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-// A configuration window that keeps what is asked of it, and the calls to Windows in between.
-struct GesturesFixture : TrayWindow {
-    GesturesFixture() { current = this; }
-    ~GesturesFixture() { current = nullptr; }
-
-    void ShowModeless() override { calls.push_back("Show"); }
-    void PopupTrayMenu(bool pauseIsDefault) override {
-        calls.push_back(pauseIsDefault ? "Pop up, pause is default" : "Pop up");
-    }
-
-    static BOOL WINAPI SetForeground(HWND hwnd) {
-        current->calls.push_back("SetForegroundWindow");
-        current->target = hwnd;
-        return FALSE;
-    }
-
-    static BOOL WINAPI Post(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-        current->calls.push_back("Post " + std::to_string(message) + ' ' + std::to_string(wParam) + ' ' +
-                                 std::to_string(lParam) + (current->b_OKtoUnload ? " unloading" : ""));
-        current->target = hwnd;
-        return TRUE;
-    }
-
-    void MouseUp(float x) {
-        short button = 1;
-        short shift = 2;
-        float y = 3;
-        gestures.m_oShellIcon_MouseUp(button, shift, x, y);
-    }
-
-    static inline GesturesFixture* current = nullptr;
-
-    PlainWindow window;
-    TrayMenu menu;
-    bool b_OKtoUnload = false;
-    TrayGestures gestures{menu, *this, b_OKtoUnload};
-    Calls calls;
-    HWND target = nullptr;
-    const ImportPatch setForegroundWindow{"user32.dll", "SetForegroundWindow", &SetForeground};
-    const ImportPatch post{"user32.dll", "PostMessageA", &Post};
-};
-
 // An object with the icon's events, which unlike the icon raises them.
 class RaisingIcon final : public IUnknown {
 public:
@@ -105,6 +63,49 @@ public:
     EventSource events;
 };
 
+// A configuration window that keeps what is asked of it, and the calls to Windows in between.
+struct GesturesFixture : TrayWindow {
+    GesturesFixture() { current = this; }
+    ~GesturesFixture() { current = nullptr; }
+
+    void ShowModeless() override { calls.push_back("Show"); }
+    void PopupTrayMenu(bool pauseIsDefault) override {
+        calls.push_back(pauseIsDefault ? "Pop up, pause is default" : "Pop up");
+    }
+
+    static BOOL WINAPI SetForeground(HWND hwnd) {
+        current->calls.push_back("SetForegroundWindow");
+        current->target = hwnd;
+        return FALSE;
+    }
+
+    static BOOL WINAPI Post(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+        current->calls.push_back("Post " + std::to_string(message) + ' ' + std::to_string(wParam) + ' ' +
+                                 std::to_string(lParam) + (current->b_OKtoUnload ? " unloading" : ""));
+        current->target = hwnd;
+        return TRUE;
+    }
+
+    void MouseUp(float x) {
+        short button = 1;
+        short shift = 2;
+        float y = 3;
+        gestures.m_oShellIcon_MouseUp(button, shift, x, y);
+    }
+
+    static inline GesturesFixture* current = nullptr;
+
+    PlainWindow window;
+    RaisingIcon icon;
+    TrayMenu menu;
+    bool b_OKtoUnload = false;
+    TrayGestures gestures{menu, *this, b_OKtoUnload};
+    Calls calls;
+    HWND target = nullptr;
+    const ImportPatch setForegroundWindow{"user32.dll", "SetForegroundWindow", &SetForeground};
+    const ImportPatch post{"user32.dll", "PostMessageA", &Post};
+};
+
 }  // namespace
 
 TEST_CASE_FIXTURE(GesturesFixture, "opening the configuration shows the window") {
@@ -114,7 +115,6 @@ TEST_CASE_FIXTURE(GesturesFixture, "opening the configuration shows the window")
 }
 
 TEST_CASE_FIXTURE(GesturesFixture, "leaving lets the window unload, then posts it a close message") {
-    RaisingIcon icon;
     gestures.Connect(window.Hwnd(), &icon);
     menu.mnuExit_Click();
     CHECK(calls == Calls{"Post 16 0 0 unloading"});
@@ -136,7 +136,6 @@ TEST_CASE_FIXTURE(GesturesFixture, "leaving works although the icon has no event
 
 TEST_CASE_FIXTURE(GesturesFixture,
                   "a double click in twips brings the window to the foreground and shows it") {
-    RaisingIcon icon;
     gestures.Connect(window.Hwnd(), &icon);
     MouseUp(7725);
     CHECK(calls == Calls{"SetForegroundWindow", "Show"});
@@ -159,7 +158,6 @@ TEST_CASE_FIXTURE(GesturesFixture, "any other position only brings the window to
 }
 
 TEST_CASE_FIXTURE(GesturesFixture, "the icon's event reaches its handler until it is disconnected") {
-    RaisingIcon icon;
     gestures.Connect(window.Hwnd(), &icon);
     CHECK(icon.events.ConnectionCount() == 1);
     CHECK(icon.RaiseMouseUp(7725) == S_OK);
@@ -173,7 +171,6 @@ TEST_CASE_FIXTURE(GesturesFixture, "the icon's event reaches its handler until i
 }
 
 TEST_CASE_FIXTURE(GesturesFixture, "an event with other arguments than its own is refused") {
-    RaisingIcon icon;
     gestures.Connect(window.Hwnd(), &icon);
     CHECK(icon.Raise({}) == HresultOf(ErrorNumber::TypeMismatch));
     CHECK(icon.Raise(std::vector<VARIANT>(4)) == HresultOf(ErrorNumber::TypeMismatch));
@@ -181,9 +178,9 @@ TEST_CASE_FIXTURE(GesturesFixture, "an event with other arguments than its own i
 }
 
 TEST_CASE_FIXTURE(GesturesFixture, "the real icon can be listened to and is let go of again") {
-    const auto icon = MakeObject<ShellNotification>();
-    gestures.Connect(window.Hwnd(), static_cast<IDispatch*>(icon.Get()));
+    const auto real = MakeObject<ShellNotification>();
+    gestures.Connect(window.Hwnd(), static_cast<IDispatch*>(real.Get()));
     gestures.Disconnect();
-    CHECK(icon->AddRef() == 2);
-    CHECK(icon->Release() == 1);
+    CHECK(real->AddRef() == 2);
+    CHECK(real->Release() == 1);
 }

@@ -79,20 +79,26 @@ struct MenuWithListener {
 
 using Clicks = std::vector<std::string>;
 
-// Types a key into the menu once it is shown.
+// Types a key into the menu once it is shown, and some time later Esc, for a menu that the key did not close.
 struct TypedKey {
     TypedKey(HWND window, WPARAM theKey) : hwnd(window), key(theKey) {
         current = this;
-        SetTimer(hwnd, 77, 100, Type);
+        SetTimer(hwnd, kKeyTimer, 100, Type);
+        SetTimer(hwnd, kEscapeTimer, 600, Type);
     }
-    ~TypedKey() { current = nullptr; }
+    ~TypedKey() {
+        KillTimer(hwnd, kKeyTimer);
+        KillTimer(hwnd, kEscapeTimer);
+        current = nullptr;
+    }
 
     static void CALLBACK Type(HWND window, UINT, UINT_PTR id, DWORD) {
         KillTimer(window, id);
-        if (current == nullptr) return;
-        PostMessageW(window, WM_KEYDOWN, current->key, 1);
+        PostMessageW(window, WM_KEYDOWN, id == kKeyTimer ? current->key : VK_ESCAPE, 1);
     }
 
+    static constexpr UINT_PTR kKeyTimer = 77;
+    static constexpr UINT_PTR kEscapeTimer = 78;
     static inline TypedKey* current = nullptr;
     const HWND hwnd;
     const WPARAM key;

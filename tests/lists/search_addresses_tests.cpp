@@ -131,6 +131,25 @@ TEST_CASE_FIXTURE(SearchPage, "an edited row keeps its place and its box") {
     CHECK(changes == 2);
 }
 
+TEST_CASE_FIXTURE(SearchPage,
+                  "the row to edit is the whole number that the index comes to, and 0 is a new row") {
+    const auto enter = [this](const wchar_t* index) {
+        frmAddSearch dialog;
+        dialog.ListReference(lvwSearchURLs);
+        dialog.SearchName(L"New");
+        dialog.SearchURL(L"http://new");
+        dialog.SearchIndex(index);
+        const DialogScript script({kOK});
+        dialog.ShowModal(window.Hwnd());
+    };
+    enter(L"1.6");
+    CHECK(lvwSearchURLs.Count() == 2);
+    CHECK(Row(2) == L"New|http://new|False");
+    enter(L"0.0");
+    CHECK(lvwSearchURLs.Count() == 3);
+    CHECK(Row(3) == L"New|http://new|True");
+}
+
 TEST_CASE_FIXTURE(SearchPage, "a row with empty texts is edited with empty texts") {
     AddRow(L"", L"", false);
     lvwSearchURLs.Select(3);

@@ -183,15 +183,22 @@ TEST_CASE("the pointer over the link is a hand") {
     page.lblNavSite.Caption(kAddress);
     ShowWindow(page.window.Hwnd(), SW_SHOW);
     UpdateWindow(page.window.Hwnd());
+    SetWindowPos(page.lblNavSite.Hwnd(), HWND_TOP, 0, 0, 150, 24, 0);
+    UpdateWindow(page.lblNavSite.Hwnd());
     POINT point{10, 6};
-    const LPARAM packed = MAKELPARAM(point.x, point.y);
     ClientToScreen(page.lblNavSite.Hwnd(), &point);
-    SetCursorPos(point.x, point.y);
     SetCursor(LoadCursorW(nullptr, IDC_ARROW));
-    SendMessageW(page.lblNavSite.Hwnd(), WM_SETCURSOR, reinterpret_cast<WPARAM>(page.lblNavSite.Hwnd()),
-                 MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
-    SendMessageW(page.lblNavSite.Hwnd(), WM_MOUSEMOVE, 0, packed);
-    CHECK(GetCursor() == LoadCursorW(nullptr, IDC_HAND));
+    SetCursorPos(point.x, point.y);
+    // The control asks where the pointer was at the last message, so that message must have come.
+    const bool isHand = PumpUntil(
+        [&] {
+            const HWND link = page.lblNavSite.Hwnd();
+            SendMessageW(link, WM_SETCURSOR, reinterpret_cast<WPARAM>(link),
+                         MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+            return GetCursor() == LoadCursorW(nullptr, IDC_HAND);
+        },
+        2000);
+    CHECK(isHand);
 }
 
 TEST_CASE("the tab key reaches the link and passes the logo by") {

@@ -233,12 +233,12 @@ void RegistryWatch::Closed(HKEY key) {
 
 std::string Quoted(const std::string& bytes) {
     std::string text = "\"";
-    for (const char byte : bytes) {
-        if (byte >= ' ' && byte <= '~') {
-            text += byte;
+    for (const char character : bytes) {
+        if (character >= ' ' && character <= '~') {
+            text += character;
         } else {
             char code[8];
-            std::snprintf(code, sizeof(code), "\\%02x", static_cast<unsigned char>(byte));
+            std::snprintf(code, sizeof(code), "\\%02x", static_cast<unsigned char>(character));
             text += code;
         }
     }

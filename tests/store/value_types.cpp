@@ -1,6 +1,8 @@
 // How each value type is stored, byte by byte, and read back.
 #include <doctest.h>
 
+#include <cstdint>
+
 #include "platform/automation_error.h"
 #include "store/registry.h"
 #include "tests/support/test_hive.h"
@@ -266,8 +268,7 @@ TEST_CASE("Text whose stored length is odd is read up to its last whole characte
     const BYTE odd[] = {'a', 0, 'b', 0, 'c'};
     for (const DWORD type : {REG_SZ, REG_EXPAND_SZ, REG_MULTI_SZ}) {
         CAPTURE(type);
-        // The wide function takes the bytes as they are, but completes text that ends in the middle of a
-        // character.
+        // What becomes of the half character at the end is the system's affair.
         REQUIRE(RegSetValueExW(key, L"Value", 0, type, odd, sizeof(odd)) == ERROR_SUCCESS);
         const ReadBack read = ReadValue(L"Value");
         CHECK(read.isRead);

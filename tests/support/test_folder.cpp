@@ -1,6 +1,7 @@
 #include "tests/support/test_folder.h"
 
-#include <filesystem>
+#include <doctest.h>
+
 #include <stdexcept>
 
 #include "platform/handle.h"
@@ -22,20 +23,38 @@ void WriteAll(HANDLE file, std::string_view bytes) {
     }
 }
 
+// Takes paths of any length.
+bool RemoveTree(const std::wstring& path) {
+    WIN32_FIND_DATAW entry{};
+    const HANDLE search = FindFirstFileW((path + L"\\*").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE) return false;
+    do {
+        const std::wstring name = entry.cFileName;
+        if (name == L"." || name == L"..") continue;
+        const std::wstring child = path + L'\\' + name;
+        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+            RemoveTree(child);
+        } else {
+            DeleteFileW(child.c_str());
+        }
+    } while (FindNextFileW(search, &entry));
+    FindClose(search);
+    return RemoveDirectoryW(path.c_str()) != FALSE;
+}
+
 }  // namespace
 
 TestFolder::TestFolder() {
     static int s_count = 0;
     wchar_t temporary[MAX_PATH + 1]{};
     GetTempPathW(MAX_PATH + 1, temporary);
-    m_path =
-        temporary + (L"calvane" + std::to_wstring(GetCurrentProcessId()) + L'_' + std::to_wstring(++s_count));
+    m_path = temporary + (L"calvane" + std::to_wstring(GetCurrentProcessId()) + L'_' +
+                          std::to_wstring(GetTickCount()) + L'_' + std::to_wstring(++s_count));
     if (!CreateDirectoryW(m_path.c_str(), nullptr)) throw std::runtime_error("a test folder cannot be made");
 }
 
 TestFolder::~TestFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(L"\\\\?\\" + m_path, ignored);
+    CHECK_MESSAGE(RemoveTree(L"\\\\?\\" + m_path), "a test left its folder behind");
 }
 
 std::wstring TestFolder::Write(const std::wstring& name, std::string_view bytes) const {

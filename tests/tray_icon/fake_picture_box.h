@@ -18,6 +18,9 @@ public:
     // Called each time somebody asks for the picture, before the answer.
     std::function<void()> asked;
 
+    // Called when the last reference goes.
+    std::function<void()> gone;
+
     // What asking for the picture answers.
     HRESULT result = S_OK;
 
@@ -31,7 +34,9 @@ public:
                         UINT*) override;
 
 private:
-    ~FakePictureBox() = default;
+    ~FakePictureBox() {
+        if (gone) gone();
+    }
 
     LONG m_references = 1;
     const LONG m_handle;

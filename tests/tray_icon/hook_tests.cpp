@@ -6,6 +6,7 @@
 
 #include "platform/automation_error.h"
 #include "tests/support/plain_window.h"
+#include "tests/support/test_window.h"
 #include "tests/tray_icon/hook_calls.h"
 #include "tray/bas_shell_notify.h"
 
@@ -138,6 +139,19 @@ TEST_CASE("the previous procedure is not put back when the property cannot be re
     }
     CHECK(window.Procedure() == HookProcedure());
     UnhookTrayWindow(window.Hwnd());
+}
+
+TEST_CASE("a Unicode window gets its messages through the hook and its own procedure back") {
+    TestWindow window({});
+    REQUIRE(IsWindowUnicode(window.Hwnd()));
+    const LONG before = GetWindowLongW(window.Hwnd(), GWL_WNDPROC);
+    REQUIRE(HookTrayWindow(window.Hwnd()));
+    SetWindowTextW(window.Hwnd(), L"Calvane");
+    wchar_t caption[20] = L"";
+    GetWindowTextW(window.Hwnd(), caption, 20);
+    CHECK(std::wstring(caption) == L"Calvane");
+    UnhookTrayWindow(window.Hwnd());
+    CHECK(GetWindowLongW(window.Hwnd(), GWL_WNDPROC) == before);
 }
 
 TEST_CASE("a double click on the icon shows the window") {

@@ -72,8 +72,7 @@ TEST_CASE("two timers on one window fire for themselves") {
     first.Interval(10);
     second.Interval(10);
     first.Start(window.Hwnd());
-    PumpFor(60);
-    CHECK(firstFired > 0);
+    CHECK(PumpUntil([&] { return firstFired > 1; }));
     CHECK(secondFired == 0);
 }
 

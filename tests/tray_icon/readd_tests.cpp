@@ -3,26 +3,12 @@
 #include <utility>
 
 #include "tests/support/message_pump.h"
+#include "tests/tray_icon/timer_calls.h"
 #include "tests/tray_icon/tray_icon_fixture.h"
 
 namespace {
 
 using Actions = std::vector<DWORD>;
-
-// Keeps the periods of the timers that are started, and makes long ones short.
-struct TimerPeriods {
-    TimerPeriods() : patch("user32.dll", "SetTimer", &Fake) { current = this; }
-    ~TimerPeriods() { current = nullptr; }
-
-    static UINT_PTR WINAPI Fake(HWND hwnd, UINT_PTR id, UINT period, TIMERPROC procedure) {
-        current->periods.push_back(period);
-        return current->patch.Original<decltype(&Fake)>()(hwnd, id, 10, procedure);
-    }
-
-    static inline TimerPeriods* current = nullptr;
-    std::vector<UINT> periods;
-    const ImportPatch patch;
-};
 
 }  // namespace
 
@@ -67,7 +53,7 @@ TEST_CASE_FIXTURE(TrayIconFixture,
 
 TEST_CASE_FIXTURE(TrayIconFixture,
                   "a refused add is tried again every two seconds until the shell takes it") {
-    TimerPeriods timers;
+    TimerCalls timers;
     int refusals = 3;
     shell.answer = [&](DWORD action) { return action == NIM_ADD && refusals-- <= 0 ? TRUE : FALSE; };
     SetUp();
@@ -80,7 +66,7 @@ TEST_CASE_FIXTURE(TrayIconFixture,
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "an icon that the shell took without saying so is not added twice") {
-    TimerPeriods timers;
+    TimerCalls timers;
     shell.answer = [](DWORD action) { return action == NIM_ADD ? FALSE : TRUE; };
     SetUp();
     REQUIRE(PumpUntil([&] { return shell.calls.size() >= 2; }));
@@ -89,7 +75,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "an icon that the shell took without saying s
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "a shell that always refuses is left alone after half a minute of tries") {
-    TimerPeriods timers;
+    TimerCalls timers;
     shell.answer = [](DWORD) { return FALSE; };
     SetUp();
     // 15 times 2 seconds, each a change and an add.
@@ -100,7 +86,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "a shell that always refuses is left alone af
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "an icon that was taken at once is never tried again") {
-    TimerPeriods timers;
+    TimerCalls timers;
     SetUp();
     PumpFor(50);
     CHECK(timers.periods.empty());
@@ -108,26 +94,28 @@ TEST_CASE_FIXTURE(TrayIconFixture, "an icon that was taken at once is never trie
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "removing a refused icon ends the tries") {
-    TimerPeriods timers;
+    TimerCalls timers;
     shell.answer = [](DWORD) { return FALSE; };
     SetUp();
     icon->RemoveIcon();
+    CHECK_FALSE(timers.AnyRuns());
     PumpFor(80);
     CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "the owner's release ends the tries") {
-    TimerPeriods timers;
+    TimerCalls timers;
     shell.answer = [](DWORD) { return FALSE; };
     SetUp();
     icon.Reset();
+    CHECK_FALSE(timers.AnyRuns());
     PumpFor(80);
     CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture,
                   "the owner's release from within a try is survived, and the icon stays away") {
-    TimerPeriods timers;
+    TimerCalls timers;
     shell.answer = [](DWORD) { return FALSE; };
     SetUp();
     rest->asked = [this] {
@@ -140,7 +128,7 @@ TEST_CASE_FIXTURE(TrayIconFixture,
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "a new taskbar that refuses the icon is tried again too") {
-    TimerPeriods timers;
+    TimerCalls timers;
     SetUp();
     int refusals = 1;
     shell.answer = [&](DWORD action) { return action == NIM_ADD && refusals-- <= 0 ? TRUE : FALSE; };

@@ -1,0 +1,112 @@
+// Which messages of the main loop are the window's.
+#include <doctest.h>
+
+#include "app/resource.h"
+#include "tests/entry/inside.h"
+#include "tests/support/plain_window.h"
+
+namespace {
+
+HWND Window() {
+    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
+}
+
+MSG Key(HWND window, WPARAM key) {
+    MSG message{};
+    message.hwnd = window;
+    message.message = WM_KEYDOWN;
+    message.wParam = key;
+    message.lParam = 1;
+    return message;
+}
+
+// The state of the keyboard as this thread sees it.
+struct HeldKeys {
+    explicit HeldKeys(std::initializer_list<int> keys) {
+        GetKeyboardState(before);
+        BYTE state[256]{};
+        for (const int key : keys)
+            state[key] = 0x80;
+        SetKeyboardState(state);
+    }
+    HeldKeys(const HeldKeys&) = delete;
+    HeldKeys& operator=(const HeldKeys&) = delete;
+    ~HeldKeys() { SetKeyboardState(before); }
+
+    BYTE before[256]{};
+};
+
+int SelectedTab() {
+    return static_cast<int>(SendDlgItemMessageW(Window(), IDC_TAB, TCM_GETCURSEL, 0, 0));
+}
+
+bool IsFormMessage(MSG message) {
+    return g_frmConfig->IsFormMessage(message);
+}
+
+}  // namespace
+
+TEST_CASE("without a window no message is the window's") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    const PlainWindow other;
+    CHECK(IsFormMessage(Key(GetDlgItem(Window(), IDC_TAB), VK_TAB)));
+    g_frmConfig->Unload();
+    CHECK_FALSE(IsFormMessage(Key(nullptr, VK_TAB)));
+    CHECK_FALSE(IsFormMessage(Key(other.Hwnd(), VK_TAB)));
+}
+
+TEST_CASE("keys of another window of the thread are left alone") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    const PlainWindow other;
+    const HeldKeys held{VK_CONTROL};
+    for (const WPARAM key : {VK_TAB, VK_NEXT, VK_PRIOR, VK_ESCAPE, VK_RETURN}) {
+        CHECK_FALSE(IsFormMessage(Key(other.Hwnd(), key)));
+    }
+    CHECK_FALSE(IsFormMessage(Key(nullptr, VK_TAB)));
+    CHECK(SelectedTab() == 0);
+}
+
+TEST_CASE("Ctrl with Tab, Page Down and Page Up walks the pages round, whoever has the focus") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    for (const HWND focus : {Window(), GetDlgItem(Window(), IDC_TAB), GetDlgItem(Window(), IDC_CMDOK)}) {
+        const HeldKeys held{VK_CONTROL};
+        for (const int expected : {1, 2, 3, 4, 5, 0}) {
+            CHECK(IsFormMessage(Key(focus, VK_TAB)));
+            CHECK(SelectedTab() == expected);
+        }
+        CHECK(IsFormMessage(Key(focus, VK_PRIOR)));
+        CHECK(SelectedTab() == 5);
+        CHECK(IsFormMessage(Key(focus, VK_NEXT)));
+        CHECK(SelectedTab() == 0);
+        const HeldKeys shift{VK_CONTROL, VK_SHIFT};
+        CHECK(IsFormMessage(Key(focus, VK_TAB)));
+        CHECK(SelectedTab() == 5);
+        CHECK(IsFormMessage(Key(focus, VK_NEXT)));
+        CHECK(SelectedTab() == 0);
+    }
+}
+
+TEST_CASE("the pages stay with another key held or without Ctrl") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    const HWND tabs = GetDlgItem(Window(), IDC_TAB);
+    {
+        const HeldKeys held{VK_CONTROL, VK_MENU};
+        IsFormMessage(Key(tabs, VK_TAB));
+        IsFormMessage(Key(tabs, VK_NEXT));
+        CHECK(SelectedTab() == 0);
+    }
+    {
+        const HeldKeys held{};
+        IsFormMessage(Key(tabs, VK_TAB));
+        CHECK(SelectedTab() == 0);
+    }
+    const HeldKeys held{VK_CONTROL};
+    MSG released = Key(tabs, VK_TAB);
+    released.message = WM_KEYUP;
+    IsFormMessage(released);
+    CHECK(SelectedTab() == 0);
+}

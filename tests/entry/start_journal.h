@@ -1,0 +1,55 @@
+// Writes down, in order, what the manager does with the outside while it starts.
+#pragma once
+
+#include <windows.h>
+#include <shellapi.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/engine_control/fake_engine.h"
+#include "tests/support/import_patch.h"
+
+// One at a time. Entries: "window" (the configuration window is made), "page" (one of its pages), "engine:"
+// and a member of the engine, "icon:" and the number that the shell is asked with (0 adds), "open:" and a key
+// of the store, "read:" and "write:" and a value. Two reads of the same value in a row are one entry.
+class StartJournal {
+public:
+    struct Entry {
+        std::string text;
+        LONG configHwnd;          // g_lngConfigHwnd at that moment
+        std::wstring loaderPath;  // g_strLoaderPath likewise
+    };
+
+    StartJournal();
+    StartJournal(const StartJournal&) = delete;
+    StartJournal& operator=(const StartJournal&) = delete;
+    ~StartJournal();
+
+    // The number of the first or last entry with this text; -1 where there is none.
+    int First(const std::string& text) const;
+    int Last(const std::string& text) const;
+    int Count(const std::string& text) const;
+
+    std::vector<Entry> entries;
+    FakeEngine engine;
+
+    // The shell takes icons; the taskbar of the screen is left alone.
+    static void Note(const std::string& text);
+
+private:
+    static HWND WINAPI MakeDialog(HINSTANCE instance, LPCWSTR resource, HWND parent, DLGPROC procedure,
+                                  LPARAM parameter);
+    static BOOL WINAPI Notify(DWORD message, PNOTIFYICONDATAA data);
+    static LONG WINAPI Open(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key);
+    static LONG WINAPI Query(HKEY key, LPCSTR value, LPDWORD reserved, LPDWORD type, LPBYTE data,
+                             LPDWORD size);
+    static LONG WINAPI Set(HKEY key, LPCSTR value, DWORD reserved, DWORD type, const BYTE* data, DWORD size);
+
+    static StartJournal* s_active;
+    const ImportPatch m_makeDialog;
+    const ImportPatch m_notify;
+    const ImportPatch m_open;
+    const ImportPatch m_query;
+    const ImportPatch m_set;
+};

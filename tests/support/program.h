@@ -1,0 +1,18 @@
+// The programs of the build, run as processes of their own.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+// The ids of the running processes of a program, by its file name.
+std::vector<DWORD> ProcessesOf(const wchar_t* program);
+
+// Whether no process of the program is left within the time. Messages are dispatched meanwhile.
+bool ProgramEnds(const wchar_t* program, DWORD milliseconds = 10000);
+
+// Runs a program from the folder above the test's own, where the build puts them, and answers its exit code;
+// STILL_ACTIVE when it does not end in time. Messages are dispatched meanwhile. Throws std::runtime_error
+// when it cannot be started.
+DWORD RunProgram(const wchar_t* program, const std::wstring& arguments = {}, DWORD milliseconds = 30000);
