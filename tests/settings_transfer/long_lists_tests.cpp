@@ -57,9 +57,9 @@ TEST_CASE("5,000 exclude rows are loaded and saved unchanged, at the price of th
     CHECK(page.ExcludeRows() == rows);
 }
 
-TEST_CASE("10,000 search addresses are loaded and saved unchanged, at the price of their registry calls") {
+TEST_CASE("4,000 search addresses are loaded and saved unchanged, at the price of their registry calls") {
     SettingsWindow page;
-    constexpr int kCount = 10000;
+    constexpr int kCount = 4000;
     for (int n = 1; n <= kCount; ++n) {
         const std::wstring number = std::to_wstring(n);
         page.user.Write(Schema::kSearchKey, number + L"Name", L"Engine " + number);
@@ -73,7 +73,7 @@ TEST_CASE("10,000 search addresses are loaded and saved unchanged, at the price 
     const std::vector<std::wstring> rows = SettingsWindow::Rows(page.lvwSearchURLs, 1);
     REQUIRE(rows.size() == kCount);
     CHECK(rows[2999] == L"Engine 3000|http://engine.example/3000|x");
-    CHECK(rows[9999] == L"Engine 10000|http://engine.example/10000|");
+    CHECK(rows[3999] == L"Engine 4000|http://engine.example/4000|");
 
     const DWORD saving = MillisecondsOf([&] { page.transfer.SaveSettings(); });
     MESSAGE("save " << saving << " ms");
