@@ -1,9 +1,10 @@
 #include "platform/dispatch_object.h"
 
 #include "platform/text.h"
+#include "platform/variant.h"
 
 ComPtr<ITypeInfo> OwnTypeInfo(int library, REFGUID interfaceId) {
-    const std::wstring path = ServerPath() + L'\\' + std::to_wstring(library);
+    const std::wstring path = ServerPath() + L'\\' + TextOf(static_cast<long>(library));
     ComPtr<ITypeLib> typeLibrary;
     ThrowIfFailed(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &typeLibrary));
     ComPtr<ITypeInfo> typeInfo;

@@ -1,9 +1,8 @@
 #include "platform/own_type_library.h"
 
-#include <cwchar>
-
 #include "platform/automation_error.h"
 #include "platform/text.h"
+#include "platform/variant.h"
 
 // In the import library of oleaut32, in none of its headers here.
 extern "C" {
@@ -54,7 +53,7 @@ std::wstring GuidText(REFGUID guid) {
 }
 
 OwnTypeLibrary::OwnTypeLibrary(int number) : m_path(ServerPath()) {
-    const std::wstring resource = m_path + L'\\' + std::to_wstring(number);
+    const std::wstring resource = m_path + L'\\' + TextOf(static_cast<long>(number));
     ThrowIfFailed(LoadTypeLibEx(resource.c_str(), REGKIND_NONE, &m_library));
     // Resource 1 is the one that the bare path of a file stands for.
     if (number != 1) m_path = resource;
@@ -70,7 +69,7 @@ OwnTypeLibrary::OwnTypeLibrary(int number) : m_path(ServerPath()) {
 
     wchar_t version[16];
     // The registry spells versions in hexadecimal.
-    swprintf(version, std::size(version), L"%x.%x", m_major, m_minor);
+    wsprintfW(version, L"%x.%x", m_major, m_minor);
     m_version = version;
     m_id = GuidText(m_guid);
     m_interfaces = RegisteredInterfaces(*m_library.Get());

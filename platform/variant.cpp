@@ -1,5 +1,8 @@
 #include "platform/variant.h"
 
+#include <charconv>
+#include <iterator>
+#include <limits>
 #include <new>
 #include <utility>
 
@@ -103,8 +106,11 @@ std::wstring TextOf(double number) {
     return ToText(value);
 }
 
+// The standard library's wide formatting would bring all of printf into the program.
 std::wstring TextOf(long number) {
-    return std::to_wstring(number);
+    char digits[std::numeric_limits<long>::digits10 + 2];
+    const auto end = std::to_chars(std::begin(digits), std::end(digits), number).ptr;
+    return {std::begin(digits), end};
 }
 
 bool IsNumeric(std::wstring_view text) {

@@ -1,9 +1,11 @@
 #include "store/settings_schema.h"
 
+#include "platform/variant.h"
+
 namespace Schema {
 
 std::wstring Numbered(long n, std::wstring_view word) {
-    return std::to_wstring(n).append(word);
+    return TextOf(n).append(word);
 }
 
 }  // namespace Schema

@@ -52,6 +52,29 @@ TEST_CASE_FIXTURE(TrayIconFixture,
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture,
+                  "the owner's release while a new taskbar's icon is prepared leaves it away") {
+    SetUp();
+    rest->asked = [this] { icon->Class_Terminate(); };
+    icon->OnTaskbarCreated();
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "the resting picture lives while it is asked for its icon") {
+    SetUp();
+    bool isGone = false;
+    bool wasGone = true;
+    rest->gone = [&] { isGone = true; };
+    rest->asked = [&] {
+        icon->Class_Terminate();
+        wasGone = isGone;
+    };
+    rest.Reset();
+    icon->OnTaskbarCreated();
+    CHECK_FALSE(wasGone);
+    CHECK(isGone);
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture,
                   "a refused add is tried again every two seconds until the shell takes it") {
     TimerCalls timers;
     int refusals = 3;

@@ -1,0 +1,159 @@
+#include "tests/window/other_process.h"
+
+#include <commctrl.h>
+
+#include <stdexcept>
+
+#include "tests/support/manager.h"
+
+namespace {
+
+constexpr int kTextLength = 70000;
+
+// Memory of the process that a window belongs to: messages of the common controls carry addresses there.
+class RemoteMemory {
+public:
+    RemoteMemory(HWND window, size_t size) {
+        DWORD id = 0;
+        GetWindowThreadProcessId(window, &id);
+        m_process.Reset(OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id));
+        m_memory = VirtualAllocEx(m_process.Get(), nullptr, size, MEM_COMMIT, PAGE_READWRITE);
+        if (m_memory == nullptr) throw std::runtime_error("no memory in the other process");
+    }
+    RemoteMemory(const RemoteMemory&) = delete;
+    RemoteMemory& operator=(const RemoteMemory&) = delete;
+    ~RemoteMemory() { VirtualFreeEx(m_process.Get(), m_memory, 0, MEM_RELEASE); }
+
+    BYTE* Address() const { return static_cast<BYTE*>(m_memory); }
+    LPARAM Parameter() const { return reinterpret_cast<LPARAM>(m_memory); }
+
+    template <class Data>
+    void Write(const Data& data) {
+        WriteProcessMemory(m_process.Get(), m_memory, &data, sizeof(data), nullptr);
+    }
+
+    void Read(size_t offset, void* data, size_t size) const {
+        if (!ReadProcessMemory(m_process.Get(), Address() + offset, data, size, nullptr)) {
+            throw std::runtime_error("the other process cannot be read");
+        }
+    }
+
+private:
+    ProcessHandle m_process;
+    void* m_memory = nullptr;
+};
+
+// Sends a message whose structure, with the pointer member text, the other process fills with a text.
+template <class Item>
+std::wstring ItemText(HWND window, UINT message, WPARAM wParam, Item item, wchar_t* Item::*text) {
+    RemoteMemory memory(window, sizeof(Item) + kTextLength * sizeof(wchar_t));
+    item.*text = reinterpret_cast<wchar_t*>(memory.Address() + sizeof(Item));
+    item.cchTextMax = kTextLength;
+    memory.Write(item);
+    SendMessageW(window, message, wParam, memory.Parameter());
+    std::wstring result(kTextLength, L'\0');
+    memory.Read(sizeof(Item), result.data(), result.size() * sizeof(wchar_t));
+    result.resize(wcslen(result.c_str()));
+    return result;
+}
+
+int ColumnCount(HWND list) {
+    const auto header = reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0));
+    return static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
+}
+
+std::wstring CellText(HWND list, int row, int column) {
+    LVITEMW item{};
+    item.mask = LVIF_TEXT;
+    item.iSubItem = column;
+    return ItemText(list, LVM_GETITEMTEXTW, static_cast<WPARAM>(row), item, &LVITEMW::pszText);
+}
+
+Rows TextRows(HWND window, UINT count, UINT length, UINT text) {
+    Rows rows;
+    const auto number = static_cast<WPARAM>(SendMessageW(window, count, 0, 0));
+    for (WPARAM row = 0; row < number; ++row) {
+        std::wstring buffer(static_cast<size_t>(SendMessageW(window, length, row, 0)) + 1, L'\0');
+        SendMessageW(window, text, row, reinterpret_cast<LPARAM>(buffer.data()));
+        buffer.pop_back();
+        rows.push_back(buffer);
+    }
+    return rows;
+}
+
+}  // namespace
+
+std::wstring ClassOf(HWND window) {
+    wchar_t name[64]{};
+    GetClassNameW(window, name, 64);
+    return name;
+}
+
+std::wstring TextOf(HWND window) {
+    std::wstring text(static_cast<size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
+    text.resize(static_cast<size_t>(
+        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
+    return text;
+}
+
+std::wstring TabText(HWND tabs, int tab) {
+    TCITEMW item{};
+    item.mask = TCIF_TEXT;
+    return ItemText(tabs, TCM_GETITEMW, static_cast<WPARAM>(tab), item, &TCITEMW::pszText);
+}
+
+Rows ListBoxRows(HWND list) {
+    return TextRows(list, LB_GETCOUNT, LB_GETTEXTLEN, LB_GETTEXT);
+}
+
+Rows ComboItems(HWND combo) {
+    return TextRows(combo, CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT);
+}
+
+std::wstring ComboText(HWND combo) {
+    const LRESULT chosen = SendMessageW(combo, CB_GETCURSEL, 0, 0);
+    return chosen == CB_ERR ? L"" : ComboItems(combo)[static_cast<size_t>(chosen)];
+}
+
+Rows Headings(HWND list) {
+    Rows headings;
+    for (int column = 0; column < ColumnCount(list); ++column) {
+        LVCOLUMNW item{};
+        item.mask = LVCF_TEXT;
+        headings.push_back(
+            ItemText(list, LVM_GETCOLUMNW, static_cast<WPARAM>(column), item, &LVCOLUMNW::pszText));
+    }
+    return headings;
+}
+
+Rows ListViewRows(HWND list) {
+    Rows rows;
+    const auto count = static_cast<int>(SendMessageW(list, LVM_GETITEMCOUNT, 0, 0));
+    for (int row = 0; row < count; ++row) {
+        std::wstring text = CellText(list, row, 0);
+        for (int column = 1; column < ColumnCount(list); ++column)
+            text += L'|' + CellText(list, row, column);
+        const auto state = static_cast<UINT>(
+            SendMessageW(list, LVM_GETITEMSTATE, static_cast<WPARAM>(row), LVIS_STATEIMAGEMASK));
+        if (state == INDEXTOSTATEIMAGEMASK(2)) text += L"|x";
+        rows.push_back(text);
+    }
+    return rows;
+}
+
+SpinRange RangeOf(HWND spin) {
+    const auto range = static_cast<DWORD>(SendMessageW(spin, UDM_GETRANGE, 0, 0));
+    RemoteMemory memory(spin, 2 * sizeof(UDACCEL));
+    const LRESULT steps = SendMessageW(spin, UDM_GETACCEL, 2, memory.Parameter());
+    UDACCEL first{};
+    memory.Read(0, &first, sizeof(first));
+    return {static_cast<short>(HIWORD(range)), static_cast<short>(LOWORD(range)),
+            steps == 1 ? static_cast<int>(first.nInc) : 0};
+}
+
+HWND FocusOf(HWND window) {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof(info);
+    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+    return info.hwndFocus;
+}
