@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Takes a picture of each page of the configuration window on a virtual screen, then ends the manager and checks that
-# it is gone. Needs the programs of the release build.
+# Takes a picture of each page of the configuration window, of its dialogs and of the tray menu on a virtual screen,
+# then ends the manager and checks that it is gone. Needs the programs of the release build.
 #
 #   tools/screenshots.sh OUTDIR [DPI [PREFIX]]
 #
@@ -10,6 +10,12 @@ set -euo pipefail
 . "$(dirname "${BASH_SOURCE[0]}")/wine.sh"
 
 kPages=(1-settings 2-exclude 3-log 4-banners 5-search 6-about)
+# Picture, page, access key of the button that opens the dialog, title of the dialog.
+kDialogs='
+add-url          2  alt+u  Add Web Site URL
+add-banner-size  4  alt+n  New Banner Height and Width
+add-search       5  alt+s  Add Search Address
+'
 kBuildDir=$kBuildRoot/release
 kOutput=${1:?OUTDIR is missing}
 kDpi=${2:-96}
@@ -51,6 +57,50 @@ PageIsDrawn() {
     sleep 0.3
     import -silent -window "$window" "$1.again.png"
     ! Differ "$1" "$1.again.png"
+}
+
+FindDialog() {
+    dialog=$(xdotool search --onlyvisible --name "^$1\$" 2>/dev/null | head -1)
+    [[ -n $dialog ]]
+}
+
+DialogIsGone() {
+    ! FindDialog "$1"
+}
+
+# The About page is shown; a step further is the first page again.
+TakeDialogs() {
+    local name page key title shown=0
+    while read -r name page key title; do
+        [[ -n $name ]] || continue
+        for (( ; shown < page; shown++)); do
+            xdotool key ctrl+Tab
+            sleep 0.3
+        done
+        xdotool key "$key"
+        WaitFor 10 FindDialog "$title" || Fail "The dialog $title did not open"
+        sleep 0.3
+        import -silent -window "$dialog" "$kOutput/$name.png"
+        xdotool windowfocus "$dialog" key Escape
+        WaitFor 10 DialogIsGone "$title" || Fail "The dialog $title did not close"
+        xdotool windowfocus "$window"
+        echo "$kOutput/$name.png"
+    done <<<"$kDialogs"
+}
+
+# Where there is no taskbar Wine shows the icon in a window of its own, in the corner of the screen and above the menu:
+# it is moved away once the menu is open.
+TakeMenu() {
+    local tray
+    tray=$(xdotool search --onlyvisible --name '^Wine System Tray$' | head -1)
+    xdotool mousemove 12 32 click 3
+    sleep 1
+    xdotool windowmove "$tray" 500 0
+    sleep 0.3
+    import -silent -window root -crop 190x112+11+31 +repage "$kOutput/tray-menu.png"
+    xdotool key Escape
+    (($(identify -format %k "$kOutput/tray-menu.png") > 2)) || Fail "The tray menu did not open"
+    echo "$kOutput/tray-menu.png"
 }
 
 # A window without anything on it has one or two colours.
@@ -107,6 +157,8 @@ WaitFor 30 FindWindow || Fail "The window did not open"
 xdotool mousemove 0 0 windowfocus "$window"
 TakePictures
 CheckPictures
+TakeDialogs
+TakeMenu
 
 Wine 60 reg query 'HKCU\Software\Calvane' /s >"$kBuildRoot/store.txt" 2>&1 || Fail "The store is empty"
 cat "$kBuildRoot/store.txt"
