@@ -140,17 +140,22 @@ void EngineControl::m_oPopup_Stopped() {
 
 void EngineControl::mnuStartKiller_Click() {
     bStartPending = true;
-    m_tmMenu.Start(m_configHwnd);
+    EnableMenuTimer();
 }
 
 void EngineControl::mnuStopKiller_Click() {
     bStopPending = true;
-    m_tmMenu.Start(m_configHwnd);
+    EnableMenuTimer();
 }
 
 void EngineControl::mnuPauseKiller_Click() {
     bPausePending = true;
-    m_tmMenu.Start(m_configHwnd);
+    EnableMenuTimer();
+}
+
+// A command that follows another before its tick waits for that same tick.
+void EngineControl::EnableMenuTimer() {
+    if (!m_tmMenu.Running()) m_tmMenu.Start(m_configHwnd);
 }
 
 // An engine that takes longer than a period lets the next tick in: the command is not given twice.

@@ -66,6 +66,7 @@ public:
 private:
     void ConnectEvents();
     void ReadState();
+    void EnableMenuTimer();
     void ServeCommand();
     ComPtr<_Popup> Engine() const;
 

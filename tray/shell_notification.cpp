@@ -80,12 +80,13 @@ STDMETHODIMP ShellNotification::AnimateIcon(SAFEARRAY** pPics, LONG lngInterval,
     if (pPics == nullptr) return E_POINTER;
     return ComMethod([&] {
         if (m_bTerminated) return;
+        // Pictures that cannot be had leave a running animation as it is.
+        PictureArray frames(*pPics);
         m_tmrAni = std::make_unique<CalvaneTime>();
         m_tmrAni->TimerFired = [this](LONG lngTHandle) { m_tmrAni_TimerFired(lngTHandle); };
         m_tmrAni->Interval(lngInterval);
         m_lngPicsPerCycle = lngPicsPerCycle;
         m_lngFrameCounter = 0;
-        PictureArray frames(*pPics);
         m_frames = std::move(frames);
         m_bAnimating = true;
         m_tmrAni->Start(WindowOf(hwndOwner));

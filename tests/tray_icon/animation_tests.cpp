@@ -224,6 +224,15 @@ TEST_CASE_FIXTURE(TrayIconFixture, "an empty slot before the last ends the anima
     CHECK(shell.calls.back().Icon() == kRestHandle);
 }
 
+TEST_CASE_FIXTURE(TrayIconFixture, "an array that cannot be used leaves a running animation running") {
+    SetUp();
+    REQUIRE(Animate(20) == S_OK);
+    SAFEARRAY* none = nullptr;
+    CHECK(FAILED(icon->AnimateIcon(&none, 20, 1, window.Number())));
+    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    CHECK(IconsFrom(shell.calls, 0) == std::vector<DWORD>{100, 200, 201, 202, 202, 100});
+}
+
 TEST_CASE_FIXTURE(TrayIconFixture, "an animation needs an array of objects with one dimension") {
     SetUp();
     CHECK(icon->AnimateIcon(nullptr, 10, 1, window.Number()) == E_POINTER);
