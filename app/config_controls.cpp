@@ -7,7 +7,6 @@ namespace {
 constexpr const wchar_t* kPages[] = {L"Settings", L"Exclude", L"Log", L"Banners", L"Search", L"About"};
 constexpr const wchar_t* kBannerColumns[] = {L"Name", L"Width", L"Height"};
 constexpr const wchar_t* kSearchColumns[] = {L"Engine Name", L"Engine URL"};
-constexpr const wchar_t* kPauseKeys[] = {L"Alt", L"Ctrl", L"Shift", L"F6", L"F7", L"F8", L"F9", L"F10"};
 constexpr wchar_t kInitialSpeed[] = L"6";
 constexpr wchar_t kInitialPause[] = L"5";
 constexpr int kPauseLength = 3;  // characters
@@ -25,7 +24,7 @@ void ConfigControls::Design() {
         lvwBanners.AddColumn(heading);
     for (const wchar_t* const heading : kSearchColumns)
         lvwSearchURLs.AddColumn(heading);
-    for (const wchar_t* const key : kPauseKeys)
+    for (const wchar_t* const key : Schema::kPauseKeys)
         cboPauseKey.AddItem(key);
     txtSpeed.Text(kInitialSpeed);
     txtPause.Text(kInitialPause);

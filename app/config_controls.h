@@ -16,6 +16,7 @@
 #include "platform/tab_strip.h"
 #include "platform/text_box.h"
 #include "platform/up_down.h"
+#include "store/settings_schema.h"
 
 class ConfigControls {
 public:
@@ -54,7 +55,7 @@ public:
     Label Label4{L"Label4", IDC_LABEL4};
     Label Label3{L"Label3", IDC_LABEL3};
     TextBox txtPause{L"txtPause", IDC_TXTPAUSE};
-    UpDown udbPause{L"udbPause", IDC_UDBPAUSE, txtPause, 1, 30};
+    UpDown udbPause{L"udbPause", IDC_UDBPAUSE, txtPause, Schema::kShortestPause, Schema::kLongestPause};
     Label Label2{L"Label2", IDC_LABEL2};
 
     Label Label5{L"Label5", IDC_LABEL5};

@@ -9,6 +9,7 @@
 #include "app/frm_config.h"
 #include "platform/class_object.h"
 #include "platform/registration.h"
+#include "platform/server_security.h"
 #include "platform/type_libraries.h"
 
 namespace {
@@ -33,6 +34,10 @@ void RunMessageLoop() {
 }
 
 HRESULT Serve() {
+    // Before anything that could leave COM to choose the callers by itself.
+    const HRESULT admission = AdmitOwnUserOnly();
+    if (FAILED(admission)) return admission;
+
     const INITCOMMONCONTROLSEX classes{sizeof(classes), ICC_STANDARD_CLASSES | ICC_LINK_CLASS |
                                                             ICC_LISTVIEW_CLASSES | ICC_TAB_CLASSES |
                                                             ICC_UPDOWN_CLASS};

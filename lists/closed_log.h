@@ -32,7 +32,8 @@ public:
     void cmdClearList_Click();
 
 private:
-    bool AddEntry(std::string_view line);
+    // arePlain: no two of the lines so far can be the same text. Answers whether the line became a row.
+    bool AddEntry(std::string_view line, bool arePlain);
 
     ListBox& m_lstClosedWnd;
     Button& m_cmdAddTo;

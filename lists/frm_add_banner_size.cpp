@@ -64,10 +64,13 @@ void frmAddBannerSize::txtWidth_KeyUp() {
     EmptyUnlessNumeric(m_txtWidth);
 }
 
+// The texts come first: memory that runs out must not leave half a row.
 void frmAddBannerSize::AddBannerSizer() {
+    const std::wstring width = m_txtWidth.Text();
+    const std::wstring height = m_txtHeight.Text();
     const int position =
         m_lstRef->Add(m_lstRef->Count() + 1, kNamePrefix + TextOf(static_cast<long>(m_nBanCnt)));
     m_lstRef->Checked(position, true);
-    m_lstRef->SubItem(position, 1, m_txtWidth.Text());
-    m_lstRef->SubItem(position, 2, m_txtHeight.Text());
+    m_lstRef->SubItem(position, 1, width);
+    m_lstRef->SubItem(position, 2, height);
 }

@@ -40,14 +40,19 @@ void frmAddSearch::cmdCancel_Click() {
     Close();
 }
 
+// The texts come first: memory that runs out must not leave half a row.
 void frmAddSearch::AddSearcher() {
-    const int position = m_lstRef->Add(m_lstRef->Count() + 1, m_txtName.Text());
+    const std::wstring name = m_txtName.Text();
+    const std::wstring address = m_txtURL.Text();
+    const int position = m_lstRef->Add(m_lstRef->Count() + 1, name);
     m_lstRef->Checked(position, true);
-    m_lstRef->SubItem(position, 1, m_txtURL.Text());
+    m_lstRef->SubItem(position, 1, address);
 }
 
 void frmAddSearch::ModSearcher() {
     const short position = ToShort(Variant(m_txtIndex.Text()));
-    m_lstRef->Text(position, m_txtName.Text());
-    m_lstRef->SubItem(position, 1, m_txtURL.Text());
+    const std::wstring name = m_txtName.Text();
+    const std::wstring address = m_txtURL.Text();
+    m_lstRef->Text(position, name);
+    m_lstRef->SubItem(position, 1, address);
 }

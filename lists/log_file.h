@@ -9,7 +9,8 @@
 
 class LogFile {
 public:
-    // Creates an empty file where there is none. Throws AutomationError when the file cannot be opened.
+    // Creates an empty file where there is none. Throws AutomationError when the file cannot be opened, or is
+    // no file on a disk but a pipe or a device.
     explicit LogFile(const std::wstring& path);
 
     // In bytes, at the time of opening: what is appended later is not seen.

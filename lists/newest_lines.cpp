@@ -1,5 +1,7 @@
 #include "lists/newest_lines.h"
 
+#include <emmintrin.h>
+
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -35,14 +37,49 @@ inline bool Equal(const char* left, const char* right, std::size_t size) noexcep
     return true;
 }
 
+// How many bytes of a repeated line are compared at once.
+constexpr std::size_t kStep = 64;
+
+// Whether kStep bytes are equal; without a branch between them.
+inline bool EqualWords(const char* left, const char* right) noexcept {
+    Word difference = 0;
+    for (std::size_t i = 0; i < kStep; i += sizeof(Word))
+        difference |= WordAt(left + i) ^ WordAt(right + i);
+    return difference == 0;
+}
+
+[[gnu::target("sse2")]] inline bool EqualVectors(const char* left, const char* right) noexcept {
+    __m128i equal = _mm_set1_epi8(-1);
+    for (std::size_t i = 0; i < kStep; i += sizeof(__m128i)) {
+        const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i*>(left + i));
+        const __m128i there = _mm_loadu_si128(reinterpret_cast<const __m128i*>(right + i));
+        equal = _mm_and_si128(equal, _mm_cmpeq_epi8(here, there));
+    }
+    return _mm_movemask_epi8(equal) == 0xFFFF;
+}
+
+// Both go back from end by whole steps, not beyond begin, as long as the bytes equal those that lie distance
+// bytes behind them, and answer where they stopped.
+const char* SkipWords(const char* begin, const char* end, std::size_t distance) noexcept {
+    while (static_cast<std::size_t>(end - begin) >= kStep && EqualWords(end - kStep, end - kStep + distance))
+        end -= kStep;
+    return end;
+}
+
+[[gnu::target("sse2")]] const char* SkipVectors(const char* begin, const char* end,
+                                                std::size_t distance) noexcept {
+    while (static_cast<std::size_t>(end - begin) >= kStep &&
+           EqualVectors(end - kStep, end - kStep + distance))
+        end -= kStep;
+    return end;
+}
+
 // How many of the bytes before end, size at most, equal those that lie distance bytes behind them.
 inline std::size_t CountRepeated(const char* end, std::size_t distance, std::size_t size) noexcept {
+    // Windows 7 runs without SSE2 too.
+    static const auto skip = __builtin_cpu_supports("sse2") ? &SkipVectors : &SkipWords;
     const char* const begin = end - size;
-    const char* bytes = end;
-    while (static_cast<std::size_t>(bytes - begin) >= sizeof(Word) &&
-           WordAt(bytes - sizeof(Word)) == WordAt(bytes - sizeof(Word) + distance)) {
-        bytes -= sizeof(Word);
-    }
+    const char* bytes = skip(begin, end, distance);
     while (bytes != begin && bytes[-1] == bytes[distance - 1])
         --bytes;
     return static_cast<std::size_t>(end - bytes);
@@ -141,7 +178,7 @@ private:
     // has been taken.
     void MakeRoom() {
         const std::size_t held = m_end - m_begin;
-        const std::size_t wanted = held + std::max(held / 2, m_blockSize) + m_blockSize;
+        const std::size_t wanted = held + held / 2 + m_blockSize;
         const char* const unread = m_bytes.get() + m_begin;
         if (m_size < wanted || m_size / 2 > wanted) {
             auto bytes = std::make_unique_for_overwrite<char[]>(wanted);
@@ -168,15 +205,15 @@ private:
     bool m_done;
 };
 
-// Takes the next line when it is one of kept. Logs repeat themselves: the search starts at the line found
-// last.
+// Takes the next line when it is one of kept. Logs repeat themselves, and a line that repeats itself has been
+// taken as often as it does: the search starts behind the line found last.
 bool TakeKept(LinesFromEnd& lines, const std::vector<std::string>& kept, std::size_t& last) noexcept {
     for (std::size_t n = 0; n < kept.size(); ++n) {
+        if (++last >= kept.size()) last = 0;
         if (lines.NextIs(kept[last])) {
             lines.Take(kept[last].size());
             return true;
         }
-        if (++last == kept.size()) last = 0;
     }
     return false;
 }

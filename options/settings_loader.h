@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "options/list_layouts.h"
 #include "platform/check_box.h"
@@ -23,7 +24,8 @@ public:
     void Load(Control& control);
 
 private:
-    bool Read(const wchar_t* key, const std::wstring& name);
+    bool Read(const wchar_t* key, std::wstring_view name);
+    bool Read(const wchar_t* key, long n, const wchar_t* word);
     void LoadCheckBox(CheckBox& checkBox);
     void LoadTextBox(TextBox& textBox);
     void LoadRows(ListBox& list);

@@ -47,12 +47,15 @@ void SettingsSaver::Write(const wchar_t* key, const std::wstring& name, const Va
     m_registry.Save(HKEY_CURRENT_USER, key, L"", name, value, Schema::kTextType);
 }
 
-bool SettingsSaver::Delete(const wchar_t* key, const std::wstring& name) {
-    return m_registry.Delete(HKEY_CURRENT_USER, key, name);
+// Whatever keeps a value from being deleted, the list is written: it must not be lost half way.
+bool SettingsSaver::Delete(const wchar_t* key, long n, const wchar_t* word) {
+    bool isDeleted = false;
+    ResumeNext([&] { isDeleted = m_registry.Delete(HKEY_CURRENT_USER, key, Numbered(n, word)); });
+    return isDeleted;
 }
 
 // The number is made first: what does not convert leaves the stored one.
-void SettingsSaver::SaveTextBox(TextBox& textBox) {
+void SettingsSaver::SaveTextBox(const TextBox& textBox) {
     Variant value(textBox.Text());
     if (textBox.Name() == Schema::kPause) {
         value = Milliseconds(ToLong(value));
@@ -63,23 +66,24 @@ void SettingsSaver::SaveTextBox(TextBox& textBox) {
 }
 
 // What is stored behind a gap in the numbers stays there.
-void SettingsSaver::SaveRows(ListBox& list) {
-    for (long n = 0; Delete(Schema::kExcludeKey, Numbered(n, L"")); ++n)
-        continue;
+void SettingsSaver::SaveRows(const ListBox& list) {
+    long n = 0;
+    while (Delete(Schema::kExcludeKey, n, L""))
+        ++n;
     const int count = list.ListCount();
     for (int row = 0; row < count; ++row) {
         ResumeNext([&] { Write(Schema::kExcludeKey, Numbered(row, L""), list.List(row)); });
     }
 }
 
-void SettingsSaver::SaveEntries(ListView& list, const ListLayout& layout) {
+void SettingsSaver::SaveEntries(const ListView& list, const ListLayout& layout) {
     // The use is deleted last and decides whether there is a next entry to delete.
     bool goesOn = true;
     for (long i = 1; goesOn; ++i) {
-        Delete(layout.key, Numbered(i, Schema::kName));
+        Delete(layout.key, i, Schema::kName);
         for (const wchar_t* const field : layout.subItemFields)
-            Delete(layout.key, Numbered(i, field));
-        goesOn = Delete(layout.key, Numbered(i, Schema::kUse));
+            Delete(layout.key, i, field);
+        goesOn = Delete(layout.key, i, Schema::kUse);
     }
     const int count = list.Count();
     for (int i = 1; i <= count; ++i) {

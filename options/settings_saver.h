@@ -21,10 +21,10 @@ public:
 
 private:
     void Write(const wchar_t* key, const std::wstring& name, const Variant& value);
-    bool Delete(const wchar_t* key, const std::wstring& name);
-    void SaveTextBox(TextBox& textBox);
-    void SaveRows(ListBox& list);
-    void SaveEntries(ListView& list, const ListLayout& layout);
+    bool Delete(const wchar_t* key, long n, const wchar_t* word);
+    void SaveTextBox(const TextBox& textBox);
+    void SaveRows(const ListBox& list);
+    void SaveEntries(const ListView& list, const ListLayout& layout);
 
     const Registry& m_registry;
 };

@@ -40,9 +40,11 @@ void WriteText(const Registry& registry, const wchar_t* name, const std::wstring
 void SettingsTransfer::LoadSettings() {
     Registry registry;
     const LoadingFlag loading(m_changeMark.m_bLoading);
-    SettingsLoader loader(registry);
-    for (Control* const control : m_controls)
-        loader.Load(*control);
+    ResumeNext([&] {
+        SettingsLoader loader(registry);
+        for (Control* const control : m_controls)
+            loader.Load(*control);
+    });
     ResumeNext([&] { m_closedLog.ReadClosedLog(); });
     ResumeNext([&] { m_generalOptions.ReadStartupMode(registry); });
     // A stored key that is none of the items leaves the choice as it was.

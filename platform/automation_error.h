@@ -5,6 +5,7 @@
 
 #include <exception>
 #include <new>
+#include <stdexcept>
 #include <utility>
 
 class AutomationError : public std::exception {
@@ -42,6 +43,7 @@ void ThrowIfFailed(HRESULT result);
 
 // Runs one statement whose failure is to be ignored, so that the next one runs. Answers whether it ran
 // through. Being out of memory is one of those failures: to Automation it is an error like others, number 7.
+// So is a size that no memory could hold.
 template <class Statement>
 bool ResumeNext(Statement&& statement) {
     try {
@@ -50,6 +52,8 @@ bool ResumeNext(Statement&& statement) {
     } catch (const AutomationError&) {
         return false;
     } catch (const std::bad_alloc&) {
+        return false;
+    } catch (const std::length_error&) {
         return false;
     }
 }

@@ -1,7 +1,7 @@
 #include "platform/registration.h"
 
+#include <algorithm>
 #include <memory>
-#include <ranges>
 
 #include "platform/automation_error.h"
 #include "platform/com_method.h"
@@ -145,8 +145,9 @@ HRESULT UnregisterIn(const Place& place, const std::vector<RegistryEntry>& entri
     failure.Run([&] {
         const RegistryKey classes = OpenClasses(place);
         if (!classes) return;
-        for (const RegistryEntry& entry : entries | std::views::reverse)
+        std::for_each(entries.rbegin(), entries.rend(), [&](const RegistryEntry& entry) {
             failure.Run([&] { RemoveEntry(classes.Get(), entry); });
+        });
         for (const OwnTypeLibrary& library : libraries) {
             failure.Run([&] {
                 if (library.IsPresent(classes.Get())) library.Unregister(place.forUser);

@@ -1,6 +1,6 @@
 #include "platform/registry_journal.h"
 
-#include <ranges>
+#include <algorithm>
 
 #include "platform/automation_error.h"
 #include "platform/handle.h"
@@ -22,8 +22,7 @@ bool IsEmpty(HKEY key) {
 }  // namespace
 
 RegistryJournal::~RegistryJournal() {
-    for (const Step& step : m_steps | std::views::reverse)
-        Undo(step);
+    std::for_each(m_steps.rbegin(), m_steps.rend(), [this](const Step& step) { Undo(step); });
 }
 
 void RegistryJournal::Write(const RegistryEntry& entry) {

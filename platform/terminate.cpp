@@ -4,6 +4,7 @@
 // stdio, a tenth of the program. A program without a console just ends.
 namespace __gnu_cxx {
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the runtime has given it the name
 void __verbose_terminate_handler();
 
 void __verbose_terminate_handler() {

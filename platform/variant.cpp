@@ -113,6 +113,8 @@ std::wstring TextOf(long number) {
     return {std::begin(digits), end};
 }
 
+// Memory that runs out is no verdict on the text.
 bool IsNumeric(std::wstring_view text) {
-    return ResumeNext([&] { ToDouble(Variant(text)); });
+    const Variant value(text);
+    return ResumeNext([&] { ToDouble(value); });
 }

@@ -7,7 +7,7 @@
 
 namespace {
 
-// A value that cannot be written is passed over: where nothing can be written the mark stays missing as well,
+// A value that the store refuses is passed over: where nothing can be written the mark stays missing as well,
 // and the next start tries again.
 void SaveDefault(const Registry& registry, const wchar_t* key, const std::wstring& name,
                  const Variant& value) {
@@ -19,22 +19,21 @@ void SaveSetting(const Registry& registry, const Schema::Setting& setting) {
     SaveDefault(registry, Schema::kSettingsKey, setting.name, directory + setting.text);
 }
 
-}  // namespace
-
-void WriteFirstRunDefaults() {
-    const Registry registry;
-    Variant firstTime(L"");
-    long type = 0;
-    std::wstring keyClass;
-    // The mark counts by its presence: one that holds half a number is there, although reading it raises an
-    // error.
+// The mark counts by its presence: one that holds half a number is there, although reading it raises an
+// error.
+bool IsMarked(const Registry& registry) {
     bool isMarked = true;
     ResumeNext([&] {
+        Variant firstTime(L"");
+        long type = 0;
+        std::wstring keyClass;
         isMarked = registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, Schema::kFirstTime, firstTime, type,
                                  keyClass);
     });
-    if (isMarked) return;
+    return isMarked;
+}
 
+void WriteDefaults(const Registry& registry) {
     for (const Schema::Setting& setting : Schema::kOptionDefaults)
         SaveSetting(registry, setting);
 
@@ -57,4 +56,13 @@ void WriteFirstRunDefaults() {
 
     for (const Schema::Setting& setting : Schema::kClosingDefaults)
         SaveSetting(registry, setting);
+}
+
+}  // namespace
+
+// Memory that runs out ends the writing before the mark, so that the next start writes everything anew.
+void WriteFirstRunDefaults() {
+    const Registry registry;
+    if (IsMarked(registry)) return;
+    ResumeNext([&] { WriteDefaults(registry); });
 }

@@ -37,7 +37,14 @@ inline constexpr wchar_t kStartupMode[] = L"Startup";
 inline constexpr wchar_t kRunOnlyMode[] = L"RunOnly";
 inline constexpr wchar_t kManualMode[] = L"Manual";
 
+// What kPauseKey can hold, in the order in which the window offers it.
+inline constexpr const wchar_t* kPauseKeys[] = {L"Alt", L"Ctrl", L"Shift", L"F6",
+                                                L"F7",  L"F8",   L"F9",    L"F10"};
 inline constexpr wchar_t kDefaultPauseKey[] = L"Shift";
+
+// The pause times that the window offers, in seconds; kPause holds milliseconds.
+inline constexpr int kShortestPause = 1;
+inline constexpr int kLongestPause = 30;
 
 // Fields of the numbered lists, behind the entry's number. The Exclude key has none: its values are "0", "1",
 // ... kUrl and kURL name the same value, since the registry compares names without regard to case.

@@ -129,6 +129,17 @@ def ico(pictures):
     return directory + b"".join(images)
 
 
+def bmp(rows):
+    """Rows of red, green, blue, as a picture without transparency."""
+    lines = bytearray()
+    for row in reversed(rows):
+        line = b"".join(bytes((blue, green, red)) for red, green, blue in row)
+        lines += line + bytes(-len(line) % 4)
+    offset = 14 + 40
+    header = struct.pack("<2sIHHI", b"BM", offset + len(lines), 0, 0, offset)
+    return header + struct.pack("<IiiHHIIiiII", 40, len(rows[0]), len(rows), 1, 24, 0, len(lines), 2835, 2835, 0, 0) + lines
+
+
 def lzw(indices, code_size):
     out = BitWriter()
     clear, end = 1 << code_size, (1 << code_size) + 1

@@ -10,7 +10,7 @@ going through a pop-up window: it meets the window, has cut it, and the halves f
 import argparse
 import pathlib
 
-from art_formats import flatten, gif, ico, png
+from art_formats import bmp, flatten, gif, ico, png
 from art_raster import Canvas, Path, disc, grown, polygon, rectangle, round_rectangle
 
 TITLE = "#0F5F86"
@@ -20,6 +20,7 @@ ARROW = "#FFB020"
 ARROW_DARK = "#F08A00"
 POLE = "#FFFFFF"
 LENS = "#D5F1F0"
+WIZARD_TOP, WIZARD_BOTTOM = (255, 255, 255), (197, 231, 233)
 POPUP_FRAME = "#D0344C"
 POPUP_BODY = "#FFE9E4"
 POPUP_BUTTON = "#FFFFFF"
@@ -29,6 +30,8 @@ TRAY_SIZES = (16, 20, 24, 32)  # of the lists' pictures too
 LOGO_SIZES = (96, 120, 144, 192)
 TRAY_FRAMES = 3
 MASTER = 96
+WIZARD_SIZE = (164, 314)  # of the picture that the installer's first and last page show
+WIZARD_MARK = (128, 18, 93)  # size, left, top
 
 PREVIEW_GROUNDS = ((255, 255, 255), (240, 240, 240), (96, 96, 96), (28, 28, 28))
 PREVIEW_SCALES = (1, 4)
@@ -174,6 +177,21 @@ def list_search(size):
     return canvas.rgba()
 
 
+def wizard():
+    """The mark on a ground that grows darker downwards."""
+    width, height = WIZARD_SIZE
+    size, left, top = WIZARD_MARK
+    rows = []
+    for y in range(height):
+        ground = tuple(a + (b - a) * y // (height - 1) for a, b in zip(WIZARD_TOP, WIZARD_BOTTOM))
+        rows.append([ground] * width)
+    for y, line in enumerate(mark(size)):
+        for x, (*colour, a) in enumerate(line):
+            ground = rows[top + y][left + x]
+            rows[top + y][left + x] = tuple((c * a + g * (255 - a) + 127) // 255 for c, g in zip(colour, ground))
+    return rows
+
+
 def opaque_edges(rows):
     """What is left of the picture in a GIF."""
     return [[(0, 0, 0, 0) if colour is None else colour + (255,) for colour in row] for row in flatten(rows)]
@@ -236,6 +254,7 @@ def main():
         (arguments.directory / name).write_bytes(ico(pictures))
     for name, picture in logos.items():
         (arguments.directory / name).write_bytes(gif(picture))
+    (arguments.directory / "wizard.bmp").write_bytes(bmp(wizard()))
     if arguments.preview:
         shown = icons["calvane.ico"] + [rows for size in range(len(TRAY_SIZES)) for name, pictures in icons.items()
                                         if name != "calvane.ico" for rows in [pictures[size]]]

@@ -20,6 +20,8 @@ xdotool                     xdotool
 imagemagick                 import
 fonts-liberation            /usr/share/fonts/truetype/liberation
 fonts-wine                  /usr/share/wine/fonts/marlett.ttf
+nsis                        makensis
+libxml2-utils               xmllint
 '
 
 Have() {

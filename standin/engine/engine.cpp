@@ -21,8 +21,7 @@ constexpr DWORD kWatchedCharacters = 1024;
 std::wstring DefaultLogFile() {
     PWSTR folder = nullptr;
     const HRESULT result = SHGetKnownFolderPath(FOLDERID_RoamingAppData, 0, nullptr, &folder);
-    const std::wstring path =
-        SUCCEEDED(result) ? std::wstring(folder) + L"\\Sentrel closed windows.log" : L"";
+    std::wstring path = SUCCEEDED(result) ? std::wstring(folder) + L"\\Sentrel closed windows.log" : L"";
     CoTaskMemFree(folder);
     ThrowIfFailed(result);
     return path;

@@ -5,9 +5,9 @@
 
 #include <map>
 
-#include "tests/support/manager.h"
 #include "tests/support/shown_text.h"
 #include "tests/window/other_process.h"
+#include "tests/window/test_manager.h"
 
 namespace {
 
@@ -150,87 +150,40 @@ bool Overlap(HWND first, HWND second) {
     return IntersectRect(&common, &a, &b) != FALSE;
 }
 
+std::map<std::wstring, HWND> WindowsOf(Manager& manager) {
+    std::map<std::wstring, HWND> windows;
+    for (const Place& place : kControls)
+        windows[place.name] = manager.Control(place.name);
+    return windows;
+}
+
 bool IsEnabled(Manager& manager, const wchar_t* name) {
     return IsWindowEnabled(manager.Control(name)) != FALSE;
 }
 
 }  // namespace
 
-TEST_CASE("every control is of its kind and says exactly what it should") {
-    Manager manager;
-    CHECK(TextOf(manager.Window()) == L"Calvane");
+TEST_CASE("every control is of its kind, says exactly what it should, and starts as it should") {
+    TestManager manager;
+    CHECK(ShownText(manager.Window()) == L"Calvane");
     for (const Place& place : kControls) {
         CAPTURE(std::wstring(place.name));
         const HWND control = manager.Control(place.name);
         REQUIRE(IsWindow(control));
         CHECK(Is(control, place.kind));
-        if (place.caption != nullptr) CHECK(TextOf(control) == place.caption);
+        if (place.caption != nullptr) CHECK(ShownText(control) == place.caption);
     }
 
-    const std::wstring example = TextOf(manager.Control(L"Label5"));
+    const std::wstring example = ShownText(manager.Control(L"Label5"));
     CHECK(example.starts_with(L"Exclude Address  "));
     const size_t bracket = example.find_first_not_of(L' ', 15);
     REQUIRE(bracket != std::wstring::npos);
     CHECK(example[bracket] == L'(');
     CHECK(example.back() == L')');
     CHECK(example.find(L'.', bracket) != std::wstring::npos);
-    CHECK(TextOf(manager.Control(L"lblNavSite")).find(L"http://") != std::wstring::npos);
-    CHECK(TextOf(manager.Control(L"lblAbout")).find(L"2026") != std::wstring::npos);
-}
+    CHECK(ShownText(manager.Control(L"lblNavSite")).find(L"http://") != std::wstring::npos);
+    CHECK(ShownText(manager.Control(L"lblAbout")).find(L"2026") != std::wstring::npos);
 
-TEST_CASE("six tabs lie in one row, and each shows its own controls and no others") {
-    Manager manager;
-    manager.Instance(formShow);
-    const HWND tabs = manager.Control(L"tab");
-    CHECK(SendMessageW(tabs, TCM_GETITEMCOUNT, 0, 0) == kPages);
-    Rows captions;
-    for (int tab = 0; tab < kPages; ++tab)
-        captions.push_back(TabText(tabs, tab));
-    CHECK(captions == Rows{L"Settings", L"Exclude", L"Log", L"Banners", L"Search", L"About"});
-    CHECK(SendMessageW(tabs, TCM_GETROWCOUNT, 0, 0) == 1);
-    CHECK((StyleOf(tabs) & TCS_MULTILINE) == 0);
-    // A row that were too long for the window would have arrows to scroll it.
-    CHECK_FALSE(IsWindowVisible(FindWindowExW(tabs, nullptr, L"msctls_updown32", nullptr)));
-
-    for (int page = 0; page < kPages; ++page) {
-        SendMessageW(tabs, TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
-        for (const Place& place : kControls) {
-            CAPTURE(page);
-            CAPTURE(std::wstring(place.name));
-            const bool isShown = IsWindowVisible(manager.Control(place.name)) != FALSE;
-            CHECK(isShown == (place.page == page || place.page == kEveryPage));
-        }
-    }
-}
-
-TEST_CASE("controls lie within the window, their page and their frame, and do not cover each other") {
-    Manager manager;
-    manager.Instance(formShow);
-    std::map<std::wstring, HWND> windows;
-    for (const Place& place : kControls)
-        windows[place.name] = manager.Control(place.name);
-
-    const RECT window = BoundsOf(manager.Window());
-    for (const Place& place : kControls) {
-        CAPTURE(std::wstring(place.name));
-        const RECT bounds = BoundsOf(windows[place.name]);
-        CHECK(bounds.right > bounds.left);
-        CHECK(bounds.bottom > bounds.top);
-        CHECK(Contains(window, bounds));
-        if (place.page != kEveryPage) CHECK(Contains(BoundsOf(windows[L"tab"]), bounds));
-        if (place.frame != nullptr) CHECK(Contains(BoundsOf(windows[place.frame]), bounds));
-        if (place.kind == Kind::Frame || place.kind == Kind::Tabs) continue;
-        for (const Place& other : kControls) {
-            CAPTURE(std::wstring(other.name));
-            if (&other == &place || other.page != place.page) continue;
-            if (other.kind == Kind::Frame || other.kind == Kind::Tabs) continue;
-            CHECK_FALSE(Overlap(windows[place.name], windows[other.name]));
-        }
-    }
-}
-
-TEST_CASE("lists, combo box and spin controls have their columns, items and ranges") {
-    Manager manager;
     CHECK(Headings(manager.Control(L"lvwBanners")) == Rows{L"Name", L"Width", L"Height"});
     CHECK(Headings(manager.Control(L"lvwSearchURLs")) == Rows{L"Engine Name", L"Engine URL"});
     const LRESULT images = SendMessageW(manager.Control(L"lvwBanners"), LVM_GETIMAGELIST, LVSIL_SMALL, 0);
@@ -250,10 +203,69 @@ TEST_CASE("lists, combo box and spin controls have their columns, items and rang
 
     CHECK(RangeOf(manager.Control(L"udbSpeed")) == SpinRange{1, 10, 1});
     CHECK(RangeOf(manager.Control(L"udbPause")) == SpinRange{1, 30, 1});
+
+    for (const Place& place : kControls) {
+        CAPTURE(std::wstring(place.name));
+        const std::wstring name = place.name;
+        const bool isOff = name == L"cmdApply" || name == L"cmdRemoveURL" || name == L"cmdClearList";
+        CHECK(IsEnabled(manager, place.name) == !isOff);
+    }
+    CHECK(ListBoxRows(manager.Control(L"lstExclude")).empty());
+    CHECK(ListBoxRows(manager.Control(L"lstClosedWnd")).empty());
 }
 
-TEST_CASE("a spin control stops at its ends, and each step is marked as a change") {
-    Manager manager;
+TEST_CASE(
+    "six tabs lie in one row, and each shows its own controls, which do not cover each other, and no "
+    "others") {
+    TestManager manager;
+    manager.Instance(formShow);
+    const HWND tabs = manager.Control(L"tab");
+    CHECK(SendMessageW(tabs, TCM_GETITEMCOUNT, 0, 0) == kPages);
+    Rows captions;
+    for (int tab = 0; tab < kPages; ++tab)
+        captions.push_back(TabText(tabs, tab));
+    CHECK(captions == Rows{L"Settings", L"Exclude", L"Log", L"Banners", L"Search", L"About"});
+    CHECK(SendMessageW(tabs, TCM_GETROWCOUNT, 0, 0) == 1);
+    CHECK((StyleOf(tabs) & TCS_MULTILINE) == 0);
+    // A row that were too long for the window would have arrows to scroll it.
+    CHECK_FALSE(IsWindowVisible(FindWindowExW(tabs, nullptr, L"msctls_updown32", nullptr)));
+
+    const auto windows = WindowsOf(manager);
+    for (int page = 0; page < kPages; ++page) {
+        SendMessageW(tabs, TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
+        for (const Place& place : kControls) {
+            CAPTURE(page);
+            CAPTURE(std::wstring(place.name));
+            const bool isShown = IsWindowVisible(windows.at(place.name)) != FALSE;
+            CHECK(isShown == (place.page == page || place.page == kEveryPage));
+        }
+    }
+
+    const RECT window = BoundsOf(manager.Window());
+    for (const Place& place : kControls) {
+        CAPTURE(std::wstring(place.name));
+        const RECT bounds = BoundsOf(windows.at(place.name));
+        CHECK(bounds.right > bounds.left);
+        CHECK(bounds.bottom > bounds.top);
+        CHECK(Contains(window, bounds));
+        if (place.page != kEveryPage) CHECK(Contains(BoundsOf(windows.at(L"tab")), bounds));
+        if (place.frame != nullptr) CHECK(Contains(BoundsOf(windows.at(place.frame)), bounds));
+        if (place.kind == Kind::Frame || place.kind == Kind::Tabs) continue;
+        for (const Place& other : kControls) {
+            CAPTURE(std::wstring(other.name));
+            if (&other == &place || other.page != place.page) continue;
+            if (other.kind == Kind::Frame || other.kind == Kind::Tabs) continue;
+            // A spin control shares the border of its text box.
+            if (place.kind == Kind::Spin || other.kind == Kind::Spin) continue;
+            CHECK_FALSE(Overlap(windows.at(place.name), windows.at(other.name)));
+        }
+    }
+}
+
+TEST_CASE(
+    "a spin control stops at its ends and marks each step as a change; typing marks none, and is short for "
+    "the pause") {
+    TestManager manager;
     struct Spin {
         const wchar_t* box;
         const wchar_t* first;
@@ -270,34 +282,20 @@ TEST_CASE("a spin control stops at its ends, and each step is marked as a change
             }
         };
         press(VK_DOWN, 40);
-        CHECK(TextOf(box) == spin.first);
+        CHECK(ShownText(box) == spin.first);
         CHECK(IsEnabled(manager, L"cmdApply"));
         manager.Click(L"cmdApply");
         CHECK_FALSE(IsEnabled(manager, L"cmdApply"));
         press(VK_DOWN, 1);
-        CHECK(TextOf(box) == spin.first);
+        CHECK(ShownText(box) == spin.first);
         CHECK_FALSE(IsEnabled(manager, L"cmdApply"));
         press(VK_UP, 1);
-        CHECK(TextOf(box) == spin.second);
+        CHECK(ShownText(box) == spin.second);
         press(VK_UP, 40);
-        CHECK(TextOf(box) == spin.last);
+        CHECK(ShownText(box) == spin.last);
     }
-}
 
-TEST_CASE("a window that was just loaded offers no more than makes sense") {
-    Manager manager;
-    for (const Place& place : kControls) {
-        CAPTURE(std::wstring(place.name));
-        const std::wstring name = place.name;
-        const bool isOff = name == L"cmdApply" || name == L"cmdRemoveURL" || name == L"cmdClearList";
-        CHECK(IsEnabled(manager, place.name) == !isOff);
-    }
-    CHECK(ListBoxRows(manager.Control(L"lstExclude")).empty());
-    CHECK(ListBoxRows(manager.Control(L"lstClosedWnd")).empty());
-}
-
-TEST_CASE("no more than three characters can be typed into the pause, and typing marks no change") {
-    Manager manager;
+    manager.Click(L"cmdApply");
     manager.Type(L"txtPause", L"12345");
     CHECK(manager.Text(L"txtPause") == L"123");
     manager.Type(L"txtSpeed", L"12345");

@@ -9,7 +9,7 @@
 using Rows = std::vector<std::wstring>;
 
 std::wstring ClassOf(HWND window);
-std::wstring TextOf(HWND window);
+std::wstring ShownText(HWND window);
 
 // The text of the row of tabs, of a list box and of a combo box.
 std::wstring TabText(HWND tabs, int tab);

@@ -1,0 +1,41 @@
+// Two ways to do the same work, timed by turns in one run, and the ratio of their times.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+struct Side {
+    std::string name;
+    std::function<void()> run;
+    std::function<void()> prepare = [] {};  // before each run, not timed
+};
+
+struct Comparison {
+    std::string what;
+    std::string size;
+    Side measured;
+    Side beside;
+    int rounds = 15;
+    double wanted = 0;  // the highest median ratio that is accepted; 0 where none is set
+    int repeats = 1;    // runs within one timing, for work that is too short for the clock
+};
+
+// Milliseconds of one run.
+struct Times {
+    double measured;
+    double beside;
+};
+
+// Runs both sides once without timing them, then by turns, each round in the other order than the one before.
+std::vector<Times> Measure(const Comparison& comparison);
+
+// A row of the table: medians of the times, and minimum, median and maximum of the rounds' ratios. It goes to
+// the standard output.
+void Report(const Comparison& comparison);
+
+// A row for what is no ratio of times. value is compared with wanted; 0 accepts any.
+void ReportFigure(const std::string& what, const std::string& size, const std::string& figure);
+
+// The folder for large files: the first argument of the program, with a trailing separator.
+std::wstring FolderFor(int count, wchar_t** arguments);

@@ -1,0 +1,210 @@
+// What every page and dialog owes to those who do not see it, or use no mouse.
+#include <doctest.h>
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <map>
+
+#include "app/resource.h"
+#include "lists/resource.h"
+#include "tests/accessibility/surfaces.h"
+#include "tests/support/shown_text.h"
+#include "tests/window/other_process.h"
+
+namespace {
+
+bool IsNamedByLabel(HWND control) {
+    const Role role = RoleOf(control);
+    return role == Role::TextBox || role == Role::List || role == Role::Combo;
+}
+
+bool TakesPart(HWND control) {
+    const Role role = RoleOf(control);
+    return role != Role::Text && role != Role::Picture && role != Role::Frame;
+}
+
+bool IsTabStop(HWND control) {
+    return (StyleOf(control) & WS_TABSTOP) != 0;
+}
+
+wchar_t AccessKeyOf(HWND control) {
+    const std::wstring text = ShownText(control);
+    const size_t mark = text.find(L'&');
+    return mark == std::wstring::npos ? L'\0' : static_cast<wchar_t>(towupper(text[mark + 1]));
+}
+
+// Lower down, or further to the right in the same row.
+bool IsReadAfter(HWND control, HWND before) {
+    const RECT bounds = BoundsOf(control);
+    const RECT other = RoleOf(before) == Role::Tabs ? StripOf(before) : BoundsOf(before);
+    const bool isLower = bounds.top >= other.bottom;
+    const bool isInRow = bounds.top < other.bottom && other.top < bounds.bottom;
+    // A spin control covers the end of its text box.
+    return isLower || (isInRow && bounds.left >= other.right - (other.right - other.left) / 2);
+}
+
+std::vector<HWND> ByTabKey(const Surface& surface) {
+    std::vector<HWND> visited;
+    const HWND first = GetNextDlgTabItem(surface.window, nullptr, FALSE);
+    HWND next = first;
+    do {
+        visited.push_back(next);
+        next = GetNextDlgTabItem(surface.window, next, FALSE);
+    } while (next != first && visited.size() < 50);
+    return visited;
+}
+
+}  // namespace
+
+TEST_CASE("the dialogs are all there") {
+    Rows names;
+    ForEachSurface([&](const Surface& surface) { names.push_back(surface.name); });
+    CHECK(names == Rows{L"Settings", L"Exclude", L"Log", L"Banners", L"Search", L"About", L"Add Web Site URL",
+                        L"New Banner Height and Width", L"Add Search Address"});
+}
+
+TEST_CASE("a screen reader finds a name for every control") {
+    int labels = 0;
+    ForEachSurface([&](const Surface& surface) {
+        for (size_t i = 0; i < surface.controls.size(); ++i) {
+            const HWND control = surface.controls[i];
+            CAPTURE(Describe(surface, control));
+            if (IsNamedByLabel(control)) {
+                // Windows takes the name from the control before, whether or not it is shown.
+                const HWND label = GetWindow(control, GW_HWNDPREV);
+                REQUIRE(label != nullptr);
+                CHECK(RoleOf(label) == Role::Text);
+                CHECK_FALSE(TextOf(label).empty());
+                CHECK((StyleOf(label) & WS_VISIBLE) != 0);
+                ++labels;
+            } else if (RoleOf(control) == Role::Spin) {
+                const auto box = reinterpret_cast<HWND>(SendMessageW(control, UDM_GETBUDDY, 0, 0));
+                CHECK(box == GetWindow(control, GW_HWNDPREV));
+                CHECK(RoleOf(box) == Role::TextBox);
+            } else if (RoleOf(control) != Role::Tabs) {
+                CHECK_FALSE(TextOf(control).empty());
+            }
+        }
+    });
+    CHECK(labels == 3 + 1 + 1 + 1 + 1 + 1 + 2 + 2);
+}
+
+TEST_CASE("no access key occurs twice on a page or dialog but for the two that the captions force") {
+    Rows shared;
+    int keys = 0;
+    ForEachSurface([&](const Surface& surface) {
+        std::map<wchar_t, std::vector<HWND>> controls;
+        for (const HWND control : surface.controls) {
+            if (RoleOf(control) == Role::TextBox || RoleOf(control) == Role::Link) continue;
+            if (const wchar_t key = AccessKeyOf(control)) controls[key].push_back(control);
+        }
+        for (const auto& [key, ofKey] : controls) {
+            ++keys;
+            if (ofKey.size() == 1) continue;
+            std::wstring text = surface.name + L' ' + key + L':';
+            for (const HWND control : ofKey)
+                text += L' ' + ShownText(control);
+            shared.push_back(text);
+        }
+    });
+    CHECK(keys > 6 * 3);
+    CHECK(shared == Rows{L"Log C: &Clear List &Cancel", L"Search O: Rem&ove Search &OK"});
+}
+
+TEST_CASE("controls follow each other as they are read, and the tab key follows them") {
+    ForEachSurface([](const Surface& surface) {
+        HWND before = nullptr;
+        for (const HWND control : surface.controls) {
+            if (!TakesPart(control)) continue;
+            CAPTURE(Describe(surface, control));
+            // The button that Enter presses comes first in this one dialog.
+            const bool isOwnOrder = GetDlgCtrlID(control) == IDC_ADD_URL_ADDRESS;
+            if (before != nullptr) CHECK(IsReadAfter(control, before) == !isOwnOrder);
+            before = control;
+        }
+
+        std::vector<HWND> expected;
+        for (const HWND control : surface.controls) {
+            if (IsTabStop(control) && IsWindowEnabled(control)) expected.push_back(control);
+        }
+        CHECK(ByTabKey(surface) == expected);
+    });
+}
+
+TEST_CASE("nothing is within the mouse's reach alone") {
+    std::vector<int> byMouse;
+    ForEachSurface([&](const Surface& surface) {
+        std::vector<HWND> groups;
+        for (const HWND control : surface.controls) {
+            CAPTURE(Describe(surface, control));
+            switch (RoleOf(control)) {
+                case Role::Text:
+                case Role::Frame:
+                    break;
+                case Role::Picture:
+                    byMouse.push_back(GetDlgCtrlID(control));
+                    break;
+                case Role::Spin: {
+                    const auto box = reinterpret_cast<HWND>(SendMessageW(control, UDM_GETBUDDY, 0, 0));
+                    CHECK((StyleOf(control) & UDS_ARROWKEYS) != 0);
+                    CHECK(IsTabStop(box));
+                    break;
+                }
+                case Role::OptionButton:
+                    groups.push_back(control);
+                    break;
+                default:
+                    CHECK(IsTabStop(control));
+            }
+        }
+        if (groups.empty()) return;
+        // One of them is where the tab key stops; the arrows go round the others, and no further.
+        CHECK(std::count_if(groups.begin(), groups.end(), IsTabStop) == 1);
+        std::vector<HWND> round;
+        for (HWND next = groups.front(); round.size() <= groups.size();) {
+            round.push_back(next);
+            next = GetNextDlgGroupItem(GetParent(next), next, FALSE);
+            if (next == groups.front()) break;
+        }
+        CHECK(round == groups);
+    });
+    // The link beside the picture does the same.
+    CHECK(byMouse == std::vector<int>{IDC_IMGLOGO});
+}
+
+TEST_CASE("a dialog of the lists has a default and a cancel button, the window only the latter") {
+    ForEachSurface([](const Surface& surface) {
+        CAPTURE(surface.name);
+        const HWND cancel = GetDlgItem(surface.window, IDCANCEL);
+        REQUIRE(cancel != nullptr);
+        CHECK(RoleOf(cancel) == Role::Button);
+        CHECK(IsWindowEnabled(cancel));
+        const bool isDialog = GetDlgItem(surface.window, IDC_TAB) == nullptr;
+        int defaults = 0;
+        for (const HWND control : surface.controls) {
+            if (RoleOf(control) == Role::Button && (StyleOf(control) & BS_TYPEMASK) == BS_DEFPUSHBUTTON) {
+                CHECK(GetDlgCtrlID(control) == IDOK);
+                ++defaults;
+            }
+        }
+        CHECK(defaults == (isDialog ? 1 : 0));
+        const LRESULT defaultId = SendMessageW(surface.window, DM_GETDEFID, 0, 0);
+        if (!isDialog) {
+            // Enter is told to the window as this number, which none of its buttons has.
+            CHECK(GetDlgItem(surface.window, LOWORD(defaultId)) == nullptr);
+            return;
+        }
+        CHECK(HIWORD(defaultId) == DC_HASDEFID);
+        CHECK(LOWORD(defaultId) == IDOK);
+
+        MSG escape{};
+        escape.hwnd = surface.controls.back();
+        escape.message = WM_KEYDOWN;
+        escape.wParam = VK_ESCAPE;
+        escape.lParam = 1;
+        CHECK(IsWindowVisible(surface.window));
+        CHECK(IsDialogMessageW(surface.window, &escape));
+        CHECK_FALSE(IsWindowVisible(surface.window));
+    });
+}

@@ -1,0 +1,126 @@
+#include "tests/accessibility/surfaces.h"
+
+#include <commctrl.h>
+
+#include <stdexcept>
+
+#include "lists/frm_add_banner_size.h"
+#include "lists/frm_add_search.h"
+#include "lists/frm_add_url.h"
+#include "platform/text.h"
+#include "tests/entry/inside.h"
+#include "tests/window/other_process.h"
+
+namespace {
+
+constexpr wchar_t kDialogClass[] = L"#32770";
+
+void Collect(HWND parent, std::vector<HWND>& controls) {
+    for (HWND child = GetWindow(parent, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
+        if ((StyleOf(child) & WS_VISIBLE) == 0) continue;
+        if (ClassOf(child) == kDialogClass) {
+            Collect(child, controls);
+        } else {
+            controls.push_back(child);
+        }
+    }
+}
+
+Surface SurfaceOf(HWND window, const std::wstring& name) {
+    Surface surface{name, window, {}};
+    Collect(window, surface.controls);
+    return surface;
+}
+
+Role ButtonRole(DWORD style) {
+    switch (style & BS_TYPEMASK) {
+        case BS_GROUPBOX:
+            return Role::Frame;
+        case BS_AUTOCHECKBOX:
+            return Role::CheckBox;
+        case BS_AUTORADIOBUTTON:
+            return Role::OptionButton;
+        default:
+            return Role::Button;
+    }
+}
+
+template <class Form>
+void VisitDialog(const std::function<void(const Surface&)>& visit) {
+    Form form;
+    form.Create(nullptr);
+    ShowWindow(form.Hwnd(), SW_SHOW);
+    visit(SurfaceOf(form.Hwnd(), ShownText(form.Hwnd())));
+}
+
+}  // namespace
+
+void ForEachPage(HWND window, const std::function<void(const Surface& page)>& visit) {
+    const HWND tabs = GetDlgItem(window, IDC_TAB);
+    const auto count = static_cast<int>(SendMessageW(tabs, TCM_GETITEMCOUNT, 0, 0));
+    for (int page = 0; page < count; ++page) {
+        SendMessageW(tabs, TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
+        visit(SurfaceOf(window, TabText(tabs, page)));
+    }
+    SendMessageW(tabs, TCM_SETCURFOCUS, 0, 0);
+}
+
+void ForEachSurface(const std::function<void(const Surface& surface)>& visit) {
+    {
+        InsideWithoutEngine inside;
+        inside.Instance(formShow);
+        ForEachPage(reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd)), visit);
+    }
+    VisitDialog<frmAddUrl>(visit);
+    VisitDialog<frmAddBannerSize>(visit);
+    VisitDialog<frmAddSearch>(visit);
+}
+
+DWORD StyleOf(HWND control) {
+    return static_cast<DWORD>(GetWindowLongW(control, GWL_STYLE));
+}
+
+RECT BoundsOf(HWND control) {
+    RECT bounds{};
+    GetWindowRect(control, &bounds);
+    return bounds;
+}
+
+RECT StripOf(HWND tabs) {
+    RECT strip{};
+    RECT last{};
+    SendMessageW(tabs, TCM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&strip));
+    const LRESULT count = SendMessageW(tabs, TCM_GETITEMCOUNT, 0, 0);
+    SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(count - 1), reinterpret_cast<LPARAM>(&last));
+    strip.right = last.right;
+    MapWindowPoints(tabs, HWND_DESKTOP, reinterpret_cast<POINT*>(&strip), 2);
+    return strip;
+}
+
+std::wstring TextOf(HWND control) {
+    std::wstring text = ShownText(control);
+    if (ClassOf(control) != WC_LINK) return text;
+    for (const std::wstring_view mark : {L"<a>", L"</a>"}) {
+        if (const size_t at = text.find(mark); at != std::wstring::npos) text.erase(at, mark.size());
+    }
+    return text;
+}
+
+Role RoleOf(HWND control) {
+    const std::wstring name = ClassOf(control);
+    const DWORD style = StyleOf(control);
+    if (name == WC_STATICW) return (style & SS_NOTIFY) != 0 ? Role::Picture : Role::Text;
+    if (name == WC_BUTTONW) return ButtonRole(style);
+    if (name == WC_EDITW) return Role::TextBox;
+    if (name == WC_COMBOBOXW) return Role::Combo;
+    if (name == WC_LISTBOXW || name == WC_LISTVIEWW) return Role::List;
+    if (name == WC_LINK) return Role::Link;
+    if (name == UPDOWN_CLASSW) return Role::Spin;
+    if (name == WC_TABCONTROLW) return Role::Tabs;
+    throw std::runtime_error("a control of unknown kind: " + ToAnsi(name));
+}
+
+std::string Describe(const Surface& surface, HWND control) {
+    return ToAnsi(surface.name + L": " + ClassOf(control) + L" " + std::to_wstring(GetDlgCtrlID(control)) +
+                  L" \"" + TextOf(control) + L'"');
+}

@@ -1,0 +1,46 @@
+// Everything that the user may see at a time: each page with the window round it, and each dialog of the
+// lists.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+struct Surface {
+    std::wstring name;           // the caption of the tab, or of the dialog
+    HWND window;                 // the top-level window
+    std::vector<HWND> controls;  // those that are shown, in tab order; of a page too
+};
+
+// Shows one surface after the other, made by the program's own code, and calls visit with each. The manager's
+// store is a throw-away one, and there is no engine.
+void ForEachSurface(const std::function<void(const Surface& surface)>& visit);
+
+// The pages of a window that is there already, likewise; the first page is shown again in the end.
+void ForEachPage(HWND window, const std::function<void(const Surface& page)>& visit);
+
+DWORD StyleOf(HWND control);
+RECT BoundsOf(HWND control);        // on the screen
+RECT StripOf(HWND tabs);            // where the tabs themselves are, on the screen
+std::wstring TextOf(HWND control);  // without the mark-up of a link
+
+enum class Role {
+    Text,
+    Picture,
+    Button,
+    CheckBox,
+    OptionButton,
+    Frame,
+    Link,
+    TextBox,
+    Spin,
+    List,
+    Combo,
+    Tabs
+};
+Role RoleOf(HWND control);
+
+// For messages: the surface and what the control says or is.
+std::string Describe(const Surface& surface, HWND control);

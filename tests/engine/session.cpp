@@ -1,0 +1,64 @@
+#include "tests/engine/session.h"
+
+#include <doctest.h>
+
+#include <cstdio>
+
+#include "platform/automation_error.h"
+#include "platform/variant.h"
+#include "tests/support/automation.h"
+
+// What another process answered is the first thing to know of a call that failed.
+REGISTER_EXCEPTION_TRANSLATOR(const AutomationError& error) {
+    char text[40];
+    std::snprintf(text, sizeof(text), "Automation error 0x%08lX", static_cast<unsigned long>(error.Code()));
+    return text;
+}
+
+void Session::Start() {
+    window = manager.Window();
+    apply = manager.Control(L"cmdApply");
+    engine.ClearCalls();
+}
+
+// Posted: a program that is in the midst of another's SendMessage may not call a third by COM.
+void Session::Press(const wchar_t* button) {
+    PostMessageW(manager.Control(button), BM_CLICK, 0, 0);
+    Settle();
+}
+
+// A client's call stands behind the posted messages in the manager's queue.
+void Session::Settle() {
+    Get(manager.Form().Get(), L"Caption");
+}
+
+void Session::Spin(const wchar_t* upDown, bool up) {
+    const HWND control = manager.Control(upDown);
+    RECT area{};
+    GetClientRect(control, &area);
+    const LPARAM place = MAKELPARAM(area.right / 2, up ? area.bottom / 4 : area.bottom * 3 / 4);
+    SendMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, place);
+    SendMessageW(control, WM_LBUTTONUP, 0, place);
+}
+
+void Session::Apply() {
+    EnableWindow(apply, TRUE);
+    Press(L"cmdApply");
+}
+
+HWND Session::OpenDialog(const wchar_t* button) {
+    PostMessageW(manager.Control(button), BM_CLICK, 0, 0);
+    HWND dialog = nullptr;
+    WaitUntil([&] {
+        while ((dialog = FindWindowExW(nullptr, dialog, L"#32770", nullptr)) != nullptr) {
+            if (GetWindow(dialog, GW_OWNER) == window && IsWindowVisible(dialog)) return true;
+        }
+        return false;
+    });
+    return dialog;
+}
+
+bool Session::CancelDialog(HWND dialog) {
+    PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    return WaitUntil([&] { return !IsWindow(dialog) && IsWindowEnabled(window) != FALSE; });
+}

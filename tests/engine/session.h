@@ -1,0 +1,38 @@
+// The real manager with the real stand-in engine.
+#pragma once
+
+#include "tests/engine/stand_in.h"
+#include "tests/support/manager.h"
+
+// Members are made in their order: the engine gets its orders before the manager starts.
+struct Session {
+    explicit Session(bool keepSettings = false) : manager(keepSettings) {}
+
+    // Starts the manager's window, hidden, and forgets what the engine was called by that.
+    void Start();
+
+    HWND Window() { return window; }
+    bool Visible() const { return IsWindowVisible(window) != FALSE; }
+    bool Marked() { return IsWindowEnabled(apply) != FALSE; }
+
+    // Presses a button and waits until the manager has handled that. Not for what opens a dialog.
+    void Press(const wchar_t* button);
+
+    // Waits until everything posted to the manager before has been handled.
+    void Settle();
+
+    // One click on an arrow of a spin control.
+    void Spin(const wchar_t* upDown, bool up);
+
+    // Enables cmdApply from outside and presses it.
+    void Apply();
+
+    // Presses a button that opens a dialog, and answers that; null when none comes.
+    HWND OpenDialog(const wchar_t* button);
+    bool CancelDialog(HWND dialog);
+
+    StandIn engine;
+    Manager manager;
+    HWND window = nullptr;
+    HWND apply = nullptr;
+};

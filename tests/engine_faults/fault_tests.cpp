@@ -1,0 +1,304 @@
+// Engines that are missing, fail, die, or speak at the wrong moment.
+#include <doctest.h>
+
+#include "platform/automation_error.h"
+#include "platform/variant.h"
+#include "tests/engine/session.h"
+#include "tests/engine/tray.h"
+#include "tests/support/automation.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/shown_text.h"
+
+namespace {
+
+// What a user expects of the manager without any engine.
+void CheckUsable(Session& session) {
+    // Past this, a call to what is gone hangs.
+    const DWORD start = GetTickCount();
+    session.manager.Instance(formShow);
+    CHECK(session.Visible());
+    const HWND tab = session.manager.Control(L"tab");
+    constexpr const wchar_t* kOnPages[] = {L"chkBeep",    L"lstExclude",    L"lstClosedWnd",
+                                           L"lvwBanners", L"lvwSearchURLs", L"lblAbout"};
+    for (const wchar_t* const control : kOnPages) {
+        CAPTURE(ToAnsi(control));
+        CHECK(IsWindowVisible(session.manager.Control(control)) != FALSE);
+        PostMessageW(tab, WM_KEYDOWN, VK_RIGHT, 1);
+        session.Settle();
+    }
+    for (size_t i = 0; i < std::size(kOnPages); ++i)
+        PostMessageW(tab, WM_KEYDOWN, VK_LEFT, 1);
+    session.Settle();
+
+    const std::wstring before = session.manager.Text(L"txtSpeed");
+    session.Spin(L"udbSpeed", before != L"10");
+    CHECK(session.manager.Text(L"txtSpeed") != before);
+    const std::wstring stored = Setting(L"Settings", L"txtSpeed");
+    session.Press(L"cmdApply");
+    CHECK(WaitUntil([&] { return !session.Marked(); }));
+    CHECK(Setting(L"Settings", L"txtSpeed") != stored);
+    session.Press(L"cmdRefreshLog");
+    PostMessageW(session.window, WM_CLOSE, 0, 0);
+    CHECK(WaitUntil([&] { return !session.Visible(); }));
+    Command(session.window, L'o');
+    CHECK(WaitUntil([&] { return session.Visible(); }));
+    CHECK(ShellHasIcon(session.window));
+    CHECK(GetTickCount() - start < 10000);
+}
+
+// Chooses from the menu and waits until the command has been carried out, in so far as it can be.
+void CommandAndWait(Session& session, wchar_t mnemonic) {
+    Command(session.window, mnemonic);
+    PumpFor(700);
+    session.Settle();
+}
+
+bool HasEngine(Session& session) {
+    return Get(session.manager.Form().Get(), L"m_oPopup").Value().pdispVal != nullptr;
+}
+
+}  // namespace
+
+TEST_CASE("Without a registered engine the manager works, and its menu stays as designed") {
+    const NoEngineRegistered none;
+    Manager manager;
+    const DWORD start = GetTickCount();
+    const HWND window = manager.Window();
+    CHECK(GetTickCount() - start < 10000);
+    CHECK(Get(manager.Form().Get(), L"m_oPopup").Value().pdispVal == nullptr);
+    CHECK(LookOfMenu(window) == MenuLook::Designed);
+    CHECK(WaitForIcon() != nullptr);
+    const HWND apply = manager.Control(L"cmdApply");
+    CHECK(IsWindowEnabled(apply) == FALSE);
+    PostMessageW(manager.Control(L"chkBeep"), BM_CLICK, 0, 0);
+    CHECK(WaitUntil([&] { return IsWindowEnabled(apply) != FALSE; }));
+    PostMessageW(apply, BM_CLICK, 0, 0);
+    CHECK(WaitUntil([&] { return IsWindowEnabled(apply) == FALSE; }));
+    CHECK(Setting(L"Settings", L"chkBeep") == L"1");
+
+    // Commands go nowhere, and the menu follows them as if they had arrived.
+    Command(window, L't');
+    CHECK(WaitUntil([&] { return LookOfMenu(window) == MenuLook::Stopped; }, 2000));
+    Command(window, L's');
+    CHECK(WaitUntil([&] { return LookOfMenu(window) == MenuLook::Running; }, 2000));
+    Command(window, L'p');
+    PumpFor(700);
+    CHECK(LookOfMenu(window) == MenuLook::Running);
+    Command(window, L'o');
+    CHECK(WaitUntil([&] { return IsWindowVisible(window) != FALSE; }));
+    Command(window, L'x');
+    CHECK(WaitUntil([&] { return !IsWindow(window); }));
+    manager.LetGo();
+    CHECK(manager.WaitForEnd());
+    CHECK(ShownIcons().empty());
+}
+
+TEST_CASE("An engine object that cannot be created leaves a window that works") {
+    Session session;
+    SUBCASE("CreatePopup fails") {
+        session.engine.Fail(L"CreatePopup");
+        session.Start();
+    }
+    SUBCASE("The engine dies in CreatePopup") {
+        session.engine.DieIn(L"CreatePopup");
+        session.window = session.manager.Window();
+        session.apply = session.manager.Control(L"cmdApply");
+        CHECK(StandIn::Ended());
+    }
+    CHECK_FALSE(HasEngine(session));
+    CHECK(LookOfMenu(session.window) == MenuLook::Designed);
+    CheckUsable(session);
+}
+
+TEST_CASE("A state or a log that cannot be read leaves everything else working") {
+    Session session;
+    session.engine.Fail(L"State");
+    session.engine.Fail(L"LogFile");
+    session.Start();
+    CHECK(HasEngine(session));
+    CHECK(session.engine.Connections() == 1);
+    CHECK(LookOfMenu(session.window) == MenuLook::Designed);
+    CHECK(SendMessageW(session.manager.Control(L"lstClosedWnd"), LB_GETCOUNT, 0, 0) == 0);
+    CheckUsable(session);
+    CHECK(session.engine.Count(L"ReloadSettings") == 1);
+    session.engine.Raise(L"Stopped");
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+}
+
+TEST_CASE("A command that fails in the engine is done with, and the menu is as if it had succeeded") {
+    Session session;
+    session.engine.RaiseByItself(false);
+    session.Start();
+    for (const wchar_t* const member : {L"Start", L"Stop", L"Pause", L"ReloadSettings", L"LogFile"})
+        session.engine.Fail(member);
+    CommandAndWait(session, L'p');
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CommandAndWait(session, L't');
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+    CommandAndWait(session, L's');
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CHECK(session.engine.Calls() == Lines{L"Pause", L"Stop", L"Start"});
+    CheckUsable(session);
+    CHECK(session.engine.Count(L"ReloadSettings") == 1);
+    // The next command is served as ever.
+    CommandAndWait(session, L't');
+    CHECK(session.engine.Calls().back() == L"Stop");
+}
+
+TEST_CASE("A leave that fails does not keep the window") {
+    Session session;
+    session.engine.Fail(L"ReleasePopup");
+    session.Start();
+    Command(session.window, L'x');
+    CHECK(WaitUntil([&] { return !IsWindow(session.window); }));
+    CHECK(session.engine.Count(L"ReleasePopup") == 1);
+    CHECK(session.engine.Popups() == 0);
+    CHECK_FALSE(ShellHasIcon(session.window));
+    session.manager.LetGo();
+    CHECK(session.manager.WaitForEnd());
+}
+
+TEST_CASE("An engine that dies in a call leaves a manager that works") {
+    Session session;
+    session.Start();
+    SUBCASE("Stop") {
+        session.engine.DieIn(L"Stop");
+        CommandAndWait(session, L't');
+        CHECK(StandIn::Ended());
+        CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+    }
+    SUBCASE("Pause") {
+        session.engine.DieIn(L"Pause");
+        CommandAndWait(session, L'p');
+        CHECK(StandIn::Ended());
+        CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    }
+    SUBCASE("ReloadSettings") {
+        session.engine.DieIn(L"ReloadSettings");
+        session.Apply();
+        CHECK(StandIn::Ended());
+        CHECK(WaitUntil([&] { return !session.Marked(); }));
+    }
+    SUBCASE("LogFile") {
+        session.engine.DieIn(L"LogFile");
+        session.Press(L"cmdRefreshLog");
+        CHECK(StandIn::Ended());
+    }
+    CheckUsable(session);
+}
+
+TEST_CASE("An engine that dies in State or in Start leaves a manager that works") {
+    Session session;
+    SUBCASE("State") {
+        session.engine.DieIn(L"State");
+        session.window = session.manager.Window();
+        session.apply = session.manager.Control(L"cmdApply");
+        CHECK(StandIn::Ended());
+        CHECK(LookOfMenu(session.window) == MenuLook::Designed);
+    }
+    SUBCASE("Start") {
+        session.engine.State(2);
+        session.Start();
+        session.engine.DieIn(L"Start");
+        CommandAndWait(session, L's');
+        CHECK(StandIn::Ended());
+        CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    }
+    CheckUsable(session);
+}
+
+TEST_CASE("The manager ends as ever when its engine dies in the leave or has died before") {
+    Session session;
+    session.Start();
+    SUBCASE("In ReleasePopup") {
+        session.engine.DieIn(L"ReleasePopup");
+    }
+    SUBCASE("Ended before") {
+        StandIn::End();
+    }
+    SUBCASE("Terminated before") {
+        StandIn::End(StandIn::Death::ByForce);
+    }
+    const DWORD start = GetTickCount();
+    Command(session.window, L'x');
+    CHECK(WaitUntil([&] { return !IsWindow(session.window); }, 10000));
+    CHECK_FALSE(ShellHasIcon(session.window));
+    session.manager.LetGo();
+    CHECK(session.manager.WaitForEnd());
+    CHECK(GetTickCount() - start < 10000);
+    CHECK(StandIn::Ended());
+    CHECK(ShownIcons().empty());
+}
+
+TEST_CASE("An engine killed between two calls is missed by nobody but its commands") {
+    Session session;
+    session.Start();
+    session.engine.Raise(L"Killed");
+    StandIn::End(StandIn::Death::ByForce);
+    // The frames that it started run to their end.
+    PumpFor(1500);
+    CHECK(WaitForIcon() != nullptr);
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CommandAndWait(session, L't');
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+    CommandAndWait(session, L's');
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CheckUsable(session);
+}
+
+TEST_CASE("A terminated engine that COM still takes for alive leaves a manager that starts and works") {
+    Session session;
+    StandIn::End(StandIn::Death::ByForce);
+    const DWORD start = GetTickCount();
+    session.window = session.manager.Window();
+    session.apply = session.manager.Control(L"cmdApply");
+    CHECK(GetTickCount() - start < 10000);
+    CheckUsable(session);
+}
+
+TEST_CASE("An engine killed while it is being called lets the manager go on") {
+    Session session;
+    session.Start();
+    session.engine.Delay(L"ReloadSettings", 20000);
+    session.Spin(L"udbSpeed", true);
+    PostMessageW(session.apply, BM_CLICK, 0, 0);
+    CHECK(WaitUntil([&] { return Setting(L"Settings", L"txtSpeed") == L"800"; }));
+    Sleep(300);
+    CHECK(session.Marked());
+    StandIn::End(StandIn::Death::ByForce);
+    CHECK(WaitUntil([&] { return !session.Marked(); }));
+    CheckUsable(session);
+}
+
+TEST_CASE("An engine that is slow with a command is not given it twice") {
+    Session session;
+    session.Start();
+    session.engine.Delay(L"Stop", 1300);
+    Command(session.window, L't');
+    PumpFor(2400);
+    CHECK(session.engine.Calls() == Lines{L"Stop"});
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+}
+
+TEST_CASE("Events that come while a dialog is open do all that they do") {
+    Session session;
+    session.manager.Instance(formShow);
+    session.Start();
+    const HWND icon = WaitForIcon();
+    REQUIRE(icon != nullptr);
+    const HWND dialog = session.OpenDialog(L"cmdAddURL");
+    REQUIRE(dialog != nullptr);
+    session.engine.Raise(L"Killed");
+    CHECK(WaitUntil([&] { return !IsWindow(icon); }));
+    CHECK(WaitForIcon() != nullptr);
+    session.engine.Raise(L"Stopped");
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+    // A command from the menu is carried out meanwhile.
+    Command(session.window, L's');
+    CHECK(WaitUntil([&] { return session.engine.Calls() == Lines{L"Start"}; }));
+    CHECK(IsWindow(dialog));
+    CHECK(IsWindowEnabled(session.window) == FALSE);
+    CHECK(session.CancelDialog(dialog));
+    session.Settle();
+    CHECK(session.Marked());
+}

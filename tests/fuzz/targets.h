@@ -1,0 +1,12 @@
+// What the fuzzers and the replay of their corpus check: each answers whether the program and the plain way
+// agree.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+// data: two bytes for the size of the blocks and the number of lines wanted, then the log.
+bool NewestLinesAgree(const std::uint8_t* data, std::size_t size);
+
+// data: the address, two bytes a character.
+bool SiteAgrees(const std::uint8_t* data, std::size_t size);

@@ -1,0 +1,177 @@
+// What the built manager shows of its own protection, and what it asks Windows for.
+#include <doctest.h>
+
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+#include <map>
+#include <set>
+
+#include "platform/handle.h"
+#include "platform/own_type_library.h"
+#include "platform/text.h"
+#include "sentrel_config_face.h"
+#include "tests/hardening/image.h"
+
+namespace {
+
+const Image& Manager() {
+    static const Image image(ManagerPath());
+    return image;
+}
+
+bool Contains(const std::vector<std::string>& names, const std::string& name) {
+    return std::ranges::find(names, name) != names.end();
+}
+
+// A text in UTF-16, as the bytes of the file hold it.
+std::string Wide(const std::string& text) {
+    const std::wstring wide = FromAnsi(text);
+    return {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t)};
+}
+
+class LoadedData {
+public:
+    LoadedData() : m_module(LoadLibraryExW(ManagerPath().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE)) {
+        REQUIRE(m_module != nullptr);
+    }
+    LoadedData(const LoadedData&) = delete;
+    LoadedData& operator=(const LoadedData&) = delete;
+    ~LoadedData() { FreeLibrary(m_module); }
+
+    std::string Resource(int id, LPCWSTR type) const {
+        const HRSRC found = FindResourceW(m_module, MAKEINTRESOURCEW(id), type);
+        REQUIRE(found != nullptr);
+        return {static_cast<const char*>(LockResource(LoadResource(m_module, found))),
+                SizeofResource(m_module, found)};
+    }
+
+private:
+    const HMODULE m_module;
+};
+
+std::wstring Registered(const std::wstring& value) {
+    const std::wstring key =
+        L"Software\\Classes\\CLSID\\" + GuidText(__uuidof(ConfigControl)) + L"\\LocalServer32";
+    wchar_t text[1024]{};
+    DWORD size = sizeof(text);
+    REQUIRE(RegGetValueW(HKEY_LOCAL_MACHINE, key.c_str(), value.c_str(), RRF_RT_REG_SZ, nullptr, text,
+                         &size) == ERROR_SUCCESS);
+    return text;
+}
+
+}  // namespace
+
+TEST_CASE("The manager may be loaded at any address and executes no data") {
+    const WORD flags = Manager().Header().DllCharacteristics;
+    CHECK((flags & IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE) != 0);
+    CHECK((flags & IMAGE_DLLCHARACTERISTICS_NX_COMPAT) != 0);
+}
+
+TEST_CASE("The manager's relocations are there, without which it could not be moved") {
+    CHECK((Manager().Characteristics() & IMAGE_FILE_RELOCS_STRIPPED) == 0);
+    CHECK(Manager().RelocationCount() > 1000);
+}
+
+TEST_CASE("No section of the manager is both writable and executable") {
+    size_t executable = 0;
+    for (const IMAGE_SECTION_HEADER& section : Manager().Sections()) {
+        const bool executes = (section.Characteristics & IMAGE_SCN_MEM_EXECUTE) != 0;
+        executable += executes ? 1 : 0;
+        CHECK_FALSE((executes && (section.Characteristics & IMAGE_SCN_MEM_WRITE) != 0));
+    }
+    CHECK(executable == 1);
+}
+
+// The handler of a smashed stack is found by the message that it prints: it is the function that is called
+// and lies closest before the place where the message's address is used.
+TEST_CASE("The manager's functions check their stack before they return") {
+    DWORD codeAddress = 0;
+    const std::string code = Manager().Code(codeAddress);
+    const auto wordAt = [&](size_t offset) {
+        DWORD word = 0;
+        std::memcpy(&word, code.data() + offset, sizeof(word));
+        return word;
+    };
+    const DWORD message = Manager().AddressOf("*** stack smashing detected ***");
+    REQUIRE(message != 0);
+
+    std::map<DWORD, int> calls;  // by the offset of the function
+    size_t use = 0;
+    for (size_t i = 0; i + 5 <= code.size(); ++i) {
+        if (wordAt(i) == Manager().Header().ImageBase + message) use = i;
+        if (static_cast<BYTE>(code[i]) != 0xE8) continue;
+        const DWORD target = static_cast<DWORD>(i) + 5 + wordAt(i + 1);
+        if (target < code.size()) ++calls[target];
+    }
+    REQUIRE(use != 0);
+    int checks = 0;
+    for (const auto& [target, count] : calls) {
+        if (target < use && use - target < 256) checks = std::max(checks, count);
+    }
+    CHECK(checks > 100);
+}
+
+TEST_CASE(
+    "The manager imports from Windows' own libraries alone, and plainly only from those that Windows never "
+    "takes "
+    "from the program's folder") {
+    const std::vector<std::string> libraries = Manager().Libraries();
+    // All of them are always taken from the system's folder, comctl32.dll by the manifest and the rest by
+    // Windows.
+    const std::set<std::string> allowed{"ADVAPI32.DLL", "COMCTL32.DLL", "COMDLG32.DLL", "GDI32.DLL",
+                                        "KERNEL32.DLL", "MSVCRT.DLL",   "OLE32.DLL",    "OLEAUT32.DLL",
+                                        "SHELL32.DLL",  "USER32.DLL"};
+    CHECK(std::set<std::string>(libraries.begin(), libraries.end()) == allowed);
+}
+
+TEST_CASE("The manager starts no process, so that nobody inherits what it has open") {
+    const std::vector<std::string> functions = Manager().Functions();
+    for (const char* const function :
+         {"CreateProcessA", "CreateProcessW", "CreateProcessAsUserA", "CreateProcessAsUserW", "WinExec",
+          "system", "_wsystem", "_wspawnv", "_spawnv", "_popen", "_wpopen"}) {
+        CAPTURE(function);
+        CHECK_FALSE(Contains(functions, function));
+    }
+    CHECK(Contains(functions, "ShellExecuteA"));
+}
+
+TEST_CASE("The manager does without the functions that write past a buffer") {
+    const std::vector<std::string> functions = Manager().Functions();
+    for (const char* const function : {"strcpy", "strcat", "wcscpy", "wcscat", "sprintf", "swprintf",
+                                       "vsprintf", "gets", "lstrcpyA", "lstrcpyW", "lstrcatA", "lstrcatW"}) {
+        CAPTURE(function);
+        CHECK_FALSE(Contains(functions, function));
+    }
+}
+
+TEST_CASE("The manager's file tells nothing of the machine that built it" * doctest::skip(!IS_RELEASE)) {
+    for (const std::string& text :
+         {std::string(SOURCE_DIR) + "/", std::string("C:\\Users\\"), std::string(".cpp")}) {
+        CAPTURE(text);
+        CHECK(Manager().Bytes().find(text) == std::string::npos);
+        CHECK(Manager().Bytes().find(Wide(text)) == std::string::npos);
+    }
+    CHECK(Manager().Bytes().find(Wide("SentrelConfig")) != std::string::npos);
+    CHECK(Manager().Header().DataDirectory[IMAGE_DIRECTORY_ENTRY_DEBUG].Size == 0);
+}
+
+TEST_CASE("The manager's file is small" * doctest::skip(!IS_RELEASE)) {
+    CHECK(Manager().Bytes().size() <= 480 * 1024);
+}
+
+TEST_CASE("The manager runs with its user's rights and with the themed common controls") {
+    const std::string manifest = LoadedData().Resource(1, RT_MANIFEST);
+    CHECK(manifest.find("<requestedExecutionLevel level=\"asInvoker\" uiAccess=\"false\"/>") !=
+          std::string::npos);
+    CHECK(manifest.find("name=\"Microsoft.Windows.Common-Controls\" version=\"6.0.0.0\"") !=
+          std::string::npos);
+    CHECK(manifest.find("processorArchitecture=\"x86\"") != std::string::npos);
+}
+
+TEST_CASE("The registered command line is quoted, and the program is named beside it as it stands") {
+    CHECK(Registered(L"") == L'"' + Registered(L"ServerExecutable") + L'"');
+    CHECK(CompareStringOrdinal(Registered(L"ServerExecutable").c_str(), -1, ManagerPath().c_str(), -1,
+                               TRUE) == CSTR_EQUAL);
+}

@@ -1,0 +1,225 @@
+// Libraries that somebody put into the manager's folder.
+#include <doctest.h>
+
+#include <windows.h>
+#include <tlhelp32.h>
+
+#include <algorithm>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/handle.h"
+#include "platform/text.h"
+#include "tests/hardening/image.h"
+#include "tests/support/manager.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/program.h"
+#include "tests/support/test_folder.h"
+
+namespace {
+
+// What the manager and the parts of Windows that it uses load sooner or later.
+constexpr wchar_t kLoadedSometime[] =
+    L"winmm.dll comctl32.dll uxtheme.dll version.dll propsys.dll dwmapi.dll msimg32.dll msacm32.dll "
+    L"msacm32.drv wdmaud.drv mmdevapi.dll audioses.dll avrt.dll devobj.dll ksuser.dll midimap.dll "
+    L"winmmbase.dll winspool.drv mpr.dll netapi32.dll userenv.dll profapi.dll secur32.dll "
+    L"sspicli.dll cryptbase.dll cryptsp.dll bcrypt.dll rsaenh.dll ntmarta.dll apphelp.dll "
+    L"windowscodecs.dll oleacc.dll olepro32.dll linkinfo.dll ntshrui.dll cscapi.dll edputil.dll "
+    L"explorerframe.dll duser.dll dui70.dll wintypes.dll coremessaging.dll coreuicomponents.dll "
+    L"textinputframework.dll textshaping.dll urlmon.dll wininet.dll iertutil.dll xmllite.dll "
+    L"scrrun.dll usp10.dll dnsapi.dll iphlpapi.dll wtsapi32.dll winsta.dll wldp.dll dbghelp.dll "
+    L"rpcrtremote.dll";
+
+// What Windows takes from the system's folder whoever asks for it: the manager's imports among the libraries
+// of its KnownDLLs list, and what those import plainly in turn. comctl32.dll is in neither, the manager's
+// manifest leads to it.
+void AddSystemLibrary(const std::string& name, std::set<std::string>& names) {
+    wchar_t folder[MAX_PATH]{};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    const std::wstring path = std::wstring(folder) + L'\\' + FromAnsi(name);
+    if (name == "COMCTL32.DLL" || !FileExists(path) || !names.insert(name).second) return;
+    for (const std::string& imported : Image(path).Libraries())
+        AddSystemLibrary(imported, names);
+}
+
+bool OnWine() {
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
+std::vector<std::wstring> LibrariesToPlant() {
+    std::set<std::string> known;
+    for (const char* const name : {"ADVAPI32.DLL", "COMDLG32.DLL", "GDI32.DLL", "KERNEL32.DLL", "MSVCRT.DLL",
+                                   "OLE32.DLL", "OLEAUT32.DLL", "SHELL32.DLL", "USER32.DLL"}) {
+        AddSystemLibrary(name, known);
+    }
+    // Wine's user32.dll loads themes while it is being loaded itself, before the first instruction of the
+    // program.
+    if (OnWine()) known.insert({"UXTHEME.DLL", "MSIMG32.DLL"});
+    std::vector<std::wstring> names;
+    std::wistringstream words(kLoadedSometime);
+    for (std::wstring name; words >> name;) {
+        if (!known.contains(ToAnsi(UpperCase(name)))) names.push_back(name);
+    }
+    return names;
+}
+
+std::wstring ManagerFolder() {
+    return ManagerPath().substr(0, ManagerPath().find_last_of(L'\\'));
+}
+
+std::wstring BesideTest(const wchar_t* name) {
+    return ServerDirectory() + L'\\' + name;
+}
+
+// A folder with a program and, beside it, the planted libraries.
+class PlantedFolder {
+public:
+    explicit PlantedFolder(const std::wstring& program, const wchar_t* name)
+        : m_program(m_folder.Path(name)) {
+        REQUIRE(CopyFileW(program.c_str(), m_program.c_str(), TRUE));
+        for (const std::wstring& library : m_libraries)
+            REQUIRE(CopyFileW(BesideTest(L"planted.dll").c_str(), m_folder.Path(library).c_str(), TRUE));
+    }
+
+    const std::wstring& Program() const { return m_program; }
+    const std::vector<std::wstring>& Libraries() const { return m_libraries; }
+    const std::wstring& Folder() const { return m_folder.Folder(); }
+
+    std::vector<std::wstring> Loaded() const {
+        std::vector<std::wstring> names;
+        for (const std::wstring& library : m_libraries) {
+            if (FileExists(m_folder.Path(library) + L".loaded")) names.push_back(library);
+        }
+        return names;
+    }
+
+private:
+    const TestFolder m_folder;
+    const std::vector<std::wstring> m_libraries = LibrariesToPlant();
+    const std::wstring m_program;
+};
+
+DWORD Run(const std::wstring& program, const std::wstring& arguments) {
+    std::wstring commandLine = L'"' + program + L"\" " + arguments;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process{};
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
+                        &process)) {
+        throw std::runtime_error("not started: " + ToAnsi(program));
+    }
+    DWORD code = STILL_ACTIVE;
+    WaitForSingleObject(process.hProcess, 30000);
+    GetExitCodeProcess(process.hProcess, &code);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return code;
+}
+
+// The manager is registered from another folder meanwhile.
+class RegisteredElsewhere {
+public:
+    explicit RegisteredElsewhere(const std::wstring& program) { REQUIRE(Run(program, L"/RegServer") == 0); }
+    RegisteredElsewhere(const RegisteredElsewhere&) = delete;
+    RegisteredElsewhere& operator=(const RegisteredElsewhere&) = delete;
+    ~RegisteredElsewhere() { CHECK(Run(ManagerPath(), L"/RegServer") == 0); }
+};
+
+std::vector<std::wstring> ModulesOf(HWND window) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    const FileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process));
+    std::vector<std::wstring> paths;
+    MODULEENTRY32W entry{};
+    entry.dwSize = sizeof(entry);
+    for (BOOL more = Module32FirstW(snapshot.Get(), &entry); more;
+         more = Module32NextW(snapshot.Get(), &entry))
+        paths.push_back(UpperCase(entry.szExePath));
+    return paths;
+}
+
+bool IsLoaded(const std::vector<std::wstring>& paths, const std::wstring& name) {
+    return std::ranges::any_of(
+        paths, [&](const std::wstring& path) { return path.ends_with(UpperCase(L'\\' + name)); });
+}
+
+HWND DialogOf(HWND owner, const wchar_t* title) {
+    HWND dialog = nullptr;
+    CHECK(PumpUntil([&] {
+        dialog = FindWindowW(nullptr, title);
+        return dialog != nullptr && IsWindowVisible(dialog);
+    }));
+    DWORD process = 0;
+    DWORD ownProcess = 0;
+    GetWindowThreadProcessId(dialog, &process);
+    GetWindowThreadProcessId(owner, &ownProcess);
+    CHECK(process == ownProcess);
+    return dialog;
+}
+
+void PlaySound(Manager& manager) {
+    if (SendMessageW(manager.Control(L"chkPlaySound"), BM_GETCHECK, 0, 0) != BST_CHECKED)
+        manager.Click(L"chkPlaySound");
+    manager.Click(L"cmdTestSound");
+    CHECK(PumpUntil([&] { return IsLoaded(ModulesOf(manager.Window()), L"winmm.dll"); }));
+}
+
+HWND OpenFileDialog(Manager& manager) {
+    PostMessageW(manager.Control(L"cmdSoundFile"), BM_CLICK, 0, 0);
+    const HWND dialog = DialogOf(manager.Window(), L"Select a Sound File");
+    PumpFor(500);  // what the dialog loads once it is there
+    return dialog;
+}
+
+// Windows' own folder is where everything lies but the program itself.
+void CheckModules(Manager& manager, const PlantedFolder& planted) {
+    wchar_t windows[MAX_PATH]{};
+    GetWindowsDirectoryW(windows, MAX_PATH);
+    const std::wstring system = UpperCase(windows) + L'\\';
+    const std::wstring own = UpperCase(planted.Program());
+    const std::vector<std::wstring> modules = ModulesOf(manager.Window());
+    CHECK(modules.size() > 10);
+    CHECK(std::ranges::count(modules, own) == 1);
+    for (const std::wstring& path : modules) {
+        CAPTURE(ToAnsi(path));
+        CHECK((path == own || path.starts_with(system)));
+    }
+}
+
+}  // namespace
+
+TEST_CASE("A program that takes no care loads each of the planted libraries") {
+    const PlantedFolder planted(BesideTest(L"unguarded.exe"), L"unguarded.exe");
+    std::wstring arguments;
+    for (const std::wstring& library : planted.Libraries())
+        arguments += L' ' + library;
+    CHECK(Run(planted.Program(), arguments) == 0);
+    for (const wchar_t* const library : {L"winmm.dll", L"comctl32.dll", L"propsys.dll"})
+        CHECK(FileExists(planted.Folder() + L'\\' + library));
+    CHECK(planted.Loaded().size() > 0);
+}
+
+TEST_CASE("The manager loads nothing from its own folder, whatever it does") {
+    const PlantedFolder planted(ManagerPath(), L"SentrelConfig.exe");
+    REQUIRE(
+        CopyFileW((ManagerFolder() + L"\\Arc.wav").c_str(), (planted.Folder() + L"\\Arc.wav").c_str(), TRUE));
+    {
+        const RegisteredElsewhere registered(planted.Program());
+        Manager manager;
+        manager.Instance(formShow);
+        CheckModules(manager, planted);
+        PlaySound(manager);
+        CheckModules(manager, planted);
+        manager.Click(L"cmdRefreshLog");
+        const HWND dialog = OpenFileDialog(manager);
+        CheckModules(manager, planted);
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        CHECK(PumpUntil([&] { return !IsWindow(dialog); }));
+        CheckModules(manager, planted);
+    }
+    for (const std::wstring& name : planted.Loaded())
+        FAIL_CHECK(ToAnsi(name) << " was loaded");
+}

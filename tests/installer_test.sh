@@ -1,0 +1,203 @@
+#!/usr/bin/env bash
+# The life of an installation, from the installer alone: it is installed, used, brought up to date while it runs, and
+# removed, after which the machine is as it was before. Needs BUILD_DIR, WINEPREFIX, which it fills anew, and a screen.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+# shellcheck source=tools/wine.sh
+. tools/wine.sh
+
+kSetup=$BUILD_DIR/CalvaneSetup.exe
+kInstalled='C:\Program Files\Calvane'
+kFolder=$WINEPREFIX/drive_c/Program\ Files/Calvane
+kShortcut=$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start\ Menu/Programs/Calvane.lnk
+kUninstallKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Calvane'
+kSettingsKey='HKCU\Software\Calvane\Settings'
+kRunKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Run'
+kRunValue='Calvane Config Manager'
+# Outside of drive_c, whose files are compared.
+kWork=$WINEPREFIX/work
+
+Fail() {
+    echo "FAILED: $*" >&2
+    exit 1
+}
+
+# Equal WHAT FOUND EXPECTED
+Equal() {
+    [[ $2 == "$3" ]] || Fail "$1 is \"$2\", not \"$3\""
+}
+
+# Exits CODE PROGRAM [ARGUMENT...]
+Exits() {
+    local code=0
+    Wine 60 "${@:2}" >"$kWork/output" 2>&1 || code=$?
+    ((code == $1)) || { cat "$kWork/output" >&2; Fail "${*:2} ended with $code, not $1"; }
+}
+
+# WaitFor SECONDS COMMAND...
+WaitFor() {
+    local end=$((SECONDS + $1))
+    until "${@:2}"; do
+        ((SECONDS < end)) || Fail "waited $1 s for: ${*:2}"
+        sleep 0.1
+    done
+}
+
+# Stored KEY VALUE: its data; nothing when there is none.
+Stored() {
+    Wine 60 reg query "$1" /v "$2" >"$kWork/query" 2>/dev/null || return 0
+    tr -d '\r' <"$kWork/query" | sed -n "s/^ *$2 *REG_[A-Z]* *//p"
+}
+
+ManagerRuns() { [[ -n $(ProcessesOf SentrelConfig.exe) ]]; }
+ManagerEnded() { ! ManagerRuns; }
+WindowShows() { xdotool search --onlyvisible --name '^Calvane$' >/dev/null 2>&1; }
+IsGone() { [[ ! -e $1 ]]; }
+# The uninstaller removes its own file last, from a copy of itself that nobody waits for.
+UninstallerEnded() { [[ ! -e $kFolder/Uninstall.exe && -z $(ProcessesOf Un_) ]]; }
+
+# Snapshot NAME: the registry without times (of writing, of the screen's driver) and what Wine stores for consoles and for
+# its debugger whenever it comes to it; and the names of all files. A restart comes first: Windows deletes the uninstaller's
+# copy then.
+Snapshot() {
+    local hive
+    StopWine
+    Wine 60 wineboot >/dev/null 2>&1
+    StopWine
+    for hive in system user userdef; do
+        sed -e '/^#time=/d' -e '/^"DriverDateData"=/d' -e 's/^\(\[.*\]\) [0-9]*$/\1/' "$WINEPREFIX/$hive.reg" |
+            awk '/^\[/ { skip = /^\[(Console|Software\\\\Wine\\\\WineDbg)\]/ } !skip' >"$kWork/$1.$hive"
+    done
+    (cd "$WINEPREFIX/drive_c" && find . | sort) >"$kWork/$1.files"
+}
+
+# SameAsBefore NAME: compares two snapshots.
+SameAsBefore() {
+    local part
+    for part in system user userdef files; do
+        diff "$kWork/before.$part" "$kWork/$1.$part" >"$kWork/difference" ||
+            { cat "$kWork/difference" >&2; Fail "$part is not as before ($1)"; }
+    done
+}
+
+# WithoutSettings NAME: takes the store out of a snapshot, and says whether there was one.
+WithoutSettings() {
+    grep -q '^\[Software\\\\Calvane\\\\Settings\]$' "$kWork/$1.user" || return 1
+    awk '/^\[/ { skip = /^\[Software\\\\Calvane(\\\\|\])/ } !skip' "$kWork/$1.user" >"$kWork/user"
+    mv "$kWork/user" "$kWork/$1.user"
+}
+
+# Client SHOW_TYPE: a script that loads the manager prints its window's handle.
+Client() {
+    cat >"$kWork/client.vbs" <<VBS
+Set control = CreateObject("SentrelConfig.ConfigControl")
+Set config = control.ConfigInstance(CLng($1))
+WScript.Echo "handle " & config.ConfigHwnd
+VBS
+    Exits 0 cscript //nologo "Z:${kWork//\//\\}\\client.vbs"
+    grep -Eq '^handle [1-9][0-9]*' "$kWork/output" || { cat "$kWork/output"; Fail "the script client got no window"; }
+}
+
+# WriteRunValue PATH: as the manager does it, without a NUL at the end of the text.
+WriteRunValue() {
+    {
+        printf 'REGEDIT4\r\n\r\n[%s]\r\n' "${kRunKey/HKLM/HKEY_LOCAL_MACHINE}"
+        printf '"%s"=hex(1):%s\r\n' "$kRunValue" \
+            "$(printf '%s' "$1" | od -An -v -tx1 | tr -s ' \n' ',' | sed 's/^,//; s/,$//')"
+    } >"$kWork/run.reg"
+    Exits 0 reg import "Z:${kWork//\//\\}\\run.reg"
+}
+
+MakePrefix "$WINEPREFIX"
+UsePrefix "$WINEPREFIX"
+mkdir -p "$kWork"
+UseWindowManager N
+Exits 1 reg query 'HKCR\SentrelConfig.ConfigControl'
+# What Wine itself stores with the first script and the first window.
+echo 'WScript.Echo "ready"' >"$kWork/ready.vbs"
+Exits 0 cscript //nologo "Z:${kWork//\//\\}\\ready.vbs"
+Exits 0 "$BUILD_DIR/CalvaneConfigLoader.exe" /release
+Snapshot before
+
+# --- A silent installation
+Exits 0 "$kSetup" /S
+version=$(sed -n 's/^project(.* VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
+Equal DisplayVersion "$(Stored "$kUninstallKey" DisplayVersion)" "$version"
+Equal DisplayIcon "$(Stored "$kUninstallKey" DisplayIcon)" "$kInstalled\\SentrelConfig.exe,0"
+Equal InstallLocation "$(Stored "$kUninstallKey" InstallLocation)" "$kInstalled"
+size=$(($(Stored "$kUninstallKey" EstimatedSize)))
+bytes=$(find "$kFolder" -type f -printf '%s\n' | awk '{ sum += $1 } END { print sum }')
+((size >= bytes / 1024 - 1 && size <= bytes / 1024 + 1)) || Fail "EstimatedSize is $size, the files have $bytes bytes"
+for file in SentrelConfig.exe CalvaneConfigLoader.exe Arc.wav; do
+    cmp "$BUILD_DIR/$file" "$kFolder/$file" || Fail "$file is another one"
+done
+while IFS= read -r file; do
+    cmp "$file" "$kFolder/$file" || Fail "$file is another one"
+done < <(find README.md docs -type f)
+[[ -e $kShortcut ]] || Fail "there is no shortcut in the Start menu"
+[[ -z $(find "$kFolder" -iname '*standin*') ]] || Fail "the stand-in engine is installed"
+echo "ok: installed"
+
+# --- It works
+Client 1
+WaitFor 10 WindowShows
+tr '\0' ' ' <"/proc/$(ProcessesOf SentrelConfig.exe | head -1)/cmdline" | grep -qF "$kInstalled\\SentrelConfig.exe" ||
+    Fail "the manager runs from another folder"
+Equal SoundFile "$(Stored "$kSettingsKey" SoundFile)" "$kInstalled\\Arc.wav"
+echo "ok: a script client works and the window shows"
+
+# --- An upgrade over a running manager, with a document that this version does not have
+SetRegistryValue "$kSettingsKey" txtPause REG_SZ 7000
+WriteRunValue "$kInstalled\\CalvaneConfigLoader.exe"
+echo old >"$kFolder/docs/former.md"
+ManagerRuns || Fail "the manager ended too early"
+Exits 0 "$kSetup" /S '/D=C:\Elsewhere'
+ManagerEnded || Fail "the manager runs on after the upgrade"
+[[ ! -e $WINEPREFIX/drive_c/Elsewhere ]] || Fail "the upgrade made a second copy"
+[[ ! -e $kFolder/docs/former.md ]] || Fail "the former document is still there"
+Equal txtPause "$(Stored "$kSettingsKey" txtPause)" 7000
+Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" "$kInstalled\\CalvaneConfigLoader.exe"
+Client 2
+echo "ok: upgraded"
+
+# --- A manager that cannot be ended: nobody has loaded its window yet. It is the only one then.
+Exits 0 "$kInstalled\\CalvaneConfigLoader.exe" /release
+WaitFor 10 ManagerEnded
+"$wineCommand" "$kInstalled\\SentrelConfig.exe" /Embedding >/dev/null 2>&1 &
+WaitFor 10 ManagerRuns
+sleep 1
+stat -c '%Y %s' "$kFolder"/* >"$kWork/files-before"
+Exits 3 "$kSetup" /S
+# shellcheck disable=SC2086 # the folder behind _?= takes no quotes, and Wine puts them around an argument with blanks
+Exits 3 "$kInstalled\\Uninstall.exe" /S _?=$kInstalled
+stat -c '%Y %s' "$kFolder"/* >"$kWork/files-after"
+cmp "$kWork/files-before" "$kWork/files-after" || Fail "files were changed below a running manager"
+ManagerRuns || Fail "the manager ended, so that nothing was in use"
+StopWine
+echo "ok: files in use are left alone"
+
+# --- Removed while it runs; the settings stay
+Client 2
+Exits 0 "$kInstalled\\Uninstall.exe" /S
+WaitFor 20 UninstallerEnded
+ManagerEnded || Fail "the manager runs on after its removal"
+Snapshot removed
+WithoutSettings removed || Fail "the settings are gone"
+SameAsBefore removed
+echo "ok: removed but for the settings"
+
+# --- Installed again with the settings of before, and removed with them; what is not ours stays
+WriteRunValue 'C:\Other\CalvaneConfigLoader.exe'
+Exits 0 "$kSetup" /S
+Client 2
+Equal txtPause "$(Stored "$kSettingsKey" txtPause)" 7000
+echo mine >"$kFolder/mine.txt"
+Exits 0 "$kInstalled\\Uninstall.exe" /S /PURGE
+WaitFor 20 UninstallerEnded
+Equal "the rest of the folder" "$(ls "$kFolder")" mine.txt
+rm -r "$kFolder"
+Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" 'C:\Other\CalvaneConfigLoader.exe'
+Exits 0 reg delete "$kRunKey" /v "$kRunValue" /f
+Snapshot purged
+SameAsBefore purged
+echo "ok: removed with the settings"

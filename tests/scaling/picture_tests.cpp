@@ -1,0 +1,143 @@
+// Whether pictures are those that were drawn for the resolution that this process runs at.
+#include <doctest.h>
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <map>
+#include <vector>
+
+#include "app/resource.h"
+#include "platform/image_box.h"
+#include "tests/entry/inside.h"
+#include "tests/scaling/room.h"
+
+namespace {
+
+HWND Window() {
+    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
+}
+
+HWND OnPage(int id) {
+    HWND page = nullptr;
+    while ((page = FindWindowExW(Window(), page, L"#32770", nullptr)) != nullptr) {
+        if (const HWND control = GetDlgItem(page, id)) return control;
+    }
+    return nullptr;
+}
+
+SIZE SizeOf(HICON icon) {
+    ICONINFO info{};
+    BITMAP bitmap{};
+    if (!GetIconInfo(icon, &info)) return {};
+    GetObjectW(info.hbmMask, sizeof(bitmap), &bitmap);
+    const bool isTwoInOne = info.hbmColor == nullptr;
+    DeleteObject(info.hbmMask);
+    if (info.hbmColor != nullptr) DeleteObject(info.hbmColor);
+    return {bitmap.bmWidth, isTwoInOne ? bitmap.bmHeight / 2 : bitmap.bmHeight};
+}
+
+bool IsSmallIcon(HICON icon) {
+    const SIZE size = SizeOf(icon);
+    return size.cx == GetSystemMetrics(SM_CXSMICON) && size.cy == GetSystemMetrics(SM_CYSMICON);
+}
+
+// In bytes. A picture's entry begins with its width.
+constexpr size_t kDirectoryHeader = 6;
+constexpr size_t kDirectoryEntry = 14;
+
+bool HasPictureOfSize(int icon, int size) {
+    const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(icon), RT_GROUP_ICON);
+    REQUIRE(resource != nullptr);
+    const auto* const bytes = static_cast<const BYTE*>(LockResource(LoadResource(nullptr, resource)));
+    const int count = bytes[4];
+    for (int i = 0; i < count; ++i) {
+        if (bytes[kDirectoryHeader + static_cast<size_t>(i) * kDirectoryEntry] == size) return true;
+    }
+    return false;
+}
+
+// Pixels of a control as it prints itself.
+std::vector<DWORD> Print(HWND control) {
+    RECT client{};
+    GetClientRect(control, &client);
+    BITMAPINFO format{};
+    format.bmiHeader.biSize = sizeof(format.bmiHeader);
+    format.bmiHeader.biWidth = client.right;
+    format.bmiHeader.biHeight = -client.bottom;
+    format.bmiHeader.biPlanes = 1;
+    format.bmiHeader.biBitCount = 32;
+    void* bits = nullptr;
+    const HDC dc = CreateCompatibleDC(nullptr);
+    const HBITMAP bitmap = CreateDIBSection(dc, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HGDIOBJ before = SelectObject(dc, bitmap);
+    SendMessageW(control, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(dc), PRF_CLIENT);
+    GdiFlush();
+    const auto* const pixels = static_cast<const DWORD*>(bits);
+    std::vector<DWORD> result(pixels, pixels + client.right * client.bottom);
+    SelectObject(dc, before);
+    DeleteObject(bitmap);
+    DeleteDC(dc);
+    return result;
+}
+
+}  // namespace
+
+TEST_CASE("icons have the size of the system's small icons, and are drawn for it") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    ComPtr<IDispatch> picture;
+    REQUIRE(g_frmConfig->get_picShellIcon(&picture) == S_OK);
+    CHECK(IsSmallIcon(IconOf(picture.Get())));
+    for (short index = 0; index < 3; ++index) {
+        picture.Reset();
+        REQUIRE(g_frmConfig->get_picTray(index, &picture) == S_OK);
+        CHECK(IsSmallIcon(IconOf(picture.Get())));
+    }
+    CHECK(IsSmallIcon(reinterpret_cast<HICON>(SendMessageW(Window(), WM_GETICON, ICON_SMALL, 0))));
+
+    for (const int list : {IDC_LVWBANNERS, IDC_LVWSEARCHURLS}) {
+        const HIMAGELIST images = ListView_GetImageList(OnPage(list), LVSIL_SMALL);
+        int width = 0;
+        int height = 0;
+        REQUIRE(ImageList_GetIconSize(images, &width, &height));
+        CHECK(width == GetSystemMetrics(SM_CXSMICON));
+        CHECK(height == GetSystemMetrics(SM_CYSMICON));
+    }
+    CHECK(GetSystemMetrics(SM_CXSMICON) == MulDiv(16, Dpi(), 96));
+    for (const int icon :
+         {IDI_CALVANE, IDI_TRAY_REST, IDI_TRAY_0, IDI_TRAY_1, IDI_TRAY_2, IDI_LIST_BANNER, IDI_LIST_SEARCH}) {
+        CAPTURE(icon);
+        CHECK(HasPictureOfSize(icon, GetSystemMetrics(SM_CXSMICON)));
+    }
+}
+
+TEST_CASE("the logo is the one of the resolution, pixel by pixel") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    const HWND logo = OnPage(IDC_IMGLOGO);
+    const std::vector<DWORD> shown = Print(logo);
+
+    constexpr int kOtherId = 3999;
+    RECT client{};
+    GetClientRect(logo, &client);
+    const HWND other = CreateWindowExW(0, WC_STATICW, L"", WS_CHILD | SS_NOTIFY, 0, 0, client.right,
+                                       client.bottom, GetParent(logo), reinterpret_cast<HMENU>(kOtherId),
+                                       GetModuleHandleW(nullptr), nullptr);
+    ImageBox box(L"other", kOtherId);
+    box.Attach(other);
+    const std::map<int, int> logos{
+        {96, IDG_LOGO_96}, {120, IDG_LOGO_120}, {144, IDG_LOGO_144}, {192, IDG_LOGO_192}};
+    for (const auto& [dpi, resource] : logos) {
+        CAPTURE(dpi);
+        box.Picture(resource);
+        CHECK((Print(other) == shown) == (dpi == Dpi()));
+    }
+    DestroyWindow(other);
+    box.Attach(nullptr);
+    // As large as it was drawn, there is room for it without scaling.
+    const SIZE drawn{Scaled(96), Scaled(96)};
+    const RECT bounds = PictureBounds(drawn, {client.right, client.bottom});
+    CHECK(bounds.right - bounds.left == drawn.cx);
+    CHECK(bounds.bottom - bounds.top == drawn.cy);
+}

@@ -1,0 +1,224 @@
+// Who is admitted to the server, as COM is told.
+#include <doctest.h>
+
+#include <windows.h>
+#include <objbase.h>
+#include <sddl.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/server_security.h"
+#include "platform/text.h"
+#include "tests/support/import_patch.h"
+
+namespace {
+
+// What the server did, in its order, and how the steps answer.
+struct Calls {
+    std::vector<std::string> order;
+    HRESULT answer = S_OK;
+
+    // The arguments of CoInitializeSecurity.
+    bool hasDescriptor = false;
+    SECURITY_DESCRIPTOR_CONTROL control = 0;
+    std::string owner;
+    std::string group;
+    std::vector<std::string> entries;
+    LONG services = 0;
+    bool othersAreNull = false;
+    DWORD authentication = 0;
+    DWORD impersonation = 0;
+    DWORD capabilities = 0;
+};
+
+Calls g_calls;
+
+std::string SidText(PSID sid) {
+    wchar_t* text = nullptr;
+    if (sid == nullptr || !ConvertSidToStringSidW(sid, &text)) return "(none)";
+    std::string copy = ToAnsi(text);
+    LocalFree(text);
+    return copy;
+}
+
+// One line for each entry: its type, its flags, its rights and whom it is about.
+std::vector<std::string> EntriesOf(PACL list) {
+    std::vector<std::string> entries;
+    for (DWORD i = 0; list != nullptr && i < list->AceCount; ++i) {
+        void* entry = nullptr;
+        REQUIRE(GetAce(list, i, &entry));
+        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+        entries.push_back(std::to_string(allowed->Header.AceType) + " " +
+                          std::to_string(allowed->Header.AceFlags) + " " + std::to_string(allowed->Mask) +
+                          " " + SidText(&allowed->SidStart));
+    }
+    return entries;
+}
+
+HRESULT WINAPI TakeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG serviceCount,
+                            SOLE_AUTHENTICATION_SERVICE* services, void* reserved1, DWORD authentication,
+                            DWORD impersonation, void* list, DWORD capabilities, void* reserved3) {
+    g_calls.order.push_back("CoInitializeSecurity");
+    g_calls.hasDescriptor = descriptor != nullptr && IsValidSecurityDescriptor(descriptor);
+    if (g_calls.hasDescriptor) {
+        DWORD revision = 0;
+        PSID owner = nullptr;
+        PSID group = nullptr;
+        PACL entries = nullptr;
+        BOOL present = FALSE;
+        BOOL defaulted = FALSE;
+        CHECK(GetSecurityDescriptorControl(descriptor, &g_calls.control, &revision));
+        CHECK(GetSecurityDescriptorOwner(descriptor, &owner, &defaulted));
+        CHECK(GetSecurityDescriptorGroup(descriptor, &group, &defaulted));
+        CHECK(GetSecurityDescriptorDacl(descriptor, &present, &entries, &defaulted));
+        CHECK(present);
+        g_calls.owner = SidText(owner);
+        g_calls.group = SidText(group);
+        g_calls.entries = EntriesOf(entries);
+    }
+    g_calls.services = serviceCount;
+    g_calls.othersAreNull =
+        services == nullptr && reserved1 == nullptr && list == nullptr && reserved3 == nullptr;
+    g_calls.authentication = authentication;
+    g_calls.impersonation = impersonation;
+    g_calls.capabilities = capabilities;
+    return g_calls.answer;
+}
+
+HRESULT WINAPI RefuseClass(REFCLSID, IUnknown*, DWORD, DWORD, DWORD*) {
+    g_calls.order.push_back("CoRegisterClassObject");
+    return CO_E_OBJISREG;
+}
+
+HRESULT WINAPI TakeResume() {
+    g_calls.order.push_back("CoResumeClassObjects");
+    return S_OK;
+}
+
+struct Recorder {
+    Recorder() { g_calls = {}; }
+
+    ImportPatch security{"ole32.dll", "CoInitializeSecurity", &TakeSecurity};
+    ImportPatch registerClass{"ole32.dll", "CoRegisterClassObject", &RefuseClass};
+    ImportPatch resume{"ole32.dll", "CoResumeClassObjects", &TakeResume};
+};
+
+std::string OwnSid() {
+    HANDLE token = nullptr;
+    REQUIRE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
+    std::vector<BYTE> bytes(1024);
+    DWORD size = 0;
+    REQUIRE(GetTokenInformation(token, TokenUser, bytes.data(), static_cast<DWORD>(bytes.size()), &size));
+    CloseHandle(token);
+    return SidText(reinterpret_cast<TOKEN_USER*>(bytes.data())->User.Sid);
+}
+
+BOOL WINAPI NoToken(HANDLE, DWORD, PHANDLE) {
+    SetLastError(ERROR_ACCESS_DENIED);
+    return FALSE;
+}
+
+BOOL WINAPI NoTokenInformation(HANDLE, TOKEN_INFORMATION_CLASS, LPVOID, DWORD, PDWORD) {
+    SetLastError(ERROR_INSUFFICIENT_BUFFER);
+    return FALSE;
+}
+
+BOOL WINAPI NoWellKnownSid(WELL_KNOWN_SID_TYPE, PSID, PSID, DWORD*) {
+    SetLastError(ERROR_INVALID_PARAMETER);
+    return FALSE;
+}
+
+BOOL WINAPI NoEntryWithoutReason(PACL, DWORD, DWORD, PSID) {
+    SetLastError(ERROR_SUCCESS);
+    return FALSE;
+}
+
+int Embed() {
+    wchar_t command[] = L"-Embedding";
+    return wWinMain(GetModuleHandleW(nullptr), nullptr, command, SW_SHOWDEFAULT);
+}
+
+}  // namespace
+
+TEST_CASE("Own user, system and administrators are admitted from this machine, and nobody else") {
+    const Recorder recorder;
+    CHECK(AdmitOwnUserOnly() == S_OK);
+    REQUIRE(g_calls.hasDescriptor);
+    const std::string own = OwnSid();
+    const std::string allowed =
+        "0 0 3 ";  // an allowing entry, not inherited, COM_RIGHTS_EXECUTE and _EXECUTE_LOCAL
+    CHECK(g_calls.entries ==
+          std::vector<std::string>{allowed + own, allowed + "S-1-5-18", allowed + "S-1-5-32-544"});
+    CHECK(own.starts_with("S-1-"));
+}
+
+TEST_CASE("The descriptor is in absolute form and has an owner and a group") {
+    const Recorder recorder;
+    CHECK(AdmitOwnUserOnly() == S_OK);
+    CHECK((g_calls.control & SE_SELF_RELATIVE) == 0);
+    CHECK((g_calls.control & SE_DACL_PRESENT) != 0);
+    CHECK(g_calls.owner == OwnSid());
+    CHECK(g_calls.group == OwnSid());
+}
+
+TEST_CASE("Callers must be authenticated, and servers called may identify the user and no more") {
+    const Recorder recorder;
+    CHECK(AdmitOwnUserOnly() == S_OK);
+    CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity"});
+    CHECK(g_calls.authentication == RPC_C_AUTHN_LEVEL_PKT);
+    CHECK(g_calls.impersonation == RPC_C_IMP_LEVEL_IDENTIFY);
+    CHECK(g_calls.capabilities == EOAC_NONE);
+    CHECK(g_calls.services == -1);
+    CHECK(g_calls.othersAreNull);
+}
+
+TEST_CASE("What COM answers is passed on") {
+    const Recorder recorder;
+    for (const HRESULT answer : {RPC_E_TOO_LATE, E_OUTOFMEMORY, E_INVALIDARG}) {
+        g_calls.answer = answer;
+        CHECK(AdmitOwnUserOnly() == answer);
+    }
+}
+
+TEST_CASE("A user who cannot be found out is not replaced by everybody") {
+    const Recorder recorder;
+    SUBCASE("no token") {
+        const ImportPatch patch("advapi32.dll", "OpenProcessToken", &NoToken);
+        CHECK(AdmitOwnUserOnly() == E_ACCESSDENIED);
+    }
+    SUBCASE("a token that tells nothing") {
+        const ImportPatch patch("advapi32.dll", "GetTokenInformation", &NoTokenInformation);
+        CHECK(AdmitOwnUserOnly() == HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
+    }
+    SUBCASE("no account of the system") {
+        const ImportPatch patch("advapi32.dll", "CreateWellKnownSid", &NoWellKnownSid);
+        CHECK(AdmitOwnUserOnly() == E_INVALIDARG);
+    }
+    SUBCASE("a failure without a reason") {
+        const ImportPatch patch("advapi32.dll", "AddAccessAllowedAce", &NoEntryWithoutReason);
+        CHECK(AdmitOwnUserOnly() == E_FAIL);
+    }
+    CHECK(g_calls.order.empty());
+}
+
+TEST_CASE("The manager tells COM whom to admit before it offers its class") {
+    const Recorder recorder;
+    CHECK(Embed() == CO_E_OBJISREG);
+    CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity", "CoRegisterClassObject"});
+    CHECK(g_calls.hasDescriptor);
+}
+
+TEST_CASE("The manager serves nobody when COM does not take the list of those to admit") {
+    const Recorder recorder;
+    g_calls.answer = E_ACCESSDENIED;
+    CHECK(Embed() == E_ACCESSDENIED);
+    CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity"});
+}
+
+TEST_CASE("The manager serves nobody when its own user cannot be found out") {
+    const Recorder recorder;
+    const ImportPatch patch("advapi32.dll", "OpenProcessToken", &NoToken);
+    CHECK(Embed() == E_ACCESSDENIED);
+    CHECK(g_calls.order.empty());
+}

@@ -1,0 +1,6 @@
+// COM servers that were killed.
+#pragma once
+
+// COM itself notices that a server has ended. Wine's does not, and would send every later client to the dead
+// one: there its service, which Windows refuses to stop, is stopped, and starts anew with the next call.
+void ForgetKilledServers();

@@ -1,0 +1,93 @@
+// What a load, a save and the first run must come to, whatever fails in them: written from the rules of the
+// store and of the window, apart from the program.
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/support/memory_registry.h"
+
+class SettingsWindow;
+
+struct ListRow {
+    std::wstring name;
+    std::vector<std::wstring> fields;
+    bool isUsed = false;
+    bool operator==(const ListRow&) const = default;
+};
+
+// All that the options and lists of the window show and remember.
+struct WindowState {
+    short playSound = 0;
+    short beep = 0;
+    short extra = 0;
+    std::wstring speed = L"6";
+    std::wstring pause = L"5";
+    std::wstring extraText;
+    std::vector<std::wstring> exclude;
+    std::vector<ListRow> banners;
+    std::vector<ListRow> search;
+    std::wstring pauseKey;
+    std::wstring soundFile;
+    std::wstring selectedMode;  // of the selected option button; empty where none is
+    std::wstring mode;          // as last read or written
+    bool canChooseSound = false;
+    bool canTestSound = false;
+    bool canApply = false;
+    bool isLoading = false;
+    bool operator==(const WindowState&) const = default;
+};
+
+WindowState StateOf(const SettingsWindow& window);
+void Put(SettingsWindow& window, const WindowState& state);
+
+// The members that differ, in words; empty where none does.
+std::string Difference(const WindowState& actual, const WindowState& expected);
+std::string Difference(const RegistryContents& actual, const RegistryContents& expected);
+
+// Shared by the store and the window of a test.
+class SettingsModel {
+public:
+    explicit SettingsModel(RegistryContents& store, const Fault& fault = {})
+        : m_store(store), m_counter(fault) {}
+
+    void WriteFirstRun(const std::string& serverDirectory);
+    void Load(WindowState& window);
+    void Save(WindowState& window, const std::string& loaderPath);
+
+    // What a text box makes of a text that is set.
+    std::function<std::wstring(const std::wstring&)> editText = [](const std::wstring& text) {
+        return text.substr(0, text.find(L'\0'));
+    };
+
+    long Calls() const noexcept { return m_counter.Calls(); }
+
+private:
+    struct Value {
+        bool isNumber = false;
+        long number = 0;
+        std::wstring text;
+    };
+
+    enum class ReadResult { Missing, Read, Unusable };
+
+    ReadResult ReadFrom(const std::string& key, const std::string& name, Value& value);
+    bool Read(const std::string& key, const std::string& name, Value& value) {
+        return ReadFrom(key, name, value) == ReadResult::Read;
+    }
+    void Write(const std::string& key, const std::string& name, const std::string& text);
+    bool Delete(const std::string& key, const std::string& name);
+    void LoadRows(const std::string& key, const std::vector<std::string>& fieldsAsRead, Value& value,
+                  std::vector<ListRow>& rows);
+    void SaveRows(const std::string& key, const std::vector<std::string>& fields,
+                  const std::vector<ListRow>& rows);
+
+    static std::wstring TextIn(const Value& value);
+    static bool LongIn(const Value& value, long& number);
+
+    RegistryContents& m_store;
+    FaultCounter m_counter;
+};

@@ -1,0 +1,270 @@
+#include "tests/walk/user.h"
+
+#include <winsvc.h>
+#include <commctrl.h>
+
+#include <stdexcept>
+
+#include "lists/resource.h"
+#include "platform/automation_error.h"
+#include "platform/text.h"
+#include "tests/support/automation.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/program.h"
+
+namespace {
+
+constexpr DWORD kStartMilliseconds = 10000;
+constexpr DWORD kWindowMilliseconds = 10000;
+constexpr int kIntoRow = 6;  // pixels from a row's upper edge that are safely inside of it
+
+struct Search {
+    DWORD process;
+    HWND except;
+    std::wstring title;
+    HWND found;
+};
+
+BOOL CALLBACK TakeDialog(HWND window, LPARAM parameter) {
+    Search& search = *reinterpret_cast<Search*>(parameter);
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    if (process != search.process || window == search.except || !IsWindowVisible(window)) return TRUE;
+    if (ClassOf(window) != L"#32770" || ShownText(window) != search.title) return TRUE;
+    search.found = window;
+    return FALSE;
+}
+
+// Ends the engine that a killed manager leaves behind, which withdraws its classes.
+void EndEngine() {
+    ResumeNext([] { Call(CreateByName(L"SentrelStandin.Control").Get(), L"Quit"); });
+    if (!ProgramEnds(L"SentrelStandin.exe")) throw std::runtime_error("the engine does not end");
+}
+
+// COM itself notices that a server has ended. Wine's does not, and would send every later client to the dead
+// one: there its service, which Windows refuses to stop, is stopped and starts anew with the next call. No
+// server may be left that the old one knew.
+void ForgetKilledServers() {
+    const SC_HANDLE services = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT);
+    const SC_HANDLE service = OpenServiceW(services, L"RpcSs", SERVICE_STOP | SERVICE_QUERY_STATUS);
+    SERVICE_STATUS status{};
+    if (ControlService(service, SERVICE_CONTROL_STOP, &status)) {
+        WaitUntil([&] {
+            return !QueryServiceStatus(service, &status) || status.dwCurrentState == SERVICE_STOPPED;
+        });
+    }
+    CloseServiceHandle(service);
+    CloseServiceHandle(services);
+}
+
+void WaitUntilGone(HWND window) {
+    if (!WaitUntil([&] { return !IsWindow(window); }, kWindowMilliseconds)) {
+        throw std::runtime_error("a window stays open: " + ToAnsi(ShownText(window)));
+    }
+}
+
+}  // namespace
+
+User::User(bool keepSettings) {
+    Start(keepSettings);
+}
+
+// The first calls after a manager was killed can still be sent to it: they fail, and are tried again.
+void User::Start(bool keepSettings) {
+    m_controls.clear();
+    for (const DWORD start = GetTickCount();; PumpFor(50)) {
+        try {
+            m_manager.emplace(keepSettings);
+            m_manager->Instance(formShow);
+            break;
+        } catch (const AutomationError& error) {
+            m_manager.reset();
+            const bool isDeadServer = error.Code() == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
+                                      error.Code() == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
+            if (!isDeadServer || GetTickCount() - start > kStartMilliseconds) throw;
+        }
+    }
+    GetWindowThreadProcessId(m_manager->Window(), &m_process);
+}
+
+void User::KillAndRestart() {
+    const ProcessHandle process(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, m_process));
+    if (!TerminateProcess(process.Get(), 1) ||
+        WaitForSingleObject(process.Get(), kStartMilliseconds) != WAIT_OBJECT_0) {
+        throw std::runtime_error("the manager was not killed");
+    }
+    EndEngine();
+    ForgetKilledServers();
+    m_manager.reset();
+    Start(true);
+}
+
+void User::EndAndRestart() {
+    m_manager.reset();
+    Start(true);
+}
+
+HWND User::Find(const wchar_t* name) {
+    HWND& control = m_controls[name];
+    if (control == nullptr) control = m_manager->Control(name);
+    return control;
+}
+
+void User::TurnTo(Page page) {
+    // Unlike TCM_SETCURSEL this is what the keyboard does: the tab control tells its owner.
+    SendMessageW(Find(L"tab"), TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
+}
+
+Shown User::Look() {
+    Shown shown{};
+    for (const wchar_t* const option : {L"optStartup", L"optLoadWithKiller", L"optLoadFromMenu"}) {
+        if (IsChecked(option)) shown.startup += ShownText(Find(option));
+    }
+    shown.playSound = IsChecked(L"chkPlaySound");
+    shown.beep = IsChecked(L"chkBeep");
+    shown.canChooseSound = CanPress(L"cmdSoundFile");
+    shown.canTestSound = CanPress(L"cmdTestSound");
+    shown.pauseKey = ComboText(Find(L"cboPauseKey"));
+    shown.speed = ShownText(Find(L"txtSpeed"));
+    shown.pause = ShownText(Find(L"txtPause"));
+    shown.exclude = Excluded();
+    shown.banners = Banners();
+    shown.search = Searches();
+    shown.canApply = CanPress(L"cmdApply");
+    return shown;
+}
+
+int User::SelectedRow(const wchar_t* list) {
+    return static_cast<int>(SendMessageW(Find(list), LB_GETCURSEL, 0, 0));
+}
+
+void User::Press(const wchar_t* name) {
+    if (!IsWindowVisible(Find(name)) || !CanPress(name)) {
+        throw std::runtime_error("cannot be pressed: " + ToAnsi(name));
+    }
+    SendMessageW(Find(name), BM_CLICK, 0, 0);
+}
+
+HWND User::Open(const wchar_t* name, const wchar_t* title) {
+    if (!IsWindowVisible(Find(name)) || !CanPress(name)) {
+        throw std::runtime_error("cannot be pressed: " + ToAnsi(name));
+    }
+    PostMessageW(Find(name), BM_CLICK, 0, 0);
+    return WaitForWindow(title);
+}
+
+std::wstring User::PressAndRead(const wchar_t* name) {
+    PostMessageW(Find(name), BM_CLICK, 0, 0);
+    return ReadMessage();
+}
+
+std::wstring User::PressAndRead(HWND dialog, int button) {
+    PostMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
+    std::wstring message = ReadMessage();
+    if (!IsWindow(dialog)) throw std::runtime_error("a refused dialog closed: " + ToAnsi(message));
+    return message;
+}
+
+void User::Type(HWND dialog, int id, const std::wstring& text) {
+    const HWND box = GetDlgItem(dialog, id);
+    SendMessageW(box, EM_SETSEL, 0, -1);
+    if (text.empty()) SendMessageW(box, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(L""));
+    for (const wchar_t character : text)
+        SendMessageW(box, WM_CHAR, character, 1);
+    SendMessageW(box, WM_KEYUP, VK_END, 1);
+}
+
+void User::Close(HWND dialog, int button) {
+    PostMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
+    WaitUntilGone(dialog);
+    // What the manager does behind the dialog is done by the time that its window answers again.
+    SendMessageW(m_manager->Window(), WM_NULL, 0, 0);
+}
+
+void User::Key(const wchar_t* name, UINT virtualKey) {
+    SendMessageW(Find(name), WM_KEYDOWN, virtualKey, 1);
+    SendMessageW(Find(name), WM_KEYUP, virtualKey, 1);
+}
+
+// A list view that has lost its selected row keeps the focus on another one, which keys that go there do not
+// select: going away and back does, and on the only row a click.
+void User::SelectFirst(HWND list) {
+    const auto isSelected = [list] {
+        return SendMessageW(list, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED) == 0;
+    };
+    if (isSelected()) return;
+    SendMessageW(list, WM_KEYDOWN, VK_END, 1);
+    SendMessageW(list, WM_KEYDOWN, VK_HOME, 1);
+    if (isSelected()) return;
+    RECT header{};
+    GetClientRect(reinterpret_cast<HWND>(SendMessageW(list, LVM_GETHEADER, 0, 0)), &header);
+    const LPARAM point = MAKELPARAM(header.right / 2, header.bottom + kIntoRow);
+    // Sent, the click would begin to drag before the button is up.
+    PostMessageW(list, WM_LBUTTONDOWN, MK_LBUTTON, point);
+    PostMessageW(list, WM_LBUTTONUP, 0, point);
+    if (!WaitUntil(isSelected)) throw std::runtime_error("the first row is not selected");
+}
+
+void User::Select(const wchar_t* list, int row) {
+    Key(list, VK_HOME);
+    if (ClassOf(Find(list)) == WC_LISTVIEWW) SelectFirst(Find(list));
+    for (; row > 0; --row)
+        Key(list, VK_DOWN);
+}
+
+void User::Tick(const wchar_t* list, int row) {
+    Select(list, row);
+    Key(list, VK_SPACE);
+}
+
+void User::Spin(const wchar_t* name, bool up) {
+    RECT area{};
+    GetClientRect(Find(name), &area);
+    const LPARAM point = MAKELPARAM(area.right / 2, up ? area.bottom / 4 : area.bottom * 3 / 4);
+    SendMessageW(Find(name), WM_LBUTTONDOWN, MK_LBUTTON, point);
+    SendMessageW(Find(name), WM_LBUTTONUP, 0, point);
+}
+
+void User::AddExcluded(const std::wstring& address) {
+    const HWND dialog = Open(L"cmdAddURL", L"Add Web Site URL");
+    Type(dialog, IDC_ADD_URL_ADDRESS, address);
+    Close(dialog, IDOK);
+}
+
+void User::AddBanner(const std::wstring& height, const std::wstring& width) {
+    const HWND dialog = Open(L"cmdAddSize", L"New Banner Height and Width");
+    Type(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, height);
+    Type(dialog, IDC_ADD_BANNER_SIZE_WIDTH, width);
+    Close(dialog, IDOK);
+}
+
+void User::AddSearch(const std::wstring& name, const std::wstring& address) {
+    const HWND dialog = Open(L"cmdAddSearch", L"Add Search Address");
+    Type(dialog, IDC_ADD_SEARCH_NAME, name);
+    Type(dialog, IDC_ADD_SEARCH_ADDRESS, address);
+    Close(dialog, IDOK);
+}
+
+HWND User::WaitForWindow(const std::wstring& title) {
+    Search search{m_process, m_manager->Window(), title, nullptr};
+    const bool isThere = WaitUntil(
+        [&] {
+            EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&search));
+            return search.found != nullptr;
+        },
+        kWindowMilliseconds);
+    if (!isThere) throw std::runtime_error("no window came up: " + ToAnsi(title));
+    return search.found;
+}
+
+std::wstring User::ReadMessage() {
+    const HWND box = WaitForWindow(L"Calvane");
+    std::wstring text;
+    for (HWND child = nullptr; (child = FindWindowExW(box, child, L"Static", nullptr)) != nullptr;) {
+        // The other one is the place of the icon.
+        if ((GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) != SS_ICON) text += ShownText(child);
+    }
+    PostMessageW(FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+    WaitUntilGone(box);
+    return text;
+}
