@@ -148,8 +148,8 @@ void frmConfig::Unload() {
     m_oShellIcon.Reset();
     m_engine.Disconnect(Hwnd(), Reference());
     Destroy();
-    // The loop of a dialog that went with its owner may drop the message with which it finds that out; it must not be
-    // a client's call.
+    // The loop of a dialog that went with its owner may drop the message with which it finds that out; it
+    // must not be a client's call.
     PostMessageW(nullptr, WM_NULL, 0, 0);
     SetTrayWindow(nullptr);
     m_state = State::None;

@@ -79,6 +79,7 @@ private:
     void MakeImageList1();
     void SelectPage();
     void NextPage(int step);
+    bool IsOnHiddenPage(HWND window) const noexcept;
     void SetUpTray();
     void AnimateTray();
     void Load();

@@ -81,5 +81,17 @@ bool frmConfig::IsFormMessage(MSG& message) {
                 break;
         }
     }
+    // From a control of a hidden page, which only another program addresses, the dialog manager's search for
+    // an accelerator would never come back to where it began.
+    if (isOurs && IsOnHiddenPage(message.hwnd)) return false;
     return IsDialogMessageW(Hwnd(), &message) != FALSE;
+}
+
+bool frmConfig::IsOnHiddenPage(HWND window) const noexcept {
+    for (const ConfigPage& page : m_pages) {
+        if (window == page.Hwnd() || IsChild(page.Hwnd(), window)) {
+            return (GetWindowLongW(page.Hwnd(), GWL_STYLE) & WS_VISIBLE) == 0;
+        }
+    }
+    return false;
 }

@@ -30,6 +30,8 @@ bool Dialog::OnMessage(UINT, WPARAM, LPARAM, LRESULT&) {
 
 INT_PTR CALLBACK Dialog::Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     if (message == WM_INITDIALOG) {
+        // Any program may send it once more, with anything for a parameter.
+        if (GetWindowLongPtrW(hwnd, DWLP_USER) != 0) return FALSE;
         SetWindowLongPtrW(hwnd, DWLP_USER, lParam);
         reinterpret_cast<Dialog*>(lParam)->m_hwnd = hwnd;
     }

@@ -1,5 +1,5 @@
-// The entry of every suite: a single-threaded apartment, common controls, and the name of the running test where a
-// time-out can find it.
+// The entry of every suite: a single-threaded apartment, common controls, and the name of the running test
+// where a time-out can find it.
 #define DOCTEST_CONFIG_IMPLEMENT
 #include <doctest.h>
 
@@ -48,9 +48,11 @@ REGISTER_LISTENER("current", 1, CurrentTest);
 
 int wmain(int count, wchar_t** arguments) {
     std::vector<std::string> texts;
-    for (int i = 0; i < count; ++i) texts.push_back(ToAnsi(arguments[i]));
+    for (int i = 0; i < count; ++i)
+        texts.push_back(ToAnsi(arguments[i]));
     std::vector<const char*> pointers;
-    for (const std::string& text : texts) pointers.push_back(text.c_str());
+    for (const std::string& text : texts)
+        pointers.push_back(text.c_str());
 
     CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const INITCOMMONCONTROLSEX classes{

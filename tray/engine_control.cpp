@@ -46,11 +46,13 @@ void EngineControl::Connect(HWND configHwnd, LONG formReferenceAddress) {
                                        IID_PPV_ARGS(&m_application)));
     });
     ResumeNext([&] {
-        if (!m_application) RaiseError(ErrorNumber::ObjectNotSet);
+        // A reference of its own: the window may be unloaded, and take leave, while the engine is called.
+        const ComPtr<_SentrelApp> application = m_application;
+        if (!application) RaiseError(ErrorNumber::ObjectNotSet);
         LONG mode = kManagerMode;
         ComPtr<_Popup> popup;
-        ThrowIfFailed(m_application->CreatePopup(NumberOf(configHwnd), formReferenceAddress, &mode, &popup));
-        m_oPopup = popup;
+        ThrowIfFailed(application->CreatePopup(NumberOf(configHwnd), formReferenceAddress, &mode, &popup));
+        if (m_application) m_oPopup = popup;
     });
     ResumeNext([&] { ConnectEvents(); });
     ResumeNext([&] { ReadState(); });

@@ -25,12 +25,15 @@ ComPtr<_ConfigControl> AnotherControl() {
     return control;
 }
 
-int SelectedTab(Manager& manager) { return static_cast<int>(SendMessageW(manager.Control(L"tab"), TCM_GETCURSEL, 0, 0)); }
+int SelectedTab(Manager& manager) {
+    return static_cast<int>(SendMessageW(manager.Control(L"tab"), TCM_GETCURSEL, 0, 0));
+}
 
 size_t ConfigWindowCount() {
     size_t count = 0;
     HWND window = nullptr;
-    while ((window = FindWindowExW(nullptr, window, L"#32770", L"Calvane")) != nullptr) ++count;
+    while ((window = FindWindowExW(nullptr, window, L"#32770", L"Calvane")) != nullptr)
+        ++count;
     return count;
 }
 
@@ -178,7 +181,8 @@ TEST_CASE("ShellIconClass is the object that the window holds as m_oShellIcon") 
     Manager manager;
     const auto config = manager.Instance(FormHide);
     const auto icon = ObjectIn(Get(config.Get(), L"ShellIconClass"));
-    CHECK(Identity(icon.Get()).Get() == Identity(ObjectIn(Get(manager.Form().Get(), L"m_oShellIcon")).Get()).Get());
+    CHECK(Identity(icon.Get()).Get() ==
+          Identity(ObjectIn(Get(manager.Form().Get(), L"m_oShellIcon")).Get()).Get());
     CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"Calvane Sentrel");
     Put(icon.Get(), L"ToolTip", L"another");
     CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"another");
@@ -189,7 +193,8 @@ TEST_CASE("clients can connect to ConfigClosed and never receive it") {
     const auto config = manager.Instance(formShow);
     int received = 0;
     {
-        const EventConnection connection(config.Get(), __uuidof(__Config), {{1, [&](const DISPPARAMS&) { ++received; }}});
+        const EventConnection connection(config.Get(), __uuidof(__Config),
+                                         {{1, [&](const DISPPARAMS&) { ++received; }}});
         SendMessageW(manager.Window(), WM_CLOSE, 0, 0);
         manager.Instance(formShow);
         PumpFor(200);
@@ -261,7 +266,9 @@ TEST_CASE("after the exit a client that still holds the manager gets a window ma
         manager.Instance(formShow);
         CHECK(IsWindowVisible(manager.Window()) != FALSE);
     }
-    SUBCASE("by reading its handle") { CHECK(IsWindow(manager.Window()) != FALSE); }
+    SUBCASE("by reading its handle") {
+        CHECK(IsWindow(manager.Window()) != FALSE);
+    }
     CHECK(manager.Text(L"txtSpeed") == L"6");
     CHECK_FALSE(ToBool(Get(manager.Form().Get(), L"b_OKtoUnload")));
     CHECK(Get(manager.Form().Get(), L"m_oShellIcon").Value().pdispVal != nullptr);

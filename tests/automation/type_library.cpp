@@ -32,7 +32,8 @@ std::wstring NameOf(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
 template <class Description, class Releaser>
 class Described {
 public:
-    Described(ComPtr<ITypeInfo> info, Description* description) : m_info(std::move(info)), m_description(description) {}
+    Described(ComPtr<ITypeInfo> info, Description* description)
+        : m_info(std::move(info)), m_description(description) {}
     Described(const Described&) = delete;
     Described& operator=(const Described&) = delete;
     ~Described() { Releaser()(m_info.Get(), m_description); }
@@ -73,7 +74,8 @@ ComPtr<ITypeInfo> Vtable(REFGUID id) {
     return vtable;
 }
 
-constexpr WORD kDualFlags = TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION | TYPEFLAG_FNONEXTENSIBLE | TYPEFLAG_FHIDDEN;
+constexpr WORD kDualFlags =
+    TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION | TYPEFLAG_FNONEXTENSIBLE | TYPEFLAG_FHIDDEN;
 
 }  // namespace
 
@@ -95,8 +97,8 @@ TEST_CASE("the library is SentrelConfig 1.0 and holds six types") {
         REQUIRE(library->GetTypeInfo(index, &info) == S_OK);
         names.insert(NameOf(info.Get()));
     }
-    CHECK(names == std::set<std::wstring>{L"_Config", L"__Config", L"Config", L"_ConfigControl", L"ConfigControl",
-                                          L"ConfigState"});
+    CHECK(names == std::set<std::wstring>{L"_Config", L"__Config", L"Config", L"_ConfigControl",
+                                          L"ConfigControl", L"ConfigState"});
 }
 
 TEST_CASE("_Config is dual, hidden, not extensible, with its three properties in order") {
@@ -133,7 +135,8 @@ TEST_CASE("_ConfigControl is dual, hidden, not extensible, with its two methods 
     const ELEMDESC& showType = instance->lprgelemdescParam[0];
     CHECK(showType.tdesc.vt == VT_PTR);
     CHECK(showType.tdesc.lptdesc->vt == VT_I4);
-    CHECK((showType.paramdesc.wParamFlags & (PARAMFLAG_FIN | PARAMFLAG_FOUT)) == (PARAMFLAG_FIN | PARAMFLAG_FOUT));
+    CHECK((showType.paramdesc.wParamFlags & (PARAMFLAG_FIN | PARAMFLAG_FOUT)) ==
+          (PARAMFLAG_FIN | PARAMFLAG_FOUT));
     CHECK((instance->lprgelemdescParam[1].paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0);
 
     const auto release = FunctionOf(vtable, 1);
@@ -160,8 +163,8 @@ TEST_CASE("Config cannot be created and has _Config and the source __Config as d
     CHECK(attributes->typekind == TKIND_COCLASS);
     CHECK((attributes->wTypeFlags & TYPEFLAG_FCANCREATE) == 0);
     REQUIRE(attributes->cImplTypes == 2);
-    const std::pair<std::wstring, INT> interfaces[] = {{L"_Config", IMPLTYPEFLAG_FDEFAULT},
-                                                       {L"__Config", IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}};
+    const std::pair<std::wstring, INT> interfaces[] = {
+        {L"_Config", IMPLTYPEFLAG_FDEFAULT}, {L"__Config", IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}};
     for (UINT index = 0; index < 2; ++index) {
         HREFTYPE reference = 0;
         ComPtr<ITypeInfo> implemented;

@@ -49,14 +49,18 @@ constexpr UINT kWithAddresses[] = {WM_CREATE,
                                    WM_INPUTLANGCHANGEREQUEST};
 
 // They end the window or the session, or wait in a loop of their own for a mouse that does not come.
-constexpr UINT kEndingOrWaiting[] = {WM_DESTROY,         WM_NCDESTROY,   WM_QUIT,          WM_ENDSESSION,
-                                     WM_QUERYENDSESSION, WM_SYSCOMMAND,  WM_NCLBUTTONDOWN, WM_NCLBUTTONDBLCLK,
-                                     WM_NCRBUTTONDOWN,   WM_NCRBUTTONUP, WM_CONTEXTMENU,   WM_RBUTTONUP,
-                                     WM_NCMBUTTONDOWN,   WM_SYSKEYDOWN,  WM_SYSKEYUP,      WM_SYSCHAR,
-                                     WM_COMMAND,         WM_PRINT,       WM_LBUTTONDOWN,   WM_RBUTTONDOWN,
-                                     WM_LBUTTONDBLCLK,   WM_DROPFILES,   WM_ENTERIDLE,     WM_ENABLE,
-                                     WM_SETREDRAW,       WM_CLOSE,       WM_ENTERSIZEMOVE, WM_MENUCHAR,
-                                     WM_MENUSELECT,      WM_PASTE,       WM_COPY,          WM_CUT};
+constexpr UINT kEndingOrWaiting[] = {
+    WM_DESTROY, WM_NCDESTROY, WM_QUIT, WM_ENDSESSION, WM_QUERYENDSESSION, WM_SYSCOMMAND, WM_NCLBUTTONDOWN,
+    WM_NCLBUTTONDBLCLK, WM_NCRBUTTONDOWN, WM_NCRBUTTONUP, WM_CONTEXTMENU, WM_RBUTTONUP, WM_NCMBUTTONDOWN,
+    WM_SYSKEYDOWN, WM_SYSKEYUP, WM_SYSCHAR, WM_COMMAND, WM_PRINT, WM_LBUTTONDOWN, WM_RBUTTONDOWN,
+    WM_LBUTTONDBLCLK, WM_DROPFILES, WM_ENTERIDLE, WM_ENABLE, WM_SETREDRAW, WM_CLOSE, WM_ENTERSIZEMOVE,
+    WM_MENUCHAR, WM_MENUSELECT, WM_PASTE, WM_COPY, WM_CUT,
+    // What is drawn on is a device of the sender.
+    WM_ERASEBKGND, WM_ICONERASEBKGND, WM_NCPAINT, WM_SETICON,
+    // A window handle that is none.
+    WM_NEXTDLGCTL,
+    // Fonts and characters that are none make the edit control of Wine fail by itself.
+    WM_SETFONT, WM_UNICHAR};
 
 struct ClassMessage {
     const wchar_t* className;
@@ -68,12 +72,6 @@ constexpr ClassMessage kOfClasses[] = {{WC_BUTTONW, BM_CLICK},
                                        {WC_BUTTONW, BM_SETCHECK},
                                        {WC_BUTTONW, BM_GETCHECK},
                                        {WC_BUTTONW, BM_SETSTATE},
-                                       {WC_EDITW, EM_SETSEL},
-                                       {WC_EDITW, EM_UNDO},
-                                       {WC_EDITW, EM_LINESCROLL},
-                                       {WC_EDITW, EM_SETLIMITTEXT},
-                                       {WC_EDITW, EM_SETREADONLY},
-                                       {WC_EDITW, EM_CHARFROMPOS},
                                        {WC_LISTBOXW, LB_SETCURSEL},
                                        {WC_LISTBOXW, LB_GETTEXTLEN},
                                        {WC_LISTBOXW, LB_DELETESTRING},
@@ -133,6 +131,7 @@ bool IsHarmless(UINT message) {
     // Of controls, among the messages of all windows: edit controls, list boxes, combo boxes, scroll bars.
     if (message >= 0x00B0 && message <= 0x00FF) return false;
     if (message >= 0x0140 && message <= 0x01FF && message != WM_LBUTTONUP) return false;
+    if (message >= WM_CTLCOLORMSGBOX && message <= WM_CTLCOLORSTATIC) return false;
     return !Contains(kWithAddresses, message) && !Contains(kEndingOrWaiting, message);
 }
 
@@ -171,6 +170,7 @@ MSG RandomDialogMessage(Chance& chance, HWND dialog, HWND control) {
             [[fallthrough]];
         default:
             message.message = Harmless(chance);
+            if (message.message == WM_PAINT) message.wParam = 0;
             break;
     }
     return message;
@@ -183,6 +183,14 @@ MSG RandomControlMessage(Chance& chance, HWND control) {
     message.lParam = Parameter(chance);
     wchar_t className[64]{};
     GetClassNameW(control, className, 64);
+    if (lstrcmpiW(className, WC_EDITW) == 0) {
+        // Wine's edit control fails by itself at much that Windows' one bears.
+        constexpr UINT kBorne[] = {WM_CHAR,      WM_KEYDOWN,   WM_KEYUP,    WM_SETFOCUS,
+                                   WM_KILLFOCUS, WM_MOUSEMOVE, WM_LBUTTONUP};
+        message.message = chance.From(kBorne);
+        if (message.message == WM_CHAR) message.wParam = L' ' + chance.Below(95);
+        return message;
+    }
     const ClassMessage& own = chance.From(kOfClasses);
     if (chance.OneIn(3) && lstrcmpiW(own.className, className) == 0 &&
         (own.message != BM_CLICK || chance.OneIn(10))) {
@@ -191,6 +199,8 @@ MSG RandomControlMessage(Chance& chance, HWND control) {
         if (chance.OneIn(2)) message.wParam = chance.Below(12);
     } else {
         message.message = Harmless(chance);
+        if (message.message == WM_CHAR) message.wParam = L' ' + chance.Below(95);
+        if (message.message == WM_PAINT) message.wParam = 0;
     }
     return message;
 }

@@ -122,7 +122,7 @@ TEST_CASE("senseless messages to every window leave them answering") {
     CHECK(handle == g_lngConfigHwnd);
     CHECK(g_frmConfig->Show() == S_OK);
     CHECK(IsWindowVisible(window));
-    SendDlgItemMessageW(window, IDC_TAB, TCM_SETCURFOCUS, 3, 0);
+    SendDlgItemMessageW(window, IDC_TAB, TCM_SETCURSEL, 3, 0);
     CHECK(SendDlgItemMessageW(window, IDC_TAB, TCM_GETCURSEL, 0, 0) == 3);
     EnableWindow(GetDlgItem(window, IDC_CMDAPPLY), TRUE);
     SendDlgItemMessageW(window, IDC_CMDAPPLY, BM_CLICK, 0, 0);
@@ -152,4 +152,23 @@ TEST_CASE("a window that is told once more that it is being made stays what it i
     EnableWindow(GetDlgItem(ConfigWindow(), IDC_CMDAPPLY), TRUE);
     SendDlgItemMessageW(ConfigWindow(), IDC_CMDAPPLY, BM_CLICK, 0, 0);
     CHECK_FALSE(IsWindowEnabled(GetDlgItem(ConfigWindow(), IDC_CMDAPPLY)));
+}
+
+// The dialog manager's search for an accelerator ran for ever.
+TEST_CASE("a key that another program posts to a control of a hidden page is no end of the message loop") {
+    const QuietSystem quiet;
+    InsideWithoutEngine inside;
+    inside.Instance(formShow);
+    const Tree windows = WindowsOf(ConfigWindow());
+    const DWORD start = GetTickCount();
+    int hidden = 0;
+    for (const HWND control : windows.controls) {
+        if (!IsWindowVisible(control)) ++hidden;
+        for (const UINT key : {WM_KEYDOWN, WM_CHAR, WM_SYSCHAR}) {
+            MSG message{control, key, L'~', 1, 0, {}};
+            if (!g_frmConfig->IsFormMessage(message)) DispatchMessageW(&message);
+        }
+    }
+    CHECK(hidden > 20);
+    CHECK(GetTickCount() - start < 5000);
 }

@@ -120,7 +120,8 @@ TEST_CASE_FIXTURE(EngineFixture, "one command a tick: start before stop before p
     CHECK_FALSE(engine.bPausePending);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "a second command of the same kind before the tick is served with the first") {
+TEST_CASE_FIXTURE(EngineFixture,
+                  "a second command of the same kind before the tick is served with the first") {
     ConnectQuietly();
     engine.mnuStopKiller_Click();
     PumpFor(100);

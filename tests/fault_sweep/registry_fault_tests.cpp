@@ -19,7 +19,7 @@ constexpr char kExclude[] = "HKCU\\Software\\Calvane\\Exclude";
 constexpr char kBanners[] = "HKCU\\Software\\Calvane\\Banners";
 constexpr char kSearch[] = "HKCU\\Software\\Calvane\\Search";
 constexpr char kRun[] = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr DWORD kPatience = 2000;  // milliseconds that no run takes, even on a slow machine
+constexpr DWORD kPatience = 10000;  // milliseconds that no run takes, even on a slow machine
 
 RegistryContents FullStore() {
     const auto text = [](const char* bytes) { return StoredValue{REG_SZ, bytes}; };

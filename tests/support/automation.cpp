@@ -13,7 +13,8 @@ Variant Invoke(IDispatch* object, const wchar_t* member, WORD flags, std::vector
 
     std::reverse(arguments.begin(), arguments.end());
     std::vector<VARIANT> values;
-    for (const Variant& argument : arguments) values.push_back(argument.Value());
+    for (const Variant& argument : arguments)
+        values.push_back(argument.Value());
     DISPID put = DISPID_PROPERTYPUT;
     DISPPARAMS parameters{values.data(), nullptr, static_cast<UINT>(values.size()), 0};
     if (flags == DISPATCH_PROPERTYPUT) {
@@ -23,8 +24,8 @@ Variant Invoke(IDispatch* object, const wchar_t* member, WORD flags, std::vector
 
     Variant result;
     EXCEPINFO exception{};
-    const HRESULT answer =
-        object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters, result.Receive(), &exception, nullptr);
+    const HRESULT answer = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
+                                          result.Receive(), &exception, nullptr);
     SysFreeString(exception.bstrSource);
     SysFreeString(exception.bstrDescription);
     SysFreeString(exception.bstrHelpFile);
@@ -47,7 +48,8 @@ void Put(IDispatch* object, const wchar_t* property, const Variant& value) {
 }
 
 ComPtr<IDispatch> ObjectIn(const Variant& value) {
-    if (value.Value().vt != VT_DISPATCH || value.Value().pdispVal == nullptr) throw std::runtime_error("no object");
+    if (value.Value().vt != VT_DISPATCH || value.Value().pdispVal == nullptr)
+        throw std::runtime_error("no object");
     return value.Value().pdispVal;
 }
 

@@ -5,8 +5,9 @@
 
 class ImportPatch {
 public:
-    // module: the DLL's name as imported, with extension, letter case ignored. replacement: a function of the same
-    // signature and calling convention. Throws std::runtime_error when the program does not import the function.
+    // module: the DLL's name as imported, with extension, letter case ignored. replacement: a function of the
+    // same signature and calling convention. Throws std::runtime_error when the program does not import the
+    // function.
     template <class Function>
     ImportPatch(const char* module, const char* function, Function* replacement)
         : ImportPatch(module, function, reinterpret_cast<void*>(replacement), 0) {}

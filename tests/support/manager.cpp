@@ -10,7 +10,9 @@ namespace {
 
 constexpr wchar_t kRootKey[] = L"Software\\Calvane";
 
-std::wstring PathOf(const std::wstring& key) { return std::wstring(kRootKey) + L"\\" + key; }
+std::wstring PathOf(const std::wstring& key) {
+    return std::wstring(kRootKey) + L"\\" + key;
+}
 
 }  // namespace
 
@@ -31,9 +33,11 @@ ComPtr<IDispatch> Manager::Instance(long showType) {
     m_config = config;
     if (!m_process) {
         DWORD process = 0;
-        const auto window = reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Get(config.Get(), L"ConfigHwnd"))));
+        const auto window =
+            reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Get(config.Get(), L"ConfigHwnd"))));
         GetWindowThreadProcessId(window, &process);
-        m_process.Reset(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE | PROCESS_QUERY_INFORMATION, FALSE, process));
+        m_process.Reset(
+            OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE | PROCESS_QUERY_INFORMATION, FALSE, process));
     }
     return config;
 }
@@ -52,13 +56,16 @@ HWND Manager::Control(const wchar_t* name) {
     return reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Call(Form().Get(), L"ControlHwnd", {name}))));
 }
 
-void Manager::Click(const wchar_t* name) { SendMessageW(Control(name), BM_CLICK, 0, 0); }
+void Manager::Click(const wchar_t* name) {
+    SendMessageW(Control(name), BM_CLICK, 0, 0);
+}
 
 void Manager::Type(const wchar_t* name, const std::wstring& text) {
     const HWND control = Control(name);
     SendMessageW(control, EM_SETSEL, 0, -1);
     if (text.empty()) SendMessageW(control, WM_CLEAR, 0, 0);
-    for (const wchar_t character : text) SendMessageW(control, WM_CHAR, character, 1);
+    for (const wchar_t character : text)
+        SendMessageW(control, WM_CHAR, character, 1);
 }
 
 std::wstring Manager::Text(const wchar_t* name) {
@@ -80,38 +87,44 @@ bool Manager::WaitForEnd(DWORD milliseconds) {
     const DWORD start = GetTickCount();
     while (WaitForSingleObject(m_process.Get(), 10) == WAIT_TIMEOUT) {
         MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
+            DispatchMessageW(&message);
         if (GetTickCount() - start >= milliseconds) return false;
     }
     return true;
 }
 
-bool Manager::Running() { return !WaitForEnd(0); }
+bool Manager::Running() {
+    return !WaitForEnd(0);
+}
 
-void DeleteSettings() { RegDeleteTreeW(HKEY_CURRENT_USER, kRootKey); }
+void DeleteSettings() {
+    RegDeleteTreeW(HKEY_CURRENT_USER, kRootKey);
+}
 
 std::wstring Setting(const std::wstring& key, const std::wstring& value) {
     std::string bytes(1 << 16, '\0');
     DWORD size = static_cast<DWORD>(bytes.size());
-    if (RegGetValueA(HKEY_CURRENT_USER, ToAnsi(PathOf(key)).c_str(), ToAnsi(value).c_str(), RRF_RT_ANY, nullptr,
-                     bytes.data(), &size) != ERROR_SUCCESS) {
+    if (RegGetValueA(HKEY_CURRENT_USER, ToAnsi(PathOf(key)).c_str(), ToAnsi(value).c_str(), RRF_RT_ANY,
+                     nullptr, bytes.data(), &size) != ERROR_SUCCESS) {
         throw std::runtime_error("no setting " + ToAnsi(value));
     }
     return FromAnsi(bytes.c_str());
 }
 
 bool HasSetting(const std::wstring& key, const std::wstring& value) {
-    return RegGetValueW(HKEY_CURRENT_USER, PathOf(key).c_str(), value.c_str(), RRF_RT_ANY, nullptr, nullptr, nullptr) ==
-           ERROR_SUCCESS;
+    return RegGetValueW(HKEY_CURRENT_USER, PathOf(key).c_str(), value.c_str(), RRF_RT_ANY, nullptr, nullptr,
+                        nullptr) == ERROR_SUCCESS;
 }
 
 size_t SettingCount(const std::wstring& key) {
     HKEY opened = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, PathOf(key).c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return 0;
+    if (RegOpenKeyExW(HKEY_CURRENT_USER, PathOf(key).c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS)
+        return 0;
     const RegistryKey owner(opened);
     DWORD count = 0;
-    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr, nullptr, nullptr,
-                     nullptr);
+    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr, nullptr,
+                     nullptr, nullptr);
     return count;
 }
 

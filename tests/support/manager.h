@@ -30,7 +30,8 @@ public:
     // ConfigInstance; throws AutomationError.
     ComPtr<IDispatch> Instance(long showType);
 
-    // The window, its form object and its controls by name. Each calls ConfigInstance(2) first where that has not been done.
+    // The window, its form object and its controls by name. Each calls ConfigInstance(2) first where that has
+    // not been done.
     HWND Window();
     ComPtr<IDispatch> Form();
     HWND Control(const wchar_t* name);

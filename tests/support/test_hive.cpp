@@ -19,8 +19,8 @@ TestHive::TestHive(HKEY root) : m_root(root) {
     m_path = L"Software\\CalvaneTests\\" + std::to_wstring(GetCurrentProcessId()) +
              (root == HKEY_CURRENT_USER ? L"U" : L"M");
     RegDeleteTreeW(HKEY_CURRENT_USER, m_path.c_str());
-    if (RegCreateKeyExW(HKEY_CURRENT_USER, m_path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_key, nullptr) !=
-            ERROR_SUCCESS ||
+    if (RegCreateKeyExW(HKEY_CURRENT_USER, m_path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &m_key,
+                        nullptr) != ERROR_SUCCESS ||
         RegOverridePredefKey(m_root, m_key) != ERROR_SUCCESS) {
         throw std::runtime_error("no throw-away registry root");
     }
@@ -33,19 +33,22 @@ TestHive::~TestHive() {
     RegDeleteKeyW(HKEY_CURRENT_USER, m_path.c_str());
 }
 
-bool TestHive::Exists(const std::wstring& key) const { return static_cast<bool>(Open(m_key, key)); }
+bool TestHive::Exists(const std::wstring& key) const {
+    return static_cast<bool>(Open(m_key, key));
+}
 
 bool TestHive::Exists(const std::wstring& key, const std::wstring& value) const {
     const RegistryKey opened = Open(m_key, key);
-    return opened && RegQueryValueExW(opened.Get(), value.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+    return opened &&
+           RegQueryValueExW(opened.Get(), value.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
 }
 
 std::string TestHive::Bytes(const std::wstring& key, const std::wstring& value, DWORD* type) const {
     const RegistryKey opened = Open(m_key, key);
     DWORD size = 1 << 20;
     std::string bytes(size, '\0');
-    if (RegQueryValueExA(opened.Get(), ToAnsi(value).c_str(), nullptr, type, reinterpret_cast<BYTE*>(bytes.data()),
-                         &size) != ERROR_SUCCESS) {
+    if (RegQueryValueExA(opened.Get(), ToAnsi(value).c_str(), nullptr, type,
+                         reinterpret_cast<BYTE*>(bytes.data()), &size) != ERROR_SUCCESS) {
         throw std::runtime_error("no such value: " + ToAnsi(value));
     }
     bytes.resize(size);
@@ -59,18 +62,20 @@ std::wstring TestHive::Text(const std::wstring& key, const std::wstring& value) 
 size_t TestHive::ValueCount(const std::wstring& key) const {
     const RegistryKey opened = Open(m_key, key);
     DWORD count = 0;
-    RegQueryInfoKeyW(opened.Get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr, nullptr,
-                     nullptr, nullptr);
+    RegQueryInfoKeyW(opened.Get(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr,
+                     nullptr, nullptr, nullptr);
     return count;
 }
 
-void TestHive::Write(const std::wstring& key, const std::wstring& value, DWORD type, const std::string& bytes) const {
+void TestHive::Write(const std::wstring& key, const std::wstring& value, DWORD type,
+                     const std::string& bytes) const {
     HKEY created = nullptr;
     RegCreateKeyExW(m_key, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &created, nullptr);
     const RegistryKey opened(created);
     // A byte that is no NUL behind the data keeps the system from adding one to it.
     const std::string guarded = bytes + 'x';
-    if (RegSetValueExA(opened.Get(), ToAnsi(value).c_str(), 0, type, reinterpret_cast<const BYTE*>(guarded.data()),
+    if (RegSetValueExA(opened.Get(), ToAnsi(value).c_str(), 0, type,
+                       reinterpret_cast<const BYTE*>(guarded.data()),
                        static_cast<DWORD>(bytes.size())) != ERROR_SUCCESS) {
         throw std::runtime_error("not written: " + ToAnsi(value));
     }
@@ -84,4 +89,6 @@ void TestHive::Delete(const std::wstring& key, const std::wstring& value) const 
     RegDeleteKeyValueW(m_key, key.c_str(), value.c_str());
 }
 
-void TestHive::DeleteTree(const std::wstring& key) const { RegDeleteTreeW(m_key, key.c_str()); }
+void TestHive::DeleteTree(const std::wstring& key) const {
+    RegDeleteTreeW(m_key, key.c_str());
+}

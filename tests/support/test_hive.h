@@ -19,7 +19,8 @@ public:
     std::string Bytes(const std::wstring& key, const std::wstring& value, DWORD* type = nullptr) const;
     std::wstring Text(const std::wstring& key, const std::wstring& value) const;
     size_t ValueCount(const std::wstring& key) const;
-    void Write(const std::wstring& key, const std::wstring& value, DWORD type, const std::string& bytes) const;
+    void Write(const std::wstring& key, const std::wstring& value, DWORD type,
+               const std::string& bytes) const;
     void Write(const std::wstring& key, const std::wstring& value, const std::wstring& text) const;
     void Delete(const std::wstring& key, const std::wstring& value) const;
     void DeleteTree(const std::wstring& key) const;

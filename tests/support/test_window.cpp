@@ -53,7 +53,9 @@ TestWindow::TestWindow(std::vector<Control*> controls) : Dialog(IDD_EMPTY), m_co
     Create(nullptr);
 }
 
-TestWindow::~TestWindow() { Destroy(); }
+TestWindow::~TestWindow() {
+    Destroy();
+}
 
 bool TestWindow::OnInit() {
     int top = 0;
@@ -62,8 +64,8 @@ bool TestWindow::OnInit() {
         const bool isTall =
             control->Kind() == ControlKind::ListBox || control->Kind() == ControlKind::ListView;
         const int height = isTall ? kListHeight : kControlHeight;
-        const HWND child = CreateWindowExW(0, kind.windowClass, L"", WS_CHILD | WS_VISIBLE | kind.style, 0, top,
-                                           kControlWidth, height, Hwnd(),
+        const HWND child = CreateWindowExW(0, kind.windowClass, L"", WS_CHILD | WS_VISIBLE | kind.style, 0,
+                                           top, kControlWidth, height, Hwnd(),
                                            reinterpret_cast<HMENU>(static_cast<INT_PTR>(control->Id())),
                                            GetModuleHandleW(nullptr), nullptr);
         control->Attach(child);

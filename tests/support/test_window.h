@@ -8,8 +8,8 @@
 
 #include "platform/dialog.h"
 
-// Makes one child window for each control of the table, of the window class and style that its kind has in the program,
-// stacked from top to bottom. The window is hidden unless shown.
+// Makes one child window for each control of the table, of the window class and style that its kind has in
+// the program, stacked from top to bottom. The window is hidden unless shown.
 class TestWindow final : public Dialog {
 public:
     // The controls outlive the window.

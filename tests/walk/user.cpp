@@ -16,6 +16,7 @@ namespace {
 
 constexpr DWORD kStartMilliseconds = 10000;
 constexpr DWORD kWindowMilliseconds = 10000;
+constexpr DWORD kPressMilliseconds = 20000;
 constexpr int kIntoRow = 6;  // pixels from a row's upper edge that are safely inside of it
 
 struct Search {
@@ -142,7 +143,11 @@ void User::Press(const wchar_t* name) {
     if (!IsWindowVisible(Find(name)) || !CanPress(name)) {
         throw std::runtime_error("cannot be pressed: " + ToAnsi(name));
     }
-    SendMessageW(Find(name), BM_CLICK, 0, 0);
+    // A message that nobody expects would keep the button pressed for ever.
+    DWORD_PTR result = 0;
+    if (SendMessageTimeoutW(Find(name), BM_CLICK, 0, 0, SMTO_NORMAL, kPressMilliseconds, &result) == 0) {
+        throw std::runtime_error("stays pressed: " + ToAnsi(name));
+    }
 }
 
 HWND User::Open(const wchar_t* name, const wchar_t* title) {

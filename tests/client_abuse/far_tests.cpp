@@ -1,0 +1,279 @@
+// Senseless calls and messages from another process, many clients at once, and clients that are killed.
+#include <doctest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "platform/automation_error.h"
+#include "platform/variant.h"
+#include "tests/client_abuse/messages.h"
+#include "tests/client_abuse/random_calls.h"
+#include "tests/engine/stand_in.h"
+#include "tests/support/automation.h"
+#include "tests/support/killed_servers.h"
+#include "tests/support/manager.h"
+#include "tests/support/message_pump.h"
+
+namespace {
+
+constexpr wchar_t kHoldsEvent[] = L"ClientAbuseHolds";
+
+struct QuietStart {
+    QuietStart() { ForgetKilledServers(); }
+
+    NoEngineRegistered noEngine;
+};
+
+BOOL CALLBACK TakeWindow(HWND window, LPARAM parameter) {
+    reinterpret_cast<std::vector<HWND>*>(parameter)->push_back(window);
+    return TRUE;
+}
+
+bool Answers(HWND window) {
+    DWORD_PTR result = 0;
+    return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_ABORTIFHUNG, 5000, &result) != 0;
+}
+
+// A client with an apartment of its own.
+struct Client {
+    Client() {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        ThrowIfFailed(
+            CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&control)));
+        long showType = FormHide;
+        ThrowIfFailed(control->ConfigInstance(&showType, &config));
+    }
+    Client(const Client&) = delete;
+    Client& operator=(const Client&) = delete;
+    ~Client() {
+        config.Reset();
+        control.Reset();
+        CoUninitialize();
+    }
+
+    LONG Window() { return ToLong(Get(config.Get(), L"ConfigHwnd")); }
+
+    ComPtr<_ConfigControl> control;
+    ComPtr<IDispatch> config;
+};
+
+// Runs the body in that many threads at once; false when not all of them come to an end in time.
+bool InThreads(int count, const std::function<void(int number)>& body, DWORD milliseconds,
+               const std::function<void()>& meanwhile = {}) {
+    auto running = std::make_shared<LONG>(count);
+    for (int number = 0; number < count; ++number) {
+        std::thread([body, number, running] {
+            body(number);
+            InterlockedDecrement(running.get());
+        }).detach();
+    }
+    if (meanwhile) meanwhile();
+    return PumpUntil([&] { return InterlockedCompareExchange(running.get(), 0, 0) == 0; }, milliseconds);
+}
+
+}  // namespace
+
+TEST_CASE("senseless calls and messages of another process leave the manager answering") {
+    constexpr long kCalls = 2000;
+    constexpr long kMessages = 20000;
+    const QuietStart quiet;
+    Manager manager;
+    const HWND window = manager.Window();
+    const ComPtr<IDispatch> config = manager.Instance(FormHide);
+    const ComPtr<IDispatch> form = manager.Form();
+    const ComPtr<IDispatch> icon = ObjectIn(Get(config.Get(), L"ShellIconClass"));
+    const ComPtr<IDispatch> picture = ObjectIn(Get(form.Get(), L"picShellIcon"));
+    ComPtr<IDispatch> control;
+    REQUIRE(manager.Control()->QueryInterface(IID_PPV_ARGS(&control)) == S_OK);
+
+    const uint32_t seed = Chance::Seed() + 1;
+    Chance chance(seed);
+    DWORD start = GetTickCount();
+    DWORD slowest = 0;
+    {
+        // What is passed for a window is no real one: the icon's animation would draw at it for ever.
+        RandomCalls calls(chance,
+                          {{control, {0x60030000}, {0x60030001}},
+                           {config, {0x68030000, 0x68030001, 0x68030002}, {}},
+                           {form, {1, 2, 4, 5, 6, 7, 8, 9, 10, 11}, {3}},
+                           {icon, {1, 2, 3, 4, 5}, {}},
+                           {picture, {1, 2}, {}}},
+                          {0, HandleToLong(window)}, false);
+        for (long i = 0; i < kCalls; ++i) {
+            CAPTURE(seed);
+            CAPTURE(i);
+            const DWORD before = GetTickCount();
+            calls.One();
+            slowest = std::max(slowest, GetTickCount() - before);
+            if (i % 100 == 0) REQUIRE(manager.Running());
+        }
+        long answered = 0;
+        for (const auto& [result, count] : calls.Results()) {
+            if (SUCCEEDED(result)) answered += count;
+        }
+        CHECK(answered > kCalls / 20);
+        MESSAGE("across processes: " << kCalls << " calls from seed " << seed << ", " << answered
+                                     << " carried out, " << calls.Results().size() << " different results, "
+                                     << GetTickCount() - start << " ms, slowest " << slowest << " ms");
+    }
+    CHECK(slowest < 5000);
+    CHECK(ToLong(Get(config.Get(), L"ConfigHwnd")) == HandleToLong(window));
+    Put(form.Get(), L"b_OKtoUnload", false);
+
+    std::vector<HWND> all{window};
+    EnumChildWindows(window, TakeWindow, reinterpret_cast<LPARAM>(&all));
+    start = GetTickCount();
+    for (long i = 0; i < kMessages; ++i) {
+        const HWND target = chance.From(all);
+        MSG message{};
+        do {
+            message = target == window ? RandomDialogMessage(chance, window, chance.From(all))
+                                       : RandomControlMessage(chance, target);
+            // Those would open a dialog or the menu, and wait for a user.
+        } while (message.message == BM_CLICK || message.message == 1025 ||
+                 (message.message == WM_COMMAND && HIWORD(message.wParam) == 0));
+        PostMessageW(message.hwnd, message.message, message.wParam, message.lParam);
+        // Before the queue is full.
+        if (i % 1000 == 999) {
+            CAPTURE(i);
+            REQUIRE(Answers(window));
+            REQUIRE(ToLong(Get(config.Get(), L"ConfigHwnd")) == HandleToLong(window));
+        }
+    }
+    MESSAGE("across processes: " << kMessages << " posted messages, " << GetTickCount() - start << " ms");
+    CHECK(std::ranges::all_of(all, [](HWND each) { return IsWindow(each) != FALSE; }));
+    manager.Instance(formShow);
+    CHECK(IsWindowVisible(window));
+    const HWND apply = manager.Control(L"cmdApply");
+    EnableWindow(apply, TRUE);
+    PostMessageW(apply, BM_CLICK, 0, 0);
+    CHECK(WaitUntil([&] { return !IsWindowEnabled(apply); }));
+}
+
+TEST_CASE("forty clients at once get the same window, and the manager ends with the last of them") {
+    constexpr int kClients = 40;
+    constexpr int kCalls = 25;
+    const QuietStart quiet;
+    Manager manager;
+    const LONG window = HandleToLong(manager.Window());
+    LONG right = 0;
+    LONG failed = 0;
+    const DWORD start = GetTickCount();
+    CHECK(InThreads(
+        kClients,
+        [&](int number) {
+            if (!ResumeNext([&] {
+                    Client client;
+                    for (int i = 0; i < kCalls; ++i) {
+                        if (client.Window() == window) InterlockedIncrement(&right);
+                        // Late clients hold their references while the others leave.
+                        if (number % 2 == 0) Sleep(1);
+                    }
+                })) {
+                InterlockedIncrement(&failed);
+            }
+        },
+        40000));
+    CHECK(right == kClients * kCalls);
+    CHECK(failed == 0);
+    MESSAGE(kClients << " clients at once: " << right << " right answers, " << failed << " failures, "
+                     << GetTickCount() - start << " ms");
+
+    // Unloaded by its exit entry the manager waits for its clients, and for nothing else.
+    Put(manager.Form().Get(), L"b_OKtoUnload", true);
+    PostMessageW(manager.Window(), WM_CLOSE, 0, 0);
+    CHECK(WaitUntil([&] { return !IsWindow(reinterpret_cast<HWND>(static_cast<LONG_PTR>(window))); }));
+    CHECK(manager.Running());
+    manager.LetGo();
+    CHECK(manager.WaitForEnd());
+}
+
+TEST_CASE(
+    "when one client calls ReleaseConfig while others call, those get errors and nobody waits for ever") {
+    constexpr int kClients = 8;
+    const QuietStart quiet;
+    Manager manager;
+    manager.Window();
+    LONG ready = 0;
+    LONG refused = 0;
+    LONG calls = 0;
+    DWORD slowest = 0;
+    DWORD start = 0;
+    CHECK(InThreads(
+        kClients,
+        [&](int) {
+            bool isReady = false;
+            if (!ResumeNext([&] {
+                    Client client;
+                    InterlockedIncrement(&ready);
+                    isReady = true;
+                    for (;;) {
+                        client.Window();
+                        InterlockedIncrement(&calls);
+                    }
+                }) &&
+                isReady) {
+                InterlockedIncrement(&refused);
+            }
+        },
+        40000,
+        [&] {
+            CHECK(PumpUntil([&] { return InterlockedCompareExchange(&ready, 0, 0) == kClients; }, 20000));
+            PumpFor(200);
+            start = GetTickCount();
+            manager.Control()->ReleaseConfig();
+        }));
+    slowest = GetTickCount() - start;
+    CHECK(refused == kClients);
+    CHECK(calls > kClients);
+    CHECK(manager.WaitForEnd());
+    manager.LetGo();
+    MESSAGE("ReleaseConfig among " << kClients << " calling clients: " << calls << " calls before, "
+                                   << refused << " refused after, all within " << slowest << " ms");
+}
+
+TEST_CASE("client: holds references" * doctest::skip()) {
+    Client client;
+    client.Window();
+    const FileHandle holds(OpenEventW(EVENT_MODIFY_STATE, FALSE, kHoldsEvent));
+    SetEvent(holds.Get());
+    Sleep(INFINITE);
+}
+
+TEST_CASE("clients that are killed while they hold references do not trouble the others") {
+    constexpr int kClients = 4;
+    const QuietStart quiet;
+    Manager manager;
+    const HWND window = manager.Window();
+    int killed = 0;
+    for (int i = 0; i < kClients; ++i) {
+        const ProcessHandle holds(CreateEventW(nullptr, TRUE, FALSE, kHoldsEvent));
+        wchar_t program[MAX_PATH]{};
+        GetModuleFileNameW(nullptr, program, MAX_PATH);
+        std::wstring command =
+            L'"' + std::wstring(program) + L"\" --no-skip --out=NUL --test-case=\"client: holds references\"";
+        STARTUPINFOW startup{};
+        startup.cb = sizeof(startup);
+        PROCESS_INFORMATION process{};
+        REQUIRE(CreateProcessW(program, command.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr,
+                               nullptr, &startup, &process));
+        CloseHandle(process.hThread);
+        const ProcessHandle client(process.hProcess);
+        CHECK(PumpUntil([&] { return WaitForSingleObject(holds.Get(), 0) == WAIT_OBJECT_0; }, 15000));
+        TerminateProcess(client.Get(), 1);
+        CHECK(PumpUntil([&] { return WaitForSingleObject(client.Get(), 0) == WAIT_OBJECT_0; }));
+        CHECK(manager.Window() == window);
+        ++killed;
+    }
+    manager.Instance(formShow);
+    CHECK(IsWindowVisible(window));
+    manager.Control()->ReleaseConfig();
+    CHECK(manager.WaitForEnd());
+    manager.LetGo();
+    MESSAGE(killed
+            << " clients killed with references in their hands; the others were served, ReleaseConfig ended "
+               "the manager");
+}

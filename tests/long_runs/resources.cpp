@@ -1,0 +1,97 @@
+#include "tests/long_runs/resources.h"
+
+#include <vector>
+
+namespace {
+
+// Of ntdll: the handles of all processes.
+constexpr ULONG kSystemHandleInformation = 16;
+constexpr LONG kLengthMismatch = static_cast<LONG>(0xC0000004);
+
+struct HandleEntry {
+    ULONG processId;
+    BYTE objectType;
+    BYTE flags;
+    USHORT value;
+    PVOID object;
+    ACCESS_MASK access;
+};
+
+void CountHeap(Resources& held) {
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(64, heaps);
+    for (DWORD i = 0; i < count && i < 64; ++i) {
+        HeapLock(heaps[i]);
+        PROCESS_HEAP_ENTRY entry{};
+        while (HeapWalk(heaps[i], &entry)) {
+            if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0) continue;
+            held.heapBytes += static_cast<long>(entry.cbData);
+            ++held.heapBlocks;
+        }
+        HeapUnlock(heaps[i]);
+    }
+}
+
+long KernelHandles() {
+    using Query = LONG(WINAPI*)(ULONG, PVOID, ULONG, PULONG);
+    const auto query = reinterpret_cast<Query>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    static std::vector<BYTE> buffer(4 << 20);
+    ULONG needed = 0;
+    while (query(kSystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), &needed) ==
+           kLengthMismatch) {
+        buffer.resize(buffer.size() * 2);
+    }
+    const ULONG count = *reinterpret_cast<const ULONG*>(buffer.data());
+    const auto* const entries = reinterpret_cast<const HandleEntry*>(buffer.data() + sizeof(ULONG));
+    long own = 0;
+    for (ULONG i = 0; i < count; ++i)
+        own += entries[i].processId == GetCurrentProcessId() ? 1 : 0;
+    return own;
+}
+
+// The table of GDI objects that each process sees: its address stands in the process environment block.
+struct GdiEntry {
+    ULONGLONG object;
+    ULONG owner;
+    USHORT unique;
+    BYTE type;
+    BYTE flags;
+    ULONGLONG userPointer;
+};
+
+long GdiObjects() {
+    constexpr size_t kTableOffset = 0x94;
+    using Block = const BYTE*(WINAPI*)();
+    const auto current = reinterpret_cast<Block>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")));
+    const BYTE* const block = current();
+    const auto* const table = *reinterpret_cast<const GdiEntry* const*>(block + kTableOffset);
+    long count = 0;
+    for (size_t i = 0; i < 0x4000; ++i)
+        count += table[i].type != 0 ? 1 : 0;
+    return count;
+}
+
+void CountUserObjects(Resources& held) {
+    for (ULONG_PTR handle = 0x20; handle < 0x8000; handle += 2) {
+        if (IsMenu(reinterpret_cast<HMENU>(handle))) ++held.menus;
+        DWORD process = 0;
+        if (IsWindow(reinterpret_cast<HWND>(handle)) &&
+            GetWindowThreadProcessId(reinterpret_cast<HWND>(handle), &process) != 0 &&
+            process == GetCurrentProcessId()) {
+            ++held.windows;
+        }
+    }
+}
+
+}  // namespace
+
+Resources HeldNow() {
+    Resources held;
+    held.kernelHandles = KernelHandles();
+    CountHeap(held);
+    held.gdiObjects = GdiObjects();
+    CountUserObjects(held);
+    return held;
+}
