@@ -1,0 +1,304 @@
+// Engines that answer late, and more events than any engine should raise.
+#include <doctest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <thread>
+
+#include "platform/automation_error.h"
+#include "platform/variant.h"
+#include "tests/engine/session.h"
+#include "tests/engine/tray.h"
+#include "tests/engine_storm/event_sink.h"
+#include "tests/support/automation.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/shown_text.h"
+
+namespace {
+
+// Far more than a busy test machine needs, far less than any of the delays.
+constexpr DWORD kPrompt = 1500;
+
+void CheckWorks(Session& session) {
+    const std::wstring before = session.manager.Text(L"txtSpeed");
+    const std::wstring stored = Setting(L"Settings", L"txtSpeed");
+    session.Spin(L"udbSpeed", before != L"10");
+    CHECK(session.manager.Text(L"txtSpeed") != before);
+    CHECK(WaitUntil([&] { return session.Marked(); }));
+    const size_t reloads = session.engine.Count(L"ReloadSettings");
+    session.Press(L"cmdApply");
+    CHECK(WaitUntil([&] { return !session.Marked(); }));
+    CHECK(Setting(L"Settings", L"txtSpeed") != stored);
+    CHECK(session.engine.Count(L"ReloadSettings") == reloads + 1);
+    session.manager.Instance(formShow);
+    CHECK(session.Visible());
+    PostMessageW(session.window, WM_CLOSE, 0, 0);
+    CHECK(WaitUntil([&] { return !session.Visible(); }));
+    Command(session.window, L'o');
+    CHECK(WaitUntil([&] { return session.Visible(); }));
+}
+
+void CheckOneIcon(Session& session) {
+    const HWND icon = WaitForIcon();
+    REQUIRE(icon != nullptr);
+    CHECK(WaitUntil([&] { return LookOf(icon) == IconLook::Rest; }, 2000));
+    CHECK(ShownIcons() == std::vector<HWND>{icon});
+    CHECK(ShellHasIcon(session.window));
+}
+
+// How long a client's call to the manager takes now.
+DWORD TimeOfCall(Session& session) {
+    const DWORD start = GetTickCount();
+    session.Settle();
+    return GetTickCount() - start;
+}
+
+// Changes a setting and presses cmdApply; answers when the change is stored and the engine is being called.
+std::wstring BeginApply(Session& session) {
+    const std::wstring stored = Setting(L"Settings", L"txtSpeed");
+    session.Spin(L"udbSpeed", true);
+    REQUIRE(WaitUntil([&] { return session.Marked(); }));
+    PostMessageW(session.apply, BM_CLICK, 0, 0);
+    REQUIRE(WaitUntil([&] { return Setting(L"Settings", L"txtSpeed") != stored; }));
+    Sleep(300);
+    return Setting(L"Settings", L"txtSpeed");
+}
+
+// An empty log of the test's own.
+std::wstring NewLog() {
+    wchar_t folder[MAX_PATH] = L"";
+    GetTempPathW(MAX_PATH, folder);
+    const std::wstring path = std::wstring(folder) + L"engine_storm.log";
+    DeleteFileW(path.c_str());
+    return path;
+}
+
+// Asks the window again and again whether it still takes messages, from a thread of its own.
+class Watcher {
+public:
+    explicit Watcher(HWND window)
+        : m_thread([this, window] {
+              while (!m_done) {
+                  const DWORD start = GetTickCount();
+                  DWORD_PTR result = 0;
+                  if (SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 5000, &result) == 0)
+                      ++m_unanswered;
+                  m_longest = std::max(m_longest, GetTickCount() - start);
+                  ++m_asked;
+                  Sleep(2);
+              }
+          }) {}
+    ~Watcher() { Stop(); }
+
+    void Stop() {
+        m_done = true;
+        if (m_thread.joinable()) m_thread.join();
+    }
+
+    // Valid once stopped.
+    long Asked() const noexcept { return m_asked; }
+    long Unanswered() const noexcept { return m_unanswered; }
+    DWORD Longest() const noexcept { return m_longest; }
+
+private:
+    std::atomic<bool> m_done = false;
+    long m_asked = 0;
+    long m_unanswered = 0;
+    DWORD m_longest = 0;
+    std::thread m_thread;
+};
+
+}  // namespace
+
+TEST_CASE("An Apply whose engine answers after 10 seconds is done when it does") {
+    Session session;
+    session.engine.State(2);
+    session.Start();
+    session.engine.Delay(L"ReloadSettings", 10000);
+    const DWORD start = GetTickCount();
+    const std::wstring saved = BeginApply(session);
+    CHECK(session.Marked());
+    const DWORD call = TimeOfCall(session);
+    CHECK(call < kPrompt);
+    // The call was made while the engine slept.
+    CHECK(session.Marked());
+    CHECK(WaitUntil([&] { return !session.Marked(); }, 15000));
+    const DWORD took = GetTickCount() - start;
+    CHECK(took >= 9900);
+    CHECK(Setting(L"Settings", L"txtSpeed") == saved);
+    CHECK(session.engine.Count(L"ReloadSettings") == 1);
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+    CheckWorks(session);
+    CheckOneIcon(session);
+    MESSAGE("ReloadSettings late by 10 s: done after " << took << " ms, a client meanwhile answered in "
+                                                       << call << " ms");
+}
+
+TEST_CASE("A log whose place the engine tells 3 seconds late is shown when it is told") {
+    Session session;
+    const std::wstring log = NewLog();
+    Put(session.engine.Control(), L"LogFile", Variant(log));
+    session.Start();
+    const HWND icon = WaitForIcon();
+    REQUIRE(icon != nullptr);
+    const HWND list = session.manager.Control(L"lstClosedWnd");
+    const HWND refresh = session.manager.Control(L"cmdRefreshLog");
+    CHECK(SendMessageW(list, LB_GETCOUNT, 0, 0) == 0);
+    Call(session.engine.Control(), L"ClosePopup", {0L, L"http://ads.example.com/late.html"});
+    session.engine.Delay(L"LogFile", 3000);
+    const DWORD start = GetTickCount();
+    PostMessageW(refresh, BM_CLICK, 0, 0);
+    Sleep(300);
+    CHECK(SendMessageW(list, LB_GETCOUNT, 0, 0) == 0);
+    const DWORD call = TimeOfCall(session);
+    CHECK(call < kPrompt);
+    CHECK(WaitUntil([&] { return SendMessageW(list, LB_GETCOUNT, 0, 0) == 1; }, 8000));
+    const DWORD took = GetTickCount() - start;
+    CHECK(took >= 2900);
+    CHECK(session.engine.Count(L"LogFile") == 1);
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CheckWorks(session);
+    // The animation of the closed pop-up runs to its end, however long the engine kept it waiting.
+    CHECK(WaitUntil([&] { return !IsWindow(icon); }));
+    CheckOneIcon(session);
+    DeleteFileW(log.c_str());
+    MESSAGE("LogFile late by 3 s: shown after " << took << " ms, a client meanwhile answered in " << call
+                                                << " ms");
+}
+
+TEST_CASE(
+    "A start that the engine holds up ends with a window that works and a menu that follows the state") {
+    const wchar_t* member = nullptr;
+    constexpr long kDelay = 3000;
+    SUBCASE("CreatePopup") {
+        member = L"CreatePopup";
+    }
+    SUBCASE("State") {
+        member = L"State";
+    }
+    Session session;
+    session.engine.State(2);
+    session.engine.Delay(member, kDelay);
+    const DWORD start = GetTickCount();
+    session.Start();
+    const auto took = static_cast<long>(GetTickCount() - start);
+    CHECK(took >= kDelay - 100);
+    CHECK(took < kDelay + 5000);
+    CHECK(session.engine.Popups() == 1);
+    CHECK(session.engine.Connections() == 1);
+    CHECK_FALSE(session.Marked());
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+    CheckWorks(session);
+    session.engine.Raise(L"Started");
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CheckOneIcon(session);
+    MESSAGE(ToAnsi(member) << " late by " << kDelay << " ms: the window was made after " << took << " ms");
+}
+
+TEST_CASE("A thousand closed pop-ups in a burst leave one icon and a manager that answered all along") {
+    Session session;
+    session.Start();
+    const HWND first = WaitForIcon();
+    REQUIRE(first != nullptr);
+    const DWORD start = GetTickCount();
+    DWORD longestCall = 0;
+    Watcher watcher(session.window);
+    for (int i = 1; i <= 1000; ++i) {
+        session.engine.Raise(L"Killed");
+        if (i % 100 == 0) longestCall = std::max(longestCall, TimeOfCall(session));
+    }
+    const DWORD took = GetTickCount() - start;
+    watcher.Stop();
+    CHECK(watcher.Asked() > 0);
+    CHECK(watcher.Unanswered() == 0);
+    CHECK(watcher.Longest() < kPrompt);
+    CHECK(longestCall < kPrompt);
+    // The last animation adds the icon anew.
+    CHECK(WaitUntil([&] { return !IsWindow(first); }));
+    CheckOneIcon(session);
+    CHECK(session.engine.Connections() == 1);
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CheckWorks(session);
+    MESSAGE("1000 Killed in " << took << " ms; the window was asked " << watcher.Asked()
+                              << " times and answered within " << watcher.Longest() << " ms, clients within "
+                              << longestCall << " ms");
+}
+
+TEST_CASE(
+    "Events that come while the engine is slow with an Apply are all served, the last one in the menu") {
+    Session session;
+    session.Start();
+    REQUIRE(session.engine.Connections() == 1);
+    EventSink events(session.manager.Form().Get());
+    const HWND icon = WaitForIcon();
+    REQUIRE(icon != nullptr);
+    session.engine.Delay(L"ReloadSettings", 3000);
+    const std::wstring saved = BeginApply(session);
+    REQUIRE(session.Marked());
+    for (int i = 0; i < 100; ++i) {
+        REQUIRE(events.Killed() == S_OK);
+        REQUIRE(events.Started() == S_OK);
+        REQUIRE(events.Stopped() == S_OK);
+    }
+    // All of them came before the engine answered.
+    CHECK(session.Marked());
+    CHECK(events.Longest() < kPrompt);
+    CHECK(WaitUntil([&] { return !session.Marked(); }));
+    CHECK(Setting(L"Settings", L"txtSpeed") == saved);
+    CHECK(session.engine.Count(L"ReloadSettings") == 1);
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
+    CHECK(WaitUntil([&] { return !IsWindow(icon); }));
+    CheckOneIcon(session);
+    session.engine.Raise(L"Started");
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CheckWorks(session);
+    MESSAGE(events.Raised() << " events during an Apply, each served within " << events.Longest() << " ms");
+}
+
+TEST_CASE("Events that come while the engine is slow with the leave change nothing and bring nothing back") {
+    Session session;
+    session.Start();
+    REQUIRE(session.engine.Connections() == 1);
+    EventSink events(session.manager.Form().Get());
+    REQUIRE(WaitForIcon() != nullptr);
+    DWORD id = 0;
+    GetWindowThreadProcessId(session.window, &id);
+    const ProcessHandle process(OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, FALSE, id));
+    REQUIRE(process);
+    session.engine.Delay(L"ReleasePopup", 3000);
+    // The window goes in the midst of an animation.
+    session.engine.Raise(L"Killed");
+    const DWORD start = GetTickCount();
+    Command(session.window, L'x');
+    REQUIRE(WaitUntil([&] { return !ShellHasIcon(session.window); }));
+    REQUIRE(IsWindow(session.window));
+    long served = 0;
+    for (int i = 0; i < 100; ++i) {
+        served += events.Killed() == S_OK;
+        served += events.Started() == S_OK;
+        served += events.Stopped() == S_OK;
+    }
+    CHECK(events.Longest() < kPrompt);
+    CHECK(IsWindow(session.window));
+    CHECK_FALSE(ShellHasIcon(session.window));
+    CHECK(ShownIcons().empty());
+    CHECK(WaitUntil([&] { return !IsWindow(session.window); }));
+    const DWORD took = GetTickCount() - start;
+    CHECK(took >= 2500);
+    // Longer than a whole animation.
+    PumpFor(1300);
+    CHECK(ShownIcons().empty());
+    CHECK(session.engine.Popups() == 0);
+    CHECK(session.engine.Connections() == 0);
+    CHECK(session.engine.Count(L"ReleasePopup") == 1);
+    session.engine.Raise(L"Killed");
+    session.manager.LetGo();
+    CHECK(session.manager.WaitForEnd());
+    DWORD code = STILL_ACTIVE;
+    CHECK(GetExitCodeProcess(process.Get(), &code) != FALSE);
+    CHECK(code == 0);
+    CHECK(ShownIcons().empty());
+    MESSAGE(events.Raised() << " events during the leave, " << served
+                            << " answered with success, each within " << events.Longest()
+                            << " ms; the window was gone after " << took << " ms");
+}
