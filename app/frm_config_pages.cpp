@@ -56,9 +56,11 @@ void frmConfig::ShowAbout() {
 void frmConfig::NextPage(int step) {
     const int count = static_cast<int>(m_pages.size());
     const bool fromTab = GetFocus() == m_controls.tab.Hwnd();
-    m_controls.tab.Selected((m_controls.tab.Selected() + step + count) % count);
-    if (fromTab) return;
-    const HWND page = m_pages[static_cast<size_t>(m_controls.tab.Selected())].Hwnd();
+    const int next = (m_controls.tab.Selected() + step + count) % count;
+    m_controls.tab.Selected(next);
+    // Another program may have taken tabs away, and then there is none to select.
+    if (fromTab || m_controls.tab.Selected() != next) return;
+    const HWND page = m_pages[static_cast<size_t>(next)].Hwnd();
     SendMessageW(Hwnd(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetNextDlgTabItem(page, nullptr, FALSE)),
                  TRUE);
 }

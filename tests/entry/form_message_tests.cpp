@@ -89,6 +89,19 @@ TEST_CASE("Ctrl with Tab, Page Down and Page Up walks the pages round, whoever h
     }
 }
 
+TEST_CASE("where another program has taken the tabs away the page keys do nothing") {
+    InsideWithoutEngine inside;
+    const auto config = inside.Instance(formShow);
+    SendDlgItemMessageW(Window(), IDC_TAB, TCM_DELETEALLITEMS, 0, 0);
+    SetFocus(GetDlgItem(Window(), IDC_CMDOK));
+    const HeldKeys control({VK_CONTROL});
+    for (const WPARAM key : {VK_TAB, VK_NEXT, VK_PRIOR}) {
+        CHECK(IsFormMessage(Key(GetDlgItem(Window(), IDC_CMDOK), key)));
+        CHECK(SelectedTab() == -1);
+        CHECK(GetFocus() == GetDlgItem(Window(), IDC_CMDOK));
+    }
+}
+
 TEST_CASE("the pages stay with another key held or without Ctrl") {
     InsideWithoutEngine inside;
     inside.Instance(FormHide);
