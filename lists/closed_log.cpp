@@ -41,8 +41,8 @@ void ClosedLog::ReadClosedLog() {
     const RedrawPause pause(m_lstClosedWnd);
     m_lstClosedWnd.Clear();
     const LogFile log(m_logFile());
-    bool arePlain = true;
     try {
+        bool arePlain = true;
         ReadNewestLines(
             log.Size(),
             [&](std::uint64_t offset, char* buffer, size_t count) { log.Read(offset, buffer, count); },

@@ -52,7 +52,7 @@ void EngineControl::Connect(HWND configHwnd, LONG formReferenceAddress) {
         LONG mode = kManagerMode;
         ComPtr<_Popup> popup;
         ThrowIfFailed(application->CreatePopup(NumberOf(configHwnd), formReferenceAddress, &mode, &popup));
-        if (m_application) m_oPopup = popup;
+        if (m_configHwnd != nullptr) m_oPopup = popup;
     });
     ResumeNext([&] { ConnectEvents(); });
     ResumeNext([&] { ReadState(); });
@@ -96,6 +96,7 @@ void EngineControl::Release() noexcept {
 
 void EngineControl::Disconnect(HWND configHwnd, LONG formReferenceAddress) {
     Release();
+    m_configHwnd = nullptr;
     const auto application = std::move(m_application);
     // An engine that could not be reached before is not started for a farewell.
     if (application) application->ReleasePopup(NumberOf(configHwnd), formReferenceAddress);
