@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <new>
-#include <stdexcept>
 #include <utility>
 
 #include "lists/is_in_list.h"
@@ -51,9 +50,9 @@ void ClosedLog::ReadClosedLog() {
                 return AddEntry(line, arePlain);
             },
             kMaxEntries);
-    } catch (const std::bad_alloc&) {
-        throw AutomationError(E_OUTOFMEMORY);
-    } catch (const std::length_error&) {
+    } catch (const AutomationError&) {
+        throw;
+    } catch (const std::exception&) {
         throw AutomationError(E_OUTOFMEMORY);
     }
 }
