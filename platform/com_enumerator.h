@@ -6,31 +6,15 @@
 #include <utility>
 #include <vector>
 
-#include "platform/com_ptr.h"
+#include "platform/com_method.h"
+#include "platform/counted_object.h"
 
 // How an item is kept and handed out: Held owns its references, Copy makes the caller's copy.
 template <class Interface, class Held, class Item, Item (*Copy)(const Held&)>
-class ComEnumerator final : public Interface {
+class ComEnumerator final : public CountedObject<Interface> {
 public:
     explicit ComEnumerator(std::vector<Held> items, size_t position = 0)
         : m_items(std::move(items)), m_position(position) {}
-
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = nullptr;
-        if (!IsEqualIID(id, IID_IUnknown) && !IsEqualIID(id, __uuidof(Interface))) return E_NOINTERFACE;
-        *object = static_cast<Interface*>(this);
-        AddRef();
-        return S_OK;
-    }
-
-    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
-
-    STDMETHODIMP_(ULONG) Release() override {
-        const LONG references = InterlockedDecrement(&m_references);
-        if (references == 0) delete this;
-        return static_cast<ULONG>(references);
-    }
 
     STDMETHODIMP Next(ULONG count, Item* items, ULONG* fetched) override {
         if (items == nullptr || (fetched == nullptr && count != 1)) return E_POINTER;
@@ -54,14 +38,11 @@ public:
 
     STDMETHODIMP Clone(Interface** clone) override {
         if (clone == nullptr) return E_POINTER;
-        *clone = new ComEnumerator(m_items, m_position);
-        return S_OK;
+        *clone = nullptr;
+        return ComMethod([&] { *clone = new ComEnumerator(m_items, m_position); });
     }
 
 private:
-    ~ComEnumerator() = default;
-
-    LONG m_references = 1;
     const std::vector<Held> m_items;
     size_t m_position;
 };

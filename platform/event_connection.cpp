@@ -3,31 +3,13 @@
 #include <utility>
 
 #include "platform/com_method.h"
+#include "platform/counted_object.h"
 
-class EventConnection::Sink final : public IDispatch {
+class EventConnection::Sink final : public CountedObject<IDispatch> {
 public:
     Sink(REFIID events, EventHandlers handlers) : m_events(events), m_handlers(std::move(handlers)) {}
 
     void Silence() noexcept { m_silent = true; }
-
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        if (object == nullptr) return E_POINTER;
-        *object = nullptr;
-        if (!IsEqualIID(id, IID_IUnknown) && !IsEqualIID(id, IID_IDispatch) && !IsEqualIID(id, m_events)) {
-            return E_NOINTERFACE;
-        }
-        *object = static_cast<IDispatch*>(this);
-        AddRef();
-        return S_OK;
-    }
-
-    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(InterlockedIncrement(&m_references)); }
-
-    STDMETHODIMP_(ULONG) Release() override {
-        const LONG references = InterlockedDecrement(&m_references);
-        if (references == 0) delete this;
-        return static_cast<ULONG>(references);
-    }
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
@@ -49,9 +31,8 @@ public:
     }
 
 private:
-    ~Sink() = default;
+    bool Answers(REFIID id) const override { return CountedObject::Answers(id) || IsEqualIID(id, m_events); }
 
-    LONG m_references = 1;
     const IID m_events;
     const EventHandlers m_handlers;
     bool m_silent = false;

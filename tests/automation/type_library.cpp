@@ -187,13 +187,11 @@ TEST_CASE("ConfigControl can be created and is the application object") {
 TEST_CASE("ConfigState names 1 and 2") {
     const auto library = PublicLibrary();
     MEMBERID ids[1] = {MEMBERID_NIL};
-    ITypeInfo* found[1] = {nullptr};
+    ComPtr<ITypeInfo> info;
     USHORT count = 1;
     wchar_t name[] = L"ConfigState";
-    REQUIRE(library->FindName(name, 0, found, ids, &count) == S_OK);
+    REQUIRE(library->FindName(name, 0, info.GetAddressOf(), ids, &count) == S_OK);
     REQUIRE(count == 1);
-    ComPtr<ITypeInfo> info;
-    info.Attach(found[0]);
     REQUIRE(AttributesOf(info)->cVars == 2);
     const std::pair<std::wstring, LONG> values[] = {{L"formShow", 1}, {L"FormHide", 2}};
     for (UINT index = 0; index < 2; ++index) {

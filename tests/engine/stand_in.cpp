@@ -4,9 +4,9 @@
 #include <stdexcept>
 
 #include "platform/automation_error.h"
-#include "platform/handle.h"
 #include "platform/variant.h"
 #include "tests/support/automation.h"
+#include "tests/support/killed_servers.h"
 #include "tests/support/manager.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/program.h"
@@ -26,30 +26,10 @@ bool TryStart(ComPtr<IDispatch>& control) {
     });
 }
 
-struct ServiceHandleTraits {
-    using Type = SC_HANDLE;
-    static Type Null() noexcept { return nullptr; }
-    static void Close(Type handle) noexcept { CloseServiceHandle(handle); }
-};
-using ServiceHandle = UniqueHandle<ServiceHandleTraits>;
-
-// Wine's COM goes on sending clients to a server that was terminated, until its service is started anew.
-void RestartComService() {
-    const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT));
-    const ServiceHandle service(
-        OpenServiceW(manager.Get(), L"RpcSs", SERVICE_STOP | SERVICE_START | SERVICE_QUERY_STATUS));
-    SERVICE_STATUS status{};
-    ControlService(service.Get(), SERVICE_CONTROL_STOP, &status);
-    PumpUntil([&] {
-        return QueryServiceStatus(service.Get(), &status) && status.dwCurrentState == SERVICE_STOPPED;
-    });
-    StartServiceW(service.Get(), 0, nullptr);
-}
-
 ComPtr<IDispatch> StartEngine() {
     ComPtr<IDispatch> control;
     if (TryStart(control)) return control;
-    RestartComService();
+    ForgetKilledServers();
     if (!PumpUntil([&] { return TryStart(control); }))
         throw std::runtime_error("the engine cannot be started");
     return control;

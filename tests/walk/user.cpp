@@ -1,6 +1,5 @@
 #include "tests/walk/user.h"
 
-#include <winsvc.h>
 #include <commctrl.h>
 
 #include <stdexcept>
@@ -9,6 +8,7 @@
 #include "platform/automation_error.h"
 #include "platform/text.h"
 #include "tests/support/automation.h"
+#include "tests/support/killed_servers.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/program.h"
 
@@ -40,22 +40,6 @@ BOOL CALLBACK TakeDialog(HWND window, LPARAM parameter) {
 void EndEngine() {
     ResumeNext([] { Call(CreateByName(L"SentrelStandin.Control").Get(), L"Quit"); });
     if (!ProgramEnds(L"SentrelStandin.exe")) throw std::runtime_error("the engine does not end");
-}
-
-// COM itself notices that a server has ended. Wine's does not, and would send every later client to the dead
-// one: there its service, which Windows refuses to stop, is stopped and starts anew with the next call. No
-// server may be left that the old one knew.
-void ForgetKilledServers() {
-    const SC_HANDLE services = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT);
-    const SC_HANDLE service = OpenServiceW(services, L"RpcSs", SERVICE_STOP | SERVICE_QUERY_STATUS);
-    SERVICE_STATUS status{};
-    if (ControlService(service, SERVICE_CONTROL_STOP, &status)) {
-        WaitUntil([&] {
-            return !QueryServiceStatus(service, &status) || status.dwCurrentState == SERVICE_STOPPED;
-        });
-    }
-    CloseServiceHandle(service);
-    CloseServiceHandle(services);
 }
 
 void WaitUntilGone(HWND window) {
@@ -94,6 +78,7 @@ void User::KillAndRestart() {
         WaitForSingleObject(process.Get(), kStartMilliseconds) != WAIT_OBJECT_0) {
         throw std::runtime_error("the manager was not killed");
     }
+    // No server may be left that Wine's service knew.
     EndEngine();
     ForgetKilledServers();
     m_manager.reset();
