@@ -50,9 +50,7 @@ void ClosedLog::ReadClosedLog() {
                 return AddEntry(line, arePlain);
             },
             kMaxEntries);
-    } catch (const AutomationError&) {
-        throw;
-    } catch (const std::exception&) {
+    } catch (const std::bad_alloc&) {
         throw AutomationError(E_OUTOFMEMORY);
     }
 }
