@@ -11,8 +11,8 @@ if(CMAKE_HOST_UNIX)
   endforeach()
 endif()
 
-# Where there is no Perl, two builds differ in the dates of their type libraries.
-find_program(PERL perl)
+# Type libraries are finished by a script.
+find_program(PERL perl REQUIRED)
 
 # add_idl(NAME path/to/name.idl [TYPELIB] [DEPENDS other.idl ...])
 # Makes the library NAME_idl: its GUIDs, and the generated name.h on the include path of whoever links it. With TYPELIB
@@ -29,14 +29,12 @@ function(add_idl name source)
             COMMAND ${command} -u -o ${IDL_OUT}/${stem}_i.c ${source})
   if(arg_TYPELIB)
     list(APPEND outputs ${IDL_OUT}/${stem}.tlb)
-    list(APPEND calls COMMAND ${command} -t -o ${IDL_OUT}/${stem}.tlb ${source})
-    if(PERL)
-      list(APPEND calls COMMAND ${PERL} ${CMAKE_SOURCE_DIR}/cmake/undate_typelib.pl ${IDL_OUT}/${stem}.tlb)
-    endif()
+    list(APPEND calls COMMAND ${command} -t -o ${IDL_OUT}/${stem}.tlb ${source}
+                      COMMAND ${PERL} ${CMAKE_SOURCE_DIR}/cmake/finish_typelib.pl ${IDL_OUT}/${stem}.tlb)
   endif()
   list(TRANSFORM arg_DEPENDS PREPEND ${CMAKE_SOURCE_DIR}/)
   add_custom_command(OUTPUT ${outputs} ${calls} DEPENDS ${CMAKE_SOURCE_DIR}/${source} ${arg_DEPENDS}
-                     ${CMAKE_SOURCE_DIR}/cmake/undate_typelib.pl
+                     ${CMAKE_SOURCE_DIR}/cmake/finish_typelib.pl
                      # widl finds an import by path only from the folder it runs in.
                      WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} VERBATIM)
   add_library(${name}_idl STATIC ${outputs})

@@ -137,11 +137,16 @@ TEST_CASE("_ConfigControl is dual, hidden, not extensible, with its two methods 
     CHECK(showType.tdesc.lptdesc->vt == VT_I4);
     CHECK((showType.paramdesc.wParamFlags & (PARAMFLAG_FIN | PARAMFLAG_FOUT)) ==
           (PARAMFLAG_FIN | PARAMFLAG_FOUT));
-    CHECK((instance->lprgelemdescParam[1].paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0);
+    CHECK(instance->oVft == static_cast<SHORT>(7 * sizeof(void*)));
+    const ELEMDESC& config = instance->lprgelemdescParam[1];
+    REQUIRE(config.tdesc.vt == VT_PTR);
+    CHECK(config.tdesc.lptdesc->vt == VT_DISPATCH);
+    CHECK((config.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0);
 
     const auto release = FunctionOf(vtable, 1);
     CHECK(NameOf(vtable.Get(), release->memid) == L"ReleaseConfig");
     CHECK(release->memid == 0x60030001);
+    CHECK(release->invkind == INVOKE_FUNC);
     CHECK(release->cParams == 0);
     CHECK(release->oVft == static_cast<SHORT>(8 * sizeof(void*)));
 }
@@ -155,6 +160,12 @@ TEST_CASE("__Config is a hidden event interface with ConfigClosed as member 1") 
     LPOLESTR name = const_cast<LPOLESTR>(L"ConfigClosed");
     REQUIRE(info->GetIDsOfNames(&name, 1, &id) == S_OK);
     CHECK(id == 1);
+    REQUIRE(attributes->cFuncs == 1);
+    CHECK(attributes->cVars == 0);
+    const auto event = FunctionOf(info, 0);
+    CHECK(event->memid == 1);
+    CHECK(event->cParams == 0);
+    CHECK(event->elemdescFunc.tdesc.vt == VT_VOID);
 }
 
 TEST_CASE("Config cannot be created and has _Config and the source __Config as defaults") {
@@ -177,11 +188,12 @@ TEST_CASE("Config cannot be created and has _Config and the source __Config as d
     }
 }
 
-TEST_CASE("ConfigControl can be created and is the application object") {
+TEST_CASE("ConfigControl can be created and is the application object, predeclared") {
     const auto attributes = AttributesOf(OwnTypeInfo(kPublicTypeLibrary, __uuidof(ConfigControl)));
     CHECK(attributes->typekind == TKIND_COCLASS);
     CHECK((attributes->wTypeFlags & TYPEFLAG_FCANCREATE) != 0);
     CHECK((attributes->wTypeFlags & TYPEFLAG_FAPPOBJECT) != 0);
+    CHECK((attributes->wTypeFlags & TYPEFLAG_FPREDECLID) != 0);
 }
 
 TEST_CASE("ConfigState names 1 and 2") {
