@@ -15,10 +15,10 @@ inline constexpr wchar_t kBackupPrivilege[] = L"SeBackupPrivilege";
 // code page on its way in and back on its way out; byte strings are std::string.
 //
 // How a value type is written and read back:
-//   REG_DWORD, REG_DWORD_BIG_ENDIAN   four bytes of the value as a 32-bit integer, lowest or highest first; a
-//   long REG_BINARY, REG_MULTI_SZ          the value's text, one byte for each ANSI character; all of it as
-//   text, NULs kept REG_SZ and any other              the value's text without a NUL at its end; text up to
-//   the first NUL
+// - REG_DWORD, REG_DWORD_BIG_ENDIAN: four bytes of the value as a 32-bit integer, lowest or highest first; a
+//   long.
+// - REG_BINARY, REG_MULTI_SZ: the value's text, a byte for each ANSI character; all of it as text, NULs kept.
+// - REG_SZ and any other: the value's text without a NUL at its end; text up to the first NUL.
 class Registry {
 public:
     // False when the key cannot be opened: nothing is changed, hKey stays open. False when the value cannot
