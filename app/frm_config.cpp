@@ -107,10 +107,16 @@ void frmConfig::Load() {
     b_OKtoUnload = false;
     m_engine.bStartPending = false;
     m_engine.bStopPending = false;
-    WriteFirstRunDefaults();
-    SetupBannerColumns(m_controls.lvwBanners);
-    SetupSearchColumns(m_controls.lvwSearchURLs);
-    m_transfer.LoadSettings();
+    try {
+        WriteFirstRunDefaults();
+        SetupBannerColumns(m_controls.lvwBanners);
+        SetupSearchColumns(m_controls.lvwSearchURLs);
+        m_transfer.LoadSettings();
+    } catch (const std::exception&) {
+        // Who reads the handle next loads anew.
+        if (m_state == State::Loading) m_state = State::Initialised;
+        throw;
+    }
     // The engine's answer about its log lets other messages in: the window may be gone again.
     if (m_state != State::Loading) return;
     m_state = State::Loaded;

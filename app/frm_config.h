@@ -39,7 +39,7 @@ public:
     void Initialise();
 
     // The window's handle. The first reading loads the window: first-run defaults, list columns, all
-    // settings. After an unloading it is made and loaded anew.
+    // settings. After an unloading it is made and loaded anew. An error of the loading passes to the caller.
     LONG Handle();
 
     // Each loads the window first, where it is not loaded.

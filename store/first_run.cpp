@@ -22,15 +22,15 @@ void SaveSetting(const Registry& registry, const Schema::Setting& setting) {
 // The mark counts by its presence: one that holds half a number is there, although reading it raises an
 // error.
 bool IsMarked(const Registry& registry) {
-    bool isMarked = true;
-    ResumeNext([&] {
-        Variant firstTime(L"");
-        long type = 0;
-        std::wstring keyClass;
-        isMarked = registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, Schema::kFirstTime, firstTime, type,
-                                 keyClass);
-    });
-    return isMarked;
+    Variant firstTime(L"");
+    long type = 0;
+    std::wstring keyClass;
+    try {
+        return registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, Schema::kFirstTime, firstTime, type,
+                             keyClass);
+    } catch (const AutomationError&) {
+        return true;
+    }
 }
 
 void WriteDefaults(const Registry& registry) {
@@ -60,9 +60,7 @@ void WriteDefaults(const Registry& registry) {
 
 }  // namespace
 
-// Memory that runs out ends the writing before the mark, so that the next start writes everything anew.
 void WriteFirstRunDefaults() {
     const Registry registry;
-    if (IsMarked(registry)) return;
-    ResumeNext([&] { WriteDefaults(registry); });
+    if (!IsMarked(registry)) WriteDefaults(registry);
 }
