@@ -40,7 +40,7 @@ public:
     explicit FakePopup(FakeEngine& engine)
         : m_engine(engine), events(*static_cast<_Popup*>(this), __uuidof(__Popup)) {}
     ~FakePopup() override {
-        m_engine.script.calls.push_back("Popup gone");
+        m_engine.script.Call("Popup gone");
         m_engine.popup = nullptr;
     }
 

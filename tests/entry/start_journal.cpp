@@ -1,6 +1,7 @@
 #include "tests/entry/start_journal.h"
 
 #include "app/config_globals.h"
+#include "app/frm_config.h"
 #include "app/resource.h"
 #include "tray/bas_shell_notify.h"
 
@@ -13,12 +14,15 @@ StartJournal::StartJournal()
       m_query("advapi32.dll", "RegQueryValueExA", &Query),
       m_set("advapi32.dll", "RegSetValueExA", &Set) {
     s_active = this;
-    for (const char* const member : {"CreateInstance", "CreatePopup", "Advise", "State", "LogFile"}) {
+    for (const char* const member :
+         {"CreateInstance", "CreatePopup", "Advise", "State", "LogFile", "Popup gone", "ReleasePopup"}) {
         engine.script.within[member] = [member] { Note(std::string("engine:") + member); };
     }
 }
 
+// The engine goes with the journal: the window takes leave of it before.
 StartJournal::~StartJournal() {
+    if (g_frmConfig != nullptr) g_frmConfig->Unload();
     s_active = nullptr;
 }
 

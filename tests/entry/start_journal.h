@@ -11,8 +11,9 @@
 #include "tests/support/import_patch.h"
 
 // One at a time. Entries: "window" (the configuration window is made), "page" (one of its pages), "engine:"
-// and a member of the engine, "icon:" and the number that the shell is asked with (0 adds), "open:" and a key
-// of the store, "read:" and "write:" and a value. Two reads of the same value in a row are one entry.
+// and a member of the engine, "icon:" and the number that the shell is asked with (0 adds, 2 removes),
+// "open:" and a key of the store, "read:" and "write:" and a value. Two reads of the same value in a row are
+// one entry.
 class StartJournal {
 public:
     struct Entry {

@@ -60,6 +60,7 @@ TEST_CASE("the loader's path is built first, then come the window, the engine, t
     CHECK(journal.First("icon:0") < journal.First(kSettingsOpened));
     CHECK(journal.Last("write:First Time") < journal.First("engine:LogFile"));
     CHECK(journal.Last("read:1Name") < journal.First("engine:LogFile"));
+    CHECK(journal.First("engine:LogFile") < journal.First("read:Startup"));
     CHECK(journal.engine.script.mode == 2);
     CHECK(journal.engine.script.configHwnd == g_lngConfigHwnd);
 }
