@@ -21,14 +21,14 @@ private:
     bool& m_flag;
 };
 
-// The stored text of a setting that is no control's own; preset where there is none, or an empty one.
-std::wstring ReadText(const Registry& registry, const wchar_t* name, const wchar_t* preset) {
-    Variant value(preset);
+// The stored text, even an empty one, of a setting that is no control's own; missing where there is none.
+std::wstring ReadText(const Registry& registry, const wchar_t* name, const wchar_t* missing) {
+    Variant value(L"");
     long valueType = 0;
     std::wstring keyClass;
-    ResumeNext(
-        [&] { registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, name, value, valueType, keyClass); });
-    return ToText(value);
+    const bool isRead =
+        registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, name, value, valueType, keyClass);
+    return isRead ? ToText(value) : missing;
 }
 
 void WriteText(const Registry& registry, const wchar_t* name, const std::wstring& text) {

@@ -63,6 +63,7 @@ TEST_CASE("a stored value that does not convert leaves its control as it was") {
         CHECK(page.chkExtra.Value() == 1);
         CHECK(page.txtSpeed.Text() == L"3");
         CHECK(page.txtPause.Text() == L"17");
+        CHECK(page.cboPauseKey.Text() == L"F9");
         CHECK_FALSE(page.optStartup.Value());
         CHECK_FALSE(page.changeMark.m_bLoading);
         CHECK_FALSE(page.cmdApply.Enabled());

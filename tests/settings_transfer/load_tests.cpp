@@ -183,7 +183,8 @@ TEST_CASE("a missing or empty value gives its control the text read before it, w
 }
 
 TEST_CASE(
-    "the pause key: a stored item is chosen, a missing or empty one gives Shift, another text changes "
+    "the pause key: a stored item is chosen, a missing one gives Shift, another text, even an empty one, "
+    "changes "
     "nothing") {
     SettingsWindow page;
     for (const wchar_t* const key : {L"Alt", L"Ctrl", L"Shift", L"F6", L"F7", L"F8", L"F9", L"F10"}) {
@@ -191,16 +192,12 @@ TEST_CASE(
         page.transfer.LoadSettings();
         CHECK(page.cboPauseKey.Text() == key);
     }
-    for (const wchar_t* const key : {L"F12", L"F", L"F100", L" ", L"Alt+F4"}) {
+    for (const wchar_t* const key : {L"F12", L"F", L"F100", L" ", L"", L"Alt+F4"}) {
         CAPTURE(std::wstring(key));
         page.Store(L"Pause Key", key);
         page.transfer.LoadSettings();
         CHECK(page.cboPauseKey.Text() == L"F10");
     }
-    page.Store(L"Pause Key", L"");
-    page.transfer.LoadSettings();
-    CHECK(page.cboPauseKey.Text() == L"Shift");
-    page.cboPauseKey.Text(L"Alt");
     page.user.Delete(Schema::kSettingsKey, L"Pause Key");
     page.transfer.LoadSettings();
     CHECK(page.cboPauseKey.Text() == L"Shift");

@@ -258,14 +258,14 @@ void SettingsModel::Load(WindowState& window) {
         }
     }
 
-    Value pauseKey{false, 0, L"Shift"};
-    Read(kSettings, "Pause Key", pauseKey);
+    Value pauseKey;
+    const ReadResult keyRead = ReadFrom(kSettings, "Pause Key", pauseKey);
+    if (keyRead == ReadResult::Missing) pauseKey.text = L"Shift";
     for (const wchar_t* const key : kPauseKeys) {
         if (lstrcmpiW(UpToNul(TextIn(pauseKey)).c_str(), key) == 0) window.pauseKey = key;
     }
     Value sound;
-    Read(kSettings, "SoundFile", sound);
-    window.soundFile = TextIn(sound);
+    if (ReadFrom(kSettings, "SoundFile", sound) != ReadResult::Unusable) window.soundFile = TextIn(sound);
     ClickPlaySound(window);
     window.isLoading = false;
 }

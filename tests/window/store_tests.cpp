@@ -121,6 +121,8 @@ TEST_CASE(
     CHECK(SendMessageW(keys, CB_GETCURSEL, 0, 0) == CB_ERR);
     Save(manager);
     CHECK(Setting(L"Settings", L"Pause Key").empty());
+    manager.Click(L"cmdCancel");
+    CHECK(SendMessageW(keys, CB_GETCURSEL, 0, 0) == CB_ERR);
     WriteSetting(L"Settings", L"Pause Key", L"F8");
     manager.Click(L"cmdCancel");
     CHECK(ComboText(keys) == L"F8");
