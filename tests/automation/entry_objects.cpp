@@ -1,10 +1,13 @@
 // ConfigControl and Config as clients in other processes see them.
 #include <doctest.h>
 
+#include <tlhelp32.h>
+
 #include <climits>
 
 #include "platform/automation_error.h"
 #include "platform/event_connection.h"
+#include "platform/handle.h"
 #include "platform/variant.h"
 #include "tests/support/automation.h"
 #include "tests/support/manager.h"
@@ -35,6 +38,22 @@ size_t ConfigWindowCount() {
     while ((window = FindWindowExW(nullptr, window, L"#32770", L"Calvane")) != nullptr)
         ++count;
     return count;
+}
+
+int ManagerCount() {
+    const FileHandle processes(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
+    PROCESSENTRY32W process{};
+    process.dwSize = sizeof(process);
+    int count = 0;
+    for (BOOL more = Process32FirstW(processes.Get(), &process); more != FALSE;
+         more = Process32NextW(processes.Get(), &process)) {
+        count += lstrcmpiW(process.szExeFile, L"SentrelConfig.exe") == 0 ? 1 : 0;
+    }
+    return count;
+}
+
+bool NoManagerIsLeft() {
+    return WaitUntil([] { return ManagerCount() == 0; });
 }
 
 }  // namespace
@@ -127,8 +146,11 @@ TEST_CASE("one ReleaseConfig ends the manager for every client") {
 }
 
 TEST_CASE("ReleaseConfig before any ConfigInstance ends the process all the same") {
+    REQUIRE(NoManagerIsLeft());
     const auto control = AnotherControl();
+    CHECK(ManagerCount() == 1);
     CHECK(control->ReleaseConfig() == S_OK);
+    CHECK(NoManagerIsLeft());
     LONG hidden = FormHide;
     ComPtr<IDispatch> config;
     CHECK(FAILED(control->ConfigInstance(&hidden, &config)));
@@ -250,8 +272,12 @@ TEST_CASE("without a window the manager ends with its last client") {
 }
 
 TEST_CASE("a client that only creates the control and lets go leaves no process behind") {
-    { const auto control = AnotherControl(); }
-    CHECK(WaitUntil([] { return FindWindowW(L"#32770", L"Calvane") == nullptr; }));
+    REQUIRE(NoManagerIsLeft());
+    {
+        const auto control = AnotherControl();
+        CHECK(ManagerCount() == 1);
+    }
+    CHECK(NoManagerIsLeft());
 }
 
 TEST_CASE("after the exit a client that still holds the manager gets a window made anew") {
