@@ -31,6 +31,7 @@ LONG WINAPI RegistryLog::Create(HKEY root, LPCSTR path, DWORD reserved, LPSTR ke
     const LONG result = g_log->m_create.Original<decltype(&RegCreateKeyExA)>()(
         root, path, reserved, keyClass, options, access, security, key, disposition);
     if (result == ERROR_SUCCESS) g_log->m_names[*key] = LastPart(path);
+    if (*keyClass != '\0') g_log->lines.push_back(std::string("class ") + keyClass);
     return result;
 }
 

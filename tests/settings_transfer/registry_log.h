@@ -10,7 +10,8 @@
 #include "tests/support/import_patch.h"
 
 // One at a time. A line is "read Settings\name", "write Settings\name=data" or "delete Settings\name", the
-// key by its last part; a delete of what is not there ends in " (missing)".
+// key by its last part; a delete of what is not there ends in " (missing)". A key that is given a class adds
+// a line of its own.
 class RegistryLog {
 public:
     RegistryLog();
