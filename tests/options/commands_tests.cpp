@@ -109,3 +109,25 @@ TEST_CASE("the focus goes on when Apply disables the button that has it") {
     CHECK_FALSE(page.cmdApply.Enabled());
     CHECK(GetFocus() == page.cmdCancel.Hwnd());
 }
+
+TEST_CASE("OK has saved when it hides the window, and clears the mark after that") {
+    EditedWindow page;
+    std::wstring storedThen;
+    bool markedThen = false;
+    page.onHide = [&] {
+        storedThen = page.Stored(L"txtPause");
+        markedThen = page.cmdApply.Enabled();
+    };
+    SettingsWindow::Click(page.cmdOK);
+    CHECK(storedThen == L"9000");
+    CHECK(markedThen);
+    CHECK_FALSE(page.cmdApply.Enabled());
+}
+
+TEST_CASE("Cancel has loaded the stored settings when it hides the window") {
+    EditedWindow page;
+    std::wstring shownThen;
+    page.onHide = [&] { shownThen = page.txtPause.Text(); };
+    SettingsWindow::Click(page.cmdCancel);
+    CHECK(shownThen == L"7");
+}

@@ -118,6 +118,13 @@ TEST_CASE("cancelling, an error of the dialog and an empty answer keep the old p
     }
 }
 
+TEST_CASE("the dialog for the sound file makes an error of cancelling") {
+    SettingsWindow page;
+    ScriptedDialog dialog({kCancelled, kCancelled});
+    page.popupNotice.ChooseSoundFile();
+    CHECK_THROWS_AS(page.popupNotice.cdlg.ShowOpen(nullptr), AutomationError);
+}
+
 TEST_CASE("a start file that the dialog refuses does not keep it from opening") {
     SettingsWindow page;
     page.popupNotice.m_strSoundFile = L"C:\\\"not a name\"\\";

@@ -60,3 +60,8 @@ void SettingsWindow::Reload() {
     events.push_back("reload");
     if (onReload) onReload();
 }
+
+void SettingsWindow::Hide() {
+    events.push_back("hide");
+    if (onHide) onHide();
+}

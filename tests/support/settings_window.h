@@ -87,6 +87,7 @@ public:
     std::function<std::wstring()> logFile;
     std::vector<std::string> events;  // "reload" and "hide", as Commands calls them
     Event onReload;
+    Event onHide;
 
     ChangeMark changeMark{cmdApply};
     Event markChanged = [this] { changeMark.MarkChanged(); };
@@ -97,9 +98,9 @@ public:
                         cmdClearList, lstExclude,    [this] { return logFile(); },
                         markChanged};
     SettingsTransfer transfer{controls, changeMark, popupNotice, generalOptions, closedLog, cboPauseKey};
-    Commands commands{
-        cmdOK, cmdApply, cmdCancel, transfer, [this] { Reload(); }, [this] { events.push_back("hide"); }};
+    Commands commands{cmdOK, cmdApply, cmdCancel, transfer, [this] { Reload(); }, [this] { Hide(); }};
 
 private:
     void Reload();
+    void Hide();
 };
