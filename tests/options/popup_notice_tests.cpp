@@ -4,9 +4,11 @@
 #include <string>
 #include <vector>
 
+#include "platform/handle.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
+#include "tests/support/test_folder.h"
 
 namespace {
 
@@ -101,9 +103,32 @@ TEST_CASE("a second notice is played at once, so that it cuts off the first") {
     CHECK(sounds.Take() == Sounds{"play a.wav 1", "play a.wav 1"});
 }
 
-TEST_CASE("a missing file does not keep the notice waiting") {
+TEST_CASE("a sound that is missing, unreadable or none does not keep the notice waiting") {
+    const TestFolder folder;
     SettingsWindow page;
-    page.popupNotice.m_strSoundFile = L"C:\\no such folder\\none.wav";
+    FileHandle lock;
+    SUBCASE("a file that does not exist") {
+        page.popupNotice.m_strSoundFile = L"C:\\no such folder\\none.wav";
+    }
+    SUBCASE("a folder") {
+        page.popupNotice.m_strSoundFile = folder.Folder();
+    }
+    SUBCASE("a file that somebody else has for himself") {
+        page.popupNotice.m_strSoundFile = folder.Write(L"locked.wav", "RIFF");
+        lock.Reset(CreateFileW(page.popupNotice.m_strSoundFile.c_str(), GENERIC_READ, 0, nullptr,
+                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        REQUIRE(lock);
+    }
+    SUBCASE("an empty file") {
+        page.popupNotice.m_strSoundFile = folder.Write(L"empty.wav", "");
+    }
+    SUBCASE("a text") {
+        page.popupNotice.m_strSoundFile = folder.Write(L"text.wav", std::string(100000, 'x'));
+    }
+    SUBCASE("a wave file that is cut off") {
+        page.popupNotice.m_strSoundFile =
+            folder.Write(L"cut.wav", std::string("RIFF\xFF\xFF\xFF\x7FWAVEfmt \x10\0\0\0", 20));
+    }
     page.chkPlaySound.Value(1);
     const DWORD start = GetTickCount();
     page.popupNotice.PlayNotice();
