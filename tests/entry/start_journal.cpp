@@ -60,8 +60,11 @@ HWND WINAPI StartJournal::MakeDialog(HINSTANCE instance, LPCWSTR resource, HWND 
     return original(instance, resource, parent, procedure, parameter);
 }
 
-BOOL WINAPI StartJournal::Notify(DWORD message, PNOTIFYICONDATAA) {
-    if (s_active != nullptr) Note("icon:" + std::to_string(message));
+BOOL WINAPI StartJournal::Notify(DWORD message, PNOTIFYICONDATAA data) {
+    if (s_active == nullptr) return TRUE;
+    Note("icon:" + std::to_string(message));
+    s_active->iconCalls.push_back({message, std::string(reinterpret_cast<const char*>(data), data->cbSize),
+                                   GetPropA(data->hWnd, "OldWndProc") != nullptr});
     return TRUE;
 }
 

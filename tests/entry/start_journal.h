@@ -32,7 +32,15 @@ public:
     int Last(const std::string& text) const;
     int Count(const std::string& text) const;
 
+    // A call to the shell about the icon.
+    struct IconCall {
+        DWORD action;
+        std::string record;  // as many bytes as cbSize says
+        bool isHooked;       // whether the icon's window was hooked by then
+    };
+
     std::vector<Entry> entries;
+    std::vector<IconCall> iconCalls;
     FakeEngine engine;
 
     // The shell takes icons; the taskbar of the screen is left alone.

@@ -1,9 +1,12 @@
 // In what order the manager starts, and what comes in while it does.
 #include <doctest.h>
 
+#include <cstring>
+
 #include "app/resource.h"
 #include "tests/entry/inside.h"
 #include "tests/entry/start_journal.h"
+#include "tests/support/automation.h"
 #include "tests/support/shown_text.h"
 
 namespace {
@@ -63,6 +66,26 @@ TEST_CASE("the loader's path is built first, then come the window, the engine, t
     CHECK(journal.First("engine:LogFile") < journal.First("read:Startup"));
     CHECK(journal.engine.script.mode == 2);
     CHECK(journal.engine.script.configHwnd == g_lngConfigHwnd);
+}
+
+TEST_CASE("the icon is added to the hooked window with an empty tip, and gets its tip after that") {
+    Inside inside;
+    StartJournal journal;
+    inside.Instance(FormHide);
+    REQUIRE(journal.iconCalls.size() == 1);
+    const StartJournal::IconCall& call = journal.iconCalls[0];
+    CHECK(call.isHooked);
+    const auto number = [&](size_t offset) {
+        LONG value = 0;
+        std::memcpy(&value, call.record.data() + offset, sizeof(value));
+        return value;
+    };
+    CHECK(number(4) == g_lngConfigHwnd);
+    CHECK(number(16) == 1025);
+    CHECK(call.record.substr(24) == std::string(1, '\0') + std::string(63, ' '));
+    ComPtr<IDispatch> icon;
+    REQUIRE(g_frmConfig->get_m_oShellIcon(&icon) == S_OK);
+    CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"Calvane Sentrel");
 }
 
 TEST_CASE("the defaults are all written before any setting is read") {

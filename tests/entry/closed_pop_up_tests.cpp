@@ -1,0 +1,115 @@
+// What the whole window makes of a pop-up that the engine has closed.
+#include <mmsystem.h>
+
+#include <doctest.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/text.h"
+#include "tests/entry/inside.h"
+#include "tests/entry/start_journal.h"
+#include "tests/support/message_pump.h"
+
+namespace {
+
+using Deeds = std::vector<std::string>;
+
+constexpr DISPID kKilled = 1;
+
+const ImportPatch* timerPatch = nullptr;
+
+BOOL WINAPI Play(LPCSTR path, UINT flags) {
+    StartJournal::Note(std::string("play ") + path + ' ' + std::to_string(flags));
+    return TRUE;
+}
+
+BOOL WINAPI Beep(UINT type) {
+    StartJournal::Note("beep " + std::to_string(type));
+    return TRUE;
+}
+
+UINT_PTR WINAPI SetAnyTimer(HWND hwnd, UINT_PTR id, UINT period, TIMERPROC procedure) {
+    StartJournal::Note("timer " + std::to_string(period));
+    return timerPatch->Original<decltype(&SetAnyTimer)>()(hwnd, id, period, procedure);
+}
+
+// A window with a new store, and with an engine and a shell that are the test's.
+struct ListeningWindow {
+    ListeningWindow() {
+        timerPatch = &m_timer;
+        inside.Instance(FormHide);
+    }
+    ~ListeningWindow() { timerPatch = nullptr; }
+
+    static HWND Control(const wchar_t* name) {
+        LONG handle = 0;
+        const Variant text(name);
+        REQUIRE(g_frmConfig->ControlHwnd(text.Value().bstrVal, &handle) == S_OK);
+        return reinterpret_cast<HWND>(static_cast<LONG_PTR>(handle));
+    }
+
+    static void Click(const wchar_t* name) { SendMessageW(Control(name), BM_CLICK, 0, 0); }
+
+    // What is done at once when a pop-up has been closed.
+    Deeds Close() {
+        journal.entries.clear();
+        journal.engine.Raise(kKilled, {Variant(0x20304L), Variant(L"Win a prize")});
+        Deeds deeds;
+        for (const StartJournal::Entry& entry : journal.entries)
+            deeds.push_back(entry.text);
+        return deeds;
+    }
+
+    Inside inside;
+    StartJournal journal;
+
+private:
+    const ImportPatch m_play{"winmm.dll", "sndPlaySoundA", &Play};
+    const ImportPatch m_beep{"user32.dll", "MessageBeep", &Beep};
+    const ImportPatch m_timer{"user32.dll", "SetTimer", &SetAnyTimer};
+};
+
+std::string DefaultSound() {
+    const std::string loader = ToAnsi(g_strLoaderPath);
+    return loader.substr(0, loader.find_last_of('\\')) + "\\Arc.wav";
+}
+
+}  // namespace
+
+TEST_CASE("a closed pop-up starts the frames, then gives the notice that the window shows, saved or not") {
+    ListeningWindow window;
+    CHECK(window.Close() == Deeds{"timer 250", "play " + DefaultSound() + " 1"});
+    ListeningWindow::Click(L"chkBeep");
+    CHECK(window.Close() == Deeds{"timer 250", "beep 0"});
+    ListeningWindow::Click(L"chkBeep");
+    CHECK(window.Close() == Deeds{"timer 250"});
+    ListeningWindow::Click(L"chkPlaySound");
+    CHECK(window.Close() == Deeds{"timer 250", "play " + DefaultSound() + " 1"});
+}
+
+TEST_CASE("a closed pop-up plays the sound and does not beep where both are checked") {
+    ListeningWindow window;
+    for (const wchar_t* const name : {L"chkPlaySound", L"chkBeep"})
+        SendMessageW(ListeningWindow::Control(name), BM_SETCHECK, BST_CHECKED, 0);
+    CHECK(window.Close() == Deeds{"timer 250", "play " + DefaultSound() + " 1"});
+}
+
+TEST_CASE("the window's frames are its three tray pictures, and then its resting icon with its tip") {
+    ListeningWindow window;
+    const auto& calls = window.journal.iconCalls;
+    REQUIRE(calls.size() == 1);
+    window.Close();
+    REQUIRE(PumpUntil([&] { return calls.size() >= 6; }));
+    std::vector<DWORD> actions;
+    for (const auto& call : calls)
+        actions.push_back(call.action);
+    CHECK(actions == std::vector<DWORD>{NIM_ADD, NIM_MODIFY, NIM_MODIFY, NIM_MODIFY, NIM_DELETE, NIM_ADD});
+    const auto icon = [&](size_t call) { return calls[call].record.substr(20, 4); };
+    for (size_t frame = 1; frame <= 3; ++frame) {
+        for (size_t other = 0; other < frame; ++other)
+            CHECK(icon(frame) != icon(other));
+    }
+    CHECK(icon(5) == icon(0));
+    CHECK(calls[5].record.substr(24) == std::string("Calvane Sentrel\0", 16) + std::string(48, ' '));
+}
