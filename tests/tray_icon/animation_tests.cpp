@@ -140,7 +140,11 @@ TEST_CASE_FIXTURE(TrayIconFixture,
     SetUp();
     REQUIRE(Animate(20) == S_OK);
     icon->RemoveIcon();
+    int asked = 0;
+    for (const auto& frame : frames)
+        frame->asked = [&] { ++asked; };
     REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    CHECK(asked == 0);
     CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE, NIM_ADD});
     CHECK(shell.calls.back().Icon() == kRestHandle);
 }

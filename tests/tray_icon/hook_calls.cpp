@@ -72,5 +72,5 @@ LRESULT WINAPI HookCalls::CallProcedure(WNDPROC procedure, HWND hwnd, UINT messa
 
 BOOL WINAPI HookCalls::SetForeground(HWND hwnd) {
     current->Keep("SetForegroundWindow", hwnd, 0);
-    return TRUE;
+    return !current->refuseForeground;
 }

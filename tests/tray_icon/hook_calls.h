@@ -20,6 +20,7 @@ public:
     bool failSetProp = false;
     bool failRemoveProp = false;
     bool failGetProp = false;
+    bool refuseForeground = false;
 
     // "SetProp OldWndProc", "SetWindowLong -4", "SetForegroundWindow", ... in the order made.
     std::vector<std::string> calls;

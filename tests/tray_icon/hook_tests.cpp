@@ -181,6 +181,16 @@ TEST_CASE(
     CHECK(config.window.Count(0x401) == 0);
 }
 
+TEST_CASE("the menu pops up although another program keeps the foreground") {
+    HookedConfigWindow config;
+    FakeTrayWindow tray;
+    HookCalls hook;
+    hook.refuseForeground = true;
+    CHECK(config.Send(0x401, 1, 0x205) == 0);
+    CHECK(hook.calls == Calls{"SetForegroundWindow"});
+    CHECK(tray.popped == 1);
+}
+
 TEST_CASE("no other gesture does anything, and none reaches the window") {
     HookedConfigWindow config;
     FakeTrayWindow tray;

@@ -89,6 +89,18 @@ TEST_CASE_FIXTURE(TrayIconFixture,
     CHECK(shell.calls.back().Icon() == kRestHandle);
 }
 
+TEST_CASE_FIXTURE(TrayIconFixture,
+                  "a picture that is added after a removal is the resting picture from then on") {
+    SetUp();
+    icon->RemoveIcon();
+    CHECK(icon->AddIcon(frames[3].Get()) == S_OK);
+    CHECK(rest->References() == 1);
+    REQUIRE(Animate(10, 1) == S_OK);
+    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE, NIM_ADD, NIM_MODIFY, NIM_DELETE, NIM_ADD});
+    CHECK(shell.calls.back().Icon() == kFrameHandle + 3);
+}
+
 TEST_CASE_FIXTURE(TrayIconFixture, "removing sends the record as it stands from the last add") {
     SetUp();
     CHECK(icon->RemoveIcon() == S_OK);
