@@ -24,7 +24,8 @@ struct Refusal {
 }  // namespace
 
 TEST_CASE_FIXTURE(BannerPage, "the dialog of a new size opens with empty boxes and the focus in the height") {
-    Add({[](HWND dialog) {
+    Add({[this](HWND dialog) {
+             CHECK(changes == 0);
              wchar_t caption[64]{};
              GetWindowTextW(dialog, caption, 64);
              CHECK(std::wstring(caption) == L"New Banner Height and Width");

@@ -33,10 +33,14 @@ const DialogScript::Step kCancel = [](HWND dialog) { ClickButton(dialog, IDCANCE
 }  // namespace
 
 TEST_CASE_FIXTURE(AddUrlPage, "the dialog opens with the caret behind http:// and the focus in the address") {
-    Add({[](HWND dialog) {
+    Add({[this](HWND dialog) {
              wchar_t caption[64]{};
              GetWindowTextW(dialog, caption, 64);
              CHECK(std::wstring(caption) == L"Add Web Site URL");
+             CHECK(TextIn(dialog, IDC_ADD_URL_LABEL) == L"Web Site Address to Exclude");
+             CHECK(TextIn(dialog, IDOK) == L"OK");
+             CHECK(TextIn(dialog, IDCANCEL) == L"Cancel");
+             CHECK(changes == 0);
              CHECK(TextIn(dialog, kAddress) == L"http://");
              CHECK(SelectionIn(dialog, kAddress) == TextSelection{7, 7});
              CHECK(FocusedId() == kAddress);

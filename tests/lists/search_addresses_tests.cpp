@@ -38,7 +38,8 @@ TEST_CASE_FIXTURE(SearchPage, "setting up the search columns empties the list an
 
 TEST_CASE_FIXTURE(SearchPage,
                   "Add Search opens the dialog with its initial texts and the focus in the name") {
-    Play(cmdAddSearch, {[](HWND dialog) {
+    Play(cmdAddSearch, {[this](HWND dialog) {
+                            CHECK(changes == 0);
                             wchar_t caption[64]{};
                             GetWindowTextW(dialog, caption, 64);
                             CHECK(std::wstring(caption) == L"Add Search Address");
@@ -107,7 +108,8 @@ TEST_CASE_FIXTURE(SearchPage, "an empty address is refused before an empty name"
 
 TEST_CASE_FIXTURE(SearchPage, "Edit Search opens the dialog with the selected row") {
     lvwSearchURLs.Select(2);
-    Play(cmdEditSearch, {[](HWND dialog) {
+    Play(cmdEditSearch, {[this](HWND dialog) {
+                             CHECK(changes == 0);
                              wchar_t caption[64]{};
                              GetWindowTextW(dialog, caption, 64);
                              CHECK(std::wstring(caption) == L"Add Search Address");
