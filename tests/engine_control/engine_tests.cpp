@@ -103,7 +103,8 @@ TEST_CASE_FIXTURE(EngineFixture, "an engine without events is still held and its
     CHECK(server.script.calls == Calls{"CreateInstance", "CreatePopup", "Advise", "State"});
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "letting go of the engine disconnects its events first and never stops it") {
+TEST_CASE_FIXTURE(EngineFixture,
+                  "letting go of the engine gives up its events too, takes no leave yet and never stops it") {
     ConnectQuietly();
     engine.Release();
     CHECK(engine.Popup() == nullptr);

@@ -40,7 +40,7 @@ public:
     explicit FakePopup(FakeEngine& engine)
         : m_engine(engine), events(*static_cast<_Popup*>(this), __uuidof(__Popup)) {}
     ~FakePopup() override {
-        m_engine.script.Call("Popup gone");
+        m_engine.script.Call(events.ConnectionCount() == 0 ? "Popup gone" : "Popup gone with its events");
         m_engine.popup = nullptr;
     }
 

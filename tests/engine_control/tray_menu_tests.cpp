@@ -126,6 +126,17 @@ TEST_CASE("the menu has its items in order, captioned and enabled") {
     CHECK(GetMenuDefaultItem(menu.Handle(), FALSE, GMDI_USEDISABLED) == static_cast<UINT>(-1));
 }
 
+TEST_CASE("the menu has its caption, on a menu bar") {
+    const TrayMenu menu;
+    // Nobody hands the bar out: it is looked for among all menus, by the low halves of their handles.
+    std::vector<std::wstring> captions;
+    for (ULONG_PTR handle = 0x20; handle < 0x10000; handle += 2) {
+        const HMENU bar = reinterpret_cast<HMENU>(handle);
+        if (IsMenu(bar) && GetSubMenu(bar, 0) == menu.Handle()) captions.push_back(CaptionOf(bar, 0));
+    }
+    CHECK(captions == std::vector<std::wstring>{L"Config Popup"});
+}
+
 TEST_CASE("the menu goes with its object") {
     HMENU handle = nullptr;
     {
