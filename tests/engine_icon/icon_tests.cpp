@@ -147,6 +147,12 @@ TEST_CASE("The window going away in the middle of the frames leaves no icon") {
         Command(session.window, L'x');
         CHECK(WaitUntil([&] { return !IsWindow(session.window); }));
     }
+    SUBCASE("Log-off") {
+        CHECK(SendMessageW(session.window, WM_QUERYENDSESSION, 0, static_cast<LPARAM>(ENDSESSION_LOGOFF)) ==
+              TRUE);
+        SendMessageW(session.window, WM_ENDSESSION, TRUE, static_cast<LPARAM>(ENDSESSION_LOGOFF));
+        CHECK_FALSE(IsWindow(session.window));
+    }
     Sleep(900);
     CHECK(ShownIcons().empty());
     CHECK_FALSE(ShellHasIcon(session.window));
