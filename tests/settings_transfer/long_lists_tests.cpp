@@ -35,14 +35,14 @@ DWORD ReadingTime(const wchar_t* key, long count, std::initializer_list<const wc
 
 }  // namespace
 
-TEST_CASE("5,000 exclude rows are loaded and saved unchanged, at the price of their registry calls") {
+TEST_CASE("10,000 exclude rows are loaded and saved unchanged, at the price of their registry calls") {
     SettingsWindow page;
     std::vector<std::wstring> rows;
-    for (int n = 0; n < 5000; ++n) {
-        rows.push_back(L"http://site" + std::to_wstring(n * 7919 % 5000) + L".example");
+    for (int n = 0; n < 10000; ++n) {
+        rows.push_back(L"http://site" + std::to_wstring(n * 7919 % 10000) + L".example");
         page.user.Write(Schema::kExcludeKey, std::to_wstring(n), rows.back());
     }
-    const DWORD reading = ReadingTime(Schema::kExcludeKey, 4999, {L""});
+    const DWORD reading = ReadingTime(Schema::kExcludeKey, 9999, {L""});
     const DWORD loading = MillisecondsOf([&] { page.transfer.LoadSettings(); });
     MESSAGE("load " << loading << " ms, of which reads about " << reading << " ms");
     CHECK(loading < reading * 2 + kControlMilliseconds);
@@ -51,7 +51,7 @@ TEST_CASE("5,000 exclude rows are loaded and saved unchanged, at the price of th
     const DWORD saving = MillisecondsOf([&] { page.transfer.SaveSettings(); });
     MESSAGE("save " << saving << " ms");
     CHECK(saving < reading * 6 + kControlMilliseconds);
-    CHECK(page.user.ValueCount(Schema::kExcludeKey) == 5000);
+    CHECK(page.user.ValueCount(Schema::kExcludeKey) == 10000);
     page.lstExclude.Clear();
     page.transfer.LoadSettings();
     CHECK(page.ExcludeRows() == rows);
