@@ -91,6 +91,8 @@ void frmConfig::Initialise() {
     }
     ServerProcess::Lock();
     SetTrayWindow(this);
+    // What the engine of the window before it said does not hold for this one.
+    m_mnuConfig.EnableDesignedMenu();
     m_engine.Connect(Hwnd(), Reference());
     if (m_state == State::Initialising) SetUpTray();
     if (m_state == State::Initialising) m_state = State::Initialised;

@@ -42,6 +42,11 @@ TrayMenu::TrayMenu() : m_bar(CreateMenu()) {
     mnuConfig.Detach();
 }
 
+void TrayMenu::EnableDesignedMenu() noexcept {
+    for (const Item& row : kItems)
+        Enable(row.item, true);
+}
+
 void TrayMenu::EnableRunningMenu() noexcept {
     Enable(mnuStartKiller, false);
     Enable(mnuStopKiller, true);

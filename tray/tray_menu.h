@@ -32,6 +32,7 @@ public:
     Event mnuShowConfig_Click;
     Event mnuExit_Click;
 
+    void EnableDesignedMenu() noexcept;
     void EnableRunningMenu() noexcept;
     void EnableStoppedMenu() noexcept;
 
