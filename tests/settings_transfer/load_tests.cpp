@@ -216,6 +216,23 @@ TEST_CASE("a missing or empty sound file loads as empty") {
     }
 }
 
+TEST_CASE("a missing or empty sound file leaves the test button as it is while Play Sound is checked") {
+    for (const bool stored : {false, true}) {
+        for (const bool enabled : {false, true}) {
+            CAPTURE(stored);
+            CAPTURE(enabled);
+            SettingsWindow page;
+            page.cmdTestSound.Enabled(enabled);
+            page.Store(L"chkPlaySound", L"1");
+            page.Store(L"chkBeep", L"0");
+            if (stored) page.Store(L"SoundFile", L"");
+            page.transfer.LoadSettings();
+            CHECK(page.chkPlaySound.Value() == 1);
+            CHECK(page.cmdTestSound.Enabled() == enabled);
+        }
+    }
+}
+
 TEST_CASE("exclude rows are read from 0 to the first gap") {
     SettingsWindow page;
     page.lstExclude.AddItem(L"edited");
