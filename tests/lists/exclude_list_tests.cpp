@@ -88,6 +88,14 @@ TEST_CASE_FIXTURE(RemovalPage, "selecting a row enables Remove Url, selecting no
     CHECK_FALSE(cmdApply.Enabled());
 }
 
+TEST_CASE_FIXTURE(RemovalPage, "selecting from code what is selected already raises no click") {
+    Fill(2);
+    lstExclude.ListIndex(1);
+    cmdRemoveURL.Enabled(false);
+    lstExclude.ListIndex(1);
+    CHECK_FALSE(cmdRemoveURL.Enabled());
+}
+
 TEST_CASE_FIXTURE(RemovalPage, "a row that the user clicks enables Remove Url") {
     Fill(2);
     cmdRemoveURL.Enabled(false);

@@ -34,6 +34,11 @@ constexpr Deed kSilentDeeds[] = {
     {"refreshing the log",
      [](SettingsWindow& page) { ResumeNext([&] { page.closedLog.cmdRefreshLog_Click(); }); }},
     {"setting what is set already", [](SettingsWindow& page) { page.chkBeep.Value(0); }},
+    {"clearing Startup from code",
+     [](SettingsWindow& page) {
+         SettingsWindow::Check(page.optStartup, true);
+         page.optStartup.Value(false);
+     }},
 };
 
 }  // namespace
