@@ -76,6 +76,13 @@ TEST_CASE_FIXTURE(LogPage,
         path.clear();
         CHECK(FAILED(ErrorOf([&] { log.ReadClosedLog(); })));
     }
+    SUBCASE("a pipe, whose end may never come") {
+        path = L"\\\\.\\pipe\\Calvane closed log";
+        const FileHandle pipe(
+            CreateNamedPipeW(path.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE, 1, 100, 100, 0, nullptr));
+        REQUIRE(pipe);
+        CHECK(ErrorOf([&] { log.ReadClosedLog(); }) == HRESULT_FROM_WIN32(ERROR_NOT_SUPPORTED));
+    }
     SUBCASE("a file that somebody else has for himself") {
         folder.Write(L"closed.log", "A\r\n");
         const FileHandle lock(CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
