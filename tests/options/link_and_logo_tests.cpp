@@ -178,6 +178,23 @@ TEST_CASE("a key that is held down presses the link once") {
     }
 }
 
+TEST_CASE("the link is written in the system's colour for links, over the system's colour for windows") {
+    SettingsWindow page;
+    page.lblNavSite.Caption(kAddress);
+    Resize(page.lblNavSite, 160, 20);
+    const Drawing drawing(page.lblNavSite.Hwnd(), kBefore);
+    int linkPixels = 0;
+    for (int y = 0; y < 20; ++y) {
+        for (int x = 0; x < 160; ++x) {
+            const COLORREF pixel = drawing.At(x, y);
+            if (pixel == GetSysColor(COLOR_HOTLIGHT) || pixel == GetSysColor(COLOR_HIGHLIGHT)) ++linkPixels;
+        }
+    }
+    // The line under the text is as long as the text.
+    CHECK(linkPixels > 100);
+    CHECK(drawing.At(159, 19) == GetSysColor(COLOR_3DFACE));
+}
+
 TEST_CASE("the pointer over the link is a hand") {
     SettingsWindow page;
     page.lblNavSite.Caption(kAddress);
