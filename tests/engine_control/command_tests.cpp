@@ -226,6 +226,22 @@ TEST_CASE_FIXTURE(EngineFixture, "a command chosen while another is carried out 
     CHECK(server.script.calls == Calls{"Start"});
 }
 
+TEST_CASE_FIXTURE(EngineFixture, "a command chosen again while it is carried out is done with it") {
+    ConnectQuietly();
+    server.script.within["Start"] = [this] { engine.mnuStartKiller_Click(); };
+    server.script.within["Stop"] = [this] { engine.mnuStopKiller_Click(); };
+    server.script.within["Pause"] = [this] { engine.mnuPauseKiller_Click(); };
+    engine.mnuStartKiller_Click();
+    engine.tmMenu_Timer();
+    CHECK_FALSE(engine.bStartPending);
+    engine.mnuStopKiller_Click();
+    engine.tmMenu_Timer();
+    CHECK_FALSE(engine.bStopPending);
+    engine.mnuPauseKiller_Click();
+    engine.tmMenu_Timer();
+    CHECK_FALSE(engine.bPausePending);
+}
+
 TEST_CASE_FIXTURE(EngineFixture, "letting go of the engine turns the timer off") {
     ConnectQuietly();
     engine.mnuStartKiller_Click();
