@@ -1,0 +1,140 @@
+#include <doctest.h>
+
+#include "platform/variant.h"
+#include "tests/standin/engine_process.h"
+
+namespace {
+
+// A value below HKEY_CURRENT_USER, gone after the test.
+struct TestValue {
+    static constexpr wchar_t kKey[] = L"Software\\Calvane Standin Tests";
+
+    static void Write(DWORD type, const void* data, DWORD size) {
+        HKEY key = nullptr;
+        REQUIRE(RegCreateKeyExW(HKEY_CURRENT_USER, kKey, 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr) ==
+                ERROR_SUCCESS);
+        CHECK(RegSetValueExA(key, "txtSpeed", 0, type, static_cast<const BYTE*>(data), size) ==
+              ERROR_SUCCESS);
+        RegCloseKey(key);
+    }
+
+    ~TestValue() { RegDeleteKeyW(HKEY_CURRENT_USER, kKey); }
+};
+
+}  // namespace
+
+TEST_CASE("The calls are written down in their order with their arguments") {
+    const EngineProcess engine;
+    const ComPtr<_SentrelApp> app = Create<_SentrelApp>(CLSID_SentrelApp);
+    const ComPtr<_Popup> popup = CreatePopup();
+    CHECK(engine.Calls() == L"CreatePopup hwnd=1234 form=5678 mode=2\r\n");
+    CHECK(engine.control->ClearCalls() == S_OK);
+    for (const Member& member : Members())
+        CHECK(member.call(*app.Get(), *popup.Get()) == S_OK);
+    CHECK(engine.Calls() ==
+          L"CreatePopup hwnd=1 form=2 mode=2\r\nReleasePopup hwnd=1 form=2\r\nState\r\nStart\r\nStop\r\n"
+          L"Pause\r\nReloadSettings\r\nLogFile\r\n");
+    CHECK(engine.control->ClearCalls() == S_OK);
+    CHECK(engine.Calls() == L"");
+}
+
+TEST_CASE("CreatePopup leaves the mode as it was") {
+    const EngineProcess engine;
+    long mode = 3;
+    ComPtr<_Popup> popup;
+    CHECK(Create<_SentrelApp>(CLSID_SentrelApp)->CreatePopup(-1, -2, &mode, &popup) == S_OK);
+    CHECK(mode == 3);
+    CHECK(engine.Calls() == L"CreatePopup hwnd=-1 form=-2 mode=3\r\n");
+}
+
+TEST_CASE("The members of the engine object stand in the order that its clients were built with") {
+    const EngineProcess engine;
+    const ComPtr<_Popup> popup = CreatePopup();
+    CHECK(engine.control->ClearCalls() == S_OK);
+
+    // The first seven slots are IDispatch's.
+    void* const* const slots = *reinterpret_cast<void* const* const*>(popup.Get());
+    using Get = HRESULT(STDMETHODCALLTYPE*)(void*, void*);
+    using Method = HRESULT(STDMETHODCALLTYPE*)(void*);
+    long state = 0;
+    BSTR log = nullptr;
+    CHECK(reinterpret_cast<Get>(slots[7])(popup.Get(), &state) == S_OK);
+    for (int slot = 8; slot <= 11; ++slot)
+        CHECK(reinterpret_cast<Method>(slots[slot])(popup.Get()) == S_OK);
+    CHECK(reinterpret_cast<Get>(slots[12])(popup.Get(), &log) == S_OK);
+    CHECK(TakeText(log) == engine.LogFile());
+    CHECK(engine.Calls() == L"State\r\nStart\r\nStop\r\nPause\r\nReloadSettings\r\nLogFile\r\n");
+}
+
+TEST_CASE("Scripts reach the controls by name") {
+    const EngineProcess engine;
+    CLSID classId{};
+    REQUIRE(CLSIDFromProgID(L"SentrelStandin.Control", &classId) == S_OK);
+    CHECK(IsEqualCLSID(classId, CLSID_Control));
+    REQUIRE(CLSIDFromProgID(L"Sentrel1.SentrelApp", &classId) == S_OK);
+    CHECK(IsEqualCLSID(classId, CLSID_SentrelApp));
+
+    const ComPtr<IDispatch> script = Create<IDispatch>(CLSID_Control);
+    const auto idOf = [&](const wchar_t* name) {
+        OLECHAR* names = const_cast<OLECHAR*>(name);
+        DISPID id = DISPID_UNKNOWN;
+        script->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
+        return id;
+    };
+    CHECK(idOf(L"NoSuchMember") == DISPID_UNKNOWN);
+    REQUIRE(idOf(L"state") != DISPID_UNKNOWN);
+
+    Variant value(3L);
+    VARIANT argument = value.Value();
+    DISPID put = DISPID_PROPERTYPUT;
+    DISPPARAMS given{&argument, &put, 1, 1};
+    CHECK(script->Invoke(idOf(L"State"), IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &given, nullptr,
+                         nullptr, nullptr) == S_OK);
+    CHECK(engine.State() == 3);
+    DISPPARAMS none{};
+    Variant answer;
+    CHECK(script->Invoke(idOf(L"State"), IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
+                         answer.Receive(), nullptr, nullptr) == S_OK);
+    CHECK(ToLong(answer) == 3);
+}
+
+TEST_CASE("Stamped lines start with the time of the call") {
+    const EngineProcess engine;
+    const ComPtr<_Popup> popup = CreatePopup();
+    CHECK(engine.control->ClearCalls() == S_OK);
+    CHECK(engine.control->put_Stamped(VARIANT_TRUE) == S_OK);
+    const DWORD before = GetTickCount();
+    CHECK(popup->Start() == S_OK);
+    const DWORD after = GetTickCount();
+    const std::wstring calls = engine.Calls();
+    size_t digits = 0;
+    const DWORD stamp = std::stoul(calls, &digits);
+    CHECK(calls.substr(digits) == L" Start\r\n");
+    CHECK(stamp >= before);
+    CHECK(stamp <= after);
+}
+
+TEST_CASE("ReloadSettings tells what a watched value held when it arrived") {
+    const EngineProcess engine;
+    const TestValue value;
+    const ComPtr<_Popup> popup = CreatePopup();
+    const auto reload = [&] {
+        CHECK(engine.control->ClearCalls() == S_OK);
+        CHECK(popup->ReloadSettings() == S_OK);
+        return engine.Calls();
+    };
+    CHECK(engine.control->put_WatchValue(Text(std::wstring(TestValue::kKey) + L"\\txtSpeed")) == S_OK);
+    CHECK(reload() == L"ReloadSettings txtSpeed missing\r\n");
+    // Settings are stored without a terminating NUL.
+    TestValue::Write(REG_SZ, "1000", 4);
+    CHECK(reload() == L"ReloadSettings txtSpeed=1000\r\n");
+    TestValue::Write(REG_SZ, "500", 3);
+    CHECK(reload() == L"ReloadSettings txtSpeed=500\r\n");
+    TestValue::Write(REG_SZ, "", 0);
+    CHECK(reload() == L"ReloadSettings txtSpeed=\r\n");
+    const DWORD number = 5;
+    TestValue::Write(REG_DWORD, &number, sizeof(number));
+    CHECK(reload() == L"ReloadSettings txtSpeed unreadable\r\n");
+    CHECK(engine.control->put_WatchValue(nullptr) == S_OK);
+    CHECK(reload() == L"ReloadSettings\r\n");
+}
