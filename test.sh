@@ -5,8 +5,8 @@
 #   ./test.sh NAME      those whose name contains NAME; if there is none, the test cases whose name contains NAME
 #
 # PRESET chooses the CMake preset (release), JOBS how many programs run at a time (4: most of them wait for windows and
-# other processes most of their time). Each of them gets a virtual screen and a fresh prefix in which the manager and the stand-in engine are registered. What
-# they print is kept in build/test-output/.
+# other processes most of their time). Each of them gets a virtual screen and a fresh prefix in which the manager and
+# the stand-in engine are registered. What they print is kept in build/test-output/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=tools/setup.sh
@@ -14,6 +14,9 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 
 kProgramSeconds=300
 kShellTestSeconds=300
+
+# The programs that take longest start first, so that none of them runs alone at the end.
+kSlowest='kill_sweep fault_sweep hostile_store engine_faults engine automation engine_storm long_runs'
 
 name=${1:-}
 preset=${PRESET:-release}
@@ -91,7 +94,13 @@ cmake --preset "$preset" >"$kBuildRoot/configure.log" 2>&1 ||
     { cat "$kBuildRoot/configure.log"; Finish 0 1 "The configuration failed."; }
 cmake --build --preset "$preset" || Finish 0 1 "The build failed."
 
-tests=(tests/*_test.sh "$BUILD_DIR"/tests/*_tests.exe)
+tests=()
+for slow in $kSlowest; do
+    tests+=("$BUILD_DIR/tests/${slow}_tests.exe")
+done
+for file in tests/*_test.sh "$BUILD_DIR"/tests/*_tests.exe; do
+    [[ " ${tests[*]} " == *" $file "* ]] || tests+=("$file")
+done
 chosen=()
 filter=()
 for file in "${tests[@]}"; do
