@@ -4,7 +4,7 @@
 #include "tests/support/program.h"
 
 std::wstring TakeText(BSTR text) {
-    const std::wstring copy = text == nullptr ? L"" : std::wstring(text, SysStringLen(text));
+    std::wstring copy = text == nullptr ? L"" : std::wstring(text, SysStringLen(text));
     SysFreeString(text);
     return copy;
 }
