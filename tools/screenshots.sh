@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Takes a picture of each page of the configuration window, of its dialogs and of the tray menu on a virtual screen,
-# then ends the manager and checks that it is gone. Needs the programs of the release build.
+# then ends the manager and checks that it is gone. Needs the programs, of the release build or in BUILD_DIR.
 #
 #   tools/screenshots.sh OUTDIR [DPI [PREFIX]]
 #
-# The settings of PREFIX show; without it the pictures are taken in a fresh prefix.
+# The settings and colours of PREFIX show; without it the pictures are taken in a fresh prefix. The pictures of the
+# documents are made by tools/pictures.sh.
 set -euo pipefail
 # shellcheck source=tools/wine.sh
 . "$(dirname "${BASH_SOURCE[0]}")/wine.sh"
@@ -12,16 +13,17 @@ set -euo pipefail
 kPages=(1-settings 2-exclude 3-log 4-banners 5-search 6-about)
 # Picture, page, access key of the button that opens the dialog, title of the dialog.
 kDialogs='
-add-url          2  alt+u  Add Web Site URL
-add-banner-size  4  alt+n  New Banner Height and Width
-add-search       5  alt+s  Add Search Address
+add-url          2-exclude  alt+u  Add Web Site URL
+add-banner-size  4-banners  alt+n  New Banner Height and Width
+add-search       5-search   alt+s  Add Search Address
 '
-kBuildDir=$kBuildRoot/release
+kBuildDir=${BUILD_DIR:-$kBuildRoot/release}
 kOutput=${1:?OUTDIR is missing}
 kDpi=${2:-96}
 
 # Two pages differ in more pixels than this, a blinking caret or a focus rectangle in fewer.
 kPixelsOfAnotherPage=300
+kSeconds=20
 
 Fail() {
     echo "$*" >&2
@@ -49,14 +51,24 @@ FindWindow() {
     [[ -n $window ]]
 }
 
-# PageIsDrawn FILE [BEFORE]: takes a picture, and says whether it is finished: unlike the page before, and like the one
-# taken a moment later.
+# PageIsDrawn: takes a picture, and says whether it is finished: unlike the page before, and like the one taken a
+# moment later.
 PageIsDrawn() {
-    import -silent -window "$window" "$1"
-    [[ -z ${2:-} ]] || Differ "$1" "$2" || return 1
+    import -silent -window "$window" "$scratch/page.ppm"
+    [[ ! -e $scratch/before.ppm ]] || Differ "$scratch/page.ppm" "$scratch/before.ppm" || return 1
     sleep 0.3
-    import -silent -window "$window" "$1.again.png"
-    ! Differ "$1" "$1.again.png"
+    import -silent -window "$window" "$scratch/again.ppm"
+    ! Differ "$scratch/page.ppm" "$scratch/again.ppm"
+}
+
+# TakePage PAGE: its picture is in the scratch folder then, as that of the page before the next one.
+TakePage() {
+    WaitFor $kSeconds PageIsDrawn || Fail "The page $1 did not appear"
+    mv "$scratch/page.ppm" "$scratch/before.ppm"
+}
+
+NextPage() {
+    xdotool key ctrl+Tab
 }
 
 FindDialog() {
@@ -68,43 +80,48 @@ DialogIsGone() {
     ! FindDialog "$1"
 }
 
-# The About page is shown; a step further is the first page again.
+# TakeDialogs PAGE: those that the page opens.
 TakeDialogs() {
-    local name page key title shown=0
+    local name page key title
     while read -r name page key title; do
-        [[ -n $name ]] || continue
-        for (( ; shown < page; shown++)); do
-            xdotool key ctrl+Tab
-            sleep 0.3
-        done
+        [[ $page == "$1" ]] || continue
         xdotool key "$key"
-        WaitFor 10 FindDialog "$title" || Fail "The dialog $title did not open"
+        WaitFor $kSeconds FindDialog "$title" || Fail "The dialog $title did not open"
         sleep 0.3
-        import -silent -window "$dialog" "$kOutput/$name.png"
+        import -silent -window "$dialog" -strip "$kOutput/$name.png"
         xdotool windowfocus "$dialog" key Escape
-        WaitFor 10 DialogIsGone "$title" || Fail "The dialog $title did not close"
+        WaitFor $kSeconds DialogIsGone "$title" || Fail "The dialog $title did not close"
         xdotool windowfocus "$window"
         echo "$kOutput/$name.png"
     done <<<"$kDialogs"
 }
 
-# Where there is no taskbar Wine shows the icon in a window of its own, in the corner of the screen and above the menu:
-# it is moved away once the menu is open. The icon may not be there yet, or be busy with what went before.
+# VisibleWindows: their ids, one a line, sorted.
+VisibleWindows() {
+    xdotool search --onlyvisible --name '' 2>/dev/null | sort
+}
+
+# Where there is no taskbar Wine shows the icon in a window of its own, at its lower left. The icon may not be there
+# yet, or be busy with what went before. The menu is the window that a click on it has brought.
 MenuIsOpen() {
-    local tray
+    local tray before menu HEIGHT
     tray=$(xdotool search --onlyvisible --name '^Wine System Tray$' 2>/dev/null | head -1)
     [[ -n $tray ]] || return 1
-    xdotool windowmove "$tray" 0 0 mousemove 12 32 click 3
-    sleep 1
-    xdotool windowmove "$tray" 500 0
+    eval "$(xdotool getwindowgeometry --shell "$tray" | grep '^HEIGHT=')"
+    before=$(VisibleWindows)
+    xdotool mousemove --window "$tray" $((kDpi / 8)) $((HEIGHT - kDpi / 8)) click 3
+    sleep 0.5
+    menu=$(comm -13 <(echo "$before") <(VisibleWindows) | head -1)
+    [[ -n $menu ]] || return 1
+    xdotool windowmove "$tray" 0 900 mousemove 0 0
     sleep 0.3
-    import -silent -window root -crop 190x112+11+31 +repage "$kOutput/tray-menu.png"
+    import -silent -window "$menu" -strip "$kOutput/tray-menu.png"
     xdotool key Escape
     (($(identify -format %k "$kOutput/tray-menu.png") > 2))
 }
 
 TakeMenu() {
-    WaitFor 20 MenuIsOpen || Fail "The tray menu did not open"
+    WaitFor $kSeconds MenuIsOpen || Fail "The tray menu did not open"
     echo "$kOutput/tray-menu.png"
 }
 
@@ -121,14 +138,23 @@ CheckPictures() {
     done
 }
 
+# Two rounds: under Wine the title is that of a window in use only after a dialog has given the focus back. A dialog that
+# was cancelled counts as a change, which is stored in between.
 TakePictures() {
-    local page before=
+    local page
     for page in "${kPages[@]}"; do
-        [[ -z $before ]] || xdotool key ctrl+Tab
-        WaitFor 10 PageIsDrawn "$kOutput/$page.png" "$before" || Fail "The page $page did not appear"
-        rm -f "$kOutput/$page.png.again.png"
-        before=$kOutput/$page.png
-        echo "$before"
+        TakePage "$page"
+        TakeDialogs "$page"
+        NextPage
+    done
+    TakePage "${kPages[0]}"
+    xdotool key alt+a
+    rm "$scratch/before.ppm"
+    for page in "${kPages[@]}"; do
+        TakePage "$page"
+        convert "$scratch/before.ppm" -strip "$kOutput/$page.png"
+        echo "$kOutput/$page.png"
+        NextPage
     done
 }
 
@@ -138,14 +164,15 @@ ManagerEnded() {
 
 # Loader SWITCH
 Loader() {
-    Wine 60 "$kBuildDir/CalvaneConfigLoader.exe" "$1" >"$kBuildRoot/loader.log" 2>&1 ||
-        { cat "$kBuildRoot/loader.log" >&2; Fail "CalvaneConfigLoader.exe $1 failed"; }
+    Wine 60 "$kBuildDir/CalvaneConfigLoader.exe" "$1" >"$WINEPREFIX/loader.log" 2>&1 ||
+        { cat "$WINEPREFIX/loader.log" >&2; Fail "CalvaneConfigLoader.exe $1 failed"; }
 }
 
+# Pictures that are only compared take less time without compression.
+scratch=$(mktemp -d "$kBuildRoot/scratch.XXXXXX")
+trap 'rm -rf "$scratch"; StopAll' EXIT
 mkdir -p "$kOutput"
-for page in "${kPages[@]}"; do
-    rm -f "$kOutput/$page.png"
-done
+rm -f "$kOutput"/*.png
 
 UsePrefix "${3:-$kBuildRoot/wine-screenshots}"
 if [[ -z ${3:-} ]]; then
@@ -162,14 +189,12 @@ WaitFor 30 FindWindow || Fail "The window did not open"
 xdotool mousemove 0 0 windowfocus "$window"
 TakePictures
 CheckPictures
-TakeDialogs
-# At another resolution the corner looks different.
-((kDpi != 96)) || TakeMenu
+TakeMenu
 
-Wine 60 reg query 'HKCU\Software\Calvane' /s >"$kBuildRoot/store.txt" 2>&1 || Fail "The store is empty"
-cat "$kBuildRoot/store.txt"
+Wine 60 reg query 'HKCU\Software\Calvane' /s >"$WINEPREFIX/store.txt" 2>&1 || Fail "The store is empty"
+cat "$WINEPREFIX/store.txt"
 
 [[ -n $(ProcessesOf SentrelConfig.exe) ]] || Fail "The manager ended too early"
 Loader /release
-WaitFor 10 ManagerEnded || Fail "The manager still runs after its release"
+WaitFor $kSeconds ManagerEnded || Fail "The manager still runs after its release"
 echo "The manager has ended."

@@ -125,9 +125,9 @@ SetDpi() {
 RegisterServers() {
     local server
     for server in SentrelConfig SentrelStandin; do
-        Wine 60 "$1/$server.exe" /RegServer >"$kBuildRoot/register.log" 2>&1 || {
+        Wine 60 "$1/$server.exe" /RegServer >"$WINEPREFIX/register.log" 2>&1 || {
             echo "$server.exe /RegServer failed with exit code $?" >&2
-            cat "$kBuildRoot/register.log" >&2
+            cat "$WINEPREFIX/register.log" >&2
             return 1
         }
     done
