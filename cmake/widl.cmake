@@ -23,7 +23,7 @@ file(MAKE_DIRECTORY ${IDL_OUT})
 function(add_idl name source)
   cmake_parse_arguments(arg "TYPELIB" "" "DEPENDS" ${ARGN})
   cmake_path(GET source STEM stem)
-  set(command ${WIDL} ${WIDL_FLAGS} -m32)
+  set(command ${WIDL} ${WIDL_FLAGS} -I ${CMAKE_BINARY_DIR}/generated -m32)
   set(outputs ${IDL_OUT}/${stem}.h ${IDL_OUT}/${stem}_i.c)
   set(calls COMMAND ${command} -h -o ${IDL_OUT}/${stem}.h ${CMAKE_SOURCE_DIR}/${source}
             COMMAND ${command} -u -o ${IDL_OUT}/${stem}_i.c ${source})
@@ -34,6 +34,7 @@ function(add_idl name source)
   endif()
   list(TRANSFORM arg_DEPENDS PREPEND ${CMAKE_SOURCE_DIR}/)
   add_custom_command(OUTPUT ${outputs} ${calls} DEPENDS ${CMAKE_SOURCE_DIR}/${source} ${arg_DEPENDS}
+                     ${CMAKE_BINARY_DIR}/generated/version.h
                      ${CMAKE_SOURCE_DIR}/cmake/finish_typelib.pl
                      # widl finds an import by path only from the folder it runs in.
                      WORKING_DIRECTORY ${CMAKE_SOURCE_DIR} VERBATIM)

@@ -47,10 +47,22 @@ std::string Dotted(DWORD high, DWORD low) {
     return text;
 }
 
+// Of a type library in a program: the file, or the file, a backslash and the resource's number.
+std::string HelpString(const std::wstring& library) {
+    ComPtr<ITypeLib> loaded;
+    ThrowIfFailed(LoadTypeLibEx(ProgramPath(library).c_str(), REGKIND_NONE, &loaded));
+    BSTR help = nullptr;
+    ThrowIfFailed(loaded->GetDocumentation(MEMBERID_NIL, nullptr, &help, nullptr, nullptr));
+    std::string text = ToAnsi(std::wstring_view(help, SysStringLen(help)));
+    SysFreeString(help);
+    return text;
+}
+
 }  // namespace
 
-TEST_CASE("The manager's and the loader's version resources tell the project's version") {
-    for (const wchar_t* const program : {L"SentrelConfig.exe", L"CalvaneConfigLoader.exe"}) {
+TEST_CASE("The version resources of the manager, the loader and the installer tell the project's version") {
+    for (const wchar_t* const program :
+         {L"SentrelConfig.exe", L"CalvaneConfigLoader.exe", L"CalvaneSetup.exe"}) {
         CAPTURE(ToAnsi(program));
         const std::vector<std::byte> resource = VersionResource(ProgramPath(program));
         REQUIRE_FALSE(resource.empty());
@@ -65,13 +77,9 @@ TEST_CASE("The manager's and the loader's version resources tell the project's v
     }
 }
 
-TEST_CASE("The type library's help string ends with the first two numbers of the version") {
-    ComPtr<ITypeLib> library;
-    ThrowIfFailed(LoadTypeLibEx(ProgramPath(L"SentrelConfig.exe").c_str(), REGKIND_NONE, &library));
-    BSTR help = nullptr;
-    ThrowIfFailed(library->GetDocumentation(MEMBERID_NIL, nullptr, &help, nullptr, nullptr));
-    const std::string text = ToAnsi(std::wstring_view(help, SysStringLen(help)));
-    SysFreeString(help);
+TEST_CASE("The type libraries' help strings end with the first two numbers of the version") {
     const std::string version = CALVANE_VERSION;
-    CHECK(text == "Calvane configuration manager " + version.substr(0, version.rfind('.')));
+    const std::string shortVersion = version.substr(0, version.rfind('.'));
+    CHECK(HelpString(L"SentrelConfig.exe") == "Calvane configuration manager " + shortVersion);
+    CHECK(HelpString(L"SentrelConfig.exe\\2") == "Calvane configuration manager forms " + shortVersion);
 }
