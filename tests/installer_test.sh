@@ -123,6 +123,9 @@ Snapshot before
 Exits 0 "$kSetup" /S
 version=$(sed -n 's/^project(.* VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
 Equal DisplayVersion "$(Stored "$kUninstallKey" DisplayVersion)" "$version"
+Equal DisplayName "$(Stored "$kUninstallKey" DisplayName)" Calvane
+Equal UninstallString "$(Stored "$kUninstallKey" UninstallString)" "\"$kInstalled\\Uninstall.exe\""
+Equal QuietUninstallString "$(Stored "$kUninstallKey" QuietUninstallString)" "\"$kInstalled\\Uninstall.exe\" /S"
 Equal DisplayIcon "$(Stored "$kUninstallKey" DisplayIcon)" "$kInstalled\\SentrelConfig.exe,0"
 Equal InstallLocation "$(Stored "$kUninstallKey" InstallLocation)" "$kInstalled"
 size=$(($(Stored "$kUninstallKey" EstimatedSize)))
@@ -131,9 +134,33 @@ bytes=$(find "$kFolder" -type f -printf '%s\n' | awk '{ sum += $1 } END { print 
 for file in SentrelConfig.exe CalvaneConfigLoader.exe Arc.wav; do
     cmp "$BUILD_DIR/$file" "$kFolder/$file" || Fail "$file is another one"
 done
-while IFS= read -r file; do
+for page in users-guide deployment settings-schema automation; do
+    file=$kFolder/docs/$page.html
+    xmllint --html --noout "$file" 2>"$kWork/complaints" || Fail "$page.html is not there"
+    [[ ! -s $kWork/complaints ]] || { cat "$kWork/complaints" >&2; Fail "$page.html is no proper page"; }
+    headings=$(sed '/^    /d' "docs/$page.md" | grep -cE '^#+ ')
+    Equal "the number of headings in $page.html" "$(grep -c '^<h[1-6] ' "$file")" "$headings"
+    rows=$(grep -cE '^\| ' "docs/$page.md") || true
+    Equal "the number of rows in $page.html" "$(grep -c '^<tr>' "$file" || true)" "$rows"
+    # What a page links and shows is installed too, and sections are there.
+    while IFS= read -r target; do
+        [[ $target != *:* ]] || continue
+        linked=$file
+        [[ $target == \#* ]] || linked=$kFolder/docs/${target%%#*}
+        [[ -e $linked ]] || Fail "$page.html leads to $target, which is not installed"
+        [[ $target != *\#* ]] || grep -q "id=\"${target#*#}\"" "$linked" || Fail "$page.html leads to no section $target"
+    done < <(grep -oE '(src|href)="[^"]+"' "$file" | sed -E 's/^[a-z]+="(.*)"$/\1/')
+done
+grep -q '<img ' "$kFolder/docs/users-guide.html" || Fail "the user's guide has no pictures"
+for file in docs/pictures/*.png; do
     cmp "$file" "$kFolder/$file" || Fail "$file is another one"
-done < <(find README.md docs -type f)
+done
+for file in docs/examples/*; do
+    cmp <(sed 's/$/\r/' "$file") "$kFolder/$file" || Fail "$file is another one, or has not the line ends of Windows"
+done
+for file in policy/calvane.admx policy/en-US/calvane.adml; do
+    cmp "packaging/$file" "$kFolder/$file" || Fail "$file is another one"
+done
 [[ -e $kShortcut ]] || Fail "there is no shortcut in the Start menu"
 [[ -z $(find "$kFolder" -iname '*standin*') ]] || Fail "the stand-in engine is installed"
 echo "ok: installed"
@@ -149,12 +176,12 @@ echo "ok: a script client works and the window shows"
 # --- An upgrade over a running manager, with a document that this version does not have
 SetRegistryValue "$kSettingsKey" txtPause REG_SZ 7000
 WriteRunValue "$kInstalled\\CalvaneConfigLoader.exe"
-echo old >"$kFolder/docs/former.md"
+echo old >"$kFolder/docs/former.html"
 ManagerRuns || Fail "the manager ended too early"
 Exits 0 "$kSetup" /S '/D=C:\Elsewhere'
 ManagerEnded || Fail "the manager runs on after the upgrade"
 [[ ! -e $WINEPREFIX/drive_c/Elsewhere ]] || Fail "the upgrade made a second copy"
-[[ ! -e $kFolder/docs/former.md ]] || Fail "the former document is still there"
+[[ ! -e $kFolder/docs/former.html ]] || Fail "the former document is still there"
 Equal txtPause "$(Stored "$kSettingsKey" txtPause)" 7000
 Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" "$kInstalled\\CalvaneConfigLoader.exe"
 Client 2

@@ -1,0 +1,5 @@
+# Text with the line ends of Windows.
+{
+    sub(/\r$/, "")
+    printf "%s\r\n", $0
+}
