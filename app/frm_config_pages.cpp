@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "app/frm_config.h"
+#include "platform/access_keys.h"
 
 namespace {
 
@@ -86,6 +87,11 @@ bool frmConfig::IsFormMessage(MSG& message) {
     // From a control of a hidden page, which only another program addresses, the dialog manager's search for
     // an accelerator would never come back to where it began.
     if (isOurs && IsOnHiddenPage(message.hwnd)) return false;
+    // Fixed captions share letters. Not every system's dialog manager goes on from one button to the other.
+    if (isOurs && message.message == WM_SYSCHAR &&
+        FocusNextOfAccessKey(Hwnd(), static_cast<wchar_t>(message.wParam))) {
+        return true;
+    }
     return IsDialogMessageW(Hwnd(), &message) != FALSE;
 }
 

@@ -81,9 +81,7 @@ bool IsChecked(HWND list, int row) {
 
 }  // namespace
 
-// Windows goes on to the other one when the key is pressed again, Wine stays with the one that has the focus.
-TEST_CASE(
-    "an access key that two buttons share is the page's, and the window's where the page's is disabled") {
+TEST_CASE("an access key that two buttons share goes round between them, and presses the only one enabled") {
     struct Shared {
         int page;
         wchar_t key;
@@ -95,17 +93,35 @@ TEST_CASE(
         CAPTURE(shared.page);
         KeyWindow window;
         const HWND onPage = window.Find(shared.onPage);
+        const HWND apply = window.Find(IDC_CMDAPPLY);
         EnableWindow(onPage, TRUE);
         window.Page(shared.page);
-        KeyWindow::PressWithAlt(shared.key);
+        for (const wchar_t key : {shared.key, static_cast<wchar_t>(towupper(shared.key)), shared.key}) {
+            KeyWindow::PressWithAlt(key);
+            CHECK(KeyWindow::Focused() == shared.onPage);
+            KeyWindow::PressWithAlt(key);
+            CHECK(KeyWindow::Focused() == shared.ofWindow);
+        }
+        // Neither was pressed.
         CHECK(window.IsShown());
-        CHECK(KeyWindow::Focused() == shared.onPage);
+        CHECK_FALSE(IsWindowEnabled(apply));
 
         window.Focus(IDC_TAB);
         EnableWindow(onPage, FALSE);
         KeyWindow::PressWithAlt(shared.key);
-        CHECK((!window.IsShown() || KeyWindow::Focused() == shared.ofWindow));
+        CHECK_FALSE(window.IsShown());
     }
+}
+
+TEST_CASE("the space bar presses the button that a shared access key has led to") {
+    KeyWindow window;
+    EnableWindow(window.Find(IDC_CMDCLEARLIST), TRUE);
+    window.Page(kLog);
+    KeyWindow::PressWithAlt(L'c');
+    KeyWindow::PressWithAlt(L'c');
+    REQUIRE(KeyWindow::Focused() == IDCANCEL);
+    KeyWindow::Press(VK_SPACE);
+    CHECK_FALSE(window.IsShown());
 }
 
 TEST_CASE("in a list with boxes the arrows select and the space bar ticks, which Apply can store") {
