@@ -41,6 +41,7 @@ for document in "${documents[@]}"; do
         [[ $target == *:* ]] || CheckLink "$document" "$target"
     done < <(Text "$document" | tr '\n' ' ' | grep -oE '\]\([^)]+\)' | sed -E 's/^..(.*).$/\1/')
     # A path of the source tree, or a pattern of such paths.
+    # shellcheck disable=SC2016 # the backticks are those of the documents
     while IFS= read -r path; do
         ((paths += 1))
         # shellcheck disable=SC2206 # patterns are meant

@@ -6,7 +6,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 kCommitted=docs/pictures
 taken=$(mktemp -d)
-trap 'kill $(jobs -p) 2>/dev/null; wait; rm -rf "$taken"' EXIT
+trap 'kill $(jobs -p) 2>/dev/null || true; wait; rm -rf "$taken"' EXIT
 trap 'exit 143' TERM
 failed=0
 

@@ -51,7 +51,8 @@ LargeText() {
 # LogFont PIXELS FACE: the bytes of a LOGFONTW, in hexadecimal numbers separated by commas.
 LogFont() {
     {
-        printf "\\x$(printf %02x $((256 - $1)))\\xff\\xff\\xff"
+        # Negative: the height of the letters, not of the line.
+        printf '%b' "\\x$(printf %02x $((256 - $1)))\\xff\\xff\\xff"
         printf '\0\0\0\0\0\0\0\0\0\0\0\0\x90\x01\0\0\0\0\0\0\0\0\0\0'
         printf '%s' "$2" | iconv -t UTF-16LE
         head -c $((64 - 2 * ${#2})) /dev/zero

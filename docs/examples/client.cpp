@@ -49,8 +49,7 @@ HRESULT Run(bool end) {
     VariantClear(&form);
     VariantClear(&handle);
 
-    // The manager ends inside the call: its answer may be lost.
-    if (end) control->ReleaseConfig();
+    if (end && SUCCEEDED(result)) result = control->ReleaseConfig();
     return result;
 }
 
