@@ -104,7 +104,7 @@ VisibleWindows() {
 # Where there is no taskbar Wine shows the icon in a window of its own, at its lower left. The icon may not be there
 # yet, or be busy with what went before. The menu is the window that a click on it has brought.
 MenuIsOpen() {
-    local tray before menu HEIGHT
+    local tray before menu HEIGHT=0
     tray=$(xdotool search --onlyvisible --name '^Wine System Tray$' 2>/dev/null | head -1)
     [[ -n $tray ]] || return 1
     eval "$(xdotool getwindowgeometry --shell "$tray" | grep '^HEIGHT=')"
@@ -115,7 +115,7 @@ MenuIsOpen() {
     [[ -n $menu ]] || return 1
     xdotool windowmove "$tray" 0 900 mousemove 0 0
     sleep 0.3
-    import -silent -window "$menu" -strip "$kOutput/tray-menu.png"
+    import -silent -window "$menu" -strip "$kOutput/tray-menu.png" || return 1
     xdotool key Escape
     (($(identify -format %k "$kOutput/tray-menu.png") > 2))
 }
