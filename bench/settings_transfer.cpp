@@ -12,7 +12,8 @@
 
 #include "app/config_controls.h"
 #include "bench/support/comparison.h"
-#include "bench/support/registry_calls.h"
+#include "bench/support/bare_store.h"
+#include "bench/support/call_count.h"
 #include "options/settings_transfer.h"
 #include "platform/automation_error.h"
 #include "store/settings_schema.h"

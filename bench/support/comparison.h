@@ -9,6 +9,9 @@ struct Side {
     std::string name;
     std::function<void()> run;
     std::function<void()> prepare = [] {};  // before each run, not timed
+    std::function<void()> finish = [] {};   // after each run, not timed
+    // Where set, it runs in place of run and answers its own milliseconds: what began and ended elsewhere.
+    std::function<double()> time = {};
 };
 
 struct Comparison {
@@ -19,6 +22,9 @@ struct Comparison {
     int rounds = 15;
     double wanted = 0;  // the highest median ratio that is accepted; 0 where none is set
     int repeats = 1;    // runs within one timing, for work that is too short for the clock
+    // The highest median difference that is accepted, in milliseconds, in place of a ratio; 0 where none is
+    // set.
+    double wantedAbove = 0;
 };
 
 // Milliseconds of one run.
@@ -34,8 +40,23 @@ std::vector<Times> Measure(const Comparison& comparison);
 // the standard output.
 void Report(const Comparison& comparison);
 
-// A row for what is no ratio of times. value is compared with wanted; 0 accepts any.
-void ReportFigure(const std::string& what, const std::string& size, const std::string& figure);
+// A row for two numbers of another unit. wanted: the highest ratio that is accepted; 0 where none is set.
+struct Amount {
+    std::string name;
+    double value;
+};
+void ReportAmounts(const std::string& what, const std::string& size, const Amount& measured,
+                   const Amount& beside, const std::string& unit, double wanted = 0);
+
+// A row for what has nothing beside it. wanted says what was asked for and whether it was reached.
+void ReportFigure(const std::string& what, const std::string& size, const std::string& figure,
+                  const std::string& wanted = "-");
+
+// "reached", or that it was missed.
+std::string Verdict(bool isReached);
+
+// Of a clock that begins anywhere.
+double Milliseconds();
 
 // The folder for large files: the first argument of the program, with a trailing separator.
 std::wstring FolderFor(int count, wchar_t** arguments);

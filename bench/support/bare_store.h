@@ -1,15 +1,12 @@
-// The registry calls of a load and a save of all settings, made directly: the same calls in the same order as
+// The registry calls of a first run, a load and a save of all settings, made directly: the same calls in the same order as
 // the store's rules ask for, and nothing else.
 #pragma once
 
 #include <windows.h>
 
 #include <array>
-#include <memory>
 #include <string>
 #include <vector>
-
-#include "tests/support/import_patch.h"
 
 // The stored texts, in the ANSI code page.
 struct StoredValues {
@@ -23,23 +20,8 @@ struct StoredValues {
 
 class BareStore {
 public:
+    // Writes the defaults, as a first start does, unless they are there. folder: the program's.
+    void FirstRun(const std::string& folder) const;
     StoredValues Load() const;
     void Save(const StoredValues& values) const;
-};
-
-// Counts the registry calls of this program.
-class CallCount {
-public:
-    CallCount();
-    CallCount(const CallCount&) = delete;
-    CallCount& operator=(const CallCount&) = delete;
-    ~CallCount();
-
-    size_t Count() const;
-
-    // Takes the counters out of the calls again.
-    void Stop() const;
-
-private:
-    mutable std::vector<std::unique_ptr<ImportPatch>> m_patches;
 };

@@ -1,7 +1,9 @@
-#include "bench/support/registry_calls.h"
+#include "bench/support/bare_store.h"
 
 #include <charconv>
 #include <string_view>
+
+#include "store/settings_schema.h"
 
 namespace {
 
@@ -64,31 +66,42 @@ bool Delete(const char* path, const char* name) {
     return isDeleted;
 }
 
-constexpr const char* kOptions[] = {"chkPlaySound", "chkBeep", "txtSpeed", "txtPause"};
-
-size_t g_calls = 0;
-
-// Counts a call and passes it on.
-template <auto Function>
-struct Counted;
-
-template <class... Arguments, LSTATUS(WINAPI* Function)(Arguments...)>
-struct Counted<Function> {
-    static inline LSTATUS(WINAPI* original)(Arguments...) = nullptr;
-    static LSTATUS WINAPI Call(Arguments... arguments) {
-        ++g_calls;
-        return original(arguments...);
-    }
-};
-
-template <auto Function>
-std::unique_ptr<ImportPatch> Count(const char* name) {
-    auto patch = std::make_unique<ImportPatch>("advapi32.dll", name, &Counted<Function>::Call);
-    Counted<Function>::original = patch->template Original<decltype(Function)>();
-    return patch;
+// The defaults are ASCII.
+std::string Plain(std::wstring_view text) {
+    return {text.begin(), text.end()};
 }
 
+constexpr const char* kOptions[] = {"chkPlaySound", "chkBeep", "txtSpeed", "txtPause"};
+
 }  // namespace
+
+void BareStore::FirstRun(const std::string& folder) const {
+    std::string text;
+    if (Read(kSettings, "First Time", text)) return;
+    const auto write = [&](const Schema::Setting& setting) {
+        Write(kSettings, Plain(setting.name).c_str(),
+              (setting.isInServerDirectory ? folder : std::string()) + Plain(setting.text));
+    };
+    for (const Schema::Setting& setting : Schema::kOptionDefaults)
+        write(setting);
+    long n = 0;
+    for (const Schema::BannerSize& banner : Schema::kBannerDefaults) {
+        ++n;
+        Write(kBanners, Name(n, "Name"), Plain(banner.name));
+        Write(kBanners, Name(n, "Width"), std::to_string(banner.width));
+        Write(kBanners, Name(n, "Height"), std::to_string(banner.height));
+        Write(kBanners, Name(n, "Use"), banner.use ? "True" : "False");
+    }
+    n = 0;
+    for (const Schema::SearchEngine& engine : Schema::kSearchDefaults) {
+        ++n;
+        Write(kSearch, Name(n, "Name"), Plain(engine.name));
+        Write(kSearch, Name(n, "Url"), Plain(engine.url));
+        Write(kSearch, Name(n, "Use"), engine.use ? "True" : "False");
+    }
+    for (const Schema::Setting& setting : Schema::kClosingDefaults)
+        write(setting);
+}
 
 StoredValues BareStore::Load() const {
     StoredValues values;
@@ -154,25 +167,4 @@ void BareStore::Save(const StoredValues& values) const {
     }
     Write(kSettings, "SoundFile", values.soundFile);
     Write(kSettings, "Pause Key", values.pauseKey);
-}
-
-CallCount::CallCount() {
-    g_calls = 0;
-    m_patches.push_back(::Count<&RegOpenKeyExA>("RegOpenKeyExA"));
-    m_patches.push_back(::Count<&RegQueryValueExA>("RegQueryValueExA"));
-    m_patches.push_back(::Count<&RegQueryInfoKeyA>("RegQueryInfoKeyA"));
-    m_patches.push_back(::Count<&RegCreateKeyExA>("RegCreateKeyExA"));
-    m_patches.push_back(::Count<&RegSetValueExA>("RegSetValueExA"));
-    m_patches.push_back(::Count<&RegDeleteValueA>("RegDeleteValueA"));
-    m_patches.push_back(::Count<&RegCloseKey>("RegCloseKey"));
-}
-
-CallCount::~CallCount() = default;
-
-size_t CallCount::Count() const {
-    return g_calls;
-}
-
-void CallCount::Stop() const {
-    m_patches.clear();
 }

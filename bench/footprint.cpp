@@ -1,0 +1,120 @@
+// What the manager takes while it waits: memory, and over a minute of doing nothing, processor time and
+// wake-ups. A timer that ran would wake it.
+#include <windows.h>
+#include <objbase.h>
+
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+#include "bench/support/comparison.h"
+#include "bench/support/process_figures.h"
+#include "bench/support/server_client.h"
+#include "platform/automation_error.h"
+#include "platform/text.h"
+#include "tests/support/message_pump.h"
+
+namespace {
+
+constexpr DWORD kSettleMilliseconds = 4000;
+constexpr DWORD kIdleMilliseconds = 60000;
+constexpr double kWantedMemory = 1.3;
+constexpr double kWantedSize = 400;  // KB
+
+struct Figures {
+    ProcessFigures manager;
+    ProcessFigures empty;
+    ProcessFigures dialog;
+};
+
+class Servers {
+public:
+    Servers() : m_folder(ServerDirectory()), m_managerFolder(m_folder.substr(0, m_folder.find_last_of(L'\\'))) {}
+
+    void Activate(long showType) {
+        for (ServerClient* const client : {&m_manager, &m_empty, &m_dialog})
+            client->Activate(showType);
+        PumpFor(kSettleMilliseconds);
+    }
+
+    Figures Now() const {
+        return {FiguresOf(m_managerFolder.c_str(), m_manager.Program()),
+                FiguresOf(m_folder.c_str(), m_empty.Program()),
+                FiguresOf(m_folder.c_str(), m_dialog.Program())};
+    }
+
+    void End() {
+        for (ServerClient* const client : {&m_manager, &m_empty, &m_dialog})
+            client->End();
+    }
+
+    std::wstring ManagerPath() const { return m_managerFolder + L'\\' + m_manager.Program(); }
+
+private:
+    const std::wstring m_folder;
+    const std::wstring m_managerFolder;
+    ServerClient m_manager;
+    ServerClient m_empty{kEmptyServer};
+    ServerClient m_dialog{kDialogServer};
+};
+
+void ReportMemory(const char* size, const Figures& figures) {
+    const auto amount = [](const ProcessFigures& process) { return static_cast<double>(process.memory); };
+    const Amount manager{"the manager's process", amount(figures.manager)};
+    ReportAmounts("Private memory", size, manager, {"a bare server with an empty window", amount(figures.empty)},
+                  "KB", kWantedMemory);
+    ReportAmounts("Private memory", size, manager,
+                  {"a bare server with the same controls and an icon", amount(figures.dialog)}, "KB",
+                  kWantedMemory);
+}
+
+void ReportIdle(const char* size, const Figures& before, const Figures& after) {
+    const auto text = [](const char* name, const ProcessFigures& from, const ProcessFigures& to) {
+        return std::string(name) + ": " + std::to_string(to.cpu - from.cpu) + " ms of processor time, " +
+               std::to_string(to.wakeUps - from.wakeUps) + " wake-ups";
+    };
+    const bool isReached = after.manager.cpu <= before.manager.cpu &&
+                           after.manager.wakeUps - before.manager.wakeUps <=
+                               after.empty.wakeUps - before.empty.wakeUps;
+    ReportFigure("Idle for 60 s", size,
+                 text("the manager", before.manager, after.manager) + "; " +
+                     text("an empty window", before.empty, after.empty),
+                 "none: " + Verdict(isReached));
+}
+
+void Run() {
+    const BareServerRegistration emptyServer(kEmptyServer);
+    const BareServerRegistration dialogServer(kDialogServer);
+    Servers servers;
+    for (const auto& [size, showType] : {std::pair{"hidden", static_cast<long>(FormHide)},
+                                         std::pair{"shown", static_cast<long>(formShow)}}) {
+        servers.Activate(showType);
+        const Figures before = servers.Now();
+        ReportMemory(size, before);
+        PumpFor(kIdleMilliseconds);
+        ReportIdle(size, before, servers.Now());
+    }
+    WIN32_FILE_ATTRIBUTE_DATA file{};
+    GetFileAttributesExW(servers.ManagerPath().c_str(), GetFileExInfoStandard, &file);
+    const double kilobytes = file.nFileSizeLow / 1024.0;
+    ReportFigure("Size of the program", "`SentrelConfig.exe`",
+                 std::to_string(static_cast<int>(kilobytes + 0.5)) + " KB",
+                 "400 KB: " + Verdict(kilobytes <= kWantedSize));
+    servers.End();
+}
+
+}  // namespace
+
+int wmain() {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    try {
+        Run();
+        return 0;
+    } catch (const AutomationError& error) {
+        std::fprintf(stderr, "Automation error 0x%08lX\n", static_cast<unsigned long>(error.Code()));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    }
+    return 1;
+}

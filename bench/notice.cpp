@@ -1,0 +1,133 @@
+// From the engine's word that it closed a pop-up to the first sound and the first picture of the animation,
+// beside an event that reaches nobody but an empty sink.
+#include <windows.h>
+#include <mmsystem.h>
+#include <objbase.h>
+#include <shellapi.h>
+
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <stdexcept>
+
+#include "bench/support/comparison.h"
+#include "bench/support/config_in_process.h"
+#include "platform/automation_error.h"
+#include "platform/event_connection.h"
+#include "sentrel1.h"
+#include "tests/support/automation.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/message_pump.h"
+
+namespace {
+
+constexpr UINT kFrameInterval = 250;
+constexpr DISPID kKilled = 1;
+constexpr double kWantedAbove = 1;  // milliseconds
+
+// When the first of them happened since Reset; 0 where it has not.
+double g_sound = 0;
+double g_frame = 0;
+double g_event = 0;
+double g_tick = 0;
+
+void Note(double& moment) {
+    if (moment == 0) moment = Milliseconds();
+}
+
+BOOL WINAPI Sound(LPCSTR, UINT) {
+    Note(g_sound);
+    return TRUE;
+}
+
+BOOL WINAPI Icon(DWORD action, PNOTIFYICONDATAA) {
+    if (action == NIM_MODIFY) Note(g_frame);
+    return TRUE;
+}
+
+void CALLBACK Tick(HWND, UINT, UINT_PTR timer, DWORD) {
+    KillTimer(nullptr, timer);
+    Note(g_tick);
+}
+
+// Raises the event and answers how long after that the moment came.
+double TimeTo(IDispatch* control, double& moment) {
+    g_sound = g_frame = g_event = g_tick = 0;
+    const double start = Milliseconds();
+    Call(control, L"RaiseKilled", {4711L, L"http://ads.example.com/popup.html"});
+    if (!PumpUntil([&] { return moment != 0; })) throw std::runtime_error("the event had no effect");
+    return moment - start;
+}
+
+// A client of the engine that does nothing with its event but start a timer where one is asked for.
+class EmptySink {
+public:
+    explicit EmptySink(bool startsTimer) {
+        ThrowIfFailed(CoCreateInstance(__uuidof(SentrelApp), nullptr, CLSCTX_LOCAL_SERVER,
+                                       IID_PPV_ARGS(&m_application)));
+        long mode = 2;
+        ThrowIfFailed(m_application->CreatePopup(0, 0, &mode, &m_popup));
+        EventHandlers handlers;
+        handlers[kKilled] = [=](const DISPPARAMS&) {
+            Note(g_event);
+            if (startsTimer) SetTimer(nullptr, 0, kFrameInterval, &Tick);
+        };
+        m_events = std::make_unique<EventConnection>(m_popup.Get(), __uuidof(__Popup), std::move(handlers));
+    }
+
+private:
+    ComPtr<_SentrelApp> m_application;
+    ComPtr<_Popup> m_popup;
+    std::unique_ptr<EventConnection> m_events;
+};
+
+void Run() {
+    const ComPtr<IDispatch> control = CreateByName(L"SentrelStandin.Control");
+    const ImportPatch sound("winmm.dll", "sndPlaySoundA", &Sound);
+    const ImportPatch icon("shell32.dll", "Shell_NotifyIconA", &Icon);
+    {
+        ConfigInProcess config;
+        std::unique_ptr<EmptySink> sink;
+        const auto makeConfig = [&] { config.Make(); };
+        // The animation that runs is waited for: what it leaves must not reach the next round.
+        const auto unmakeConfig = [&] {
+            config.Unmake();
+            Settle(nullptr);
+        };
+        const auto side = [&](const char* name, double& moment, bool startsTimer) {
+            return Side{name, [] {}, [&, startsTimer] { sink = std::make_unique<EmptySink>(startsTimer); },
+                        [&] { sink.reset(); }, [&] { return TimeTo(control.Get(), moment); }};
+        };
+        Report({.what = "Closed pop-up to the first sound call",
+                .size = "one event",
+                .measured = {"`Killed` to `sndPlaySoundA`", [] {}, makeConfig, unmakeConfig,
+                             [&] { return TimeTo(control.Get(), g_sound); }},
+                .beside = side("`Killed` to an empty sink", g_event, false),
+                .rounds = 25,
+                .wantedAbove = kWantedAbove});
+        Report({.what = "Closed pop-up to the first frame of the icon",
+                .size = "one event",
+                .measured = {"`Killed` to `Shell_NotifyIconA`", [] {}, makeConfig, unmakeConfig,
+                             [&] { return TimeTo(control.Get(), g_frame); }},
+                .beside = side("`Killed` to a sink's own first tick, 250 ms later", g_tick, true),
+                .rounds = 15,
+                .wantedAbove = kWantedAbove});
+    }
+    // An engine that ends at once gives no answer.
+    ResumeNext([&] { Call(control.Get(), L"Quit"); });
+}
+
+}  // namespace
+
+int wmain() {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    try {
+        Run();
+        return 0;
+    } catch (const AutomationError& error) {
+        std::fprintf(stderr, "Automation error 0x%08lX\n", static_cast<unsigned long>(error.Code()));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    }
+    return 1;
+}

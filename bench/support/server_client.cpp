@@ -1,0 +1,47 @@
+#include "bench/support/server_client.h"
+
+#include <objbase.h>
+
+#include <stdexcept>
+
+#include "platform/automation_error.h"
+#include "platform/text.h"
+#include "tests/support/program.h"
+
+BareServerRegistration::BareServerRegistration(const BareServerIdentity& server) {
+    wchar_t id[40];
+    StringFromGUID2(server.classId, id, 40);
+    m_key = L"Software\\Classes\\CLSID\\" + std::wstring(id);
+    const std::wstring command = L'"' + ServerDirectory() + L'\\' + server.program + L'"';
+    if (RegSetKeyValueW(HKEY_LOCAL_MACHINE, (m_key + L"\\LocalServer32").c_str(), nullptr, REG_SZ,
+                        command.c_str(),
+                        static_cast<DWORD>((command.size() + 1) * sizeof(wchar_t))) != ERROR_SUCCESS) {
+        throw std::runtime_error("a bare server cannot be registered");
+    }
+}
+
+BareServerRegistration::~BareServerRegistration() {
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, m_key.c_str());
+}
+
+ServerClient::~ServerClient() {
+    if (m_control != nullptr) m_control->ReleaseConfig();
+}
+
+void ServerClient::Create() {
+    ThrowIfFailed(CoCreateInstance(m_classId, nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&m_control)));
+}
+
+void ServerClient::Activate(long showType) {
+    if (m_control == nullptr) Create();
+    m_config.Reset();
+    ThrowIfFailed(m_control->ConfigInstance(&showType, &m_config));
+}
+
+void ServerClient::End() {
+    if (m_control == nullptr) return;
+    m_control->ReleaseConfig();
+    m_config.Reset();
+    m_control.Reset();
+    if (!ProgramEnds(m_program)) throw std::runtime_error("a server does not end");
+}
