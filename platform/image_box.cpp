@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "platform/automation_error.h"
 #include "platform/guard.h"
@@ -26,6 +27,15 @@ ComPtr<IStream> StreamOver(const void* data, size_t size) {
     if (FAILED(result)) GlobalFree(memory);
     ThrowIfFailed(result);
     return stream;
+}
+
+ComPtr<IPicture> Decoded(HRSRC resource) {
+    const DWORD size = SizeofResource(nullptr, resource);
+    const ComPtr<IStream> stream = StreamOver(LockResource(LoadResource(nullptr, resource)), size);
+    ComPtr<IPicture> picture;
+    ThrowIfFailed(OleLoadPicture(stream.Get(), static_cast<LONG>(size), TRUE, IID_IPicture,
+                                 reinterpret_cast<void**>(picture.GetAddressOf())));
+    return picture;
 }
 
 SIZE PixelsOf(IPicture* picture) {
@@ -66,12 +76,8 @@ int ResourceForDpi(std::initializer_list<ImageBox::Resource> resources, int dpi)
 void ImageBox::Picture(int resourceId) {
     const HRSRC resource = FindResourceW(nullptr, MAKEINTRESOURCEW(resourceId), RT_RCDATA);
     if (resource == nullptr) ThrowLastError();
-    const DWORD size = SizeofResource(nullptr, resource);
-    const ComPtr<IStream> stream = StreamOver(LockResource(LoadResource(nullptr, resource)), size);
-    ComPtr<IPicture> picture;
-    ThrowIfFailed(OleLoadPicture(stream.Get(), static_cast<LONG>(size), TRUE, IID_IPicture,
-                                 reinterpret_cast<void**>(picture.GetAddressOf())));
-    m_picture = picture;
+    m_resource = resource;
+    m_picture.Reset();
     InvalidateRect(Hwnd(), nullptr, TRUE);
 }
 
@@ -86,13 +92,17 @@ void ImageBox::OnAttached() {
     SetWindowSubclass(Hwnd(), Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
 }
 
-void ImageBox::Draw(HDC dc) const {
+// Decoding takes a megabyte of memory and a library of its own, and few look at the picture.
+void ImageBox::Draw(HDC dc) {
     RECT box;
     GetClientRect(Hwnd(), &box);
     // What lies behind a static control is asked of its parent, which knows the page's theme.
     const LRESULT brush = SendMessageW(GetParent(Hwnd()), WM_CTLCOLORSTATIC, reinterpret_cast<WPARAM>(dc),
                                        reinterpret_cast<LPARAM>(Hwnd()));
     FillRect(dc, &box, brush != 0 ? reinterpret_cast<HBRUSH>(brush) : GetSysColorBrush(COLOR_3DFACE));
+    if (const HRSRC resource = std::exchange(m_resource, nullptr)) {
+        ResumeNext([&] { m_picture = Decoded(resource); });
+    }
     if (!m_picture) return;
 
     const RECT bounds = PictureBounds(PixelsOf(m_picture.Get()), {box.right, box.bottom});
@@ -126,13 +136,13 @@ LRESULT CALLBACK ImageBox::Procedure(HWND hwnd, UINT message, WPARAM wParam, LPA
         case WM_PAINT: {
             PAINTSTRUCT paint;
             const HDC dc = BeginPaint(hwnd, &paint);
-            Guarded([&] { reinterpret_cast<const ImageBox*>(self)->Draw(dc); });
+            Guarded([&] { reinterpret_cast<ImageBox*>(self)->Draw(dc); });
             EndPaint(hwnd, &paint);
             return 0;
         }
 
         case WM_PRINTCLIENT:
-            Guarded([&] { reinterpret_cast<const ImageBox*>(self)->Draw(reinterpret_cast<HDC>(wParam)); });
+            Guarded([&] { reinterpret_cast<ImageBox*>(self)->Draw(reinterpret_cast<HDC>(wParam)); });
             return 0;
 
         default:

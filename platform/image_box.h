@@ -22,7 +22,8 @@ public:
     // Raised when the user clicks the picture.
     Event Click;
 
-    // Loads a picture and shows it. Throws AutomationError when it cannot be loaded; the previous one stays.
+    // Shows a picture, which is decoded when it is first drawn; one that cannot be decoded is not drawn.
+    // Throws AutomationError when there is no such resource; the previous picture stays.
     void Picture(int resourceId);
 
     // The one drawn for the screen's resolution, or else for the next higher, or else for the highest.
@@ -38,8 +39,9 @@ protected:
 private:
     static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
                                       DWORD_PTR self);
-    void Draw(HDC dc) const;
+    void Draw(HDC dc);
 
+    HRSRC m_resource = nullptr;  // of a picture that is still to be decoded
     ComPtr<IPicture> m_picture;
 };
 
