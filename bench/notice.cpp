@@ -103,14 +103,14 @@ void Run() {
                 .measured = {"`Killed` to `sndPlaySoundA`", [] {}, makeConfig, unmakeConfig,
                              [&] { return TimeTo(control.Get(), g_sound); }},
                 .beside = side("`Killed` to an empty sink", g_event, false),
-                .rounds = 25,
+                .rounds = 41,
                 .wantedAbove = kWantedAbove});
         Report({.what = "Closed pop-up to the first frame of the icon",
                 .size = "one event",
                 .measured = {"`Killed` to `Shell_NotifyIconA`", [] {}, makeConfig, unmakeConfig,
                              [&] { return TimeTo(control.Get(), g_frame); }},
                 .beside = side("`Killed` to a sink's own first tick, 250 ms later", g_tick, true),
-                .rounds = 15,
+                .rounds = 31,
                 .wantedAbove = kWantedAbove});
     }
     // An engine that ends at once gives no answer.

@@ -1,5 +1,5 @@
-// The registry calls of a first run, a load and a save of all settings, made directly: the same calls in the same order as
-// the store's rules ask for, and nothing else.
+// The registry calls of a first run, a load and a save of all settings, made directly: the same calls in the
+// same order as the store's rules ask for, and nothing else.
 #pragma once
 
 #include <windows.h>

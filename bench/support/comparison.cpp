@@ -53,8 +53,10 @@ std::string Verdict(bool isReached) {
 std::vector<Times> Measure(const Comparison& comparison) {
     const auto measured = [&] { return TimeOf(comparison.measured, comparison.repeats); };
     const auto beside = [&] { return TimeOf(comparison.beside, comparison.repeats); };
-    measured();
-    beside();
+    for (int round = 0; round < comparison.warmUps; ++round) {
+        measured();
+        beside();
+    }
     std::vector<Times> rounds;
     for (int round = 0; round < comparison.rounds; ++round) {
         Times times{};

@@ -22,6 +22,7 @@ struct Comparison {
     int rounds = 15;
     double wanted = 0;  // the highest median ratio that is accepted; 0 where none is set
     int repeats = 1;    // runs within one timing, for work that is too short for the clock
+    int warmUps = 1;    // rounds before, which are not counted
     // The highest median difference that is accepted, in milliseconds, in place of a ratio; 0 where none is
     // set.
     double wantedAbove = 0;
@@ -33,7 +34,7 @@ struct Times {
     double beside;
 };
 
-// Runs both sides once without timing them, then by turns, each round in the other order than the one before.
+// Runs both sides to warm up, then by turns, each round in the other order than the one before.
 std::vector<Times> Measure(const Comparison& comparison);
 
 // A row of the table: medians of the times, and minimum, median and maximum of the rounds' ratios. It goes to

@@ -68,7 +68,8 @@ ProcessFigures KernelFigures(const std::wstring& process) {
     const std::string memory = Contents(process + L"smaps_rollup");
     figures.memory = Field(memory, "Private_Clean:") + Field(memory, "Private_Dirty:");
     for (const std::wstring& task : NumbersIn(process + L"task\\"))
-        figures.wakeUps += Field(Contents(process + L"task\\" + task + L"\\status"), "voluntary_ctxt_switches:");
+        figures.wakeUps[task] =
+            Field(Contents(process + L"task\\" + task + L"\\status"), "voluntary_ctxt_switches:");
     return figures;
 }
 
@@ -84,10 +85,22 @@ ProcessFigures WindowsFigures(const wchar_t* program) {
     const auto milliseconds = [](const FILETIME& time) {
         return (static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) / 10000;
     };
-    return {milliseconds(system) + milliseconds(user), 0, memory.PrivateUsage / 1024};
+    return {milliseconds(system) + milliseconds(user), memory.PrivateUsage / 1024, {}};
 }
 
 }  // namespace
+
+std::uint64_t WakeUpsBetween(const ProcessFigures& before, const ProcessFigures& after) {
+    std::uint64_t sum = 0;
+    for (const auto& [thread, count] : after.wakeUps) {
+        const auto earlier = before.wakeUps.find(thread);
+        sum += earlier == before.wakeUps.end() ? count : count - earlier->second;
+    }
+    for (const auto& [thread, count] : before.wakeUps) {
+        if (!after.wakeUps.contains(thread)) ++sum;
+    }
+    return sum;
+}
 
 ProcessFigures FiguresOf(const wchar_t* folder, const wchar_t* program) {
     const std::vector<std::wstring> all = NumbersIn(kProcessFiles);

@@ -4,12 +4,17 @@
 #include <windows.h>
 
 #include <cstdint>
+#include <map>
+#include <string>
 
 struct ProcessFigures {
-    std::uint64_t cpu = 0;      // milliseconds, user and system
-    std::uint64_t wakeUps = 0;  // how often a thread of it went on after a wait
-    std::uint64_t memory = 0;   // KB that are its own
+    std::uint64_t cpu = 0;                          // milliseconds, user and system
+    std::uint64_t memory = 0;                       // KB that are its own
+    std::map<std::wstring, std::uint64_t> wakeUps;  // how often each thread went on after a wait
 };
+
+// How often threads went on after a wait between two moments; the end of a thread counts as one.
+std::uint64_t WakeUpsBetween(const ProcessFigures& before, const ProcessFigures& after);
 
 // Of the one process that runs this program, which lies in folder (without a trailing separator). Under Wine
 // they are the kernel's own, from its process files; elsewhere Windows tells them, but not the wake-ups.

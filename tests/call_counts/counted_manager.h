@@ -11,6 +11,7 @@
 #include "tests/engine_control/fake_engine.h"
 #include "tests/entry/inside.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
 #include "tests/tray_icon/shell_calls.h"
 
@@ -70,11 +71,11 @@ struct CountedManager {
 
 // What the registry is asked, as a number of readings, writings and deletions.
 struct StoreWork {
-    int read = 0;           // values that are there
-    int missing = 0;        // values that are not, in keys that are there
-    int missingKeys = 0;    // values of keys that are not there
+    int read = 0;         // values that are there
+    int missing = 0;      // values that are not, in keys that are there
+    int missingKeys = 0;  // values of keys that are not there
     int written = 0;
-    int deleted = 0;        // whether they were there or not, in keys that are there
+    int deleted = 0;  // whether they were there or not, in keys that are there
 
     // A reading opens the key, asks for the size, the class and the data, and closes the key and its root; a
     // value that is not there leaves its key open. A writing creates or opens the key and sets the value. A

@@ -64,7 +64,8 @@ TEST_CASE_FIXTURE(CountedManager, "a shown manager gets no message and calls not
     CheckIdle(*this);
 }
 
-TEST_CASE_FIXTURE(CountedManager, "a notice and a tray command keep the manager busy, and leave it idle again") {
+TEST_CASE_FIXTURE(CountedManager,
+                  "a notice and a tray command keep the manager busy, and leave it idle again") {
     Start();
     WaitForQuiet();
     counter.Count([&] {

@@ -10,14 +10,36 @@ namespace {
 // inc dword [counter]; jmp dword [original]
 constexpr size_t kThunkSize = 12;
 
-constexpr std::array kFileFunctions{
-    "CloseHandle",      "CopyFileW",      "CreateDirectoryW", "CreateFileA",          "CreateFileMappingW",
-    "CreateFileW",      "DeleteFileA",    "DeleteFileW",      "FindFirstFileA",       "FindFirstFileW",
-    "FlushFileBuffers", "GetFileSize",    "GetFileSizeEx",    "GetFileAttributesA",   "GetFileAttributesExW",
-    "GetFileType",      "LockFile",       "LockFileEx",       "GetFileAttributesW",   "MoveFileExW",
-    "MoveFileW",        "MapViewOfFile",  "ReadFile",         "SetEndOfFile",         "SetFilePointer",
-    "SetFilePointerEx", "SetFileTime",    "UnlockFile",       "SetFileInformationByHandle",
-    "WriteFile"};
+constexpr std::array kFileFunctions{"CloseHandle",
+                                    "CopyFileW",
+                                    "CreateDirectoryW",
+                                    "CreateFileA",
+                                    "CreateFileMappingW",
+                                    "CreateFileW",
+                                    "DeleteFileA",
+                                    "DeleteFileW",
+                                    "FindFirstFileA",
+                                    "FindFirstFileW",
+                                    "FlushFileBuffers",
+                                    "GetFileSize",
+                                    "GetFileSizeEx",
+                                    "GetFileAttributesA",
+                                    "GetFileAttributesExW",
+                                    "GetFileType",
+                                    "LockFile",
+                                    "LockFileEx",
+                                    "GetFileAttributesW",
+                                    "MoveFileExW",
+                                    "MoveFileW",
+                                    "MapViewOfFile",
+                                    "ReadFile",
+                                    "SetEndOfFile",
+                                    "SetFilePointer",
+                                    "SetFilePointerEx",
+                                    "SetFileTime",
+                                    "UnlockFile",
+                                    "SetFileInformationByHandle",
+                                    "WriteFile"};
 
 constexpr std::array kTimerFunctions{"SetTimer", "KillTimer", "timeSetEvent", "CreateWaitableTimerW",
                                      "CreateTimerQueueTimer"};

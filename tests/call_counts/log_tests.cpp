@@ -23,7 +23,8 @@ void CheckRefresh(CountedManager& manager, const std::string& bytes, int blocks)
 
 }  // namespace
 
-TEST_CASE_FIXTURE(CountedManager, "a refresh opens the log once and reads its last block, however long it is") {
+TEST_CASE_FIXTURE(CountedManager,
+                  "a refresh opens the log once and reads its last block, however long it is") {
     Start();
     CheckRefresh(*this, "", 0);
     CheckRefresh(*this, "A", 1);
@@ -32,7 +33,8 @@ TEST_CASE_FIXTURE(CountedManager, "a refresh opens the log once and reads its la
     CheckRefresh(*this, DistinctLines(100000), 1);
 }
 
-TEST_CASE_FIXTURE(CountedManager, "a refresh of a log with fewer than 25 different lines reads each block once") {
+TEST_CASE_FIXTURE(CountedManager,
+                  "a refresh of a log with fewer than 25 different lines reads each block once") {
     Start();
     constexpr size_t kBlocks = 5;
     std::string bytes;

@@ -62,14 +62,13 @@ TEST_CASE_FIXTURE(CountedManager,
     counter.Count([&] { config = inside.Instance(FormHide); });
     // The Settings key is not there at first, the Exclude key not even after the defaults have been written;
     // the other two lists are read to their ends.
-    CHECK(counter.Registry() == StoreWork{.read = kOptions + 4 * kBannerFields + 6 * kSearchFields +
-                                                  kOtherSettings,
-                                          .missing = 2,
-                                          .missingKeys = 2,
-                                          .written = kDefaults}
-                                    .Calls());
-    CHECK(engine.script.calls ==
-          EngineCalls{"CreateInstance", "CreatePopup", "Advise", "State", "LogFile"});
+    CHECK(counter.Registry() ==
+          StoreWork{.read = kOptions + 4 * kBannerFields + 6 * kSearchFields + kOtherSettings,
+                    .missing = 2,
+                    .missingKeys = 2,
+                    .written = kDefaults}
+              .Calls());
+    CHECK(engine.script.calls == EngineCalls{"CreateInstance", "CreatePopup", "Advise", "State", "LogFile"});
     CHECK(counter.Files() == ReadingOf(0));
     CHECK(shell.Actions() == std::vector<DWORD>{NIM_ADD});
     CHECK(counter.Shell() == CallCounts{{"Shell_NotifyIconA", 1}});
@@ -85,10 +84,10 @@ TEST_CASE_FIXTURE(CountedManager, "a later start asks for the mark and reads eac
     Forget();
     StoreLists(inside.user, {3, 2, 1});
     counter.Count([&] { config = inside.Instance(FormHide); });
-    CHECK(counter.Registry() ==
-          StoreWork{.read = 1 + kOptions + ValuesOf({3, 2, 1}) + kOtherSettings, .missing = kListEnds}.Calls());
-    CHECK(engine.script.calls ==
-          EngineCalls{"CreateInstance", "CreatePopup", "Advise", "State", "LogFile"});
+    CHECK(
+        counter.Registry() ==
+        StoreWork{.read = 1 + kOptions + ValuesOf({3, 2, 1}) + kOtherSettings, .missing = kListEnds}.Calls());
+    CHECK(engine.script.calls == EngineCalls{"CreateInstance", "CreatePopup", "Advise", "State", "LogFile"});
     CHECK(counter.Files() == ReadingOf(0));
     CHECK(counter.Shell() == CallCounts{{"Shell_NotifyIconA", 1}});
     CHECK(counter.Timers().empty());
@@ -121,7 +120,8 @@ TEST_CASE_FIXTURE(CountedManager, "Cancel reads each setting once, and the log")
     }
 }
 
-TEST_CASE_FIXTURE(CountedManager, "Apply deletes each list and writes each setting once, and tells the engine") {
+TEST_CASE_FIXTURE(CountedManager,
+                  "Apply deletes each list and writes each setting once, and tells the engine") {
     Start();
     for (const Lengths& shown : kLengths) {
         for (const Lengths& stored : kLengths) {
@@ -152,7 +152,8 @@ TEST_CASE_FIXTURE(CountedManager, "OK makes the same calls of the store as Apply
     CHECK(counter.Timers().empty());
 }
 
-TEST_CASE_FIXTURE(CountedManager, "a startup mode that changed is written with the next Apply, and only then") {
+TEST_CASE_FIXTURE(CountedManager,
+                  "a startup mode that changed is written with the next Apply, and only then") {
     const TestHive machine(HKEY_LOCAL_MACHINE);
     machine.Write(Schema::kRunKey, L"kept", L"");
     Start();

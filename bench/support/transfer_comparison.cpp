@@ -1,0 +1,162 @@
+#include "bench/support/transfer_comparison.h"
+
+#include <windows.h>
+#include <commctrl.h>
+#include <objbase.h>
+
+#include <cstdio>
+#include <exception>
+#include <stdexcept>
+#include <string>
+
+#include "app/config_controls.h"
+#include "bench/support/bare_store.h"
+#include "bench/support/call_count.h"
+#include "bench/support/comparison.h"
+#include "lists/banner_sizes.h"
+#include "options/settings_transfer.h"
+#include "platform/automation_error.h"
+#include "store/settings_schema.h"
+#include "tests/support/test_hive.h"
+#include "tests/support/test_window.h"
+
+namespace {
+
+// The controls of the configuration window and what moves settings into and out of them.
+struct ConfigWindow {
+    ConfigWindow() { controls.Design(); }
+
+    TestHive machine{HKEY_LOCAL_MACHINE};
+    TestHive user{HKEY_CURRENT_USER};
+    ConfigControls controls;
+    TestWindow window{{controls.All().begin(), controls.All().end()}};
+    std::wstring loaderPath = L"C:\\Calvane\\CalvaneConfigLoader.exe";
+    ChangeMark changeMark{controls.cmdApply};
+    Event markChanged = [this] { changeMark.MarkChanged(); };
+    PopupNotice popupNotice{controls.chkPlaySound, controls.chkBeep, controls.cmdSoundFile,
+                            controls.cmdTestSound, markChanged};
+    GeneralOptions generalOptions{controls.optStartup,  controls.optLoadWithKiller, controls.optLoadFromMenu,
+                                  controls.cboPauseKey, controls.udbSpeed,          controls.udbPause,
+                                  controls.lblNavSite,  controls.imgLogo,           loaderPath,
+                                  markChanged};
+    ClosedLog closedLog{controls.lstClosedWnd,
+                        controls.cmdRefreshLog,
+                        controls.cmdAddTo,
+                        controls.cmdClearList,
+                        controls.lstExclude,
+                        []() -> std::wstring { RaiseError(ErrorNumber::ObjectNotSet); },
+                        markChanged};
+    SettingsTransfer transfer{controls.All(), changeMark, popupNotice,
+                              generalOptions, closedLog,  controls.cboPauseKey};
+};
+
+void WriteStore(const TestHive& user, const Lengths& lengths) {
+    for (const wchar_t* const key :
+         {Schema::kSettingsKey, Schema::kExcludeKey, Schema::kBannersKey, Schema::kSearchKey})
+        user.DeleteTree(key);
+    for (const Schema::Setting& setting : Schema::kOptionDefaults)
+        user.Write(Schema::kSettingsKey, setting.name, setting.text);
+    for (const Schema::Setting& setting : Schema::kClosingDefaults)
+        user.Write(Schema::kSettingsKey, setting.name, setting.text);
+    for (int n = 0; n < lengths.exclude; ++n)
+        user.Write(Schema::kExcludeKey, std::to_wstring(n),
+                   L"http://site" + std::to_wstring(n) + L".example");
+    for (int n = 1; n <= lengths.banners; ++n) {
+        const std::wstring number = std::to_wstring(n);
+        user.Write(Schema::kBannersKey, number + Schema::kName, L"User Banner " + number);
+        user.Write(Schema::kBannersKey, number + Schema::kWidth, number);
+        user.Write(Schema::kBannersKey, number + Schema::kHeight, L"60");
+        user.Write(Schema::kBannersKey, number + Schema::kUse, n % 2 == 0 ? L"True" : L"False");
+    }
+}
+
+// The rows put into the lists without the store, as a load puts them there.
+void FillLists(ConfigWindow& config, const Lengths& lengths) {
+    ListBox& exclude = config.controls.lstExclude;
+    ListView& banners = config.controls.lvwBanners;
+    {
+        const RedrawPause pause(exclude);
+        exclude.Clear();
+        for (int n = 0; n < lengths.exclude; ++n)
+            exclude.AddItem(L"http://site12345.example");
+    }
+    SetupBannerColumns(banners);
+    const RedrawPause pause(banners);
+    for (int n = 1; n <= lengths.banners; ++n) {
+        const int position = banners.Add(n, L"User Banner 12345");
+        banners.SubItem(position, 1, L"468");
+        banners.SubItem(position, 2, L"60");
+        banners.Checked(position, n % 2 == 0);
+    }
+}
+
+void Expect(bool isTrue, const char* what) {
+    if (!isTrue) throw std::runtime_error(what);
+}
+
+void CompareAt(const Lengths& lengths) {
+    ConfigWindow config;
+    WriteStore(config.user, lengths);
+    BareStore bare;
+    // What the bare calls write is what they read, so that both sides leave the same store.
+    const StoredValues values = bare.Load();
+    Expect(static_cast<int>(values.exclude.size()) == lengths.exclude, "the bare calls miss rows");
+    Expect(static_cast<int>(values.banners.size()) == lengths.banners, "the bare calls miss banners");
+
+    const CallCount calls;
+    config.transfer.LoadSettings();
+    const size_t loadCalls = calls.Count();
+    bare.Load();
+    Expect(calls.Count() == 2 * loadCalls, "the bare load makes other calls than the transfer");
+    config.transfer.SaveSettings();
+    const size_t saveCalls = calls.Count() - 2 * loadCalls;
+    bare.Save(values);
+    Expect(calls.Count() == 2 * (loadCalls + saveCalls), "the bare save makes other calls than the transfer");
+    calls.Stop();
+
+    Report({.what = "Loading the settings",
+            .size = lengths.name,
+            .measured = {"`LoadSettings`", [&] { config.transfer.LoadSettings(); }},
+            .beside = {"its registry calls alone (" + std::to_string(loadCalls) + ")", [&] { bare.Load(); }},
+            .rounds = lengths.rounds,
+            .wanted = lengths.wanted,
+            .repeats = lengths.repeats,
+            .warmUps = lengths.rounds > 1 ? 1 : 0});
+    if (lengths.wanted > 0) {
+        Report(
+            {.what = "Loading the settings",
+             .size = lengths.name,
+             .measured = {"of that, the lists' own messages", [&] { FillLists(config, lengths); }},
+             .beside = {"its registry calls alone (" + std::to_string(loadCalls) + ")", [&] { bare.Load(); }},
+             .rounds = lengths.rounds});
+        config.transfer.LoadSettings();
+    }
+    Expect(config.controls.lstExclude.ListCount() == lengths.exclude, "rows are missing");
+    Expect(config.controls.lvwBanners.Count() == lengths.banners, "banners are missing");
+    Report({.what = "Saving the settings",
+            .size = lengths.name,
+            .measured = {"`SaveSettings`", [&] { config.transfer.SaveSettings(); }},
+            .beside = {"its registry calls alone (" + std::to_string(saveCalls) + ")",
+                       [&] { bare.Save(values); }},
+            .rounds = lengths.rounds,
+            .wanted = lengths.wanted,
+            .repeats = lengths.repeats,
+            .warmUps = lengths.rounds > 1 ? 1 : 0});
+}
+
+}  // namespace
+
+int CompareTransfers(std::span<const Lengths> all) {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    const INITCOMMONCONTROLSEX classes{
+        sizeof(classes), ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES | ICC_LINK_CLASS | ICC_LISTVIEW_CLASSES};
+    InitCommonControlsEx(&classes);
+    try {
+        for (const Lengths& lengths : all)
+            CompareAt(lengths);
+        return 0;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+        return 1;
+    }
+}
