@@ -70,7 +70,7 @@ short ClosedLog::FindClosedEntry(const std::wstring& text) const {
     std::wstring row;
     for (int i = 0; i < count; ++i) {
         if (m_lstClosedWnd.Length(i) != text.size()) continue;
-        m_lstClosedWnd.List(i, row);
+        m_lstClosedWnd.List(i, text.size(), row);
         if (row == text) return static_cast<short>(i);
     }
     return -1;

@@ -9,7 +9,7 @@ bool IsInList(const std::wstring& text, const ListBox& list) {
     for (int i = 0; i < count; ++i) {
         // Upper case keeps the length.
         if (list.Length(i) != upperText.size()) continue;
-        list.List(i, row);
+        list.List(i, upperText.size(), row);
         MakeUpperCase(row);
         if (row == upperText) return true;
     }

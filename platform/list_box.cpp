@@ -4,12 +4,12 @@
 
 std::wstring ListBox::List(int row) const {
     std::wstring text;
-    List(row, text);
+    List(row, Length(row), text);
     return text;
 }
 
-void ListBox::List(int row, std::wstring& text) const {
-    text.resize(Length(row));
+void ListBox::List(int row, size_t length, std::wstring& text) const {
+    text.resize(length);
     Send(LB_GETTEXT, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.data()));
 }
 

@@ -14,10 +14,12 @@ public:
     int ListCount() const noexcept { return static_cast<int>(Send(LB_GETCOUNT)); }
 
     // The text of a row and its length in characters. Each throws AutomationError (5) for a row that does not
-    // exist; text, whose memory is used again, is untouched then.
+    // exist.
     std::wstring List(int row) const;
-    void List(int row, std::wstring& text) const;
     size_t Length(int row) const;
+
+    // For many rows: length is what Length has just answered for the row; the memory of text is used again.
+    void List(int row, size_t length, std::wstring& text) const;
 
     // Throws AutomationError (5) when the row cannot be added.
     void AddItem(const std::wstring& text) { AddItem(text, -1); }

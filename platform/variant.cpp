@@ -10,13 +10,18 @@
 
 namespace {
 
-// The conversions start from a VARIANT of any kind, so each goes through VariantChangeTypeEx.
-// VARIANT_ALPHABOOL spells a Boolean "True" or "False" instead of "-1" and "0".
+// The conversions start from a VARIANT of any kind, so each but that of text to text goes through
+// VariantChangeTypeEx. VARIANT_ALPHABOOL spells a Boolean "True" or "False" instead of "-1" and "0".
 Variant Converted(const VARIANT& value, VARTYPE type) {
     Variant result;
     ThrowIfFailed(VariantChangeTypeEx(result.Receive(), const_cast<VARIANT*>(&value), LOCALE_USER_DEFAULT,
                                       VARIANT_ALPHABOOL, type));
     return result;
+}
+
+// The empty text may be no object at all.
+std::wstring TextIn(BSTR text) {
+    return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
 }
 
 }  // namespace
@@ -77,9 +82,8 @@ VARIANT Variant::Detach() noexcept {
 }
 
 std::wstring ToText(const VARIANT& value) {
-    const Variant text = Converted(value, VT_BSTR);
-    const BSTR bstr = text.Value().bstrVal;
-    return bstr == nullptr ? std::wstring() : std::wstring(bstr, SysStringLen(bstr));
+    if (value.vt == VT_BSTR) return TextIn(value.bstrVal);
+    return TextIn(Converted(value, VT_BSTR).Value().bstrVal);
 }
 
 long ToLong(const VARIANT& value) {
