@@ -3,8 +3,8 @@
 
 namespace {
 
-constexpr Lengths kLengths[] = {{"empty lists", 0, 0, 0, 15, 10, 0},
-                                {"100 exclude rows", 100, 0, 0, 15, 2, 0},
+constexpr Lengths kLengths[] = {{"empty lists", 0, 0, 0, 15, 10, 1.15},
+                                {"100 exclude rows", 100, 0, 0, 15, 2, 1.15},
                                 {"1,000 exclude rows", 1000, 0, 0, 9, 1, 1.15},
                                 {"10,000 exclude rows", 10000, 0, 0, 5, 1, 1.15},
                                 {"1,000 banner rows", 0, 1000, 0, 9, 1, 1.15}};

@@ -22,6 +22,8 @@
 
 namespace {
 
+constexpr int kManyRows = 1000;
+
 // The controls of the configuration window and what moves settings into and out of them.
 struct ConfigWindow {
     ConfigWindow() { controls.Design(); }
@@ -122,7 +124,7 @@ void CompareAt(const Lengths& lengths) {
             .wanted = lengths.wanted,
             .repeats = lengths.repeats,
             .warmUps = lengths.rounds > 1 ? 1 : 0});
-    if (lengths.wanted > 0) {
+    if (lengths.exclude + lengths.banners >= kManyRows) {
         Report(
             {.what = "Loading the settings",
              .size = lengths.name,

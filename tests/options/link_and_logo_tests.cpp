@@ -1,4 +1,5 @@
 #include <windows.h>
+#include <olectl.h>
 #include <shellapi.h>
 
 #include <optional>
@@ -40,6 +41,27 @@ public:
 
 private:
     ImportPatch m_patch{"shell32.dll", "ShellExecuteA", &FakeShellExecute};
+};
+
+// Decodes pictures, or refuses to, and counts how often that was asked for.
+struct Decoder {
+    Decoder() { s_current = this; }
+    Decoder(const Decoder&) = delete;
+    Decoder& operator=(const Decoder&) = delete;
+    ~Decoder() { s_current = nullptr; }
+
+    static HRESULT WINAPI Load(LPSTREAM stream, LONG size, BOOL runMode, REFIID id, LPVOID* picture) {
+        ++s_current->count;
+        if (s_current->refuses) return CTL_E_INVALIDPICTURE;
+        return s_current->m_patch.Original<decltype(&OleLoadPicture)>()(stream, size, runMode, id, picture);
+    }
+
+    int count = 0;
+    bool refuses = false;
+
+private:
+    static inline Decoder* s_current = nullptr;
+    ImportPatch m_patch{"oleaut32.dll", "OleLoadPicture", &Load};
 };
 
 constexpr wchar_t kAddress[] = L"http://www.calvane.example/";
@@ -307,7 +329,32 @@ TEST_CASE("a logo of another size is scaled to fill the control in its proportio
     CHECK(std::abs((quarter.left + quarter.right) / 2 - 50) <= 2);
 }
 
-TEST_CASE("a picture that cannot be loaded is an error and leaves the one before it") {
+TEST_CASE("a picture is decoded once, and not before it is drawn") {
+    SettingsWindow page;
+    Resize(page.imgLogo, 96, 96);
+    const Decoder decoder;
+    page.imgLogo.Picture(IDG_LOGO_192);
+    page.imgLogo.Picture(IDG_LOGO_96);
+    CHECK(decoder.count == 0);
+    const COLORREF middle = Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48);
+    CHECK(decoder.count == 1);
+    CHECK(Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48) == middle);
+    CHECK(decoder.count == 1);
+    CHECK(middle != GetSysColor(COLOR_3DFACE));
+}
+
+TEST_CASE("a picture that cannot be decoded leaves the background, and is not tried again") {
+    SettingsWindow page;
+    Resize(page.imgLogo, 96, 96);
+    Decoder decoder;
+    decoder.refuses = true;
+    page.imgLogo.Picture(IDG_LOGO_96);
+    for (int drawings = 0; drawings < 3; ++drawings)
+        CHECK(Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48) == GetSysColor(COLOR_3DFACE));
+    CHECK(decoder.count == 1);
+}
+
+TEST_CASE("a picture that is not there is an error and leaves the one before it") {
     SettingsWindow page;
     Resize(page.imgLogo, 96, 96);
     page.imgLogo.Picture(IDG_LOGO_96);
