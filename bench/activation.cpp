@@ -11,7 +11,6 @@
 #include "platform/automation_error.h"
 #include "store/settings_schema.h"
 #include "tests/support/automation.h"
-#include "tests/support/program.h"
 
 namespace {
 
@@ -105,10 +104,9 @@ void Run() {
     const BareServerRegistration emptyServer(kEmptyServer);
     const BareServerRegistration dialogServer(kDialogServer);
     CompareWithEngine();
-    RunProgram(L"SentrelStandin.exe", L"/UnregServer");
+    const NoEngineRegistered noEngine;
     Compare("first run", [] {});
     Compare("full settings", FullStore);
-    RunProgram(L"SentrelStandin.exe", L"/RegServer");
     EmptyStore();
 }
 

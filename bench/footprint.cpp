@@ -15,7 +15,6 @@
 #include "platform/text.h"
 #include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
-#include "tests/support/program.h"
 
 namespace {
 
@@ -127,9 +126,8 @@ void Run() {
     const BareServerRegistration dialogServer(kDialogServer);
     Servers servers;
     CompareIdleness(servers);
-    RunProgram(L"SentrelStandin.exe", L"/UnregServer");
+    const NoEngineRegistered noEngine;
     CompareMemory(servers);
-    RunProgram(L"SentrelStandin.exe", L"/RegServer");
     ReportSize(servers.ManagerPath());
 }
 

@@ -16,8 +16,9 @@ std::string Folder() {
     return program.substr(0, program.find_last_of('\\'));
 }
 
-void CALLBACK Quit(HWND, UINT, UINT_PTR, DWORD) {
-    PostQuitMessage(0);
+// As the manager ends: at once, but not before the caller has its answer.
+void CALLBACK End(HWND, UINT, UINT_PTR, DWORD) {
+    ExitProcess(0);
 }
 
 // Class object, ConfigControl and Config in one. Its vtable calls come through the type library's proxies.
@@ -64,7 +65,7 @@ public:
     STDMETHODIMP ReleaseConfig() override {
         CoSuspendClassObjects();
         DestroyWindow(m_window);
-        SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &Quit);
+        SetTimer(nullptr, 0, USER_TIMER_MINIMUM, &End);
         return S_OK;
     }
 
@@ -86,7 +87,5 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR, int) {
         TranslateMessage(&message);
         DispatchMessageW(&message);
     }
-    CoRevokeClassObject(cookie);
-    CoUninitialize();
     return 0;
 }

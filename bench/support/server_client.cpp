@@ -8,6 +8,13 @@
 #include "platform/text.h"
 #include "tests/support/program.h"
 
+namespace {
+
+// A busy machine may keep a process long.
+constexpr DWORD kEndMilliseconds = 60000;
+
+}  // namespace
+
 BareServerRegistration::BareServerRegistration(const BareServerIdentity& server) {
     wchar_t id[40];
     StringFromGUID2(server.classId, id, 40);
@@ -22,6 +29,14 @@ BareServerRegistration::BareServerRegistration(const BareServerIdentity& server)
 
 BareServerRegistration::~BareServerRegistration() {
     RegDeleteTreeW(HKEY_LOCAL_MACHINE, m_key.c_str());
+}
+
+NoEngineRegistered::NoEngineRegistered() {
+    RunProgram(L"SentrelStandin.exe", L"/UnregServer");
+}
+
+NoEngineRegistered::~NoEngineRegistered() {
+    RunProgram(L"SentrelStandin.exe", L"/RegServer");
 }
 
 ServerClient::~ServerClient() {
@@ -43,5 +58,7 @@ void ServerClient::End() {
     m_control->ReleaseConfig();
     m_config.Reset();
     m_control.Reset();
-    if (!ProgramEnds(m_program)) throw std::runtime_error("a server does not end");
+    if (!ProgramEnds(m_program, kEndMilliseconds)) {
+        throw std::runtime_error("does not end: " + ToAnsi(m_program));
+    }
 }

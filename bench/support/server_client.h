@@ -21,6 +21,15 @@ private:
     std::wstring m_key;
 };
 
+// Takes the stand-in engine out of the registry for as long as it exists.
+class NoEngineRegistered {
+public:
+    NoEngineRegistered();
+    NoEngineRegistered(const NoEngineRegistered&) = delete;
+    NoEngineRegistered& operator=(const NoEngineRegistered&) = delete;
+    ~NoEngineRegistered();
+};
+
 class ServerClient {
 public:
     ServerClient(const CLSID& classId, const wchar_t* program) : m_classId(classId), m_program(program) {}
