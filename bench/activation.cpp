@@ -10,7 +10,6 @@
 #include "bench/support/server_client.h"
 #include "platform/automation_error.h"
 #include "store/settings_schema.h"
-#include "tests/support/automation.h"
 
 namespace {
 
@@ -87,7 +86,7 @@ void Compare(const char* size, const std::function<void()>& fillStore) {
 
 // The engine runs already: what the manager asks of it at its start.
 void CompareWithEngine() {
-    const ComPtr<IDispatch> control = CreateByName(L"SentrelStandin.Control");
+    const ComPtr<IDispatch> control = StartEngine();
     ServerClient manager;
     ServerClient empty(kEmptyServer);
     Report({.what = "Activation",
@@ -96,8 +95,7 @@ void CompareWithEngine() {
             .beside = Start(Part::Whole, "a bare server with an empty window, which asks no engine", empty,
                             FullStore),
             .rounds = kRounds});
-    // An engine that ends at once gives no answer.
-    ResumeNext([&] { Call(control.Get(), L"Quit"); });
+    EndEngine(control.Get());
 }
 
 void Run() {

@@ -13,7 +13,6 @@
 #include "bench/support/server_client.h"
 #include "platform/automation_error.h"
 #include "platform/text.h"
-#include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
 
 namespace {
@@ -100,7 +99,7 @@ void CompareMemory(Servers& servers) {
 // Connected to an engine that runs. What the making of the window leaves to be done by other threads of COM
 // is done within half a minute.
 void CompareIdleness(Servers& servers) {
-    const ComPtr<IDispatch> control = CreateByName(L"SentrelStandin.Control");
+    const ComPtr<IDispatch> control = StartEngine();
     for (const auto& [size, showType] : kLooks) {
         servers.Activate(showType, kRestMilliseconds);
         const Figures before = servers.Now();
@@ -108,8 +107,7 @@ void CompareIdleness(Servers& servers) {
         ReportIdle(size, before, servers.Now());
     }
     servers.End();
-    // An engine that ends at once gives no answer.
-    ResumeNext([&] { Call(control.Get(), L"Quit"); });
+    EndEngine(control.Get());
 }
 
 void ReportSize(const std::wstring& path) {

@@ -7,14 +7,18 @@
 
 #include <cstdio>
 #include <exception>
+#include <functional>
 #include <memory>
 #include <stdexcept>
+#include <vector>
 
 #include "bench/support/comparison.h"
 #include "bench/support/config_in_process.h"
+#include "bench/support/server_client.h"
 #include "platform/automation_error.h"
 #include "platform/event_connection.h"
 #include "sentrel1.h"
+#include "tests/engine_control/fake_engine.h"
 #include "tests/support/automation.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/message_pump.h"
@@ -50,11 +54,15 @@ void CALLBACK Tick(HWND, UINT, UINT_PTR timer, DWORD) {
     Note(g_tick);
 }
 
+const std::vector<Variant> kArguments{4711L, L"http://ads.example.com/popup.html"};
+
+using Raiser = std::function<void()>;
+
 // Raises the event and answers how long after that the moment came.
-double TimeTo(IDispatch* control, double& moment) {
+double TimeTo(const Raiser& raise, double& moment) {
     g_sound = g_frame = g_event = g_tick = 0;
     const double start = Milliseconds();
-    Call(control, L"RaiseKilled", {4711L, L"http://ads.example.com/popup.html"});
+    raise();
     if (!PumpUntil([&] { return moment != 0; })) throw std::runtime_error("the event had no effect");
     return moment - start;
 }
@@ -81,40 +89,45 @@ private:
     std::unique_ptr<EventConnection> m_events;
 };
 
+// measuredMoment, besideMoment: when the manager's window and the empty sink did what is waited for.
+void Compare(const char* what, const char* size, const Raiser& raise, const char* measured,
+             double& measuredMoment, const char* beside, double& besideMoment, int rounds) {
+    ConfigInProcess config;
+    std::unique_ptr<EmptySink> sink;
+    const bool startsTimer = &besideMoment == &g_tick;
+    Report({.what = what,
+            .size = size,
+            .measured = {measured, [] {}, [&] { config.Make(); },
+                         [&] {
+                             config.Unmake();
+                             Settle(nullptr);
+                         },
+                         [&] { return TimeTo(raise, measuredMoment); }},
+            .beside = {beside, [] {}, [&] { sink = std::make_unique<EmptySink>(startsTimer); },
+                       [&] { sink.reset(); }, [&] { return TimeTo(raise, besideMoment); }},
+            .rounds = rounds,
+            .wantedAbove = kWantedAbove});
+}
+
 void Run() {
-    const ComPtr<IDispatch> control = CreateByName(L"SentrelStandin.Control");
     const ImportPatch sound("winmm.dll", "sndPlaySoundA", &Sound);
     const ImportPatch icon("shell32.dll", "Shell_NotifyIconA", &Icon);
+    const char* const toSound = "`Killed` to `sndPlaySoundA`";
+    const char* const toSink = "`Killed` to an empty sink";
+    const char* const soundCall = "Closed pop-up to the first sound call";
     {
-        ConfigInProcess config;
-        std::unique_ptr<EmptySink> sink;
-        const auto makeConfig = [&] { config.Make(); };
-        // The animation that runs is waited for: what it leaves must not reach the next round.
-        const auto unmakeConfig = [&] {
-            config.Unmake();
-            Settle(nullptr);
-        };
-        const auto side = [&](const char* name, double& moment, bool startsTimer) {
-            return Side{name, [] {}, [&, startsTimer] { sink = std::make_unique<EmptySink>(startsTimer); },
-                        [&] { sink.reset(); }, [&] { return TimeTo(control.Get(), moment); }};
-        };
-        Report({.what = "Closed pop-up to the first sound call",
-                .size = "one event",
-                .measured = {"`Killed` to `sndPlaySoundA`", [] {}, makeConfig, unmakeConfig,
-                             [&] { return TimeTo(control.Get(), g_sound); }},
-                .beside = side("`Killed` to an empty sink", g_event, false),
-                .rounds = 41,
-                .wantedAbove = kWantedAbove});
-        Report({.what = "Closed pop-up to the first frame of the icon",
-                .size = "one event",
-                .measured = {"`Killed` to `Shell_NotifyIconA`", [] {}, makeConfig, unmakeConfig,
-                             [&] { return TimeTo(control.Get(), g_frame); }},
-                .beside = side("`Killed` to a sink's own first tick, 250 ms later", g_tick, true),
-                .rounds = 31,
-                .wantedAbove = kWantedAbove});
+        FakeEngine engine;
+        Compare(
+            soundCall, "engine in this process", [&] { engine.Raise(kKilled, kArguments); }, toSound, g_sound,
+            toSink, g_event, 41);
     }
-    // An engine that ends at once gives no answer.
-    ResumeNext([&] { Call(control.Get(), L"Quit"); });
+    const ComPtr<IDispatch> control = StartEngine();
+    const Raiser raise = [&] { Call(control.Get(), L"RaiseKilled", kArguments); };
+    Compare(soundCall, "engine in another process", raise, toSound, g_sound, toSink, g_event, 41);
+    Compare("Closed pop-up to the first frame of the icon", "engine in another process", raise,
+            "`Killed` to `Shell_NotifyIconA`", g_frame, "`Killed` to a sink's own first tick, 250 ms later",
+            g_tick, 31);
+    EndEngine(control.Get());
 }
 
 }  // namespace

@@ -6,12 +6,16 @@
 
 #include "platform/automation_error.h"
 #include "platform/text.h"
+#include "tests/support/automation.h"
 #include "tests/support/program.h"
 
 namespace {
 
 // A busy machine may keep a process long.
 constexpr DWORD kEndMilliseconds = 60000;
+
+constexpr int kEngineTries = 20;
+constexpr DWORD kEngineMilliseconds = 500;
 
 }  // namespace
 
@@ -37,6 +41,25 @@ NoEngineRegistered::NoEngineRegistered() {
 
 NoEngineRegistered::~NoEngineRegistered() {
     RunProgram(L"SentrelStandin.exe", L"/RegServer");
+}
+
+// One that has just ended may still be offered by COM.
+ComPtr<IDispatch> StartEngine() {
+    for (int tries = 0; tries < kEngineTries; ++tries) {
+        ComPtr<IDispatch> control;
+        const bool isStarted = ResumeNext([&] {
+            control = CreateByName(L"SentrelStandin.Control");
+            Call(control.Get(), L"Reset");
+        });
+        if (isStarted) return control;
+        Sleep(kEngineMilliseconds);
+    }
+    throw std::runtime_error("the engine does not start");
+}
+
+// It gives no answer.
+void EndEngine(IDispatch* control) {
+    ResumeNext([&] { Call(control, L"Quit"); });
 }
 
 ServerClient::~ServerClient() {

@@ -30,6 +30,12 @@ public:
     ~NoEngineRegistered();
 };
 
+// Starts the stand-in engine and answers its own controls. Throws std::runtime_error when it does not start.
+ComPtr<IDispatch> StartEngine();
+
+// Ends it.
+void EndEngine(IDispatch* control);
+
 class ServerClient {
 public:
     ServerClient(const CLSID& classId, const wchar_t* program) : m_classId(classId), m_program(program) {}
