@@ -13,6 +13,12 @@
 // number of the TYPELIB resource. Throws AutomationError when it cannot be had.
 ComPtr<ITypeInfo> OwnTypeInfo(int library, REFGUID interfaceId);
 
+// What IDispatch::Invoke does with a member of object, described by typeInfo. Arguments given to a property
+// that takes none go to the default member of the object in it; DISP_E_NOTACOLLECTION where it holds none.
+// Counts of arguments without the arguments are refused.
+HRESULT InvokeMember(ITypeInfo* typeInfo, void* object, DISPID member, WORD flags, DISPPARAMS* arguments,
+                     VARIANT* result, EXCEPINFO* exception, UINT* badArgument);
+
 // Whose references keep the process alive. An object made for a client locks the process as long as it
 // exists; one that the server itself holds (one reference) locks it only while somebody else holds it too.
 enum class Holder { Client, Server };
@@ -66,10 +72,8 @@ public:
     STDMETHODIMP Invoke(DISPID member, REFIID id, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
                         EXCEPINFO* exception, UINT* badArgument) override {
         if (!IsEqualIID(id, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-        if (arguments == nullptr) return E_POINTER;
-        SetErrorInfo(0, nullptr);
-        return m_typeInfo->Invoke(static_cast<Interface*>(this), member, flags, arguments, result, exception,
-                                  badArgument);
+        return InvokeMember(m_typeInfo.Get(), static_cast<Interface*>(this), member, flags, arguments, result,
+                            exception, badArgument);
     }
 
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override {

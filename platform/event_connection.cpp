@@ -24,6 +24,7 @@ public:
     STDMETHODIMP Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
                         UINT*) override {
         if (arguments == nullptr) return E_POINTER;
+        if (arguments->cArgs != 0 && arguments->rgvarg == nullptr) return E_INVALIDARG;
         const auto handler = m_handlers.find(event);
         if (handler == m_handlers.end()) return DISP_E_MEMBERNOTFOUND;
         if (m_silent) return S_OK;

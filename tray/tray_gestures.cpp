@@ -14,7 +14,8 @@ static_assert(kLeftDoubleClick == 7725 && kRightButtonUp == 7755);
 
 // number: counted from the event's last argument.
 VARIANT& ByReference(const DISPPARAMS& arguments, UINT number, VARTYPE type) {
-    if (number >= arguments.cArgs || arguments.rgvarg[number].vt != (VT_BYREF | type)) {
+    if (number >= arguments.cArgs || arguments.rgvarg[number].vt != (VT_BYREF | type) ||
+        arguments.rgvarg[number].byref == nullptr) {
         RaiseError(ErrorNumber::TypeMismatch);
     }
     return arguments.rgvarg[number];

@@ -98,7 +98,7 @@ TEST_CASE("senseless calls and messages of another process leave the manager ans
         RandomCalls calls(chance,
                           {{control, {0x60030000}, {0x60030001}},
                            {config, {0x68030000, 0x68030001, 0x68030002}, {}},
-                           {form, {1, 2, 4, 5, 6, 7, 8, 9, 10, 11}, {3}},
+                           {form, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, {}},
                            {icon, {1, 2, 3, 4, 5}, {}},
                            {picture, {1, 2}, {}}},
                           {0, HandleToLong(window)}, false);
@@ -151,6 +151,29 @@ TEST_CASE("senseless calls and messages of another process leave the manager ans
     EnableWindow(apply, TRUE);
     PostMessageW(apply, BM_CLICK, 0, 0);
     CHECK(WaitUntil([&] { return !IsWindowEnabled(apply); }));
+}
+
+TEST_CASE(
+    "another process may count more named arguments than there are, and apply some to an empty property") {
+    const QuietStart quiet;
+    Manager manager;
+    const ComPtr<IDispatch> form = manager.Form();
+    const Variant one(1L);
+    VARIANT value = one.Value();
+    DISPID named[] = {DISPID_PROPERTYPUT, 0, 1};
+    for (const DISPID member : {DISPID{1}, DISPID{3}, DISPID{10}}) {
+        CAPTURE(member);
+        DISPPARAMS lying{&value, named, 1, 3};
+        Variant result;
+        CHECK(form->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &lying,
+                           result.Receive(), nullptr, nullptr) == DISP_E_BADPARAMCOUNT);
+        CHECK(manager.Running());
+    }
+    DISPPARAMS arguments{&value, nullptr, 1, 0};
+    Variant result;
+    CHECK(form->Invoke(3, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &arguments, result.Receive(),
+                       nullptr, nullptr) == DISP_E_NOTACOLLECTION);
+    CHECK(manager.Running());
 }
 
 TEST_CASE("forty clients at once get the same window, and the manager ends with the last of them") {

@@ -3,8 +3,10 @@
 
 #include <shellapi.h>
 #include <commdlg.h>
+#include <ocidl.h>
 
 #include "tests/client_abuse/quiet_system.h"
+#include "shell_notification_face.h"
 #include "tests/client_abuse/random_calls.h"
 #include "tests/entry/inside.h"
 #include "tests/support/automation.h"
@@ -32,10 +34,7 @@ TEST_CASE("senseless calls of every object leave the window as usable as before"
         RandomCalls calls(chance,
                           {{static_cast<IDispatch*>(inside.control.Get()), {0x60030000}, {0x60030001}},
                            {config, {0x68030000, 0x68030001, 0x68030002}, {}},
-                           // Without an engine m_oPopup (3) is empty. Given arguments, Wine's
-                           // ITypeInfo::Invoke takes them for
-                           // arguments of the object in it, and does not look whether there is one.
-                           {form, {1, 2, 4, 5, 6, 7, 8, 9, 10, 11}, {3}},
+                           {form, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, {}},
                            {icon, {1, 2, 3, 4, 5}, {}},
                            {picture, {1, 2}, {}},
                            {frame, {1, 2}, {}}},
@@ -68,4 +67,100 @@ TEST_CASE("senseless calls of every object leave the window as usable as before"
     CHECK(ToText(Get(form.Get(), L"Caption")) == L"still here");
     Call(form.Get(), L"Show");
     CHECK(IsWindowVisible(reinterpret_cast<HWND>(static_cast<LONG_PTR>(window))));
+}
+
+namespace {
+
+HRESULT Invoke(IDispatch* object, DISPID member, WORD flags, DISPPARAMS arguments) {
+    Variant result;
+    return object->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &arguments, result.Receive(), nullptr,
+                          nullptr);
+}
+
+}  // namespace
+
+TEST_CASE(
+    "arguments for a property without any go to the object in it, and are refused where there is none") {
+    constexpr DISPID kPopup = 3;
+    constexpr DISPID kCaption = 7;
+    constexpr DISPID kIconBox = 9;
+    const QuietSystem quiet;
+    InsideWithoutEngine inside;
+    const ComPtr<IDispatch> form = ObjectIn(Get(inside.Instance(FormHide).Get(), L"ConfigForm"));
+    REQUIRE(Get(form.Get(), L"m_oPopup").Value().pdispVal == nullptr);
+    const Variant one(1L);
+    VARIANT values[] = {one.Value(), one.Value()};
+    constexpr WORD kFlags[] = {DISPATCH_PROPERTYGET, DISPATCH_PROPERTYGET | DISPATCH_METHOD,
+                               DISPATCH_PROPERTYGET | DISPATCH_PROPERTYPUT};
+    for (const WORD flags : kFlags) {
+        for (const UINT count : {1u, 2u}) {
+            CAPTURE(flags);
+            CAPTURE(count);
+            CHECK(Invoke(form.Get(), kPopup, flags, {values, nullptr, count, 0}) == DISP_E_NOTACOLLECTION);
+            CHECK(Invoke(form.Get(), kCaption, flags, {values, nullptr, count, 0}) == DISP_E_NOTACOLLECTION);
+            // The picture box answers, which has no default member.
+            CHECK(Invoke(form.Get(), kIconBox, flags, {values, nullptr, count, 0}) == DISP_E_MEMBERNOTFOUND);
+        }
+    }
+    // Where no result is wanted there is nothing to apply them to.
+    DISPPARAMS arguments{values, nullptr, 1, 0};
+    CHECK(form->Invoke(kPopup, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &arguments, nullptr,
+                       nullptr, nullptr) == DISP_E_BADPARAMCOUNT);
+}
+
+TEST_CASE("counts of arguments without the arguments are refused by every object") {
+    const QuietSystem quiet;
+    InsideWithoutEngine inside;
+    const ComPtr<IDispatch> config = inside.Instance(FormHide);
+    const ComPtr<IDispatch> form = ObjectIn(Get(config.Get(), L"ConfigForm"));
+    const ComPtr<IDispatch> objects[] = {static_cast<IDispatch*>(inside.control.Get()), config, form,
+                                         ObjectIn(Get(config.Get(), L"ShellIconClass")),
+                                         ObjectIn(Get(form.Get(), L"picShellIcon"))};
+    const Variant one(1L);
+    VARIANT value = one.Value();
+    constexpr WORD kFlags[] = {DISPATCH_METHOD, DISPATCH_PROPERTYGET, DISPATCH_PROPERTYPUT};
+    DISPID named[] = {DISPID_PROPERTYPUT, 0, 1};
+    for (const ComPtr<IDispatch>& object : objects) {
+        for (const DISPID member : {DISPID{1}, DISPID{10}, DISPID{0x60030000}, DISPID{0x68030000}}) {
+            for (const WORD flags : kFlags) {
+                CAPTURE(member);
+                CAPTURE(flags);
+                CHECK(Invoke(object.Get(), member, flags, {nullptr, nullptr, 1, 0}) == E_INVALIDARG);
+                CHECK(Invoke(object.Get(), member, flags, {&value, nullptr, 1, 1}) == E_INVALIDARG);
+                CHECK(Invoke(object.Get(), member, flags, {&value, named, 1, 3}) == DISP_E_BADPARAMCOUNT);
+                CHECK(Invoke(object.Get(), member, flags, {nullptr, named, 0, 1}) == DISP_E_BADPARAMCOUNT);
+            }
+        }
+    }
+}
+
+TEST_CASE("an event without the arguments that it counts, or with addresses that are none, is refused") {
+    constexpr DISPID kMouseUp = 1;
+    const QuietSystem quiet;
+    InsideWithoutEngine inside;
+    const ComPtr<IDispatch> icon = ObjectIn(Get(inside.Instance(FormHide).Get(), L"ShellIconClass"));
+    ComPtr<IConnectionPointContainer> container;
+    ComPtr<IConnectionPoint> point;
+    ComPtr<IEnumConnections> connections;
+    REQUIRE(icon.As(&container) == S_OK);
+    REQUIRE(container->FindConnectionPoint(__uuidof(__ShellNotification), &point) == S_OK);
+    REQUIRE(point->EnumConnections(&connections) == S_OK);
+    CONNECTDATA connection{};
+    REQUIRE(connections->Next(1, &connection, nullptr) == S_OK);
+    ComPtr<IDispatch> sink;
+    const HRESULT found = connection.pUnk->QueryInterface(IID_PPV_ARGS(&sink));
+    connection.pUnk->Release();
+    REQUIRE(found == S_OK);
+
+    CHECK(Invoke(sink.Get(), kMouseUp, DISPATCH_METHOD, {nullptr, nullptr, 4, 0}) == E_INVALIDARG);
+    VARIANT values[4]{};
+    values[0].vt = values[1].vt = VT_BYREF | VT_R4;
+    values[2].vt = values[3].vt = VT_BYREF | VT_I2;
+    CHECK(Invoke(sink.Get(), kMouseUp, DISPATCH_METHOD, {values, nullptr, 4, 0}) ==
+          HresultOf(ErrorNumber::TypeMismatch));
+    SHORT number = 0;
+    FLOAT place = 0;
+    values[0].pfltVal = values[1].pfltVal = &place;
+    values[2].piVal = values[3].piVal = &number;
+    CHECK(Invoke(sink.Get(), kMouseUp, DISPATCH_METHOD, {values, nullptr, 4, 0}) == S_OK);
 }
