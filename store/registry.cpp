@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 
 #include "platform/automation_error.h"
 #include "platform/handle.h"
 #include "platform/text.h"
+#include "store/byte_order.h"
 
 namespace {
 
@@ -24,8 +26,9 @@ constexpr DWORD kSecurityAttributesLength = 50;
 // data as counted.
 constexpr char kUncounted = '\x01';
 
-uint32_t ByteAt(const std::string& bytes, size_t index) {
-    return static_cast<unsigned char>(bytes[index]);
+long LongOf(std::optional<uint32_t> number) {
+    if (!number) RaiseError(ErrorNumber::InvalidProcedureCall);
+    return static_cast<long>(*number);
 }
 
 }  // namespace
@@ -135,31 +138,23 @@ double Registry::UnsignedLong(long l) const {
 }
 
 std::string Registry::MKLLittleEndian(long l) const {
-    const auto number = static_cast<uint32_t>(l);
-    return {static_cast<char>(number), static_cast<char>(number >> 8), static_cast<char>(number >> 16),
-            static_cast<char>(number >> 24)};
+    return BytesLowestFirst(static_cast<uint32_t>(l));
 }
 
 std::string Registry::MKLBigEndian(long l) const {
-    std::string bytes = MKLLittleEndian(l);
-    std::reverse(bytes.begin(), bytes.end());
-    return bytes;
+    return BytesHighestFirst(static_cast<uint32_t>(l));
 }
 
 long Registry::CVLLittleEndian(const std::string& bytes) const {
-    if (bytes.size() < sizeof(uint32_t)) RaiseError(ErrorNumber::InvalidProcedureCall);
-    return static_cast<long>(ByteAt(bytes, 0) | ByteAt(bytes, 1) << 8 | ByteAt(bytes, 2) << 16 |
-                             ByteAt(bytes, 3) << 24);
+    return LongOf(NumberLowestFirst(bytes));
 }
 
 long Registry::CVLBigEndian(const std::string& bytes) const {
-    if (bytes.size() < sizeof(uint32_t)) RaiseError(ErrorNumber::InvalidProcedureCall);
-    return static_cast<long>(ByteAt(bytes, 3) | ByteAt(bytes, 2) << 8 | ByteAt(bytes, 1) << 16 |
-                             ByteAt(bytes, 0) << 24);
+    return LongOf(NumberHighestFirst(bytes));
 }
 
 Variant Registry::ASCIIZ(std::wstring_view x) const {
-    return x.substr(0, x.find(L'\0'));
+    return UpToNul(x);
 }
 
 bool Registry::AdjustPrivilege(std::wstring_view pPriv, bool /*bSet*/) const {

@@ -31,10 +31,10 @@ fi
 
 inputs=0
 failures=0
-for name in newest_lines site_of_address; do
+for name in newest_lines site_of_address byte_order; do
     "$compiler" -std=c++20 -O1 -g -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=undefined -I. \
         "tests/fuzz/${name}_fuzz.cpp" tests/fuzz/targets.cpp tests/support/plain_log.cpp lists/newest_lines.cpp \
-        lists/site_of_address.cpp -o "$build/$name"
+        lists/site_of_address.cpp store/byte_order.cpp -o "$build/$name"
     mkdir -p "$build/$name.corpus"
     log=$build/$name.log
     "$build/$name" -max_total_time="$seconds" -max_len=4096 -timeout=10 -print_final_stats=1 \

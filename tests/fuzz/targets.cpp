@@ -7,6 +7,7 @@
 
 #include "lists/newest_lines.h"
 #include "lists/site_of_address.h"
+#include "store/byte_order.h"
 #include "tests/support/plain_log.h"
 
 bool NewestLinesAgree(const std::uint8_t* data, std::size_t size) {
@@ -39,4 +40,27 @@ bool SiteAgrees(const std::uint8_t* data, std::size_t size) {
     for (std::size_t i = 0; i < address.size() && (i < 7 || address[i] != L'/'); ++i)
         site += address[i];
     return SiteOfAddress(address) == site;
+}
+
+bool ByteOrderAgrees(const std::uint8_t* data, std::size_t size) {
+    const std::string bytes(reinterpret_cast<const char*>(data), size);
+    const std::optional<std::uint32_t> lowestFirst = NumberLowestFirst(bytes);
+    const std::optional<std::uint32_t> highestFirst = NumberHighestFirst(bytes);
+    const bool isNumber = size >= 4;
+    bool agrees = lowestFirst.has_value() == isNumber && highestFirst.has_value() == isNumber;
+    if (agrees && isNumber) {
+        const std::string number = bytes.substr(0, 4);
+        const std::string mirrored(number.rbegin(), number.rend());
+        agrees = *lowestFirst == data[0] + data[1] * 0x100u + data[2] * 0x10000u + data[3] * 0x1000000u &&
+                 BytesLowestFirst(*lowestFirst) == number && BytesHighestFirst(*highestFirst) == number &&
+                 BytesHighestFirst(*lowestFirst) == mirrored && BytesLowestFirst(*highestFirst) == mirrored &&
+                 NumberHighestFirst(mirrored) == lowestFirst && NumberLowestFirst(mirrored) == highestFirst;
+    }
+
+    const std::wstring text(data, data + size);
+    const std::wstring_view upToNul = UpToNul(text);
+    std::size_t length = 0;
+    while (length < size && data[length] != 0)
+        ++length;
+    return agrees && upToNul.data() == text.data() && upToNul.size() == length;
 }

@@ -10,3 +10,6 @@ bool NewestLinesAgree(const std::uint8_t* data, std::size_t size);
 
 // data: the address, two bytes a character.
 bool SiteAgrees(const std::uint8_t* data, std::size_t size);
+
+// data: bytes as a value of the registry holds them, or any text, a byte a character.
+bool ByteOrderAgrees(const std::uint8_t* data, std::size_t size);

@@ -35,7 +35,9 @@ long Replay(const wchar_t* name, bool (*agrees)(const std::uint8_t*, std::size_t
 TEST_CASE("the inputs of the fuzzers' corpus come to what the plain way comes to") {
     const long lines = Replay(L"newest_lines", NewestLinesAgree);
     const long sites = Replay(L"site_of_address", SiteAgrees);
+    const long values = Replay(L"byte_order", ByteOrderAgrees);
     CHECK(lines >= 20);
     CHECK(sites >= 8);
-    MESSAGE("corpus: " << lines << " logs, " << sites << " addresses");
+    CHECK(values >= 12);
+    MESSAGE("corpus: " << lines << " logs, " << sites << " addresses, " << values << " values");
 }
