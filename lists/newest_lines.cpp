@@ -1,7 +1,5 @@
 #include "lists/newest_lines.h"
 
-#include <emmintrin.h>
-
 #include <algorithm>
 #include <cstring>
 #include <memory>
@@ -9,17 +7,15 @@
 #include <utility>
 #include <vector>
 
+#include "lists/repeated_bytes.h"
+
 namespace {
 
-using Word = std::size_t;
+using RepeatedBytes::Word;
+using RepeatedBytes::WordAt;
 
-Word WordAt(const char* bytes) noexcept {
-    Word word = 0;
-    std::memcpy(&word, bytes, sizeof(word));
-    return word;
-}
-
-// These three take most of the time of a reading, and therefore compare machine words.
+// These two and the count of repeated bytes take most of the time of a reading, and therefore compare machine
+// words.
 
 // Addresses of one length differ at their end rather than at their beginning: the last word is compared
 // first.
@@ -35,54 +31,6 @@ inline bool Equal(const char* left, const char* right, std::size_t size) noexcep
         if (*left++ != *right++) return false;
     }
     return true;
-}
-
-// How many bytes of a repeated line are compared at once.
-constexpr std::size_t kStep = 64;
-
-// Whether kStep bytes are equal; without a branch between them.
-inline bool EqualWords(const char* left, const char* right) noexcept {
-    Word difference = 0;
-    for (std::size_t i = 0; i < kStep; i += sizeof(Word))
-        difference |= WordAt(left + i) ^ WordAt(right + i);
-    return difference == 0;
-}
-
-[[gnu::target("sse2")]] inline bool EqualVectors(const char* left, const char* right) noexcept {
-    __m128i equal = _mm_set1_epi8(-1);
-    for (std::size_t i = 0; i < kStep; i += sizeof(__m128i)) {
-        const __m128i here = _mm_loadu_si128(reinterpret_cast<const __m128i*>(left + i));
-        const __m128i there = _mm_loadu_si128(reinterpret_cast<const __m128i*>(right + i));
-        equal = _mm_and_si128(equal, _mm_cmpeq_epi8(here, there));
-    }
-    return _mm_movemask_epi8(equal) == 0xFFFF;
-}
-
-// Both go back from end by whole steps, not beyond begin, as long as the bytes equal those that lie distance
-// bytes behind them, and answer where they stopped.
-const char* SkipWords(const char* begin, const char* end, std::size_t distance) noexcept {
-    while (static_cast<std::size_t>(end - begin) >= kStep && EqualWords(end - kStep, end - kStep + distance))
-        end -= kStep;
-    return end;
-}
-
-[[gnu::target("sse2")]] const char* SkipVectors(const char* begin, const char* end,
-                                                std::size_t distance) noexcept {
-    while (static_cast<std::size_t>(end - begin) >= kStep &&
-           EqualVectors(end - kStep, end - kStep + distance))
-        end -= kStep;
-    return end;
-}
-
-// How many of the bytes before end, size at most, equal those that lie distance bytes behind them.
-inline std::size_t CountRepeated(const char* end, std::size_t distance, std::size_t size) noexcept {
-    // Windows 7 runs without SSE2 too.
-    static const auto skip = __builtin_cpu_supports("sse2") ? &SkipVectors : &SkipWords;
-    const char* const begin = end - size;
-    const char* bytes = skip(begin, end, distance);
-    while (bytes != begin && bytes[-1] == bytes[distance - 1])
-        --bytes;
-    return static_cast<std::size_t>(end - bytes);
 }
 
 // Null when there is none.
@@ -142,7 +90,7 @@ public:
         TakeFrom(LineEnd() - size);
         if (m_done || !ended) return;
         const std::size_t taken = end - m_end;
-        m_end -= CountRepeated(m_bytes.get() + m_end, taken, m_end - m_begin) / taken * taken;
+        m_end -= RepeatedBytes::Count(m_bytes.get() + m_end, taken, m_end - m_begin) / taken * taken;
         m_searched = m_end;
     }
 
