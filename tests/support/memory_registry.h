@@ -3,6 +3,7 @@
 
 #include <windows.h>
 
+#include <cstring>
 #include <functional>
 #include <map>
 #include <memory>
@@ -17,10 +18,11 @@ inline constexpr RegistryCall kRegistryCalls[] = {
     RegistryCall::Open, RegistryCall::Query,       RegistryCall::Info, RegistryCall::Create,
     RegistryCall::Set,  RegistryCall::DeleteValue, RegistryCall::Close};
 
-// The registry compares names without regard to case.
+// The registry compares names without regard to case. Those of the tests are plain ASCII, and compared too
+// often to ask the system each time.
 struct LessNoCase {
-    bool operator()(const std::string& left, const std::string& right) const {
-        return lstrcmpiA(left.c_str(), right.c_str()) < 0;
+    bool operator()(const std::string& left, const std::string& right) const noexcept {
+        return _stricmp(left.c_str(), right.c_str()) < 0;
     }
 };
 

@@ -335,7 +335,16 @@ std::vector<ListRow> RowsOf(const ListView& list, int fields) {
     return rows;
 }
 
+void PutText(TextBox& box, const std::wstring& text) {
+    if (box.Text() != text) box.Text(text);
+}
+
+void PutEnabled(Control& control, bool enabled) {
+    if (control.Enabled() != enabled) control.Enabled(enabled);
+}
+
 void PutRows(ListView& list, const std::vector<ListRow>& rows) {
+    const RedrawPause pause(list);
     list.Clear();
     for (const ListRow& row : rows) {
         const int position = list.Add(list.Count() + 1, row.name);
@@ -401,12 +410,15 @@ void Put(SettingsWindow& window, const WindowState& state) {
     SettingsWindow::Check(window.chkPlaySound, state.playSound == 1);
     SettingsWindow::Check(window.chkBeep, state.beep == 1);
     SettingsWindow::Check(window.chkExtra, state.extra == 1);
-    window.txtSpeed.Text(state.speed);
-    window.txtPause.Text(state.pause);
-    window.txtExtra.Text(state.extraText);
-    window.lstExclude.Clear();
-    for (const std::wstring& row : state.exclude)
-        window.lstExclude.AddItem(row);
+    PutText(window.txtSpeed, state.speed);
+    PutText(window.txtPause, state.pause);
+    PutText(window.txtExtra, state.extraText);
+    {
+        const RedrawPause pause(window.lstExclude);
+        window.lstExclude.Clear();
+        for (const std::wstring& row : state.exclude)
+            window.lstExclude.AddItem(row);
+    }
     PutRows(window.lvwBanners, state.banners);
     PutRows(window.lvwSearchURLs, state.search);
     SendMessageW(window.cboPauseKey.Hwnd(), CB_SELECTSTRING, static_cast<WPARAM>(-1),
@@ -418,9 +430,9 @@ void Put(SettingsWindow& window, const WindowState& state) {
     SettingsWindow::Check(window.optLoadWithKiller, state.selectedMode == L"RunOnly");
     SettingsWindow::Check(window.optLoadFromMenu, state.selectedMode == L"Manual");
     window.generalOptions.m_strStartupMode = state.mode;
-    window.cmdSoundFile.Enabled(state.canChooseSound);
-    window.cmdTestSound.Enabled(state.canTestSound);
-    window.cmdApply.Enabled(state.canApply);
+    PutEnabled(window.cmdSoundFile, state.canChooseSound);
+    PutEnabled(window.cmdTestSound, state.canTestSound);
+    PutEnabled(window.cmdApply, state.canApply);
 }
 
 std::string Difference(const WindowState& actual, const WindowState& expected) {
