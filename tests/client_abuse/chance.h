@@ -15,6 +15,12 @@ public:
         return text != nullptr ? static_cast<uint32_t>(std::strtoul(text, nullptr, 10)) : 20020517u;
     }
 
+    // How often: the environment variable holds another number than the usual one.
+    static long Count(const char* variable, long usual) {
+        const char* const text = std::getenv(variable);
+        return text != nullptr ? std::atol(text) : usual;
+    }
+
     explicit Chance(uint32_t seed) : m_engine(seed) {}
 
     uint32_t Number() { return m_engine(); }

@@ -13,7 +13,7 @@
 #include "tests/support/message_pump.h"
 
 TEST_CASE("senseless calls of every object leave the window as usable as before") {
-    constexpr long kCalls = 20000;
+    const long calls = Chance::Count("ABUSE_CALLS", 20000);
     const QuietSystem quiet;
     InsideWithoutEngine inside;
     const ComPtr<IDispatch> config = inside.Instance(FormHide);
@@ -31,33 +31,33 @@ TEST_CASE("senseless calls of every object leave the window as usable as before"
     const DWORD start = GetTickCount();
     long answered = 0;
     {
-        RandomCalls calls(chance,
-                          {{static_cast<IDispatch*>(inside.control.Get()), {0x60030000}, {0x60030001}},
-                           {config, {0x68030000, 0x68030001, 0x68030002}, {}},
-                           {form, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, {}},
-                           {icon, {1, 2, 3, 4, 5}, {}},
-                           {picture, {1, 2}, {}},
-                           {frame, {1, 2}, {}}},
-                          windows, true);
+        RandomCalls random(chance,
+                           {{static_cast<IDispatch*>(inside.control.Get()), {0x60030000}, {0x60030001}},
+                            {config, {0x68030000, 0x68030001, 0x68030002}, {}},
+                            {form, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, {}},
+                            {icon, {1, 2, 3, 4, 5}, {}},
+                            {picture, {1, 2}, {}},
+                            {frame, {1, 2}, {}}},
+                           windows, true);
         DWORD slowest = 0;
-        for (long i = 0; i < kCalls; ++i) {
+        for (long i = 0; i < calls; ++i) {
             CAPTURE(seed);
             CAPTURE(i);
             const DWORD before = GetTickCount();
-            calls.One();
+            random.One();
             if (i % 100 == 0) PumpFor(1);
             slowest = std::max(slowest, GetTickCount() - before);
             REQUIRE(IsWindow(reinterpret_cast<HWND>(static_cast<LONG_PTR>(window))));
         }
         CHECK(slowest < 5000);
-        for (const auto& [result, count] : calls.Results()) {
+        for (const auto& [result, count] : random.Results()) {
             if (SUCCEEDED(result)) answered += count;
         }
         // Sense among the nonsense: otherwise nothing but the first check of each call was tried.
-        CHECK(answered > kCalls / 20);
-        CHECK(calls.Results().size() > 8);
-        MESSAGE("in process: " << calls.Calls() << " calls from seed " << seed << ", " << answered
-                               << " carried out, " << calls.Results().size() << " different results, "
+        CHECK(answered > calls / 20);
+        CHECK(random.Results().size() > 8);
+        MESSAGE("in process: " << random.Calls() << " calls from seed " << seed << ", " << answered
+                               << " carried out, " << random.Results().size() << " different results, "
                                << GetTickCount() - start << " ms, slowest " << slowest << " ms");
     }
     // The caption and the rest are what the last caller made of them; the window itself answers.

@@ -73,7 +73,7 @@ void CALLBACK Answer(HWND, UINT, UINT_PTR, DWORD) {
 }  // namespace
 
 TEST_CASE("senseless messages to every window leave them answering") {
-    constexpr long kMessages = 120000;
+    const long messages = Chance::Count("ABUSE_MESSAGES", 120000);
     const QuietSystem quiet;
     InsideWithoutEngine inside;
     inside.Instance(formShow);
@@ -91,7 +91,7 @@ TEST_CASE("senseless messages to every window leave them answering") {
     DWORD slowest = 0;
     UINT slowestMessage = 0;
     long keys = 0;
-    for (long i = 0; i < kMessages; ++i) {
+    for (long i = 0; i < messages; ++i) {
         const HWND control = chance.From(windows.controls);
         const MSG message = chance.OneIn(2)
                                 ? RandomDialogMessage(chance, chance.From(windows.dialogs), control)
@@ -130,7 +130,7 @@ TEST_CASE("senseless messages to every window leave them answering") {
     VARIANT_BOOL isLeaving = VARIANT_TRUE;
     CHECK(g_frmConfig->get_b_OKtoUnload(&isLeaving) == S_OK);
     CHECK(isLeaving == VARIANT_FALSE);
-    MESSAGE("in process: " << kMessages << " messages from seed " << seed << " (" << keys
+    MESSAGE("in process: " << messages << " messages from seed " << seed << " (" << keys
                            << " through the message loop's keyboard handling), " << dialogsAnswered
                            << " dialogs opened on the way, " << GetTickCount() - start << " ms, slowest "
                            << slowest << " ms (message " << slowestMessage << ")");

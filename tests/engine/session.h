@@ -6,7 +6,7 @@
 
 // Members are made in their order: the engine gets its orders before the manager starts.
 struct Session {
-    explicit Session(bool keepSettings = false) : manager(keepSettings) {}
+    explicit Session(bool keepSettings = false) : manager(keepSettings, Manager::Start::Ahead) {}
 
     // Starts the manager's window, hidden, and forgets what the engine was called by that.
     void Start();

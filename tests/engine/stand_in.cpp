@@ -20,6 +20,7 @@ ComPtr<IDispatch>& KeptControl() {
 
 bool TryStart(ComPtr<IDispatch>& control) {
     return ResumeNext([&] {
+        StartServerAhead(kStandInProgram);
         ComPtr<IDispatch> created = CreateByName(L"SentrelStandin.Control");
         Call(created.Get(), L"Reset");
         control = created;

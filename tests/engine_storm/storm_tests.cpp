@@ -1,8 +1,11 @@
 // Engines that answer late, and more events than any engine should raise.
 #include <doctest.h>
 
+#include <psapi.h>
+
 #include <algorithm>
 #include <atomic>
+#include <cstdlib>
 #include <thread>
 
 #include "platform/automation_error.h"
@@ -10,6 +13,7 @@
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"
 #include "tests/engine_storm/event_sink.h"
+#include "tests/long_runs/resources.h"
 #include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/shown_text.h"
@@ -18,6 +22,9 @@ namespace {
 
 // Far more than a busy test machine needs, far less than any of the delays.
 constexpr DWORD kPrompt = 1500;
+
+// What a run may leave, whatever its length: caches that fill once.
+constexpr long kMemoryCeiling = 1024 * 1024;  // bytes
 
 void CheckWorks(Session& session) {
     const std::wstring before = session.manager.Text(L"txtSpeed");
@@ -62,6 +69,28 @@ std::wstring BeginApply(Session& session) {
     REQUIRE(WaitUntil([&] { return Setting(L"Settings", L"txtSpeed") != stored; }));
     Sleep(300);
     return Setting(L"Settings", L"txtSpeed");
+}
+
+// The environment variable LONG_RUN holds how many times as often things are done as by default.
+int Times(int count) {
+    const char* const text = std::getenv("LONG_RUN");
+    return count * (text != nullptr ? std::atoi(text) : 1);
+}
+
+// What a process holds.
+struct Held {
+    long handles = 0;
+    long privateBytes = 0;
+};
+
+Held HeldBy(HWND window) {
+    DWORD id = 0;
+    GetWindowThreadProcessId(window, &id);
+    const ProcessHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, id));
+    PROCESS_MEMORY_COUNTERS counters{};
+    REQUIRE(K32GetProcessMemoryInfo(process.Get(), &counters, sizeof(counters)));
+    REQUIRE(counters.PagefileUsage > 0);
+    return {KernelHandlesOf(id), static_cast<long>(counters.PagefileUsage)};
 }
 
 // An empty log of the test's own.
@@ -195,15 +224,53 @@ TEST_CASE(
     MESSAGE(ToAnsi(member) << " late by " << kDelay << " ms: the window was made after " << took << " ms");
 }
 
+TEST_CASE("A hundred Applies of the manager's own process leave the registry keys of their values, no more") {
+    const int applies = Times(100);
+    Session session;
+    session.Start();
+    // While the engine is called the manager serves its other clients: its answer does not mean that it is
+    // done.
+    const auto apply = [&] {
+        session.Apply();
+        REQUIRE(WaitUntil([&] { return !session.Marked(); }));
+    };
+    for (int i = 0; i < 10; ++i)
+        apply();
+    const Held once = HeldBy(session.window);
+    apply();
+    const Held before = HeldBy(session.window);
+    const long keys = before.handles - once.handles;
+    const size_t reloads = session.engine.Count(L"ReloadSettings");
+    const DWORD start = GetTickCount();
+    for (int i = 0; i < applies; ++i)
+        apply();
+    const DWORD took = GetTickCount() - start;
+    const Held after = HeldBy(session.window);
+    CHECK(session.engine.Count(L"ReloadSettings") == reloads + static_cast<size_t>(applies));
+    CHECK(keys > 30);
+    CHECK(keys < 60);
+    CHECK(after.handles - before.handles - keys * applies < 8);
+    CHECK(after.privateBytes - before.privateBytes < kMemoryCeiling);
+    CheckWorks(session);
+    CheckOneIcon(session);
+    MESSAGE(applies << " Applies in " << took << " ms; kernel handles " << after.handles - before.handles
+                    << " (of them by design " << keys * applies << " registry keys), private memory "
+                    << (after.privateBytes - before.privateBytes) / 1024 << " KB");
+}
+
 TEST_CASE("A thousand closed pop-ups in a burst leave one icon and a manager that answered all along") {
+    const int notices = Times(1000);
     Session session;
     session.Start();
     const HWND first = WaitForIcon();
     REQUIRE(first != nullptr);
+    for (int i = 0; i < 20; ++i)
+        session.engine.Raise(L"Killed");
+    const Held before = HeldBy(session.window);
     const DWORD start = GetTickCount();
     DWORD longestCall = 0;
     Watcher watcher(session.window);
-    for (int i = 1; i <= 1000; ++i) {
+    for (int i = 1; i <= notices; ++i) {
         session.engine.Raise(L"Killed");
         if (i % 100 == 0) longestCall = std::max(longestCall, TimeOfCall(session));
     }
@@ -216,12 +283,16 @@ TEST_CASE("A thousand closed pop-ups in a burst leave one icon and a manager tha
     // The last animation adds the icon anew.
     CHECK(WaitUntil([&] { return !IsWindow(first); }));
     CheckOneIcon(session);
+    const Held after = HeldBy(session.window);
+    CHECK(after.handles - before.handles < 8);
+    CHECK(after.privateBytes - before.privateBytes < kMemoryCeiling);
     CHECK(session.engine.Connections() == 1);
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
     CheckWorks(session);
-    MESSAGE("1000 Killed in " << took << " ms; the window was asked " << watcher.Asked()
-                              << " times and answered within " << watcher.Longest() << " ms, clients within "
-                              << longestCall << " ms");
+    MESSAGE(notices << " Killed in " << took << " ms; the window was asked " << watcher.Asked()
+                    << " times and answered within " << watcher.Longest() << " ms, clients within "
+                    << longestCall << " ms; kernel handles " << after.handles - before.handles
+                    << ", private memory " << (after.privateBytes - before.privateBytes) / 1024 << " KB");
 }
 
 TEST_CASE(

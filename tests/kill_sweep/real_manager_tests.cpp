@@ -43,6 +43,7 @@ public:
         const ProcessHandle mainThread(process.hThread);
         LoadLibraryInto(ServerDirectory() + L"\\kill_at.dll");
         ResumeThread(mainThread.Get());
+        WaitForInputIdle(m_process.Get(), kPatience);
     }
 
     // The exit code; STILL_ACTIVE when it goes on living.
@@ -150,7 +151,7 @@ TEST_CASE("the delivered manager, ended by force in its first run, starts with a
     RegistryContents ideal;
     Shown idealWindow;
     {
-        Manager manager;
+        Manager manager(false, Manager::Start::Ahead);
         idealWindow = Look(manager);
         ideal = Settings(UserSoftware());
     }
@@ -167,7 +168,7 @@ TEST_CASE("the delivered manager, ended by force in its first run, starts with a
             client.LetGo();
         }
         CHECK(ValueCount(Settings(UserSoftware())) == static_cast<size_t>(change - 1));
-        Manager manager(true);
+        Manager manager(true, Manager::Start::Ahead);
         CHECK(Look(manager) == idealWindow);
         CHECK(Difference(Settings(UserSoftware()), ideal) == "");
         CHECK(Difference(WithoutSettings(UserSoftware()), before) == "");
@@ -187,7 +188,7 @@ TEST_CASE(
     for (const long change : {3L, 30L, 60L}) {
         CAPTURE(change);
         DeleteSettings();
-        Manager().Window();  // writes the defaults
+        Manager(false, Manager::Start::Ahead).Window();  // writes the defaults
         const RegistryContents before = WithoutSettings(UserSoftware());
         {
             DoomedManager doomed(change);
@@ -202,13 +203,13 @@ TEST_CASE(
         }
         Shown shown;
         {
-            Manager manager(true);
+            Manager manager(true, Manager::Start::Ahead);
             shown = Look(manager);
             CHECK(shown.speed == L"6");
             CHECK(shown.pauseKey == L"Shift");
             Apply(manager);
         }
-        Manager manager(true);
+        Manager manager(true, Manager::Start::Ahead);
         CHECK(Look(manager) == shown);
         CHECK(Difference(WithoutSettings(UserSoftware()), before) == "");
         ++kills;

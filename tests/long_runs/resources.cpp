@@ -32,24 +32,6 @@ void CountHeap(Resources& held) {
     }
 }
 
-long KernelHandles() {
-    using Query = LONG(WINAPI*)(ULONG, PVOID, ULONG, PULONG);
-    const auto query = reinterpret_cast<Query>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    static std::vector<BYTE> buffer(4 << 20);
-    ULONG needed = 0;
-    while (query(kSystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), &needed) ==
-           kLengthMismatch) {
-        buffer.resize(buffer.size() * 2);
-    }
-    const ULONG count = *reinterpret_cast<const ULONG*>(buffer.data());
-    const auto* const entries = reinterpret_cast<const HandleEntry*>(buffer.data() + sizeof(ULONG));
-    long own = 0;
-    for (ULONG i = 0; i < count; ++i)
-        own += entries[i].processId == GetCurrentProcessId() ? 1 : 0;
-    return own;
-}
-
 // The table of GDI objects that each process sees: its address stands in the process environment block.
 struct GdiEntry {
     ULONGLONG object;
@@ -87,9 +69,27 @@ void CountUserObjects(Resources& held) {
 
 }  // namespace
 
+long KernelHandlesOf(DWORD processId) {
+    using Query = LONG(WINAPI*)(ULONG, PVOID, ULONG, PULONG);
+    const auto query = reinterpret_cast<Query>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    static std::vector<BYTE> buffer(4 << 20);
+    ULONG needed = 0;
+    while (query(kSystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), &needed) ==
+           kLengthMismatch) {
+        buffer.resize(buffer.size() * 2);
+    }
+    const ULONG count = *reinterpret_cast<const ULONG*>(buffer.data());
+    const auto* const entries = reinterpret_cast<const HandleEntry*>(buffer.data() + sizeof(ULONG));
+    long held = 0;
+    for (ULONG i = 0; i < count; ++i)
+        held += entries[i].processId == processId ? 1 : 0;
+    return held;
+}
+
 Resources HeldNow() {
     Resources held;
-    held.kernelHandles = KernelHandles();
+    held.kernelHandles = KernelHandlesOf(GetCurrentProcessId());
     CountHeap(held);
     held.gdiObjects = GdiObjects();
     CountUserObjects(held);

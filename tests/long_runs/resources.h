@@ -13,3 +13,6 @@ struct Resources {
 };
 
 Resources HeldNow();
+
+// The kernel handles of any process.
+long KernelHandlesOf(DWORD processId);

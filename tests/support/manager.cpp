@@ -5,6 +5,7 @@
 #include "platform/automation_error.h"
 #include "platform/text.h"
 #include "tests/support/automation.h"
+#include "tests/support/program.h"
 
 namespace {
 
@@ -16,8 +17,9 @@ std::wstring PathOf(const std::wstring& key) {
 
 }  // namespace
 
-Manager::Manager(bool keepSettings) {
+Manager::Manager(bool keepSettings, Start start) {
     if (!keepSettings) DeleteSettings();
+    if (start == Start::Ahead) StartServerAhead(L"SentrelConfig.exe");
     ThrowIfFailed(
         CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&m_control)));
 }

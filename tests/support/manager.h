@@ -19,8 +19,11 @@ using ProcessHandle = UniqueHandle<ProcessHandleTraits>;
 // A client of the manager. Its end ends the manager too.
 class Manager {
 public:
+    // Who starts the process: COM, or the test, which is quicker.
+    enum class Start { ByCom, Ahead };
+
     // Starts the manager where none runs. No settings of an earlier test are left unless keepSettings.
-    explicit Manager(bool keepSettings = false);
+    explicit Manager(bool keepSettings = false, Start start = Start::ByCom);
     Manager(const Manager&) = delete;
     Manager& operator=(const Manager&) = delete;
     ~Manager();

@@ -24,7 +24,10 @@ bool ProgramEnds(const wchar_t* program, DWORD milliseconds) {
     return PumpUntil([&] { return ProcessesOf(program).empty(); }, milliseconds);
 }
 
-DWORD RunProgram(const wchar_t* program, const std::wstring& arguments, DWORD milliseconds) {
+namespace {
+
+// Of the build; the caller closes the process.
+HANDLE Start(const wchar_t* program, const std::wstring& arguments) {
     std::wstring path = ServerDirectory();
     path.resize(path.find_last_of(L'\\') + 1);
     std::wstring commandLine = L'"' + path + program + L"\" " + arguments;
@@ -36,9 +39,23 @@ DWORD RunProgram(const wchar_t* program, const std::wstring& arguments, DWORD mi
         throw std::runtime_error("not started: " + ToAnsi(commandLine));
     }
     CloseHandle(process.hThread);
-    PumpUntil([&] { return WaitForSingleObject(process.hProcess, 0) == WAIT_OBJECT_0; }, milliseconds);
+    return process.hProcess;
+}
+
+}  // namespace
+
+DWORD RunProgram(const wchar_t* program, const std::wstring& arguments, DWORD milliseconds) {
+    const HANDLE process = Start(program, arguments);
+    PumpUntil([&] { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }, milliseconds);
     DWORD code = STILL_ACTIVE;
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hProcess);
+    GetExitCodeProcess(process, &code);
+    CloseHandle(process);
     return code;
+}
+
+void StartServerAhead(const wchar_t* program) {
+    if (!ProcessesOf(program).empty()) return;
+    const HANDLE process = Start(program, L"-Embedding");
+    WaitForInputIdle(process, 5000);
+    CloseHandle(process);
 }

@@ -16,3 +16,7 @@ bool ProgramEnds(const wchar_t* program, DWORD milliseconds = 10000);
 // STILL_ACTIVE when it does not end in time. Messages are dispatched meanwhile. Throws std::runtime_error
 // when it cannot be started.
 DWORD RunProgram(const wchar_t* program, const std::wstring& arguments = {}, DWORD milliseconds = 30000);
+
+// Starts a COM server and waits until it is idle; nothing where it runs already. Wine looks for a server that
+// it has started itself once a second, and finds one that serves at once.
+void StartServerAhead(const wchar_t* program);
