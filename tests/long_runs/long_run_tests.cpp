@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "lists/resource.h"
 #include "store/first_run.h"
@@ -156,7 +157,8 @@ TEST_CASE("a thousand Applies leave one open registry key for each value that th
     const Resources before = HeldNow();
     for (int i = 0; i < applies; ++i)
         apply();
-    page.events.clear();
+    // What the page itself has noted of the Applies is no part of them.
+    std::vector<std::string>().swap(page.events);
     CHECK(saves > applies * 30L);
     const Resources after = HeldNow();
     CHECK(after.kernelHandles - before.kernelHandles >= saves);

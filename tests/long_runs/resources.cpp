@@ -1,7 +1,5 @@
 #include "tests/long_runs/resources.h"
 
-#include <vector>
-
 namespace {
 
 // Of ntdll: the handles of all processes.
@@ -73,17 +71,21 @@ long KernelHandlesOf(DWORD processId) {
     using Query = LONG(WINAPI*)(ULONG, PVOID, ULONG, PULONG);
     const auto query = reinterpret_cast<Query>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-    static std::vector<BYTE> buffer(4 << 20);
+    // Outside the heaps, which are counted too.
+    ULONG size = 4 << 20;
     ULONG needed = 0;
-    while (query(kSystemHandleInformation, buffer.data(), static_cast<ULONG>(buffer.size()), &needed) ==
-           kLengthMismatch) {
-        buffer.resize(buffer.size() * 2);
+    BYTE* buffer = nullptr;
+    while (buffer = static_cast<BYTE*>(VirtualAlloc(nullptr, size, MEM_COMMIT, PAGE_READWRITE)),
+           query(kSystemHandleInformation, buffer, size, &needed) == kLengthMismatch) {
+        VirtualFree(buffer, 0, MEM_RELEASE);
+        size *= 2;
     }
-    const ULONG count = *reinterpret_cast<const ULONG*>(buffer.data());
-    const auto* const entries = reinterpret_cast<const HandleEntry*>(buffer.data() + sizeof(ULONG));
+    const ULONG count = *reinterpret_cast<const ULONG*>(buffer);
+    const auto* const entries = reinterpret_cast<const HandleEntry*>(buffer + sizeof(ULONG));
     long held = 0;
     for (ULONG i = 0; i < count; ++i)
         held += entries[i].processId == processId ? 1 : 0;
+    VirtualFree(buffer, 0, MEM_RELEASE);
     return held;
 }
 
