@@ -59,15 +59,19 @@ TestWindow::~TestWindow() {
 
 bool TestWindow::OnInit() {
     int top = 0;
+    bool isOption = false;
     for (Control* const control : m_controls) {
         const WindowKind kind = KindOf(*control);
+        // Option buttons that follow each other are a group; everything else stands by itself.
+        const bool continuesGroup = isOption && control->Kind() == ControlKind::OptionButton;
+        isOption = control->Kind() == ControlKind::OptionButton;
         const bool isTall =
             control->Kind() == ControlKind::ListBox || control->Kind() == ControlKind::ListView;
         const int height = isTall ? kListHeight : kControlHeight;
-        const HWND child = CreateWindowExW(0, kind.windowClass, L"", WS_CHILD | WS_VISIBLE | kind.style, 0,
-                                           top, kControlWidth, height, Hwnd(),
-                                           reinterpret_cast<HMENU>(static_cast<INT_PTR>(control->Id())),
-                                           GetModuleHandleW(nullptr), nullptr);
+        const HWND child = CreateWindowExW(
+            0, kind.windowClass, L"", WS_CHILD | WS_VISIBLE | (continuesGroup ? 0 : WS_GROUP) | kind.style, 0,
+            top, kControlWidth, height, Hwnd(), reinterpret_cast<HMENU>(static_cast<INT_PTR>(control->Id())),
+            GetModuleHandleW(nullptr), nullptr);
         control->Attach(child);
         top += height;
     }
