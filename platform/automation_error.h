@@ -4,7 +4,6 @@
 #include <windows.h>
 
 #include <exception>
-#include <new>
 #include <utility>
 
 class AutomationError : public std::exception {
@@ -41,15 +40,14 @@ constexpr HRESULT HresultOf(ErrorNumber number) {
 void ThrowIfFailed(HRESULT result);
 
 // Runs one statement whose failure is to be ignored, so that the next one runs. Answers whether it ran
-// through. Being out of memory is one of those failures: to Automation it is an error like others, number 7.
+// through. What the standard library throws is such a failure too: to Automation, being out of memory is an
+// error like others, number 7.
 template <class Statement>
 bool ResumeNext(Statement&& statement) {
     try {
         std::forward<Statement>(statement)();
         return true;
-    } catch (const AutomationError&) {
-        return false;
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) {
         return false;
     }
 }
