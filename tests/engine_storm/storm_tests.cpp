@@ -97,7 +97,7 @@ Held HeldBy(HWND window) {
 std::wstring NewLog() {
     wchar_t folder[MAX_PATH] = L"";
     GetTempPathW(MAX_PATH, folder);
-    const std::wstring path = std::wstring(folder) + L"engine_storm.log";
+    std::wstring path = std::wstring(folder) + L"engine_storm.log";
     DeleteFileW(path.c_str());
     return path;
 }

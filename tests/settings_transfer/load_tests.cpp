@@ -1,6 +1,5 @@
 #include <windows.h>
 
-#include <stdexcept>
 #include <string>
 #include <vector>
 
