@@ -36,6 +36,10 @@ std::string Formatted(const char* format, double number) {
     return text;
 }
 
+std::string RatioText(double ratio) {
+    return Formatted(ratio < 0.1 ? "%.2g" : "%.2f", ratio);
+}
+
 }  // namespace
 
 double Milliseconds() {
@@ -93,10 +97,10 @@ void Report(const Comparison& comparison) {
         wanted = Formatted("%g ms above: ", comparison.wantedAbove) +
                  Verdict(above <= comparison.wantedAbove) + Formatted(", %.3f ms", above);
     }
-    std::printf("| %s | %s | %s | %.3f ms | %s | %.3f ms | %.2f | %.2f | %.2f | %s |\n",
-                comparison.what.c_str(), comparison.size.c_str(), comparison.measured.name.c_str(),
-                Median(measured), comparison.beside.name.c_str(), Median(beside), *least, median, *most,
-                wanted.c_str());
+    std::printf("| %s | %s | %s | %.3f ms | %s | %.3f ms | %s | %s | %s | %s |\n", comparison.what.c_str(),
+                comparison.size.c_str(), comparison.measured.name.c_str(), Median(measured),
+                comparison.beside.name.c_str(), Median(beside), RatioText(*least).c_str(),
+                RatioText(median).c_str(), RatioText(*most).c_str(), wanted.c_str());
     std::fflush(stdout);
 }
 
