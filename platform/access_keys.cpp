@@ -28,11 +28,11 @@ std::wstring AccessKeyOf(HWND button) {
     return {};
 }
 
-BOOL CALLBACK Collect(HWND window, LPARAM search) {
-    auto& [key, found] = *reinterpret_cast<Search*>(search);
+BOOL CALLBACK Collect(HWND window, LPARAM parameter) {
+    Search& search = *reinterpret_cast<Search*>(parameter);
     const bool isButton = (SendMessageW(window, WM_GETDLGCODE, 0, 0) & DLGC_BUTTON) != 0;
-    if (isButton && IsWindowVisible(window) && IsWindowEnabled(window) && AccessKeyOf(window) == key)
-        found.push_back(window);
+    if (isButton && IsWindowVisible(window) && IsWindowEnabled(window) && AccessKeyOf(window) == search.key)
+        search.found.push_back(window);
     return TRUE;
 }
 

@@ -22,10 +22,10 @@ void SaveSetting(const Registry& registry, const Schema::Setting& setting) {
 // The mark counts by its presence: one that holds half a number is there, although reading it raises an
 // error.
 bool IsMarked(const Registry& registry) {
-    Variant firstTime(L"");
-    long type = 0;
-    std::wstring keyClass;
     try {
+        Variant firstTime(L"");
+        long type = 0;
+        std::wstring keyClass;
         return registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, Schema::kFirstTime, firstTime, type,
                              keyClass);
     } catch (const AutomationError&) {
