@@ -3,12 +3,11 @@
 #include <windows.h>
 #include <objbase.h>
 
-#include <cstdio>
 #include <exception>
 
 #include "bench/support/comparison.h"
+#include "bench/support/run_benchmark.h"
 #include "bench/support/server_client.h"
-#include "platform/automation_error.h"
 #include "store/settings_schema.h"
 
 namespace {
@@ -111,14 +110,5 @@ void Run() {
 }  // namespace
 
 int wmain() {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    try {
-        Run();
-        return 0;
-    } catch (const AutomationError& error) {
-        std::fprintf(stderr, "Automation error 0x%08lX\n", static_cast<unsigned long>(error.Code()));
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-    }
-    return 1;
+    return RunBenchmark(Run);
 }

@@ -2,13 +2,13 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include <cstdio>
 #include <exception>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "bench/support/comparison.h"
+#include "bench/support/run_benchmark.h"
 #include "lists/is_in_list.h"
 #include "platform/list_box.h"
 #include "platform/text.h"
@@ -82,11 +82,5 @@ void Run() {
 }  // namespace
 
 int wmain() {
-    try {
-        Run();
-        return 0;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 1;
-    }
+    return RunBenchmark(Run);
 }

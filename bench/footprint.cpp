@@ -3,15 +3,14 @@
 #include <windows.h>
 #include <objbase.h>
 
-#include <cstdio>
 #include <exception>
 #include <string>
 #include <utility>
 
 #include "bench/support/comparison.h"
 #include "bench/support/process_figures.h"
+#include "bench/support/run_benchmark.h"
 #include "bench/support/server_client.h"
-#include "platform/automation_error.h"
 #include "platform/text.h"
 #include "tests/support/message_pump.h"
 
@@ -132,14 +131,5 @@ void Run() {
 }  // namespace
 
 int wmain() {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    try {
-        Run();
-        return 0;
-    } catch (const AutomationError& error) {
-        std::fprintf(stderr, "Automation error 0x%08lX\n", static_cast<unsigned long>(error.Code()));
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-    }
-    return 1;
+    return RunBenchmark(Run);
 }

@@ -11,6 +11,7 @@
 
 #include "bench/support/comparison.h"
 #include "bench/support/log_files.h"
+#include "bench/support/run_benchmark.h"
 #include "lists/closed_log.h"
 #include "platform/automation_error.h"
 #include "platform/text.h"
@@ -209,12 +210,5 @@ void Run(const std::wstring& folder) {
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    try {
-        Run(FolderFor(count, arguments));
-        return 0;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 1;
-    }
+    return RunBenchmark([&] { Run(FolderFor(count, arguments)); });
 }

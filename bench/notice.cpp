@@ -5,7 +5,6 @@
 #include <objbase.h>
 #include <shellapi.h>
 
-#include <cstdio>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -14,6 +13,7 @@
 
 #include "bench/support/comparison.h"
 #include "bench/support/config_in_process.h"
+#include "bench/support/run_benchmark.h"
 #include "bench/support/server_client.h"
 #include "platform/automation_error.h"
 #include "platform/event_connection.h"
@@ -133,14 +133,5 @@ void Run() {
 }  // namespace
 
 int wmain() {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-    try {
-        Run();
-        return 0;
-    } catch (const AutomationError& error) {
-        std::fprintf(stderr, "Automation error 0x%08lX\n", static_cast<unsigned long>(error.Code()));
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-    }
-    return 1;
+    return RunBenchmark(Run);
 }

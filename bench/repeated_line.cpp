@@ -11,6 +11,7 @@
 
 #include "bench/support/comparison.h"
 #include "bench/support/log_files.h"
+#include "bench/support/run_benchmark.h"
 #include "lists/log_file.h"
 #include "lists/newest_lines.h"
 
@@ -65,16 +66,12 @@ void Compare(const std::wstring& folder, const char* what, const std::vector<std
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
-    try {
+    return RunBenchmark([&] {
         const std::wstring folder = FolderFor(count, arguments);
         Compare(folder, "Log of one repeated line", {kLine});
         std::vector<std::string> twentyFour;
         for (int n = 0; n < 24; ++n)
             twentyFour.push_back(kLine + std::to_string(n));
         Compare(folder, "Log of 24 repeated lines", twentyFour);
-        return 0;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 1;
-    }
+    });
 }

@@ -4,7 +4,6 @@
 #include <objbase.h>
 #include <shellapi.h>
 
-#include <cstdio>
 #include <exception>
 #include <stdexcept>
 
@@ -12,8 +11,8 @@
 #include "bench/support/bare_store.h"
 #include "bench/support/comparison.h"
 #include "bench/support/config_in_process.h"
+#include "bench/support/run_benchmark.h"
 #include "bench/support/tabbed_dialog.h"
-#include "platform/automation_error.h"
 #include "tests/support/import_patch.h"
 
 namespace {
@@ -110,17 +109,10 @@ void CompareSwitching() {
 }  // namespace
 
 int wmain() {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const ImportPatch engine("ole32.dll", "CoCreateInstance", &NoEngine);
     const ImportPatch icon("shell32.dll", "Shell_NotifyIconA", &NoIcon);
-    try {
+    return RunBenchmark([] {
         CompareMaking();
         CompareSwitching();
-        return 0;
-    } catch (const AutomationError& error) {
-        std::fprintf(stderr, "Automation error 0x%08lX\n", static_cast<unsigned long>(error.Code()));
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-    }
-    return 1;
+    });
 }

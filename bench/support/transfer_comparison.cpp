@@ -4,7 +4,6 @@
 #include <commctrl.h>
 #include <objbase.h>
 
-#include <cstdio>
 #include <exception>
 #include <stdexcept>
 #include <string>
@@ -13,6 +12,7 @@
 #include "bench/support/bare_store.h"
 #include "bench/support/call_count.h"
 #include "bench/support/comparison.h"
+#include "bench/support/run_benchmark.h"
 #include "lists/banner_sizes.h"
 #include "options/settings_transfer.h"
 #include "platform/automation_error.h"
@@ -149,16 +149,11 @@ void CompareAt(const Lengths& lengths) {
 }  // namespace
 
 int CompareTransfers(std::span<const Lengths> all) {
-    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     const INITCOMMONCONTROLSEX classes{
         sizeof(classes), ICC_WIN95_CLASSES | ICC_STANDARD_CLASSES | ICC_LINK_CLASS | ICC_LISTVIEW_CLASSES};
     InitCommonControlsEx(&classes);
-    try {
+    return RunBenchmark([&] {
         for (const Lengths& lengths : all)
             CompareAt(lengths);
-        return 0;
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "%s\n", error.what());
-        return 1;
-    }
+    });
 }
