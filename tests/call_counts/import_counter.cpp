@@ -128,7 +128,7 @@ CallCounts ImportCounter::All() const {
 
 CallCounts ImportCounter::Registry() const {
     return Where([](const Import& import) {
-        return lstrcmpiA(import.library.c_str(), "advapi32.dll") == 0 && import.function.starts_with("Reg");
+        return lstrcmpiA(import.module.c_str(), "advapi32.dll") == 0 && import.function.starts_with("Reg");
     });
 }
 
@@ -137,7 +137,7 @@ CallCounts ImportCounter::Files() const {
 }
 
 CallCounts ImportCounter::Shell() const {
-    return Where([](const Import& import) { return lstrcmpiA(import.library.c_str(), "shell32.dll") == 0; });
+    return Where([](const Import& import) { return lstrcmpiA(import.module.c_str(), "shell32.dll") == 0; });
 }
 
 CallCounts ImportCounter::Timers() const {

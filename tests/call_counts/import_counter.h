@@ -33,7 +33,7 @@ public:
 
 private:
     struct Import {
-        std::string library;
+        std::string module;
         std::string function;
         void** slot;
         void* original;
