@@ -23,7 +23,7 @@ kDpi=${2:-96}
 
 # Two pages differ in more pixels than this, a blinking caret or a focus rectangle in fewer.
 kPixelsOfAnotherPage=300
-kSeconds=20
+kSeconds=30
 
 Fail() {
     echo "$*" >&2
@@ -101,8 +101,15 @@ VisibleWindows() {
     xdotool search --onlyvisible --name '' 2>/dev/null | sort
 }
 
+# NewWindow BEFORE: sets menu to a window that was not among those of BEFORE.
+NewWindow() {
+    menu=$(comm -13 <(echo "$1") <(VisibleWindows) | head -1)
+    [[ -n $menu ]]
+}
+
 # Where there is no taskbar Wine shows the icon in a window of its own, at its lower left. The icon may not be there
-# yet, or be busy with what went before. The menu is the window that a click on it has brought.
+# yet, or be busy with what went before. The menu is the window that a click on it has brought, and Escape takes one
+# away that came too late: another click would only close it.
 MenuIsOpen() {
     local tray before menu HEIGHT=0
     tray=$(xdotool search --onlyvisible --name '^Wine System Tray$' 2>/dev/null | head -1)
@@ -110,14 +117,23 @@ MenuIsOpen() {
     eval "$(xdotool getwindowgeometry --shell "$tray" | grep '^HEIGHT=')"
     before=$(VisibleWindows)
     xdotool mousemove --window "$tray" $((kDpi / 8)) $((HEIGHT - kDpi / 8)) click 3
-    sleep 0.5
-    menu=$(comm -13 <(echo "$before") <(VisibleWindows) | head -1)
-    [[ -n $menu ]] || return 1
+    WaitFor 5 NewWindow "$before" || { xdotool key Escape; return 1; }
     xdotool windowmove "$tray" 0 900 mousemove 0 0
-    sleep 0.3
-    import -silent -window "$menu" -strip "$kOutput/tray-menu.png" || return 1
+    WaitFor 5 MenuIsDrawn
     xdotool key Escape
-    (($(identify -format %k "$kOutput/tray-menu.png") > 2))
+    [[ -s $kOutput/tray-menu.png ]]
+}
+
+# MenuIsDrawn: takes a picture of the menu, and keeps it if there is text on it and a moment later it looks the same.
+MenuIsDrawn() {
+    local picture
+    for picture in menu again; do
+        sleep 0.3
+        import -silent -window "$menu" "$scratch/$picture.ppm" || return 1
+    done
+    cmp -s "$scratch/menu.ppm" "$scratch/again.ppm" || return 1
+    (($(identify -format %k "$scratch/menu.ppm") > 2)) || return 1
+    convert "$scratch/menu.ppm" -strip "$kOutput/tray-menu.png"
 }
 
 TakeMenu() {
