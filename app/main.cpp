@@ -2,12 +2,14 @@
 #include <windows.h>
 #include <commctrl.h>
 #include <objbase.h>
+#include <ocidl.h>
 
 #include "app/config.h"
 #include "app/config_control.h"
 #include "app/config_globals.h"
 #include "app/frm_config.h"
 #include "platform/class_object.h"
+#include "platform/lasting_interfaces.h"
 #include "platform/registration.h"
 #include "platform/server_security.h"
 #include "platform/type_libraries.h"
@@ -44,6 +46,9 @@ HRESULT Serve() {
     InitCommonControlsEx(&classes);
 
     const HRESULT result = ComMethod([] {
+        KeepInterfaces({IID_IDispatch, IID_ISupportErrorInfo, IID_IProvideClassInfo,
+                        IID_IConnectionPointContainer, IID_IConnectionPoint, __uuidof(_Config),
+                        __uuidof(_ConfigControl)});
         const ClassRegistration configControl(__uuidof(ConfigControl), [](REFIID id, void** object) {
             return MakeObject<ConfigControl>()->QueryInterface(id, object);
         });

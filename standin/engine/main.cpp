@@ -2,11 +2,13 @@
 // told.
 #include <windows.h>
 #include <objbase.h>
+#include <ocidl.h>
 
 #include <optional>
 
 #include "platform/class_object.h"
 #include "platform/com_ptr.h"
+#include "platform/lasting_interfaces.h"
 #include "platform/registration.h"
 #include "sentrel1.h"
 #include "standin.h"
@@ -29,6 +31,8 @@ ServerDescription Description() {
 }
 
 void Serve() {
+    KeepInterfaces({IID_IDispatch, IID_ISupportErrorInfo, IID_IConnectionPointContainer, IID_IConnectionPoint,
+                    __uuidof(_SentrelApp), __uuidof(_Popup), __uuidof(_Control)});
     Engine engine;
     EngineWindow window(engine);
     std::optional<ClassRegistration> applications;

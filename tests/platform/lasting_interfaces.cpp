@@ -1,0 +1,77 @@
+// The interfaces that a server keeps known to COM.
+#include <doctest.h>
+
+#include <windows.h>
+#include <objbase.h>
+#include <ocidl.h>
+
+#include <thread>
+#include <vector>
+
+#include "platform/com_ptr.h"
+#include "platform/lasting_interfaces.h"
+#include "tests/support/import_patch.h"
+
+namespace {
+
+constexpr IID kUnknownToCom = {0x0a5c6f10, 0x2222, 0x4333, {0x84, 0x44, 0x55, 0x55, 0x66, 0x66, 0x77, 0x77}};
+
+struct Shown {
+    IID id;
+    IUnknown* object;
+    DWORD context;
+    DWORD flags;
+    HRESULT result;
+};
+
+const ImportPatch* g_patch = nullptr;
+std::vector<Shown>* g_shown = nullptr;
+
+HRESULT WINAPI RecordMarshal(IStream* stream, REFIID id, IUnknown* object, DWORD context, void* data,
+                             DWORD flags) {
+    const HRESULT result =
+        g_patch->Original<decltype(&CoMarshalInterface)>()(stream, id, object, context, data, flags);
+    g_shown->push_back({id, object, context, flags, result});
+    return result;
+}
+
+}  // namespace
+
+TEST_CASE("interfaces are kept until COM goes, by an object that answers nothing else") {
+    std::vector<Shown> shown;
+    ULONG referencesWhileKept = 0;
+    ULONG referencesAtEnd = 1;
+    HRESULT otherInterface = S_OK;
+    std::thread apartment([&] {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        {
+            const ImportPatch patch("ole32.dll", "CoMarshalInterface", &RecordMarshal);
+            g_patch = &patch;
+            g_shown = &shown;
+            KeepInterfaces({IID_IDispatch, kUnknownToCom, IID_IConnectionPoint});
+        }
+        IUnknown* const object = shown.front().object;
+        void* other = nullptr;
+        otherInterface = object->QueryInterface(IID_IMarshal, &other);
+        referencesWhileKept = object->AddRef() - 1;
+        CoUninitialize();
+        referencesAtEnd = object->Release();
+    });
+    apartment.join();
+
+    REQUIRE(shown.size() == 3);
+    CHECK(IsEqualIID(shown[0].id, IID_IDispatch));
+    CHECK(IsEqualIID(shown[1].id, kUnknownToCom));
+    CHECK(IsEqualIID(shown[2].id, IID_IConnectionPoint));
+    CHECK(shown[0].result == S_OK);
+    CHECK(FAILED(shown[1].result));
+    CHECK(shown[2].result == S_OK);
+    for (const Shown& each : shown) {
+        CHECK(each.object == shown[0].object);
+        CHECK(each.context == MSHCTX_LOCAL);
+        CHECK(each.flags == MSHLFLAGS_TABLESTRONG);
+    }
+    CHECK(otherInterface == E_NOINTERFACE);
+    CHECK(referencesWhileKept > 0);
+    CHECK(referencesAtEnd == 0);
+}
