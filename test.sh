@@ -2,7 +2,7 @@
 # Builds everything and runs the tests under Wine; the last line reads "N passed, N failed".
 #
 #   ./test.sh           every test program and every tests/*_test.sh
-#   ./test.sh NAME      those whose name contains NAME; if there is none, the test cases whose name contains NAME
+#   ./test.sh NAME...   those whose name contains a NAME; if there is none, the test cases whose name contains the first
 #
 # PRESET chooses the CMake preset (release), JOBS how many programs run at a time (4: most of them wait for windows and
 # other processes most of their time). Each of them gets a virtual screen and a fresh prefix in which the manager and
@@ -16,9 +16,9 @@ kProgramSeconds=300
 kShellTestSeconds=300
 
 # The programs that take longest start first, so that none of them runs alone at the end.
-kSlowest='kill_sweep fault_sweep hostile_store engine_faults engine automation engine_storm long_runs'
+kSlowest='window_abuse long_dialogs kill_sweep fault_sweep hostile_store engine_faults engine automation engine_storm'
 
-name=${1:-}
+names=("${@:-}")
 preset=${PRESET:-release}
 jobs=${JOBS:-4}
 export BUILD_DIR=$kBuildRoot/$preset
@@ -104,11 +104,15 @@ done
 chosen=()
 filter=()
 for file in "${tests[@]}"; do
-    [[ $(basename "$file") != *"$name"* ]] || chosen+=("$file")
+    for name in "${names[@]}"; do
+        [[ $(basename "$file") == *"$name"* ]] || continue
+        chosen+=("$file")
+        break
+    done
 done
 if ((${#chosen[@]} == 0)); then
     chosen=("$BUILD_DIR"/tests/*_tests.exe)
-    filter=("--test-case=*$name*")
+    filter=("--test-case=*${names[0]}*")
 fi
 
 rm -rf "$output"

