@@ -1,13 +1,11 @@
 // Everything that may lie where the engine says its log is.
-#include <cstdio>
 #include <random>
 #include <thread>
 
-#include "platform/automation_error.h"
 #include "platform/handle.h"
 #include "platform/text.h"
 #include "tests/closed_log/log_page.h"
-#include "tests/support/import_patch.h"
+#include "tests/hostile_log/file_faults.h"
 #include "tests/support/plain_log.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
@@ -17,15 +15,6 @@ using namespace std::string_literals;
 namespace {
 
 using Rows = std::vector<std::wstring>;
-
-HRESULT ReadLog(ClosedLog& log) {
-    try {
-        log.ReadClosedLog();
-    } catch (const AutomationError& error) {
-        return error.Code();
-    }
-    return S_OK;
-}
 
 // The rows that a log comes to, by the plain reading.
 Rows PlainRows(const std::string& log) {
@@ -58,88 +47,6 @@ void SetSize(const std::wstring& path, long long size) {
     SetFilePointerEx(file.Get(), position, nullptr, FILE_BEGIN);
     SetEndOfFile(file.Get());
 }
-
-// Stands before the file functions of this program while a log is read, and only then.
-class FileFaults {
-public:
-    FileFaults() { s_current = this; }
-    FileFaults(const FileFaults&) = delete;
-    FileFaults& operator=(const FileFaults&) = delete;
-    ~FileFaults() { s_current = nullptr; }
-
-    enum Function { Create, Type, Size, Position, Read };
-
-    bool isArmed = false;
-    int function = Read;
-    long failing = 0;  // which call of the function, counted from 1
-    DWORD error = ERROR_SUCCESS;
-    bool happened = false;
-    DWORD longestRead = 0;  // 0 for any
-    std::function<void(long call)> beforeRead;
-
-    HRESULT Read1(ClosedLog& log) {
-        m_calls = 0;
-        happened = false;
-        isArmed = true;
-        const HRESULT result = ReadLog(log);
-        isArmed = false;
-        return result;
-    }
-
-private:
-    static bool Fails(int called) {
-        FileFaults& self = *s_current;
-        if (!self.isArmed || self.function != called || ++self.m_calls != self.failing) return false;
-        self.happened = true;
-        SetLastError(self.error);
-        return true;
-    }
-    static HANDLE WINAPI FakeCreate(LPCWSTR path, DWORD access, DWORD share, LPSECURITY_ATTRIBUTES security,
-                                    DWORD disposition, DWORD flags, HANDLE model) {
-        if (Fails(Create)) return INVALID_HANDLE_VALUE;
-        return s_current->m_create.Original<decltype(&CreateFileW)>()(path, access, share, security,
-                                                                      disposition, flags, model);
-    }
-    static DWORD WINAPI FakeType(HANDLE file) {
-        if (Fails(Type)) return FILE_TYPE_UNKNOWN;
-        return s_current->m_type.Original<decltype(&GetFileType)>()(file);
-    }
-    static BOOL WINAPI FakeSize(HANDLE file, PLARGE_INTEGER size) {
-        if (Fails(Size)) return FALSE;
-        return s_current->m_size.Original<decltype(&GetFileSizeEx)>()(file, size);
-    }
-    static BOOL WINAPI FakePosition(HANDLE file, LARGE_INTEGER distance, PLARGE_INTEGER position,
-                                    DWORD method) {
-        if (Fails(Position)) return FALSE;
-        return s_current->m_position.Original<decltype(&SetFilePointerEx)>()(file, distance, position,
-                                                                             method);
-    }
-    static BOOL WINAPI FakeRead(HANDLE file, LPVOID buffer, DWORD count, LPDWORD done,
-                                LPOVERLAPPED position) {
-        FileFaults& self = *s_current;
-        if (self.isArmed && self.beforeRead) {
-            self.isArmed = false;
-            self.beforeRead(++self.m_reads);
-            self.isArmed = true;
-        }
-        if (Fails(Read)) {
-            *done = 0;
-            return FALSE;
-        }
-        if (self.isArmed && self.longestRead != 0 && count > self.longestRead) count = self.longestRead;
-        return self.m_read.Original<decltype(&ReadFile)>()(file, buffer, count, done, position);
-    }
-
-    static FileFaults* s_current;
-    long m_calls = 0;
-    long m_reads = 0;
-    const ImportPatch m_create{"kernel32.dll", "CreateFileW", &FakeCreate};
-    const ImportPatch m_type{"kernel32.dll", "GetFileType", &FakeType};
-    const ImportPatch m_size{"kernel32.dll", "GetFileSizeEx", &FakeSize};
-    const ImportPatch m_position{"kernel32.dll", "SetFilePointerEx", &FakePosition};
-    const ImportPatch m_read{"kernel32.dll", "ReadFile", &FakeRead};
-};
-FileFaults* FileFaults::s_current = nullptr;
 
 // Four blocks of different lines.
 std::string LongLog() {

@@ -1,11 +1,11 @@
 // Puts everything that a registry can hold, and more, where the program expects its settings, and compares
 // what a load makes of it with the model.
-#include <cstdio>
 #include <random>
 
 #include "platform/text.h"
 #include "store/registry.h"
 #include "store/settings_schema.h"
+#include "tests/hostile_store/hostile_bytes.h"
 #include "tests/support/memory_registry.h"
 #include "tests/support/message_recorder.h"
 #include "tests/support/settings_model.h"
@@ -42,119 +42,6 @@ public:
 private:
     const HWND m_hwnd;
 };
-
-const std::vector<std::string>& Bytes() {
-    static const std::vector<std::string> s_bytes = [] {
-        std::vector<std::string> bytes{"",
-                                       " ",
-                                       "  1  ",
-                                       "0",
-                                       "1",
-                                       "2",
-                                       "-1",
-                                       "-0",
-                                       "+0",
-                                       "1.",
-                                       ".5",
-                                       "0.5",
-                                       "1.5",
-                                       "2.5",
-                                       "1,5",
-                                       "1.000,5",
-                                       "1 000",
-                                       "1'000",
-                                       "1e0",
-                                       "1e400",
-                                       "-1e400",
-                                       "1e-400",
-                                       "nan",
-                                       "inf",
-                                       "&H10",
-                                       "&HFFFF",
-                                       "&O17",
-                                       "0x10",
-                                       "#TRUE#",
-                                       "True",
-                                       "TRUE",
-                                       "true",
-                                       "False",
-                                       "Wahr",
-                                       "yes",
-                                       "$5",
-                                       "5%",
-                                       "(5)",
-                                       "5-",
-                                       "32767",
-                                       "32768",
-                                       "-32768",
-                                       "-32769",
-                                       "65535",
-                                       "65536",
-                                       "2147483647",
-                                       "2147483648",
-                                       "-2147483648",
-                                       "-2147483649",
-                                       "4294967295",
-                                       "4294967296",
-                                       "9223372036854775807",
-                                       "79228162514264337593543950335",
-                                       "400",
-                                       "2000",
-                                       "400.5",
-                                       "400\r\n",
-                                       "400\n",
-                                       "\t400",
-                                       "5000",
-                                       "1000000",
-                                       "Shift",
-                                       "shift",
-                                       "F9",
-                                       "F11",
-                                       "Startup",
-                                       "startup",
-                                       "RunOnly",
-                                       "Manual",
-                                       "Manual ",
-                                       "a\0b"s,
-                                       "\0"s,
-                                       "\0\0"s,
-                                       "1\0"s,
-                                       "1\0002"s,
-                                       "\0001"s,
-                                       "1\0\0\0"s,
-                                       "ab",
-                                       "abc",
-                                       "%PATH%",
-                                       "%s%n",
-                                       "<a href=\"x\">&amp;",
-                                       "\x80\x81\x8d\x8f\x90\x9d\xff",
-                                       "\xc3\xa4",
-                                       "\xf0\x9f\x98\x80",
-                                       "\x7f",
-                                       "\xff\xfe\x31",
-                                       "\x01\x00\x00\x00"s,
-                                       "\xff\xff\xff\xff",
-                                       "\x00\x00\x00\x80"s,
-                                       "\x90\x01\x00\x00"s,
-                                       "\x00\x00\x01\x90"s,
-                                       "\x01\x00\x00\x00\x00\x00\x00\x00"s,
-                                       "\x01\x00\x00"s,
-                                       "\x01\x00"s,
-                                       "\x01",
-                                       std::string(255, 'a'),
-                                       std::string(256, 'b'),
-                                       std::string(260, 'c'),
-                                       std::string(1023, 'd'),
-                                       std::string(400, '9'),
-                                       std::string(65536, 'e'),
-                                       std::string(65536, '\0'),
-                                       std::string(65535, 'f')};
-        for (int byte = 1; byte < 256; byte += 32)
-            bytes.emplace_back(1, static_cast<char>(byte));
-        return bytes;
-    }();
-    return s_bytes;
-}
 
 StoredValue Text(const std::string& bytes) {
     return {REG_SZ, bytes};
@@ -257,7 +144,7 @@ TEST_CASE("every value, whatever its type and bytes, is loaded or leaves its con
             RegistryContents store = usual;
             store[key].erase(name);
             f.Check(store);
-            for (const std::string& bytes : Bytes()) {
+            for (const std::string& bytes : HostileBytes()) {
                 INFO("bytes " << bytes.substr(0, 40) << " (" << bytes.size() << ")");
                 store[key][name] = {REG_SZ, bytes};
                 f.Check(store);
@@ -295,7 +182,7 @@ TEST_CASE("stores put together by chance are loaded and saved as the rules say")
     const auto below = [&](size_t limit) { return static_cast<size_t>(random()) % limit; };
     HostileStore f;
     std::vector<std::string> bytes;
-    for (const std::string& each : Bytes()) {
+    for (const std::string& each : HostileBytes()) {
         if (each.size() < 2000) bytes.push_back(each);
     }
     const auto anything = [&]() -> StoredValue {
@@ -416,7 +303,7 @@ TEST_CASE("the system's registry gives hostile values as the model says") {
     SettingsWindow page;
     const PlainEdit edit;
     long loads = 0;
-    for (const std::string& bytes : Bytes()) {
+    for (const std::string& bytes : HostileBytes()) {
         // The size of text that is empty or ends in a NUL is the system's own affair.
         if (bytes.empty() || bytes.back() == '\0') continue;
         for (const DWORD type : {DWORD{REG_SZ}, DWORD{REG_BINARY}, DWORD{REG_DWORD}}) {

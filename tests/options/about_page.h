@@ -1,0 +1,87 @@
+// What the tests of the link and of the logo share: the shell that opens addresses, and what a control draws.
+#pragma once
+
+#include <windows.h>
+#include <shellapi.h>
+
+#include <string>
+#include <vector>
+
+#include "platform/control.h"
+#include "tests/support/import_patch.h"
+
+struct Opened {
+    HWND owner;
+    std::string verb;
+    std::string file;
+    bool hasParameters;
+    bool hasDirectory;
+    int show;
+};
+
+// Takes the place of the shell while it exists, and has no program for any address.
+class Browser {
+public:
+    Browser() { s_opened = &opened; }
+    Browser(const Browser&) = delete;
+    Browser& operator=(const Browser&) = delete;
+    ~Browser() { s_opened = nullptr; }
+
+    std::vector<Opened> opened;
+
+private:
+    static HINSTANCE WINAPI Execute(HWND owner, LPCSTR verb, LPCSTR file, LPCSTR parameters, LPCSTR directory,
+                                    INT show) {
+        s_opened->push_back({owner, verb, file, parameters != nullptr, directory != nullptr, show});
+        return reinterpret_cast<HINSTANCE>(SE_ERR_NOASSOC);
+    }
+
+    static inline std::vector<Opened>* s_opened = nullptr;
+    const ImportPatch m_patch{"shell32.dll", "ShellExecuteA", &Execute};
+};
+
+inline constexpr wchar_t kAddress[] = L"http://www.calvane.example/";
+
+inline LPARAM MiddleOf(HWND window) {
+    RECT bounds;
+    GetClientRect(window, &bounds);
+    return MAKELPARAM(bounds.right / 2, bounds.bottom / 2);
+}
+
+// What a control draws into its client area.
+class Drawing {
+public:
+    Drawing(HWND window, COLORREF before) {
+        RECT bounds;
+        GetClientRect(window, &bounds);
+        const HDC screen = GetDC(nullptr);
+        m_dc = CreateCompatibleDC(screen);
+        m_bitmap = CreateCompatibleBitmap(screen, bounds.right, bounds.bottom);
+        ReleaseDC(nullptr, screen);
+        m_old = SelectObject(m_dc, m_bitmap);
+        const HBRUSH brush = CreateSolidBrush(before);
+        FillRect(m_dc, &bounds, brush);
+        DeleteObject(brush);
+        SendMessageW(window, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(m_dc), PRF_CLIENT);
+    }
+    Drawing(const Drawing&) = delete;
+    Drawing& operator=(const Drawing&) = delete;
+    ~Drawing() {
+        SelectObject(m_dc, m_old);
+        DeleteObject(m_bitmap);
+        DeleteDC(m_dc);
+    }
+
+    COLORREF At(int x, int y) const { return GetPixel(m_dc, x, y); }
+
+private:
+    HDC m_dc;
+    HBITMAP m_bitmap;
+    HGDIOBJ m_old;
+};
+
+inline constexpr COLORREF kBefore = RGB(1, 254, 3);
+
+inline void Resize(const Control& control, int width, int height) {
+    SetWindowPos(control.Hwnd(), nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+}
