@@ -7,6 +7,7 @@
 #include "platform/handle.h"
 #include "tests/closed_log/log_page.h"
 #include "tests/support/automation.h"
+#include "tests/support/error_of.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/plain_log.h"
 #include "tests/support/shown_text.h"
@@ -16,15 +17,6 @@ using namespace std::string_literals;
 namespace {
 
 using Rows = std::vector<std::wstring>;
-
-HRESULT ErrorOf(const std::function<void()>& body) {
-    try {
-        body();
-    } catch (const AutomationError& error) {
-        return error.Code();
-    }
-    return S_OK;
-}
 
 // Serves some reads and fails the next one.
 int g_readsServed = 0;

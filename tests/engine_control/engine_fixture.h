@@ -7,6 +7,7 @@
 
 #include "platform/automation_error.h"
 #include "tests/engine_control/fake_engine.h"
+#include "tests/support/error_of.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/plain_window.h"
 #include "tray/engine_control.h"
@@ -54,15 +55,6 @@ struct EngineFixture {
     // Until the timer of the commands is off again.
     bool Tick() {
         return PumpUntil([&] { return !engine.tmMenu().Running(); });
-    }
-
-    HRESULT ErrorOf(const std::function<void()>& body) {
-        try {
-            body();
-        } catch (const AutomationError& error) {
-            return error.Code();
-        }
-        return S_OK;
     }
 
     PlainWindow window;

@@ -9,6 +9,7 @@
 #include "tests/support/settings_model.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
+#include "tests/support/stored_values.h"
 
 namespace {
 
@@ -132,19 +133,7 @@ RegistryContents SystemContents() {
     for (const auto& [root, path] : keys) {
         HKEY key = nullptr;
         if (RegOpenKeyExW(root, FromAnsi(path).c_str() + 5, 0, KEY_READ, &key) != ERROR_SUCCESS) continue;
-        StoredKey& stored = contents[path];
-        for (DWORD index = 0;; ++index) {
-            char name[256];
-            char data[1024];
-            DWORD nameLength = 256;
-            DWORD size = sizeof(data);
-            DWORD type = 0;
-            if (RegEnumValueA(key, index, name, &nameLength, nullptr, &type, reinterpret_cast<BYTE*>(data),
-                              &size) != ERROR_SUCCESS) {
-                break;
-            }
-            stored[name] = {type, std::string(data, size)};
-        }
+        contents[path] = ValuesIn(key);
         RegCloseKey(key);
     }
     return contents;

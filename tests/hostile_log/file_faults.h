@@ -6,17 +6,8 @@
 #include <functional>
 
 #include "lists/closed_log.h"
-#include "platform/automation_error.h"
+#include "tests/support/error_of.h"
 #include "tests/support/import_patch.h"
-
-inline HRESULT ReadLog(ClosedLog& log) {
-    try {
-        log.ReadClosedLog();
-    } catch (const AutomationError& error) {
-        return error.Code();
-    }
-    return S_OK;
-}
 
 // Stands before the file functions of this program while a log is read, and only then.
 class FileFaults {
@@ -40,7 +31,7 @@ public:
         m_calls = 0;
         happened = false;
         isArmed = true;
-        const HRESULT result = ReadLog(log);
+        const HRESULT result = ErrorOf([&] { log.ReadClosedLog(); });
         isArmed = false;
         return result;
     }

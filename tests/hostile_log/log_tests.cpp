@@ -6,6 +6,7 @@
 #include "platform/text.h"
 #include "tests/closed_log/log_page.h"
 #include "tests/hostile_log/file_faults.h"
+#include "tests/support/error_of.h"
 #include "tests/support/plain_log.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
@@ -189,7 +190,7 @@ TEST_CASE_FIXTURE(LogPage, "a single line of 100 MB is shown, or given up for wa
             WriteFile(file.Get(), block.data(), static_cast<DWORD>(block.size()), &done, nullptr);
     }
     const DWORD start = GetTickCount();
-    const HRESULT result = ReadLog(log);
+    const HRESULT result = ErrorOf([&] { log.ReadClosedLog(); });
     const DWORD duration = GetTickCount() - start;
     CHECK((result == S_OK || result == E_OUTOFMEMORY));
     if (result == S_OK) {
@@ -206,7 +207,7 @@ TEST_CASE_FIXTURE(
     SetSize(path, 5'000'000'000);
     Append(path, "\r\nnewer\r\nnewest\r\n");
     const DWORD start = GetTickCount();
-    const HRESULT result = ReadLog(log);
+    const HRESULT result = ErrorOf([&] { log.ReadClosedLog(); });
     const DWORD duration = GetTickCount() - start;
     CHECK(result == E_OUTOFMEMORY);
     CHECK(RowsOf(lstClosedWnd) == Rows{L"newest", L"newer"});
@@ -248,16 +249,16 @@ TEST_CASE_FIXTURE(LogPage, "what is no file is not waited for") {
         INFO(ToAnsi(name));
         path = name;
         const DWORD start = GetTickCount();
-        ReadLog(log);
+        ErrorOf([&] { log.ReadClosedLog(); });
         CHECK(GetTickCount() - start < 3000);
         ++count;
     }
     path = std::wstring(40000, L'x');
-    CHECK(FAILED(ReadLog(log)));
+    CHECK(FAILED(ErrorOf([&] { log.ReadClosedLog(); })));
     path = folder.Folder();
     while (path.size() < 300)
         path += L"\\missing";
-    CHECK(FAILED(ReadLog(log)));
+    CHECK(FAILED(ErrorOf([&] { log.ReadClosedLog(); })));
     MESSAGE("paths of what is no file: " << count + 2);
 }
 
@@ -284,7 +285,7 @@ TEST_CASE_FIXTURE(LogPage, "a pipe that announces bytes and never delivers them 
         DWORD written = 0;
         WriteFile(server.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
     });
-    const HRESULT result = ReadLog(log);
+    const HRESULT result = ErrorOf([&] { log.ReadClosedLog(); });
     SetEvent(done);
     rescue.join();
     CloseHandle(done);

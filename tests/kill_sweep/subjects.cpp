@@ -2,6 +2,7 @@
 
 #include "platform/handle.h"
 #include "platform/text.h"
+#include "tests/support/stored_values.h"
 
 namespace {
 
@@ -67,18 +68,8 @@ WindowState EditedWindow() {
 }
 
 void Walk(HKEY key, const std::string& root, RegistryContents& contents) {
+    if (StoredKey values = ValuesIn(key); !values.empty()) contents[root] = std::move(values);
     std::string name(1024, '\0');
-    std::string data(1 << 16, '\0');
-    for (DWORD index = 0;; ++index) {
-        DWORD nameLength = static_cast<DWORD>(name.size());
-        DWORD size = static_cast<DWORD>(data.size());
-        DWORD type = 0;
-        if (RegEnumValueA(key, index, name.data(), &nameLength, nullptr, &type,
-                          reinterpret_cast<BYTE*>(data.data()), &size) != ERROR_SUCCESS) {
-            break;
-        }
-        contents[root][name.substr(0, nameLength)] = {type, data.substr(0, size)};
-    }
     for (DWORD index = 0;; ++index) {
         DWORD nameLength = static_cast<DWORD>(name.size());
         if (RegEnumKeyExA(key, index, name.data(), &nameLength, nullptr, nullptr, nullptr, nullptr) !=

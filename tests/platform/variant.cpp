@@ -7,6 +7,7 @@
 
 #include "platform/automation_error.h"
 #include "platform/text.h"
+#include "tests/support/error_of.h"
 
 using namespace std::string_literals;
 
@@ -14,16 +15,6 @@ namespace {
 
 constexpr auto kTypeMismatch = static_cast<HRESULT>(0x800A000D);
 constexpr auto kOverflow = static_cast<HRESULT>(0x800A0006);
-
-template <class Body>
-HRESULT ErrorOf(Body&& body) {
-    try {
-        body();
-    } catch (const AutomationError& error) {
-        return error.Code();
-    }
-    return S_OK;
-}
 
 // The user's separators, since conversions follow the user's locale.
 std::wstring Locale(LCTYPE what) {

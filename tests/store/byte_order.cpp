@@ -3,6 +3,7 @@
 
 #include "platform/automation_error.h"
 #include "store/registry.h"
+#include "tests/support/error_of.h"
 
 using namespace std::string_literals;
 
@@ -29,16 +30,6 @@ const Row kRows[] = {
 
 std::string Reversed(const std::string& bytes) {
     return {bytes.rbegin(), bytes.rend()};
-}
-
-template <class Body>
-HRESULT ErrorOf(Body&& body) {
-    try {
-        body();
-    } catch (const AutomationError& error) {
-        return error.Code();
-    }
-    return S_OK;
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/automation_error.h"
+#include "tests/support/error_of.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/plain_window.h"
 #include "tests/tray_icon/fake_picture_box.h"
@@ -10,16 +11,6 @@
 #include "tray/picture_array.h"
 
 namespace {
-
-template <class Body>
-HRESULT ErrorOf(Body&& body) {
-    try {
-        body();
-    } catch (const AutomationError& error) {
-        return error.Code();
-    }
-    return S_OK;
-}
 
 constexpr HRESULT kOutOfRange = HresultOf(ErrorNumber::SubscriptOutOfRange);
 

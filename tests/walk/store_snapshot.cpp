@@ -4,6 +4,7 @@
 
 #include "platform/text.h"
 #include "store/settings_schema.h"
+#include "tests/support/stored_values.h"
 
 Rows StoredIn(const std::wstring& key) {
     HKEY opened = nullptr;
@@ -13,20 +14,11 @@ Rows StoredIn(const std::wstring& key) {
     }
     const RegistryKey owner(opened);
     Rows rows;
-    std::string name(1024, '\0');
-    std::string data(1 << 16, '\0');
-    for (DWORD index = 0;; ++index) {
-        DWORD nameLength = static_cast<DWORD>(name.size());
-        DWORD size = static_cast<DWORD>(data.size());
-        DWORD type = 0;
-        if (RegEnumValueA(opened, index, name.data(), &nameLength, nullptr, &type,
-                          reinterpret_cast<BYTE*>(data.data()), &size) != ERROR_SUCCESS) {
-            break;
-        }
-        std::wstring text = FromAnsi({data.data(), size});
+    for (const auto& [name, value] : ValuesIn(opened)) {
+        std::wstring text = FromAnsi(value.bytes);
         if (text.ends_with(L'\0')) text.back() = L'@';
-        std::wstring row = FromAnsi({name.data(), nameLength}) + L'=' + text;
-        if (type != REG_SZ) row += L" of type " + std::to_wstring(type);
+        std::wstring row = FromAnsi(name) + L'=' + text;
+        if (value.type != REG_SZ) row += L" of type " + std::to_wstring(value.type);
         rows.push_back(row);
     }
     std::sort(rows.begin(), rows.end());
