@@ -13,7 +13,6 @@
 namespace {
 
 constexpr size_t kChildrenAtOnce = 4;
-constexpr long kMostKills = 100;  // of one sweep
 
 // The user's Software key, opened before the test's own registry stands in its place.
 RegistryKey OpenRealSoftware() {
@@ -39,26 +38,14 @@ RegistryContents OthersIn(RegistryContents store) {
     return WithoutEmptyKeys(store);
 }
 
-// Calls 1 to count, each of them where that is few enough, else as many spread evenly, the first and the last
-// among them.
-std::vector<long> Sample(long count, long most) {
-    std::vector<long> calls;
-    if (count <= most) most = count;
-    for (long i = 0; i < most; ++i)
-        calls.push_back(1 + i * (count - 1) / (most - 1));
-    return calls;
-}
-
-// Runs the children, some at a time, and gives each one's store to look.
-void Sweep(const char* testCase, const std::vector<long>& calls, HKEY realSoftware,
+// Runs a child for each call from first to last, to be ended there, some at a time, and gives its store to
+// look.
+void Sweep(const char* testCase, long first, long last, HKEY realSoftware,
            const std::function<void(long call, DWORD code, RegistryContents store)>& look) {
     std::deque<std::pair<long, Child>> running;
-    auto next = calls.begin();
-    while (next != calls.end() || !running.empty()) {
-        while (next != calls.end() && running.size() < kChildrenAtOnce) {
-            running.emplace_back(*next, Child(testCase, *next));
-            ++next;
-        }
+    for (long next = first; next <= last || !running.empty();) {
+        for (; next <= last && running.size() < kChildrenAtOnce; ++next)
+            running.emplace_back(next, Child(testCase, next));
         auto& [call, child] = running.front();
         const DWORD code = child.Wait();
         look(call, code, child.TakeStore(realSoftware));
@@ -122,28 +109,28 @@ TEST_CASE("a first run that is ended by force at any registry call is made up fo
     WindowState idealWindow;
     SettingsModel(ideal).Load(idealWindow);
 
-    const std::vector<long> kills = Sample(calls, kMostKills);
     long ended = 0;
-    Sweep("child: first run", kills, realSoftware.Get(), [&](long call, DWORD code, RegistryContents store) {
-        CAPTURE(call);
-        CHECK(code == kKilled);
-        if (code == kKilled) ++ended;
-        // All that came before the call is there, and nothing else.
-        RegistryContents expected = Neighbours();
-        SettingsModel(expected, {std::nullopt, call, true}).WriteFirstRun(directory);
-        CHECK(Difference(WithoutEmptyKeys(store), WithoutEmptyKeys(expected)) == "");
+    Sweep("child: first run", 1, calls, realSoftware.Get(),
+          [&](long call, DWORD code, RegistryContents store) {
+              CAPTURE(call);
+              CHECK(code == kKilled);
+              if (code == kKilled) ++ended;
+              // All that came before the call is there, and nothing else.
+              RegistryContents expected = Neighbours();
+              SettingsModel(expected, {std::nullopt, call, true}).WriteFirstRun(directory);
+              CHECK(Difference(WithoutEmptyKeys(store), WithoutEmptyKeys(expected)) == "");
 
-        registry.contents = store;
-        const NextStart start = StartAnew(page, registry);
-        CHECK(Difference(WithoutEmptyKeys(registry.contents), WithoutEmptyKeys(ideal)) == "");
-        CHECK(Difference(start.shown, idealWindow) == "");
-        CHECK(AppliesUntilWhole(page, registry, EditedWindow(), 1) == 1);
-        CHECK(OthersIn(registry.contents) == OthersIn(Neighbours()));
-    });
-    CHECK(ended == static_cast<long>(kills.size()));
+              registry.contents = store;
+              const NextStart start = StartAnew(page, registry);
+              CHECK(Difference(WithoutEmptyKeys(registry.contents), WithoutEmptyKeys(ideal)) == "");
+              CHECK(Difference(start.shown, idealWindow) == "");
+              CHECK(AppliesUntilWhole(page, registry, EditedWindow(), 1) == 1);
+              CHECK(OthersIn(registry.contents) == OthersIn(Neighbours()));
+          });
+    CHECK(ended == calls);
 
     DWORD code = 0;
-    Sweep("child: first run", {calls + 1}, realSoftware.Get(),
+    Sweep("child: first run", calls + 1, calls + 1, realSoftware.Get(),
           [&](long, DWORD theCode, const RegistryContents&) { code = theCode; });
     CHECK(code == kRanThrough);
     CHECK(Others(realSoftware) == before);
@@ -164,12 +151,11 @@ TEST_CASE(
     page.commands.cmdApply_Click();
     const long calls = registry.Counter().Calls();
 
-    const std::vector<long> kills = Sample(calls, kMostKills);
     long ended = 0;
     long onceEdited = 0;
     long twiceEdited = 0;
     size_t fewestRows = 1000;
-    Sweep("child: Apply", kills, realSoftware.Get(), [&](long call, DWORD code, RegistryContents store) {
+    Sweep("child: Apply", 1, calls, realSoftware.Get(), [&](long call, DWORD code, RegistryContents store) {
         CAPTURE(call);
         CHECK(code == kKilled);
         if (code == kKilled) ++ended;
@@ -196,10 +182,10 @@ TEST_CASE(
         ++(applies == 1 ? onceEdited : twiceEdited);
         CHECK(OthersIn(registry.contents) == OthersIn(Neighbours()));
     });
-    CHECK(ended == static_cast<long>(kills.size()));
+    CHECK(ended == calls);
 
     DWORD code = 0;
-    Sweep("child: Apply", {calls + 1}, realSoftware.Get(),
+    Sweep("child: Apply", calls + 1, calls + 1, realSoftware.Get(),
           [&](long, DWORD theCode, const RegistryContents&) { code = theCode; });
     CHECK(code == kRanThrough);
     CHECK(Others(realSoftware) == before);
