@@ -25,7 +25,8 @@ private:
 
 }  // namespace
 
-void KeepInterfaces(const std::vector<IID>& ids) {
+void KeepInterfaces(std::vector<IID> ids) {
+    ids.insert(ids.end(), {IID_IUnknown, IID_IClassFactory});
     const ComPtr<IUnknown> object = MakeObject<NeverCalled>(ids);
     for (const IID& id : ids) {
         ComPtr<IStream> stream;

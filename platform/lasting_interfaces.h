@@ -5,11 +5,12 @@
 
 #include <vector>
 
-// Shows an object, of which no client ever hears, by each of the interfaces to other processes, until COM is
-// uninitialized in the calling apartment. What cannot be shown is left out.
+// Shows an object, of which no client ever hears, by each of the interfaces to other processes, and by those
+// with which clients create objects, until COM is uninitialized in the calling apartment. What cannot be
+// shown is left out.
 //
 // Wine forgets an interface when the last object goes that other processes hold by it, and first waits for
 // calls of that interface to end. One that ends at that very moment it waits for without end, and the
 // apartment serves nobody any more. While there is such an object, nothing is forgotten. Windows has no use
 // for it and takes no harm.
-void KeepInterfaces(const std::vector<IID>& ids);
+void KeepInterfaces(std::vector<IID> ids);
