@@ -3,7 +3,7 @@
 #include "app/config_globals.h"
 #include "app/frm_config.h"
 #include "platform/text.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tray/bas_shell_notify.h"
 
 namespace {

@@ -3,9 +3,9 @@
 
 #include <ocidl.h>
 
-#include "platform/dispatch_object.h"
-#include "platform/event_source.h"
-#include "platform/type_libraries.h"
+#include "platform/com/dispatch_object.h"
+#include "platform/com/event_source.h"
+#include "platform/com/type_libraries.h"
 #include "sentrel_config_face.h"
 
 class Config final : public DispatchObject<_Config, kPublicTypeLibrary>, private IProvideClassInfo {

@@ -1,8 +1,8 @@
 // The creatable class: how clients come to the shared Config, and how they end the manager.
 #pragma once
 
-#include "platform/dispatch_object.h"
-#include "platform/type_libraries.h"
+#include "platform/com/dispatch_object.h"
+#include "platform/com/type_libraries.h"
 #include "sentrel_config_face.h"
 
 // What a show type asks for, beside the names that the type library gives to 1 and 2.

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 
 class Config;
 class frmConfig;

@@ -1,6 +1,6 @@
 #include "app/config_page.h"
 
-#include "platform/theme.h"
+#include "platform/controls/theme.h"
 
 void ConfigPage::CreateOn(HWND parent, const RECT& area, HWND sibling) {
     Create(parent);

@@ -1,7 +1,7 @@
 // A page of the tabbed window: a child dialog that carries some of the window's controls.
 #pragma once
 
-#include "platform/dialog.h"
+#include "platform/controls/dialog.h"
 
 class ConfigPage final : public Dialog {
 public:

@@ -4,7 +4,7 @@
 
 #include "app/config_globals.h"
 #include "app/resource.h"
-#include "platform/server_process.h"
+#include "platform/com/server_process.h"
 #include "store/first_run.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include <algorithm>
 
 #include "app/frm_config.h"
-#include "platform/access_keys.h"
+#include "platform/controls/access_keys.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include "app/config_control.h"
 #include "app/config_globals.h"
 #include "app/frm_config.h"
-#include "platform/class_object.h"
-#include "platform/lasting_interfaces.h"
-#include "platform/registration.h"
-#include "platform/server_security.h"
-#include "platform/type_libraries.h"
+#include "platform/com/class_object.h"
+#include "platform/com/lasting_interfaces.h"
+#include "platform/com/registration.h"
+#include "platform/com/server_security.h"
+#include "platform/com/type_libraries.h"
 
 namespace {
 

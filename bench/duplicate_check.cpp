@@ -10,7 +10,7 @@
 #include "bench/support/comparison.h"
 #include "bench/support/run_benchmark.h"
 #include "lists/is_in_list.h"
-#include "platform/list_box.h"
+#include "platform/controls/list_box.h"
 #include "platform/text.h"
 #include "tests/support/test_window.h"
 

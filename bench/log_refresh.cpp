@@ -16,7 +16,7 @@
 #include "lists/closed_log.h"
 #include "platform/automation_error.h"
 #include "platform/text.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/support/automation.h"
 #include "tests/support/plain_log.h"
 #include "tests/support/test_window.h"

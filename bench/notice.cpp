@@ -16,7 +16,7 @@
 #include "bench/support/run_benchmark.h"
 #include "bench/support/server_client.h"
 #include "platform/automation_error.h"
-#include "platform/event_connection.h"
+#include "platform/com/event_connection.h"
 #include "sentrel1.h"
 #include "tests/engine_control/fake_engine.h"
 #include "tests/support/automation.h"

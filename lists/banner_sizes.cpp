@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "lists/frm_add_banner_size.h"
-#include "platform/message.h"
-#include "platform/variant.h"
+#include "platform/controls/message.h"
+#include "platform/com/variant.h"
 
 namespace {
 

@@ -1,9 +1,9 @@
 // The Banners page: the image sizes that the engine hides.
 #pragma once
 
-#include "platform/button.h"
-#include "platform/control.h"
-#include "platform/list_view.h"
+#include "platform/controls/button.h"
+#include "platform/controls/control.h"
+#include "platform/controls/list_view.h"
 
 // Empties the list and shares its width out to its three columns.
 void SetupBannerColumns(ListView& list);

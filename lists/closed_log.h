@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "platform/button.h"
-#include "platform/control.h"
-#include "platform/list_box.h"
+#include "platform/controls/button.h"
+#include "platform/controls/control.h"
+#include "platform/controls/list_box.h"
 
 class ClosedLog {
 public:

@@ -1,9 +1,9 @@
 // The Exclude page: the web sites whose pop-up windows the engine leaves alone.
 #pragma once
 
-#include "platform/button.h"
-#include "platform/control.h"
-#include "platform/list_box.h"
+#include "platform/controls/button.h"
+#include "platform/controls/control.h"
+#include "platform/controls/list_box.h"
 
 class ExcludeList {
 public:

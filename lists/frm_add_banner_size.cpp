@@ -3,8 +3,8 @@
 #include <string>
 
 #include "lists/centre_on_owner.h"
-#include "platform/message.h"
-#include "platform/variant.h"
+#include "platform/controls/message.h"
+#include "platform/com/variant.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "lists/frm_add_search.h"
 
 #include "lists/centre_on_owner.h"
-#include "platform/message.h"
-#include "platform/variant.h"
+#include "platform/controls/message.h"
+#include "platform/com/variant.h"
 
 frmAddSearch::frmAddSearch() : Dialog(IDD_ADD_SEARCH) {
     m_cmdOK.Click = [this] { cmdOK_Click(); };

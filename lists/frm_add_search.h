@@ -6,10 +6,10 @@
 #include <string>
 
 #include "lists/resource.h"
-#include "platform/button.h"
-#include "platform/dialog.h"
-#include "platform/list_view.h"
-#include "platform/text_box.h"
+#include "platform/controls/button.h"
+#include "platform/controls/dialog.h"
+#include "platform/controls/list_view.h"
+#include "platform/controls/text_box.h"
 
 class frmAddSearch final : public Dialog {
 public:

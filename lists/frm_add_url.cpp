@@ -5,7 +5,7 @@
 
 #include "lists/centre_on_owner.h"
 #include "lists/is_in_list.h"
-#include "platform/message.h"
+#include "platform/controls/message.h"
 
 namespace {
 

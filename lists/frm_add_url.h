@@ -4,10 +4,10 @@
 #include <array>
 
 #include "lists/resource.h"
-#include "platform/button.h"
-#include "platform/dialog.h"
-#include "platform/list_box.h"
-#include "platform/text_box.h"
+#include "platform/controls/button.h"
+#include "platform/controls/dialog.h"
+#include "platform/controls/list_box.h"
+#include "platform/controls/text_box.h"
 
 class frmAddUrl final : public Dialog {
 public:

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "lists/frm_add_search.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 
 void SetupSearchColumns(ListView& list) {
     list.Clear();

@@ -1,9 +1,9 @@
 // The Search page: the search engines and their addresses.
 #pragma once
 
-#include "platform/button.h"
-#include "platform/control.h"
-#include "platform/list_view.h"
+#include "platform/controls/button.h"
+#include "platform/controls/control.h"
+#include "platform/controls/list_view.h"
 
 // Empties the list and shares its width out to its two columns.
 void SetupSearchColumns(ListView& list);

@@ -1,7 +1,7 @@
 // The only record that something was changed since the last save: whether the Apply button is enabled.
 #pragma once
 
-#include "platform/button.h"
+#include "platform/controls/button.h"
 
 class ChangeMark {
 public:

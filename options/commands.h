@@ -2,7 +2,7 @@
 #pragma once
 
 #include "options/settings_transfer.h"
-#include "platform/button.h"
+#include "platform/controls/button.h"
 
 class Commands {
 public:

@@ -4,11 +4,11 @@
 
 #include <string>
 
-#include "platform/combo_box.h"
-#include "platform/image_box.h"
-#include "platform/link_label.h"
-#include "platform/option_button.h"
-#include "platform/up_down.h"
+#include "platform/controls/combo_box.h"
+#include "platform/controls/image_box.h"
+#include "platform/controls/link_label.h"
+#include "platform/controls/option_button.h"
+#include "platform/controls/up_down.h"
 #include "store/registry.h"
 
 class GeneralOptions {

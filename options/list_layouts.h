@@ -6,7 +6,7 @@
 
 #include "lists/banner_sizes.h"
 #include "lists/search_addresses.h"
-#include "platform/list_view.h"
+#include "platform/controls/list_view.h"
 #include "store/settings_schema.h"
 
 // An entry has a name, which is its row's text, these fields, and its use, which is its check mark. Entries

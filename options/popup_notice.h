@@ -3,9 +3,9 @@
 
 #include <string>
 
-#include "platform/button.h"
-#include "platform/check_box.h"
-#include "platform/common_dialog.h"
+#include "platform/controls/button.h"
+#include "platform/controls/check_box.h"
+#include "platform/controls/common_dialog.h"
 
 // Keeps at most one of the two check boxes checked, and the sound buttons enabled to match. Shows no message,
 // whatever fails.

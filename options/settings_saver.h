@@ -4,11 +4,11 @@
 #include <string>
 
 #include "options/list_layouts.h"
-#include "platform/check_box.h"
-#include "platform/control.h"
-#include "platform/list_box.h"
-#include "platform/text_box.h"
-#include "platform/variant.h"
+#include "platform/controls/check_box.h"
+#include "platform/controls/control.h"
+#include "platform/controls/list_box.h"
+#include "platform/controls/text_box.h"
+#include "platform/com/variant.h"
 #include "store/registry.h"
 
 class SettingsSaver {

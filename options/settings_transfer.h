@@ -5,8 +5,8 @@
 #include "options/change_mark.h"
 #include "options/general_options.h"
 #include "options/popup_notice.h"
-#include "platform/combo_box.h"
-#include "platform/control.h"
+#include "platform/controls/combo_box.h"
+#include "platform/controls/control.h"
 
 // Goes through the controls in their order. Every check box and text box of the table is stored under its own
 // name; the lists are the controls named lstExclude, lvwBanners and lvwSearchURLs. Reports nothing: what

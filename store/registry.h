@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 
 // The privilege that reads any key, whatever its permissions: for AdjustPrivilege.
 inline constexpr wchar_t kBackupPrivilege[] = L"SeBackupPrivilege";

@@ -1,6 +1,6 @@
 #include "store/settings_schema.h"
 
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 
 namespace Schema {
 

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/server_process.h"
+#include "platform/com/server_process.h"
 #include "platform/text.h"
 
 namespace {

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/server_security.h"
+#include "platform/com/server_security.h"
 #include "platform/text.h"
 #include "tests/support/import_patch.h"
 

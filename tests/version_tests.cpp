@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/automation_error.h"
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 #include "platform/text.h"
 #include "version.h"
 

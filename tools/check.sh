@@ -18,7 +18,7 @@ shellcheck      shellcheck
 '
 SetUp
 
-kFloors=(app options lists tray store platform standin)
+kLayers=(app options lists tray store platform standin)
 kFileSeconds=300
 database=$kBuildRoot/release
 findings=0
@@ -78,18 +78,18 @@ if (($#)); then
     exit "$findings"
 fi
 
-mapfile -t sources < <(find "${kFloors[@]}" tests bench -name '*.cpp' -o -name '*.h' | sort)
+mapfile -t sources < <(find "${kLayers[@]}" tests bench -name '*.cpp' -o -name '*.h' | sort)
 code=0
 clang-format --dry-run -Werror "${sources[@]}" || code=$?
 Report clang-format "$code"
 
-mapfile -t sources < <(find "${kFloors[@]}" -name '*.cpp' | sort)
+mapfile -t sources < <(find "${kLayers[@]}" -name '*.cpp' | sort)
 Tidy "${sources[@]}"
 
 code=0
 cppcheck --quiet --error-exitcode=1 --library=windows --platform=win32A --std=c++20 -j "$(nproc)" \
     --enable=warning,style,performance,portability --suppressions-list=tools/cppcheck-suppressions.txt \
-    -I . -I "$database/idl" -I "$database/generated" -DUNICODE -D_UNICODE "${kFloors[@]}" || code=$?
+    -I . -I "$database/idl" -I "$database/generated" -DUNICODE -D_UNICODE "${kLayers[@]}" || code=$?
 Report cppcheck "$code"
 
 mapfile -t scripts < <(find . -path ./build -prune -o -name '*.sh' -print | sort)

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/automation_error.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 
 namespace {
 

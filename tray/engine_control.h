@@ -6,9 +6,9 @@
 #include <memory>
 #include <string>
 
-#include "platform/com_ptr.h"
-#include "platform/control.h"
-#include "platform/event_connection.h"
+#include "platform/com/com_ptr.h"
+#include "platform/controls/control.h"
+#include "platform/com/event_connection.h"
 #include "platform/timer.h"
 #include "sentrel1.h"
 #include "tray/tray_menu.h"

@@ -4,7 +4,7 @@
 #include <windows.h>
 #include <oleauto.h>
 
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 
 class PictureArray {
 public:

@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "platform/automation_error.h"
-#include "platform/com_method.h"
-#include "platform/picture_box.h"
+#include "platform/com/com_method.h"
+#include "platform/controls/picture_box.h"
 #include "tray/bas_shell_notify.h"
 
 namespace {

@@ -6,10 +6,10 @@
 #include <memory>
 #include <string>
 
-#include "platform/dispatch_object.h"
-#include "platform/event_source.h"
+#include "platform/com/dispatch_object.h"
+#include "platform/com/event_source.h"
 #include "platform/timer.h"
-#include "platform/type_libraries.h"
+#include "platform/com/type_libraries.h"
 #include "shell_notification_face.h"
 #include "tray/calvane_time.h"
 #include "tray/notify_icon_record.h"

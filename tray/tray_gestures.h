@@ -5,7 +5,7 @@
 
 #include <optional>
 
-#include "platform/event_connection.h"
+#include "platform/com/event_connection.h"
 #include "tray/bas_shell_notify.h"
 #include "tray/tray_menu.h"
 

@@ -4,7 +4,7 @@
 #include <windows.h>
 
 #include "app/frm_config.h"
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 #include "tests/support/test_hive.h"
 
 // Over an empty store of its own, which its first window fills with the defaults. What it calls outside is

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "bench/support/servers.h"
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 #include "sentrel_config_face.h"
 
 // Registers a bare server, which lies beside this program, for as long as it exists.

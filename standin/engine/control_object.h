@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "platform/dispatch_object.h"
+#include "platform/com/dispatch_object.h"
 #include "standin.h"
 #include "standin/engine/engine.h"
 #include "standin/engine/resource.h"

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "standin/engine/call_record.h"
 
 class PopupObject;

@@ -1,7 +1,7 @@
 #include "standin/engine/engine_window.h"
 
 #include "platform/automation_error.h"
-#include "platform/server_process.h"
+#include "platform/com/server_process.h"
 #include "standin/engine/resource.h"
 
 namespace {

@@ -1,10 +1,10 @@
 // The engine's window, in which a person does by hand what the engine would do by itself.
 #pragma once
 
-#include "platform/button.h"
-#include "platform/dialog.h"
-#include "platform/label.h"
-#include "platform/text_box.h"
+#include "platform/controls/button.h"
+#include "platform/controls/dialog.h"
+#include "platform/controls/label.h"
+#include "platform/controls/text_box.h"
 #include "standin/engine/engine.h"
 
 class EngineWindow final : public Dialog {

@@ -6,10 +6,10 @@
 
 #include <optional>
 
-#include "platform/class_object.h"
-#include "platform/com_ptr.h"
-#include "platform/lasting_interfaces.h"
-#include "platform/registration.h"
+#include "platform/com/class_object.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/lasting_interfaces.h"
+#include "platform/com/registration.h"
 #include "sentrel1.h"
 #include "standin.h"
 #include "standin/engine/control_object.h"

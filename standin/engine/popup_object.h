@@ -1,8 +1,8 @@
 // The engine object that a client holds: _Popup and its events.
 #pragma once
 
-#include "platform/dispatch_object.h"
-#include "platform/event_source.h"
+#include "platform/com/dispatch_object.h"
+#include "platform/com/event_source.h"
 #include "sentrel1.h"
 #include "standin/engine/engine.h"
 #include "standin/engine/resource.h"

@@ -1,7 +1,7 @@
 // The application-wide object of the engine, from which a client gets its engine object.
 #pragma once
 
-#include "platform/dispatch_object.h"
+#include "platform/com/dispatch_object.h"
 #include "sentrel1.h"
 #include "standin/engine/engine.h"
 #include "standin/engine/resource.h"

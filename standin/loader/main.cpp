@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <objbase.h>
 
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 #include "sentrel_config_face.h"
 
 namespace {

@@ -6,9 +6,9 @@
 #include <climits>
 
 #include "platform/automation_error.h"
-#include "platform/event_connection.h"
+#include "platform/com/event_connection.h"
 #include "platform/handle.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/support/automation.h"
 #include "tests/support/manager.h"
 #include "tests/support/message_pump.h"

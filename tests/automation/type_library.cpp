@@ -5,9 +5,9 @@
 #include <set>
 #include <string>
 
-#include "platform/dispatch_object.h"
-#include "platform/type_libraries.h"
-#include "platform/variant.h"
+#include "platform/com/dispatch_object.h"
+#include "platform/com/type_libraries.h"
+#include "platform/com/variant.h"
 #include "sentrel_config_face.h"
 
 namespace {

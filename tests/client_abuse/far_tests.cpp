@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/automation_error.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/client_abuse/messages.h"
 #include "tests/client_abuse/random_calls.h"
 #include "tests/engine/stand_in.h"

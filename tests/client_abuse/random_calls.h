@@ -7,7 +7,7 @@
 #include <map>
 #include <vector>
 
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 #include "tests/client_abuse/chance.h"
 
 struct Target {

@@ -4,7 +4,7 @@
 #include <commctrl.h>
 
 #include "app/resource.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/engine/screen.h"
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"

@@ -1,7 +1,7 @@
 // How the manager comes to the engine and takes leave of it.
 #include <doctest.h>
 
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"
 #include "tests/support/automation.h"

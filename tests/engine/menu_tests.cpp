@@ -1,7 +1,7 @@
 // The tray menu's commands on their way to the engine, and the engine's events on their way to the menu.
 #include <doctest.h>
 
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"
 #include "tests/support/automation.h"

@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "platform/automation_error.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/support/automation.h"
 
 // What another process answered is the first thing to know of a call that failed.

@@ -4,7 +4,7 @@
 #include <stdexcept>
 
 #include "platform/automation_error.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/support/automation.h"
 #include "tests/support/killed_servers.h"
 #include "tests/support/manager.h"

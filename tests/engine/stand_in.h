@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 
 inline constexpr wchar_t kStandInProgram[] = L"SentrelStandin.exe";
 

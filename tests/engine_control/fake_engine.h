@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/com_ptr.h"
-#include "platform/event_source.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/event_source.h"
 #include "sentrel1.h"
 #include "tests/support/import_patch.h"
 

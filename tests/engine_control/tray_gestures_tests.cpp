@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/automation_error.h"
-#include "platform/event_source.h"
+#include "platform/com/event_source.h"
 #include "shell_notification_face.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/plain_window.h"

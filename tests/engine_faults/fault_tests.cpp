@@ -2,7 +2,7 @@
 #include <doctest.h>
 
 #include "platform/automation_error.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"
 #include "tests/support/automation.h"

@@ -3,7 +3,7 @@
 
 #include <shellapi.h>
 
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/engine/screen.h"
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"

@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "platform/automation_error.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "sentrel1.h"
 #include "tests/support/automation.h"
 

@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 
 class EventSink {
 public:

@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "platform/automation_error.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"
 #include "tests/engine_storm/event_sink.h"

@@ -4,7 +4,7 @@
 #include <set>
 #include <string>
 
-#include "platform/picture_box.h"
+#include "platform/controls/picture_box.h"
 #include "tests/entry/inside.h"
 
 namespace {

@@ -9,7 +9,7 @@
 #include <set>
 
 #include "platform/handle.h"
-#include "platform/own_type_library.h"
+#include "platform/com/own_type_library.h"
 #include "platform/text.h"
 #include "sentrel_config_face.h"
 #include "tests/hardening/image.h"

@@ -3,7 +3,7 @@
 
 #include "platform/automation_error.h"
 #include "platform/text.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/engine/stand_in.h"
 #include "tests/kill_sweep/subjects.h"
 #include "tests/support/automation.h"

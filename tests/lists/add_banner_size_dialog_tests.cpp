@@ -1,7 +1,7 @@
 #include <doctest.h>
 
-#include "platform/message.h"
-#include "platform/variant.h"
+#include "platform/controls/message.h"
+#include "platform/com/variant.h"
 #include "tests/lists/banner_page.h"
 #include "tests/support/shown_text.h"
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/control.h"
+#include "platform/controls/control.h"
 #include "tests/support/import_patch.h"
 
 struct Opened {

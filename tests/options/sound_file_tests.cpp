@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/automation_error.h"
-#include "platform/common_dialog.h"
+#include "platform/controls/common_dialog.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"

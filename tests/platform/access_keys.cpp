@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-#include "platform/access_keys.h"
+#include "platform/controls/access_keys.h"
 
 namespace {
 

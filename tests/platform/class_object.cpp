@@ -1,5 +1,5 @@
 // The class object that a server offers, called as COM calls it for a client.
-#include "platform/class_object.h"
+#include "platform/com/class_object.h"
 
 #include <doctest.h>
 
@@ -7,7 +7,7 @@
 #include <objbase.h>
 
 #include "platform/automation_error.h"
-#include "platform/counted_object.h"
+#include "platform/com/counted_object.h"
 #include "tests/support/import_patch.h"
 
 namespace {

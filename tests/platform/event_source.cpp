@@ -5,10 +5,10 @@
 #include <ocidl.h>
 #include <olectl.h>
 
-#include "platform/class_object.h"
-#include "platform/com_ptr.h"
-#include "platform/event_connection.h"
-#include "platform/event_source.h"
+#include "platform/com/class_object.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/event_connection.h"
+#include "platform/com/event_source.h"
 
 namespace {
 

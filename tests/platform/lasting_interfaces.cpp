@@ -8,8 +8,8 @@
 #include <thread>
 #include <vector>
 
-#include "platform/com_ptr.h"
-#include "platform/lasting_interfaces.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/lasting_interfaces.h"
 #include "tests/support/import_patch.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // Conversions between Automation values.
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 
 #include <doctest.h>
 

@@ -1,6 +1,6 @@
 #include <doctest.h>
 
-#include "platform/registration.h"
+#include "platform/com/registration.h"
 #include "platform/text.h"
 
 TEST_CASE("The command line names what the server is to do") {

@@ -1,9 +1,9 @@
 // Registering without rights and with calls that fail.
 #include <doctest.h>
 
-#include "platform/own_type_library.h"
+#include "platform/com/own_type_library.h"
 #include "platform/text.h"
-#include "platform/type_libraries.h"
+#include "platform/com/type_libraries.h"
 #include "tests/registration/faulty_registry.h"
 #include "tests/registration/test_server.h"
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "platform/own_type_library.h"
+#include "platform/com/own_type_library.h"
 #include "platform/text.h"
-#include "platform/type_libraries.h"
+#include "platform/com/type_libraries.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include <set>
 #include <string>
 
-#include "platform/com_ptr.h"
-#include "platform/registration.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/registration.h"
 
 inline constexpr CLSID kFirstClass = {
     0x9d2c1a40, 0x5b7e, 0x4c11, {0x8e, 0x01, 0x3a, 0x52, 0x77, 0x10, 0x6b, 0x01}};

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "app/resource.h"
-#include "platform/image_box.h"
+#include "platform/controls/image_box.h"
 #include "tests/entry/inside.h"
 #include "tests/scaling/room.h"
 

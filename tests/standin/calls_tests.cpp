@@ -1,6 +1,6 @@
 #include <doctest.h>
 
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/standin/engine_process.h"
 
 namespace {

@@ -10,9 +10,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/com_ptr.h"
-#include "platform/event_connection.h"
-#include "platform/variant.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/event_connection.h"
+#include "platform/com/variant.h"
 #include "sentrel1.h"
 #include "standin.h"
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/com_ptr.h"
-#include "platform/variant.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/variant.h"
 
 // Each throws AutomationError with what the object answered.
 Variant Call(IDispatch* object, const wchar_t* member, std::vector<Variant> arguments = {});

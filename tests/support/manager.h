@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 #include "platform/handle.h"
 #include "sentrel_config_face.h"
 

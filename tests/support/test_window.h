@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/dialog.h"
+#include "platform/controls/dialog.h"
 
 // Makes one child window for each control of the table, of the window class and style that its kind has in
 // the program, stacked from top to bottom. The window is hidden unless shown.

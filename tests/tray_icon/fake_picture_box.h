@@ -6,7 +6,7 @@
 
 #include <functional>
 
-#include "platform/com_ptr.h"
+#include "platform/com/com_ptr.h"
 
 // It is its own picture: its property Picture is the object itself, whose default property is the handle.
 class FakePictureBox final : public IDispatch {

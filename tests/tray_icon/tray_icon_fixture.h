@@ -4,8 +4,8 @@
 #include <array>
 #include <string>
 
-#include "platform/com_ptr.h"
-#include "platform/variant.h"
+#include "platform/com/com_ptr.h"
+#include "platform/com/variant.h"
 #include "tests/support/plain_window.h"
 #include "tests/tray_icon/fake_picture_box.h"
 #include "tests/tray_icon/shell_calls.h"

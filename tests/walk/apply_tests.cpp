@@ -3,7 +3,7 @@
 
 #include "lists/resource.h"
 #include "platform/automation_error.h"
-#include "platform/variant.h"
+#include "platform/com/variant.h"
 #include "tests/support/automation.h"
 #include "tests/support/program.h"
 #include "tests/support/shown_text.h"

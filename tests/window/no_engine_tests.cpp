@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "platform/handle.h"
-#include "platform/own_type_library.h"
+#include "platform/com/own_type_library.h"
 #include "sentrel1.h"
 #include "tests/support/automation.h"
 #include "tests/support/manager.h"

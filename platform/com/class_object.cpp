@@ -1,0 +1,42 @@
+#include "platform/com/class_object.h"
+
+#include <utility>
+
+#include "platform/automation_error.h"
+#include "platform/com/com_method.h"
+#include "platform/com/counted_object.h"
+#include "platform/com/server_process.h"
+
+namespace {
+
+class ClassObject final : public CountedObject<IClassFactory> {
+public:
+    explicit ClassObject(ObjectMaker maker) : m_maker(std::move(maker)) {}
+
+    STDMETHODIMP CreateInstance(IUnknown* outer, REFIID id, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        *object = nullptr;
+        if (outer != nullptr) return CLASS_E_NOAGGREGATION;
+        return ComMethod([&] { ThrowIfFailed(m_maker(id, object)); });
+    }
+
+    STDMETHODIMP LockServer(BOOL lock) override {
+        lock ? ServerProcess::Lock() : ServerProcess::Unlock();
+        return S_OK;
+    }
+
+private:
+    const ObjectMaker m_maker;
+};
+
+}  // namespace
+
+ClassRegistration::ClassRegistration(REFCLSID classId, ObjectMaker maker) {
+    const ComPtr<ClassObject> classObject = MakeObject<ClassObject>(std::move(maker));
+    ThrowIfFailed(CoRegisterClassObject(classId, classObject.Get(), CLSCTX_LOCAL_SERVER,
+                                        REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &m_cookie));
+}
+
+ClassRegistration::~ClassRegistration() {
+    CoRevokeClassObject(m_cookie);
+}

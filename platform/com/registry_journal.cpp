@@ -1,0 +1,90 @@
+#include "platform/com/registry_journal.h"
+
+#include <algorithm>
+
+#include "platform/automation_error.h"
+#include "platform/handle.h"
+
+namespace {
+
+void ThrowIfWin32Failed(LSTATUS status) {
+    ThrowIfFailed(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
+}
+
+bool IsEmpty(HKEY key) {
+    DWORD keys = 0;
+    DWORD values = 0;
+    ThrowIfWin32Failed(RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values,
+                                        nullptr, nullptr, nullptr, nullptr));
+    return keys == 0 && values == 0;
+}
+
+}  // namespace
+
+RegistryJournal::~RegistryJournal() {
+    std::for_each(m_steps.rbegin(), m_steps.rend(), [this](const Step& step) { Undo(step); });
+}
+
+void RegistryJournal::Write(const RegistryEntry& entry) {
+    HKEY opened = nullptr;
+    DWORD disposition = 0;
+    m_steps.reserve(m_steps.size() + 1);
+    Step step{.key = entry.key, .name = entry.name, .oldData = {}};
+    ThrowIfWin32Failed(RegCreateKeyExW(m_root, entry.key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
+                                       KEY_READ | KEY_WRITE, nullptr, &opened, &disposition));
+    const RegistryKey key(opened);
+    step.keyMade = disposition == REG_CREATED_NEW_KEY;
+    Step& taken = m_steps.emplace_back(std::move(step));
+    if (entry.keyOnly) return;
+
+    const wchar_t* const name = entry.name.c_str();
+    DWORD size = 0;
+    if (RegQueryValueExW(key.Get(), name, nullptr, &taken.oldType, nullptr, &size) == ERROR_SUCCESS) {
+        taken.oldData.resize(size);
+        ThrowIfWin32Failed(RegQueryValueExW(key.Get(), name, nullptr, &taken.oldType,
+                                            reinterpret_cast<BYTE*>(taken.oldData.data()), &size));
+        taken.oldData.resize(size);
+        taken.valueExisted = true;
+    }
+    ThrowIfWin32Failed(RegSetValueExW(key.Get(), name, 0, REG_SZ,
+                                      reinterpret_cast<const BYTE*>(entry.text.c_str()),
+                                      static_cast<DWORD>((entry.text.size() + 1) * sizeof(wchar_t))));
+    taken.valueWritten = true;
+}
+
+// A step that cannot be undone does not keep the others from it.
+void RegistryJournal::Undo(const Step& step) noexcept {
+    if (step.valueWritten) {
+        HKEY opened = nullptr;
+        if (RegOpenKeyExW(m_root, step.key.c_str(), 0, KEY_WRITE, &opened) != ERROR_SUCCESS) return;
+        const RegistryKey key(opened);
+        if (step.valueExisted) {
+            RegSetValueExW(key.Get(), step.name.c_str(), 0, step.oldType,
+                           reinterpret_cast<const BYTE*>(step.oldData.data()),
+                           static_cast<DWORD>(step.oldData.size()));
+        } else {
+            RegDeleteValueW(key.Get(), step.name.c_str());
+        }
+    }
+    if (step.keyMade) RegDeleteKeyW(m_root, step.key.c_str());
+}
+
+void RemoveEntry(HKEY root, const RegistryEntry& entry) {
+    HKEY opened = nullptr;
+    LSTATUS status = RegOpenKeyExW(root, entry.key.c_str(), 0, KEY_READ, &opened);
+    if (status == ERROR_FILE_NOT_FOUND) return;
+    ThrowIfWin32Failed(status);
+    RegistryKey reader(opened);
+
+    // Only what is there is opened for writing: a user without that right has nothing to remove.
+    const wchar_t* const name = entry.name.c_str();
+    if (!entry.keyOnly &&
+        RegQueryValueExW(reader.Get(), name, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS) {
+        ThrowIfWin32Failed(RegOpenKeyExW(root, entry.key.c_str(), 0, KEY_WRITE, &opened));
+        const RegistryKey writer(opened);
+        ThrowIfWin32Failed(RegDeleteValueW(writer.Get(), name));
+    }
+    if (!IsEmpty(reader.Get())) return;
+    reader.Reset();
+    ThrowIfWin32Failed(RegDeleteKeyW(root, entry.key.c_str()));
+}

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/controls/control.h"
+
+// A single-selection list box. Rows count from 0.
+class ListBox final : public Control {
+public:
+    ListBox(const wchar_t* name, int id) : Control(ControlKind::ListBox, name, id) {}
+
+    // Raised when the user selects a row, and when ListIndex changes the selection: Windows itself is silent
+    // then.
+    Event Click;
+
+    int ListCount() const noexcept { return static_cast<int>(Send(LB_GETCOUNT)); }
+
+    // The text of a row and its length in characters. Each throws AutomationError (5) for a row that does not
+    // exist.
+    std::wstring List(int row) const;
+    size_t Length(int row) const;
+
+    // For many rows: length is what Length has just answered for the row; the memory of text is used again.
+    void List(int row, size_t length, std::wstring& text) const;
+
+    // Throws AutomationError (5) when the row cannot be added.
+    void AddItem(const std::wstring& text) { AddItem(text, -1); }
+    void AddItem(const std::wstring& text, int row);
+
+    // A removed row is no longer selected, and the click event is not raised for it.
+    void RemoveItem(int row);
+    void Clear() noexcept { Send(LB_RESETCONTENT); }
+
+    // The selected row; -1 when none is.
+    int ListIndex() const noexcept { return static_cast<int>(Send(LB_GETCURSEL)); }
+
+    // Throws AutomationError (380) for a row that does not exist; -1 selects none.
+    void ListIndex(int row);
+
+    void OnCommand(WORD code) override {
+        if (code == LBN_SELCHANGE) Raise(Click);
+    }
+};

@@ -1,0 +1,59 @@
+#include "platform/controls/picture_box.h"
+
+#include <olectl.h>
+
+#include <utility>
+
+#include "platform/handle.h"
+#include "platform/com/variant.h"
+
+namespace {
+
+Variant PropertyOf(IDispatch* object, DISPID property) {
+    DISPPARAMS none{};
+    Variant value;
+    ThrowIfFailed(object->Invoke(property, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
+                                 value.Receive(), nullptr, nullptr));
+    return value;
+}
+
+}  // namespace
+
+PictureBox::PictureBox(std::wstring name, int iconResource)
+    : DispatchObject(Holder::Server), m_name(std::move(name)) {
+    IconHandle icon(
+        static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(iconResource), IMAGE_ICON,
+                                      GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), 0)));
+    PICTDESC description{};
+    description.cbSizeofstruct = sizeof(description);
+    description.picType = PICTYPE_ICON;
+    description.icon.hicon = icon.Get();
+    ThrowIfFailed(OleCreatePictureIndirect(&description, IID_IDispatch, TRUE,
+                                           reinterpret_cast<void**>(m_picture.GetAddressOf())));
+    icon.Detach();
+}
+
+STDMETHODIMP PictureBox::get_Name(BSTR* value) {
+    if (value == nullptr) return E_POINTER;
+    *value = SysAllocStringLen(m_name.data(), static_cast<UINT>(m_name.size()));
+    return *value == nullptr ? E_OUTOFMEMORY : S_OK;
+}
+
+STDMETHODIMP PictureBox::get_Picture(IDispatch** value) {
+    if (value == nullptr) return E_POINTER;
+    return m_picture.CopyTo(value);
+}
+
+HICON IconOf(IDispatch* pictureBox) {
+    if (pictureBox == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
+    wchar_t pictureName[] = L"Picture";
+    LPOLESTR name = pictureName;
+    DISPID pictureId = DISPID_UNKNOWN;
+    ThrowIfFailed(pictureBox->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &pictureId));
+    const Variant picture = PropertyOf(pictureBox, pictureId);
+    if (picture.Value().vt != VT_DISPATCH || picture.Value().pdispVal == nullptr) {
+        RaiseError(ErrorNumber::ObjectNotSet);
+    }
+    const Variant handle = PropertyOf(picture.Value().pdispVal, DISPID_VALUE);
+    return reinterpret_cast<HICON>(static_cast<LONG_PTR>(ToLong(handle)));
+}
