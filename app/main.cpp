@@ -13,15 +13,16 @@
 #include "platform/com/registration.h"
 #include "platform/com/server_security.h"
 #include "platform/com/type_libraries.h"
+#include "platform/system_library.h"
 
 namespace {
 
 // Nothing is ever loaded from the folder that the program happens to lie in, or from the current one. Windows
 // 7 knows the call only with an update, so it is asked for.
 void LoadSystemLibrariesOnly() {
-    using SetDirectories = BOOL(WINAPI*)(DWORD);
-    if (const auto set = reinterpret_cast<SetDirectories>(reinterpret_cast<void*>(
-            GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "SetDefaultDllDirectories")))) {
+    using SetDirectories = BOOL WINAPI(DWORD);
+    if (auto* const set =
+            FunctionOf<SetDirectories>(GetModuleHandleW(L"kernel32.dll"), "SetDefaultDllDirectories")) {
         set(LOAD_LIBRARY_SEARCH_SYSTEM32);
     }
 }

@@ -1,7 +1,6 @@
 // From the engine's word that it closed a pop-up to the first sound and the first picture of the animation,
 // beside an event that reaches nobody but an empty sink.
 #include <windows.h>
-#include <mmsystem.h>
 #include <objbase.h>
 #include <shellapi.h>
 
@@ -22,6 +21,7 @@
 #include "tests/support/automation.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/sound_patch.h"
 
 namespace {
 
@@ -110,7 +110,7 @@ void Compare(const char* what, const char* size, const Raiser& raise, const char
 }
 
 void Run() {
-    const ImportPatch sound("winmm.dll", "sndPlaySoundA", &Sound);
+    const SoundPatch sound(&Sound);
     const ImportPatch icon("shell32.dll", "Shell_NotifyIconA", &Icon);
     const char* const toSound = "`Killed` to `sndPlaySoundA`";
     const char* const toSink = "`Killed` to an empty sink";

@@ -1,9 +1,8 @@
 #include "options/popup_notice.h"
 
-#include <mmsystem.h>
-
 #include <utility>
 
+#include "options/wave_file.h"
 #include "platform/automation_error.h"
 #include "platform/text.h"
 
@@ -80,8 +79,6 @@ void PopupNotice::cmdTestSound_Click() {
     PlayNotice();
 }
 
-// With no other flag than SND_ASYNC a missing file plays the system's default sound, and a sound cuts off the
-// one before it.
 void PopupNotice::PlaySoundFile() {
-    if (!m_strSoundFile.empty()) sndPlaySoundA(ToAnsi(m_strSoundFile).c_str(), SND_ASYNC);
+    if (!m_strSoundFile.empty()) PlayWaveFile(ToAnsi(m_strSoundFile));
 }

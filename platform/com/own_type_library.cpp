@@ -94,14 +94,14 @@ bool OwnTypeLibrary::IsPresent(HKEY classes) const {
 
 void OwnTypeLibrary::Register(bool forUser, const std::wstring& path) const {
     std::wstring named = path.empty() ? m_path : path;
-    const auto registerIt = forUser ? RegisterTypeLibForUser : RegisterTypeLib;
-    ThrowIfFailed(registerIt(m_library.Get(), named.data(), nullptr));
+    ThrowIfFailed(forUser ? RegisterTypeLibForUser(m_library.Get(), named.data(), nullptr)
+                          : RegisterTypeLib(m_library.Get(), named.data(), nullptr));
 }
 
 // The system learns from the file that the registration names which interfaces to remove, and stops at a
 // missing key. The file may be gone and keys may be missing, so the registration is completed first.
 void OwnTypeLibrary::Unregister(bool forUser) const {
     Register(forUser);
-    const auto unregisterIt = forUser ? UnRegisterTypeLibForUser : UnRegisterTypeLib;
-    ThrowIfFailed(unregisterIt(m_guid, m_major, m_minor, m_locale, m_system));
+    ThrowIfFailed(forUser ? UnRegisterTypeLibForUser(m_guid, m_major, m_minor, m_locale, m_system)
+                          : UnRegisterTypeLib(m_guid, m_major, m_minor, m_locale, m_system));
 }

@@ -1,6 +1,9 @@
 // While nobody wants anything of it, the manager does nothing.
 #include <commctrl.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "tests/call_counts/counted_manager.h"
 
 namespace {

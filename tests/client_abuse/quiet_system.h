@@ -3,11 +3,11 @@
 
 #include <windows.h>
 #include <commdlg.h>
-#include <mmsystem.h>
 #include <shellapi.h>
 
 #include "tests/support/import_patch.h"
 #include "tests/support/message_recorder.h"
+#include "tests/support/sound_patch.h"
 
 class QuietSystem {
 public:
@@ -29,5 +29,5 @@ private:
     const ImportPatch m_open{"comdlg32.dll", "GetOpenFileNameW", &Open};
     const ImportPatch m_execute{"shell32.dll", "ShellExecuteA", &Execute};
     const ImportPatch m_beep{"user32.dll", "MessageBeep", &Beep};
-    const ImportPatch m_play{"winmm.dll", "sndPlaySoundA", &Play};
+    const SoundPatch m_play{&Play};
 };

@@ -1,6 +1,4 @@
 // What the whole window makes of a pop-up that the engine has closed.
-#include <mmsystem.h>
-
 #include <doctest.h>
 
 #include <string>
@@ -10,6 +8,7 @@
 #include "tests/entry/inside.h"
 #include "tests/entry/start_journal.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/sound_patch.h"
 
 namespace {
 
@@ -65,7 +64,7 @@ struct ListeningWindow {
     StartJournal journal;
 
 private:
-    const ImportPatch m_play{"winmm.dll", "sndPlaySoundA", &Play};
+    const SoundPatch m_play{&Play};
     const ImportPatch m_beep{"user32.dll", "MessageBeep", &Beep};
     const ImportPatch m_timer{"user32.dll", "SetTimer", &SetAnyTimer};
 };

@@ -2,12 +2,15 @@
 #include <mmsystem.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/handle.h"
+#include "platform/system_library.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
+#include "tests/support/sound_patch.h"
 #include "tests/support/test_folder.h"
 
 namespace {
@@ -35,11 +38,35 @@ public:
     std::vector<std::string> heard;
 
 private:
-    ImportPatch m_play{"winmm.dll", "sndPlaySoundA", &FakePlaySound};
+    SoundPatch m_play{&FakePlaySound};
     ImportPatch m_beep{"user32.dll", "MessageBeep", &FakeBeep};
 };
 
 using Sounds = std::vector<std::string>;
+
+void StopSounds() {
+    auto* const play = FunctionOf<decltype(sndPlaySoundA)>(GetModuleHandleW(L"winmm.dll"), "sndPlaySoundA");
+    REQUIRE((play != nullptr));
+    play(nullptr, 0);
+}
+
+// A Windows without winmm.dll.
+class NoSoundLibrary {
+public:
+    NoSoundLibrary() { s_refused = 0; }
+
+    int Refused() const { return s_refused; }
+
+private:
+    static HMODULE WINAPI Refuse(LPCWSTR, HANDLE, DWORD) {
+        ++s_refused;
+        SetLastError(ERROR_MOD_NOT_FOUND);
+        return nullptr;
+    }
+
+    static inline int s_refused = 0;
+    const ImportPatch m_load{"kernel32.dll", "LoadLibraryExW", &Refuse};
+};
 
 }  // namespace
 
@@ -133,7 +160,27 @@ TEST_CASE("a sound that is missing, unreadable or none does not keep the notice 
     const DWORD start = GetTickCount();
     page.popupNotice.PlayNotice();
     CHECK(GetTickCount() - start < 1000);
-    sndPlaySoundA(nullptr, 0);
+    StopSounds();
+}
+
+TEST_CASE("where Windows has no winmm.dll, or one without the function, the notice plays nothing") {
+    SettingsWindow page;
+    page.popupNotice.m_strSoundFile = L"a.wav";
+    page.chkPlaySound.Value(1);
+    SUBCASE("no library") {
+        const NoSoundLibrary system;
+        const SoundRecorder sounds;
+        page.popupNotice.PlayNotice();
+        page.popupNotice.Announce();
+        CHECK(system.Refused() == 2);
+        CHECK(sounds.heard.empty());
+    }
+    SUBCASE("no function") {
+        const SoundPatch none(nullptr);
+        page.popupNotice.PlayNotice();
+        page.popupNotice.Announce();
+    }
+    CHECK(page.chkPlaySound.Value() == 1);
 }
 
 TEST_CASE("the test button is pressed like any other button and plays the notice") {

@@ -1,0 +1,84 @@
+// Libraries that are loaded when they are needed.
+#include "platform/system_library.h"
+
+#include <doctest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/text.h"
+#include "tests/support/import_patch.h"
+
+namespace {
+
+struct Load {
+    std::wstring name;
+    DWORD flags;
+    bool operator==(const Load&) const = default;
+};
+
+// A Windows that refuses the search flag, or has no library at all.
+class Loader {
+public:
+    explicit Loader(DWORD error) : m_error(error) { s_current = this; }
+    Loader(const Loader&) = delete;
+    Loader& operator=(const Loader&) = delete;
+    ~Loader() { s_current = nullptr; }
+
+    std::vector<Load> loads;
+
+private:
+    static HMODULE WINAPI Answer(LPCWSTR name, HANDLE file, DWORD flags) {
+        s_current->loads.push_back({name, flags});
+        if (s_current->m_error != ERROR_INVALID_PARAMETER || (flags & LOAD_LIBRARY_SEARCH_SYSTEM32) != 0) {
+            SetLastError(s_current->m_error);
+            return nullptr;
+        }
+        return s_current->m_patch.Original<decltype(&LoadLibraryExW)>()(name, file, flags);
+    }
+
+    static inline Loader* s_current = nullptr;
+
+    const DWORD m_error;
+    const ImportPatch m_patch{"kernel32.dll", "LoadLibraryExW", &Answer};
+};
+
+std::wstring SystemPath(const wchar_t* name) {
+    wchar_t folder[MAX_PATH]{};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    return std::wstring(folder) + L'\\' + name;
+}
+
+std::wstring PathOf(HMODULE library) {
+    wchar_t path[MAX_PATH]{};
+    GetModuleFileNameW(library, path, MAX_PATH);
+    return path;
+}
+
+}  // namespace
+
+TEST_CASE("A library comes from the system's folder") {
+    CHECK(UpperCase(PathOf(LoadSystemLibrary(L"winmm.dll"))) == UpperCase(SystemPath(L"winmm.dll")));
+}
+
+TEST_CASE("Where Windows 7 does not know the search flag, the library is loaded by its full path") {
+    const Loader windows7(ERROR_INVALID_PARAMETER);
+    const HMODULE library = LoadSystemLibrary(L"winmm.dll");
+    CHECK(windows7.loads == std::vector<Load>{{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32},
+                                              {SystemPath(L"winmm.dll"), LOAD_WITH_ALTERED_SEARCH_PATH}});
+    CHECK(UpperCase(PathOf(library)) == UpperCase(SystemPath(L"winmm.dll")));
+}
+
+TEST_CASE("A library that is missing is not looked for anywhere else") {
+    const Loader bare(ERROR_MOD_NOT_FOUND);
+    CHECK(LoadSystemLibrary(L"winmm.dll") == nullptr);
+    CHECK(bare.loads.size() == 1);
+}
+
+TEST_CASE("A function that is not there, or whose library is not, is null") {
+    using Function = void WINAPI();
+    CHECK((FunctionOf<Function>(nullptr, "sndPlaySoundA") == nullptr));
+    CHECK((FunctionOf<Function>(GetModuleHandleW(L"kernel32.dll"), "no such function") == nullptr));
+    CHECK((FunctionOf<Function>(GetModuleHandleW(L"kernel32.dll"), "GetTickCount") != nullptr));
+}
