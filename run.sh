@@ -35,6 +35,7 @@ fi
 
 StopWine
 UseWindowManager Y
+Unattended N
 RegisterServers "$kBuildRoot/release"
 Wine 60 "$kBuildRoot/release/CalvaneConfigLoader.exe" /show >"$kBuildRoot/loader.log" 2>&1
 echo "The window is open. To end the manager, choose Exit Calvane in its tray menu, or press Ctrl+C here."

@@ -1,29 +1,20 @@
 #!/usr/bin/env bash
-# Builds everything and runs the tests under Wine; the last line reads "N passed, N failed".
+# Installs what is missing, builds everything and runs the tests under Wine; the last line reads "N passed, N failed".
 #
-#   ./test.sh           every test program and every tests/*_test.sh
+#   ./test.sh           every test
 #   ./test.sh NAME...   those whose name contains a NAME; if there is none, the test cases whose name contains the first
 #
-# PRESET chooses the CMake preset (release), JOBS how many programs run at a time (4: most of them wait for windows and
-# other processes most of their time). Each of them gets a virtual screen and a fresh prefix in which the manager and
-# the stand-in engine are registered. What they print is kept in build/test-output/.
+# PRESET chooses the CMake preset (release), JOBS how many tests run at a time (4: most of them wait for windows and
+# other processes most of their time). CTest runs them, and can be asked for more: ctest --preset release --rerun-failed.
+# What they print is kept in build/PRESET/test-output/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 # shellcheck source=tools/setup.sh
 . tools/setup.sh
 
-kProgramSeconds=300
-kShellTestSeconds=300
-
-# The programs that take longest start first, so that none of them runs alone at the end.
-kSlowest='window_abuse long_dialogs kill_sweep fault_sweep hostile_store engine_faults engine automation engine_storm'
-
-names=("${@:-}")
 preset=${PRESET:-release}
-jobs=${JOBS:-4}
-export BUILD_DIR=$kBuildRoot/$preset
-output=$kBuildRoot/test-output
-registered=$kBuildRoot/wine-test
+build=$kBuildRoot/$preset
+output=$build/test-output
 
 # Finish PASSED FAILED [REASON]
 Finish() {
@@ -33,126 +24,70 @@ Finish() {
     exit 1
 }
 
-# RunProgram FILE LOG: runs a doctest program and sets passed, failed and note from the summary that it prints.
-RunProgram() {
-    local code=0 summary
-    export TEST_CURRENT=Z:${2//\//\\}.current
-    Wine "$kProgramSeconds" "$1" "${filter[@]}" >"$2" 2>&1 || code=$?
-    summary=$(tr -d '\r' <"$2" | grep '^\[doctest\] test cases:' | tail -1) || true
-    if [[ $summary =~ \|\ *([0-9]+)\ passed\ *\|\ *([0-9]+)\ failed ]]; then
-        passed=${BASH_REMATCH[1]} failed=${BASH_REMATCH[2]}
-    else
-        failed=1 note="ended without a summary, exit code $code"
-    fi
-    if ((code == 124 || code == 137)); then
-        note="stopped after $kProgramSeconds s"
-    elif ((code != 0 && failed == 0)); then
-        note="exit code $code"
-    fi
-    [[ -z $note ]] || ((failed > 0)) || failed=1
-    [[ -z $note || ! -s $2.current ]] || note+=", in test case: $(tr -d '\r' <"$2.current")"
+# Launchers end by themselves when CTest has gone, which takes a moment.
+# shellcheck disable=SC2317 # the trap calls it
+WaitForLaunchers() {
+    for ((i = 0; i < 300; i++)); do
+        pgrep -s 0 -f '/tests/run_test.sh' >/dev/null || return 0
+        sleep 0.1
+    done
+}
+trap 'StopAll; WaitForLaunchers' EXIT
+
+# Quoted TEXT: as a regular expression that matches nothing else.
+# shellcheck disable=SC2001 # a class of characters is easier to read in sed
+Quoted() {
+    sed 's/[][\\.*^$+?(){}|]/\\&/g' <<<"$1"
 }
 
-# RunShellTest FILE LOG: sets passed, failed and note from the script's exit code.
-RunShellTest() {
-    local code=0
-    Limited "$kShellTestSeconds" bash "$1" >"$2" 2>&1 || code=$?
-    case $code in
-    0) passed=1 ;;
-    124 | 137) failed=1 note="stopped after $kShellTestSeconds s" ;;
-    *) failed=1 note="exit code $code" ;;
-    esac
+# Matching NAME...: the registered tests whose name contains one.
+Matching() {
+    local name
+    for name in "$@"; do
+        ctest --preset "$preset" -N -R "$(Quoted "$name")" 2>/dev/null | sed -n 's/^ *Test *#[0-9]*: //p'
+    done | sort -u
 }
 
-# RunTest SLOT FILE: runs one test on the slot's screen in a fresh prefix, prints how it ended and, if anything failed,
-# what it said.
-RunTest() {
-    local slot=$1 file=$2 base log start=$SECONDS passed=0 failed=0 note=
-    base=$(basename "$file")
-    log=$output/$base.log
-    export WINEPREFIX=$registered-$slot DISPLAY=${displays[slot]}
-    MakePrefix "$WINEPREFIX" "$registered"
-    case $file in
-    *.sh) RunShellTest "$file" "$log" ;;
-    *) RunProgram "$file" "$log" ;;
-    esac
-    StopWine
-    {
-        if ((failed)); then
-            echo "FAILED $base: $passed passed, $failed failed${note:+ ($note)}"
-            tr -d '\r' <"$log" | sed -e '/^\[doctest\] \(doctest version\|run with\)/d' -e 's/^/    /'
-        elif ((passed)); then
-            echo "ok     $base: $passed passed, $((SECONDS - start)) s"
-        fi
-    } >"$log.report"
-    cat "$log.report"
-    echo "$passed $failed" >"$log.result"
+# WithCase TEXT: the doctest programs that contain the text, whatever its case, since it may name one of their test cases.
+WithCase() {
+    local program
+    for program in "$build"/tests/*_tests.exe; do
+        ! grep -qaiF -- "$1" "$program" || basename "$program" .exe
+    done
 }
 
-shopt -s nullglob
+mkdir -p "$kBuildRoot"
 cmake --preset "$preset" >"$kBuildRoot/configure.log" 2>&1 ||
     { cat "$kBuildRoot/configure.log"; Finish 0 1 "The configuration failed."; }
 cmake --build --preset "$preset" || Finish 0 1 "The build failed."
 
-tests=()
-for slow in $kSlowest; do
-    tests+=("$BUILD_DIR/tests/${slow}_tests.exe")
-done
-for file in tests/*_test.sh "$BUILD_DIR"/tests/*_tests.exe; do
-    [[ " ${tests[*]} " == *" $file "* ]] || tests+=("$file")
-done
 chosen=()
-filter=()
-for file in "${tests[@]}"; do
-    for name in "${names[@]}"; do
-        [[ $(basename "$file") == *"$name"* ]] || continue
-        chosen+=("$file")
-        break
-    done
-done
-if ((${#chosen[@]} == 0)); then
-    chosen=("$BUILD_DIR"/tests/*_tests.exe)
-    filter=("--test-case=*${names[0]}*")
+if (($#)); then
+    names=$(Matching "$@")
+    if [[ -z $names ]]; then
+        names=$(WithCase "$1")
+        export TEST_CASE="*$1*"
+    fi
+    [[ -n $names ]] || Finish 0 0 "No test has that name."
+    chosen=(-R "^($(Quoted "$names" | paste -sd '|'))\$")
 fi
 
 rm -rf "$output"
-mkdir -p "$output"
-UsePrefix "$registered"
-MakePrefix "$registered"
-UseWindowManager N
-RegisterServers "$BUILD_DIR" || Finish 0 1 "The servers could not be registered."
-StopWine
-
-# Free slots wait in a queue; a test takes one and puts it back.
-mkfifo "$output/slots"
-exec {slots}<>"$output/slots"
-displays=()
-for ((slot = 0; slot < jobs; slot++)); do
-    StartScreen
-    displays[slot]=$DISPLAY
-    prefixesInUse+=("$registered-$slot")
-    echo "$slot" >&"$slots"
-done
-
-workers=()
-for file in "${chosen[@]}"; do
-    read -r -u "$slots" slot
-    (
-        trap 'kill $(jobs -p) 2>/dev/null; exit 143' TERM
-        trap 'echo "$slot" >&"$slots"' EXIT
-        RunTest "$slot" "$file"
-    ) &
-    workers+=($!)
-done
-for worker in "${workers[@]}"; do
-    wait "$worker" || true
-done
+code=0
+exec {lines}> >(grep --line-buffered -v '^ *Start ')
+filter=$!
+setpriv --pdeathsig TERM ctest --preset "$preset" -j "${JOBS:-4}" "${chosen[@]}" </dev/null >&"$lines" {lines}>&- &
+wait $! || code=$?
+exec {lines}>&-
+wait "$filter" || true
 
 passed=0
 failed=0
-for file in "${chosen[@]}"; do
-    read -r p f <"$output/$(basename "$file").log.result" || { p=0 f=1; echo "FAILED $file: no result"; }
+shopt -s nullglob
+for result in "$output"/*.result; do
+    read -r p f note <"$result"
     ((passed += p, failed += f)) || true
+    ((f == 0)) || echo "FAILED $(basename "$result" .result): $p passed, $f failed${note:+ ($note)}"
 done
-((passed + failed)) || Finish 0 0 "No test ran."
+((code == 0 || failed > 0)) || failed=1
 Finish "$passed" "$failed"

@@ -17,8 +17,10 @@ xvfb                        Xvfb
 xauth                       xauth
 fluxbox                     fluxbox
 xdotool                     xdotool
+trayer                      trayer
 imagemagick                 import
 fonts-liberation            /usr/share/fonts/truetype/liberation
+wine                        wine
 fonts-wine                  /usr/share/wine/fonts/marlett.ttf
 nsis                        makensis
 libxml2-utils               xmllint
@@ -26,52 +28,64 @@ libxml2-utils               xmllint
 
 Have() {
     case $1 in
+    wine) FindWine ;;
     /*) [[ -e $1 ]] ;;
     *) command -v "$1" >/dev/null ;;
     esac
 }
 
-# Lists the missing packages in `missing`. Whether 32-bit programs run is found out by running one: some distributions
-# need wine32 for that and some do not.
+# Lists the missing packages in `missing`.
 FindMissing() {
     local package proof
     missing=()
     while read -r package proof; do
         [[ -z $package ]] || Have "$proof" || missing+=("$package")
     done <<<"$kNeeded"
-    MakeTemplate || missing+=(wine wine32:i386)
 }
 
 AsRoot() {
     if ((EUID == 0)); then "$@"; else sudo "$@"; fi
 }
 
-# Where the amd64 and i386 candidates differ in version a plain install fails; the release's own versions match.
-InstallPackages() {
-    local install=(env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends)
-    local release
-    release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
-
+# Install PACKAGE...: where the amd64 and i386 candidates differ in version a plain install fails; those of the release
+# itself match. apt never replaces a package by an older one here, for it would have to be told to.
+Install() {
+    local install=(env DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends) release
+    if ! command -v apt-get >/dev/null; then
+        echo "Missing here, by their Debian names: $*" >&2
+        return 1
+    fi
+    echo "Installing: $*"
     [[ $* != *:i386* ]] || AsRoot dpkg --add-architecture i386
-    AsRoot apt-get update || echo "apt-get update reported an error; going on with the indexes that it got" >&2
-    AsRoot "${install[@]}" "$@" || AsRoot "${install[@]}" -t "$release" "$@"
+    AsRoot apt-get update || echo "apt-get update failed with exit code $?; going on with the indexes that it got" >&2
+    AsRoot "${install[@]}" "$@" && return
+    release=$(. /etc/os-release && echo "${VERSION_CODENAME:-}")
+    if [[ -n $release && $(apt-cache policy) == *",n=$release,"* ]] && AsRoot "${install[@]}" -t "$release" "$@"; then
+        return
+    fi
+    echo "apt-get could not install: $*" >&2
+    return 1
 }
 
+# SetUp: all packages come first, since Wine's prefixes depend on its fonts. Whether 32-bit programs run is found out by
+# running one: some distributions need wine32 for that and some do not.
 SetUp() {
     local missing
     FindMissing
-    ((${#missing[@]})) || return 0
-
-    if ! command -v apt-get >/dev/null; then
-        echo "Missing here, by their Debian names: ${missing[*]}" >&2
-        return 1
+    if ((${#missing[@]})); then
+        Install "${missing[@]}"
+        FindMissing
+        ((${#missing[@]} == 0)) || {
+            echo "Still missing after the installation: ${missing[*]}" >&2
+            return 1
+        }
     fi
-    echo "Installing: ${missing[*]}"
-    InstallPackages "${missing[@]}"
-
-    FindMissing
-    ((${#missing[@]} == 0)) || {
-        echo "Still missing after the installation: ${missing[*]}" >&2
+    MakeTemplate && return
+    echo "Wine does not run 32-bit programs yet."
+    Install wine32:i386
+    MakeTemplate || {
+        cat "$kTemplate.log" >&2
+        echo "wineboot, or a 32-bit program in the prefix that it made, failed under $("$wineCommand" --version)." >&2
         return 1
     }
 }

@@ -6,6 +6,7 @@
 kRoot=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 kBuildRoot=$kRoot/build
 kTemplate=$kBuildRoot/wine-template
+kFonts=(/usr/share/wine/fonts/{marlett,tahoma,tahomabd}.ttf)
 
 # Without the overrides a hidden dialog of the Mono and Gecko installers blocks the first start, and the menu builder
 # writes file associations into the home directory.
@@ -56,33 +57,48 @@ FillPrefix() {
     Wine 180 wineboot -i || true
     [[ ! -d $WINEPREFIX/drive_c/windows/syswow64 ]] || system=syswow64
     Wine 60 "C:\\windows\\$system\\cmd.exe" /c exit 42 || code=$?
+    ((code != 42)) || Unattended Y
     StopWine
     ((code == 42))
 }
 
-# Makes the template that prefixes are copied from, once. Wine without a wine32 of its own knows win64 prefixes only.
+# TemplateState: what the template depends on: Wine, its fonts, and how it is made.
+TemplateState() {
+    "$wineCommand" --version 2>/dev/null || true
+    stat -Lc '%n %s %Y' "${kFonts[@]}" 2>/dev/null || true
+    declare -f MakeTemplate FillPrefix Unattended SetRegistryValue OwnUserFolders OwnFonts | cksum
+}
+
+# Makes the template that prefixes are copied from, unless there is one from the same Wine and fonts. Wine without a
+# wine32 of its own knows win64 prefixes only.
 MakeTemplate() {
-    local arch
-    [[ ! -e $kTemplate.complete ]] || return 0
+    local arch state lock
     FindWine || return 1
     mkdir -p "$kBuildRoot"
-    for arch in win32 win64; do
-        StopWine "$kTemplate"
-        rm -rf "$kTemplate"
-        WINEPREFIX=$kTemplate WINEARCH=$arch DISPLAY='' FillPrefix >"$kTemplate.log" 2>&1 || continue
-        OwnUserFolders "$kTemplate"
-        OwnFonts "$kTemplate"
-        touch "$kTemplate.complete"
-        return 0
-    done
-    return 1
+    state=$(TemplateState)
+    exec {lock}>"$kTemplate.lock"
+    flock "$lock"
+    if [[ ! -e $kTemplate.complete || $(<"$kTemplate.complete") != "$state" ]]; then
+        rm -f "$kTemplate.complete"
+        for arch in win32 win64; do
+            StopWine "$kTemplate"
+            rm -rf "$kTemplate"
+            WINEPREFIX=$kTemplate WINEARCH=$arch DISPLAY='' FillPrefix >"$kTemplate.log" 2>&1 || continue
+            OwnUserFolders "$kTemplate"
+            OwnFonts "$kTemplate"
+            echo "$state" >"$kTemplate.complete"
+            break
+        done
+    fi
+    exec {lock}>&-
+    [[ -e $kTemplate.complete ]]
 }
 
 # Debian puts Wine's own fonts where Wine does not look: without them dialogs are measured in another font, and window
 # buttons show letters instead of symbols.
 OwnFonts() {
     local font
-    for font in /usr/share/wine/fonts/{marlett,tahoma,tahomabd}.ttf; do
+    for font in "${kFonts[@]}"; do
         [[ ! -e $font ]] || cp "$font" "$1/drive_c/windows/Fonts/"
     done
 }
@@ -115,6 +131,20 @@ UseWindowManager() {
     SetRegistryValue 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ "$1"
 }
 
+# Unattended Y|N: whether there is nobody to hear or to answer. No sound card is looked for then, since libraries print
+# hundreds of lines about a missing one, and a program that crashes ends at once: Wine would ask whether to debug it, and
+# the program would wait for the answer. Prefixes are unattended from the start.
+Unattended() {
+    local debugger='HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug'
+    if [[ $1 == Y ]]; then
+        SetRegistryValue 'HKCU\Software\Wine\Drivers' Audio REG_SZ ''
+        SetRegistryValue "$debugger" Debugger REG_SZ none
+    else
+        Wine 60 reg delete 'HKCU\Software\Wine\Drivers' /v Audio /f >/dev/null 2>&1 || true
+        SetRegistryValue "$debugger" Debugger REG_SZ 'winedbg --auto %ld %ld'
+    fi
+}
+
 # SetDpi DPI: the resolution that programs see from now on; it is read when the prefix starts.
 SetDpi() {
     SetRegistryValue 'HKCU\Control Panel\Desktop' LogPixels REG_DWORD "$1"
@@ -144,8 +174,13 @@ ProcessesOf() {
     done
 }
 
-# StartScreen: starts a virtual screen of $SCREEN_SIZE on a free display number and sets DISPLAY.
+# StartScreen: starts a virtual screen of $SCREEN_SIZE on a free display number and sets DISPLAY. Two that start at the
+# same moment can choose the same number: the one that fails tries again.
 StartScreen() {
+    TryScreen || TryScreen || TryScreen || { echo "Xvfb did not start" >&2; return 1; }
+}
+
+TryScreen() {
     local report pid number
     mkdir -p "$kBuildRoot"
     report=$(mktemp "$kBuildRoot/display.XXXXXX")
@@ -157,7 +192,7 @@ StartScreen() {
         sleep 0.1
     done
     rm -f "$report"
-    [[ -n ${number:-} ]] || { echo "Xvfb did not start" >&2; return 1; }
+    [[ -n ${number:-} ]] || return 1
     export DISPLAY=:$number
 }
 
