@@ -13,6 +13,7 @@
 
 #include "platform/com/server_process.h"
 #include "platform/text.h"
+#include "tests/support/crash.h"
 
 namespace {
 
@@ -47,6 +48,7 @@ REGISTER_LISTENER("current", 1, CurrentTest);
 }  // namespace
 
 int wmain(int count, wchar_t** arguments) {
+    EndAtFault();
     std::vector<std::string> texts;
     for (int i = 0; i < count; ++i)
         texts.push_back(ToAnsi(arguments[i]));

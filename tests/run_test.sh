@@ -6,7 +6,7 @@
 #   tests/run_test.sh BUILD_DIR SECONDS FILE    runs a doctest program or a shell script for SECONDS at most
 #
 # BUILD_DIR/test-output/NAME.log keeps what the test printed, NAME.result how many test cases passed and failed, and
-# why. TEST_CASE chooses the test cases of a doctest program, in doctest's way of writing.
+# why; TEST_OUTPUT names another folder. TEST_CASE chooses the test cases of a doctest program, in doctest's way of writing.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/wine.sh
@@ -14,7 +14,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 export BUILD_DIR=$1
 registered=$BUILD_DIR/test-prefixes/registered
-output=$BUILD_DIR/test-output
+output=${TEST_OUTPUT:-$BUILD_DIR/test-output}
 mkdir -p "$output" "${registered%/*}"
 
 # Prepare: the template as well, for those who start ctest without test.sh.
