@@ -2,8 +2,8 @@
 
 #include "app/config_globals.h"
 #include "app/frm_config.h"
-#include "platform/text.h"
 #include "platform/com/variant.h"
+#include "store/server_directory.h"
 #include "tray/bas_shell_notify.h"
 
 namespace {

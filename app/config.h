@@ -5,7 +5,7 @@
 
 #include "platform/com/dispatch_object.h"
 #include "platform/com/event_source.h"
-#include "platform/com/type_libraries.h"
+#include "tray/type_libraries.h"
 #include "sentrel_config_face.h"
 
 class Config final : public DispatchObject<_Config, kPublicTypeLibrary>, private IProvideClassInfo {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/com/dispatch_object.h"
-#include "platform/com/type_libraries.h"
+#include "tray/type_libraries.h"
 #include "sentrel_config_face.h"
 
 // What a show type asks for, beside the names that the type library gives to 1 and 2.

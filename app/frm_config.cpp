@@ -1,10 +1,10 @@
 #include "app/frm_config.h"
 
-#include <algorithm>
-
 #include "app/config_globals.h"
 #include "app/resource.h"
 #include "platform/com/server_process.h"
+#include "platform/controls/placement.h"
+#include "platform/icon.h"
 #include "store/first_run.h"
 
 namespace {
@@ -13,25 +13,6 @@ constexpr wchar_t kTrayTip[] = L"Calvane Sentrel";
 constexpr LONG kTrayMessage = 1025;  // the number that the tray's hook listens to
 constexpr LONG kFrameInterval = 250;
 constexpr LONG kPicturesPerCycle = 1;
-
-HICON LoadIconAt(int metricX, int metricY) {
-    return static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(IDI_CALVANE), IMAGE_ICON,
-                                         GetSystemMetrics(metricX), GetSystemMetrics(metricY), LR_SHARED));
-}
-
-// A monitor may have gone since the window was last shown.
-void MoveOntoMonitor(HWND window) {
-    if (IsIconic(window) || MonitorFromWindow(window, MONITOR_DEFAULTTONULL) != nullptr) return;
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), &monitor);
-    RECT bounds{};
-    GetWindowRect(window, &bounds);
-    const RECT& work = monitor.rcWork;
-    SetWindowPos(window, nullptr, (work.left + work.right - (bounds.right - bounds.left)) / 2,
-                 (work.top + work.bottom - (bounds.bottom - bounds.top)) / 2, 0, 0,
-                 SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-}
 
 }  // namespace
 
@@ -166,7 +147,7 @@ void frmConfig::Unload() {
 
 // The engine gets the address of a variable that holds a reference to the window.
 LONG frmConfig::Reference() noexcept {
-    return static_cast<LONG>(reinterpret_cast<LONG_PTR>(&m_reference));
+    return PtrToLong(&m_reference);
 }
 
 void frmConfig::SetUpTray() {
@@ -194,9 +175,7 @@ void frmConfig::PopupTrayMenu(bool pauseIsDefault) {
 }
 
 bool frmConfig::OnInit() {
-    SendMessageW(Hwnd(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(LoadIconAt(SM_CXICON, SM_CYICON)));
-    SendMessageW(Hwnd(), WM_SETICON, ICON_SMALL,
-                 reinterpret_cast<LPARAM>(LoadIconAt(SM_CXSMICON, SM_CYSMICON)));
+    SetWindowIcons(Hwnd(), IDI_CALVANE);
     return true;
 }
 

@@ -1,5 +1,6 @@
 // The automation face of the configuration window.
 #include "app/frm_config.h"
+#include "platform/com/bstr.h"
 
 namespace {
 
@@ -55,12 +56,7 @@ STDMETHODIMP frmConfig::put_Visible(VARIANT_BOOL value) {
 STDMETHODIMP frmConfig::get_Caption(BSTR* value) {
     if (value == nullptr) return E_POINTER;
     *value = nullptr;
-    return ComMethod([&] {
-        std::wstring caption(static_cast<size_t>(GetWindowTextLengthW(Hwnd())) + 1, L'\0');
-        caption.resize(
-            static_cast<size_t>(GetWindowTextW(Hwnd(), caption.data(), static_cast<int>(caption.size()))));
-        *value = Variant(caption).Detach().bstrVal;
-    });
+    return ComMethod([&] { *value = NewBstr(TextOf(Hwnd())); });
 }
 
 STDMETHODIMP frmConfig::put_Caption(BSTR value) {
@@ -96,7 +92,7 @@ STDMETHODIMP frmConfig::ControlHwnd(BSTR name, LONG* value) {
     *value = 0;
     return ComMethod([&] {
         Handle();
-        const Control* const control = FindControl(Controls(), std::wstring_view(name, SysStringLen(name)));
+        const Control* const control = FindControl(Controls(), ViewOf(name));
         if (control == nullptr) RaiseError(ErrorNumber::InvalidProcedureCall);
         *value = HandleToLong(control->Hwnd());
     });

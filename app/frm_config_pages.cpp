@@ -3,6 +3,7 @@
 
 #include "app/frm_config.h"
 #include "platform/controls/access_keys.h"
+#include "platform/icon.h"
 
 namespace {
 
@@ -34,8 +35,7 @@ void frmConfig::MakeImageList1() {
     const int height = GetSystemMetrics(SM_CYSMICON);
     m_imageList1.Reset(ImageList_Create(width, height, ILC_COLOR32, 0, 1));
     const auto add = [&](int resource) {
-        const IconHandle icon(static_cast<HICON>(
-            LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource), IMAGE_ICON, width, height, 0)));
+        const IconHandle icon = LoadSmallIcon(resource);
         return ImageList_AddIcon(m_imageList1.Get(), icon.Get());
     };
     m_controls.lvwBanners.SmallIcons(m_imageList1.Get(), add(IDI_LIST_BANNER));

@@ -9,11 +9,11 @@
 #include "app/config_globals.h"
 #include "app/frm_config.h"
 #include "platform/com/class_object.h"
-#include "platform/com/lasting_interfaces.h"
 #include "platform/com/registration.h"
 #include "platform/com/server_security.h"
-#include "platform/com/type_libraries.h"
+#include "platform/com/wine_workarounds.h"
 #include "platform/system_library.h"
+#include "tray/type_libraries.h"
 
 namespace {
 
@@ -47,7 +47,7 @@ HRESULT Serve() {
     InitCommonControlsEx(&classes);
 
     const HRESULT result = ComMethod([] {
-        KeepInterfaces({IID_IDispatch, IID_ISupportErrorInfo, IID_IProvideClassInfo,
+        WorkAroundWine({IID_IDispatch, IID_ISupportErrorInfo, IID_IProvideClassInfo,
                         IID_IConnectionPointContainer, IID_IConnectionPoint, __uuidof(_Config),
                         __uuidof(_ConfigControl)});
         const ClassRegistration configControl(__uuidof(ConfigControl), [](REFIID id, void** object) {

@@ -11,7 +11,7 @@
 #include "bench/support/process_figures.h"
 #include "bench/support/run_benchmark.h"
 #include "bench/support/server_client.h"
-#include "platform/text.h"
+#include "store/server_directory.h"
 #include "tests/support/message_pump.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "lists/frm_add_banner_size.h"
-#include "platform/controls/message.h"
+#include "lists/message.h"
 #include "platform/com/variant.h"
 
 namespace {

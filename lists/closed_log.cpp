@@ -9,7 +9,7 @@
 #include "lists/newest_lines.h"
 #include "lists/site_of_address.h"
 #include "platform/automation_error.h"
-#include "platform/controls/message.h"
+#include "lists/message.h"
 #include "platform/text.h"
 
 namespace {

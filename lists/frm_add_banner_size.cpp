@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "lists/centre_on_owner.h"
-#include "platform/controls/message.h"
+#include "platform/controls/placement.h"
+#include "lists/message.h"
 #include "platform/com/variant.h"
 
 namespace {

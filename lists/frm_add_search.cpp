@@ -1,7 +1,7 @@
 #include "lists/frm_add_search.h"
 
-#include "lists/centre_on_owner.h"
-#include "platform/controls/message.h"
+#include "platform/controls/placement.h"
+#include "lists/message.h"
 #include "platform/com/variant.h"
 
 frmAddSearch::frmAddSearch() : Dialog(IDD_ADD_SEARCH) {

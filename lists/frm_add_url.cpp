@@ -3,9 +3,9 @@
 #include <string>
 #include <string_view>
 
-#include "lists/centre_on_owner.h"
+#include "platform/controls/placement.h"
 #include "lists/is_in_list.h"
-#include "platform/controls/message.h"
+#include "lists/message.h"
 
 namespace {
 

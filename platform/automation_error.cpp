@@ -24,3 +24,12 @@ void RaiseError(ErrorNumber number) {
 void ThrowIfFailed(HRESULT result) {
     if (FAILED(result)) throw AutomationError(result);
 }
+
+void ThrowIfWin32Failed(LSTATUS status) {
+    ThrowIfFailed(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
+}
+
+void ThrowLastError() {
+    const DWORD error = GetLastError();
+    throw AutomationError(error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error));
+}

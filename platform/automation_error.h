@@ -36,10 +36,14 @@ constexpr HRESULT HresultOf(ErrorNumber number) {
 
 [[noreturn]] void RaiseError(ErrorNumber number);
 
-// Throws AutomationError when result is a failure.
+// Each throws AutomationError when result is a failure. The second takes what the registry functions return.
 void ThrowIfFailed(HRESULT result);
+void ThrowIfWin32Failed(LSTATUS status);
 
-// Runs one statement whose failure is to be ignored, so that the next one runs. Answers whether it ran
+// For a call that has failed and tells why by GetLastError: a failure without an error code is E_FAIL.
+[[noreturn]] void ThrowLastError();
+
+// Runs one statement whose failure is to be ignored, so that the next one runs. Returns whether it ran
 // through. What the standard library throws is such a failure too: to Automation, being out of memory is an
 // error like others, number 7.
 template <class Statement>

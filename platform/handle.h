@@ -25,6 +25,11 @@ public:
 
     Type Get() const noexcept { return m_handle; }
     explicit operator bool() const noexcept { return m_handle != Traits::Null(); }
+    // For calls that store a handle of the caller's own: what was held is closed first.
+    Type* Put() noexcept {
+        Reset();
+        return &m_handle;
+    }
     Type Detach() noexcept { return std::exchange(m_handle, Traits::Null()); }
     void Reset(Type handle = Traits::Null()) noexcept {
         const Type old = std::exchange(m_handle, handle);
@@ -35,37 +40,40 @@ private:
     Type m_handle = Traits::Null();
 };
 
+template <class Handle>
+struct NullHandleTraits {
+    using Type = Handle;
+    static Type Null() noexcept { return nullptr; }
+};
+
 struct FileHandleTraits {
     using Type = HANDLE;
     static Type Null() noexcept { return INVALID_HANDLE_VALUE; }
     static void Close(Type handle) noexcept { CloseHandle(handle); }
 };
 
-struct RegistryKeyTraits {
-    using Type = HKEY;
-    static Type Null() noexcept { return nullptr; }
+struct TokenTraits : NullHandleTraits<HANDLE> {
+    static void Close(Type handle) noexcept { CloseHandle(handle); }
+};
+
+struct RegistryKeyTraits : NullHandleTraits<HKEY> {
     static void Close(Type handle) noexcept { RegCloseKey(handle); }
 };
 
-struct IconTraits {
-    using Type = HICON;
-    static Type Null() noexcept { return nullptr; }
+struct IconTraits : NullHandleTraits<HICON> {
     static void Close(Type handle) noexcept { DestroyIcon(handle); }
 };
 
-struct MenuTraits {
-    using Type = HMENU;
-    static Type Null() noexcept { return nullptr; }
+struct MenuTraits : NullHandleTraits<HMENU> {
     static void Close(Type handle) noexcept { DestroyMenu(handle); }
 };
 
-struct ImageListTraits {
-    using Type = HIMAGELIST;
-    static Type Null() noexcept { return nullptr; }
+struct ImageListTraits : NullHandleTraits<HIMAGELIST> {
     static void Close(Type handle) noexcept { ImageList_Destroy(handle); }
 };
 
 using FileHandle = UniqueHandle<FileHandleTraits>;
+using TokenHandle = UniqueHandle<TokenTraits>;
 using RegistryKey = UniqueHandle<RegistryKeyTraits>;
 using IconHandle = UniqueHandle<IconTraits>;
 using MenuHandle = UniqueHandle<MenuTraits>;

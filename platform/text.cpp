@@ -29,25 +29,3 @@ std::wstring UpperCase(std::wstring_view text) {
 void MakeUpperCase(std::wstring& text) noexcept {
     CharUpperBuffW(text.data(), static_cast<DWORD>(text.size()));
 }
-
-std::wstring ServerPath() {
-    std::wstring path(MAX_PATH, L'\0');
-    for (;;) {
-        const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size()) {
-            path.resize(length);
-            return path;
-        }
-        path.resize(path.size() * 2);
-    }
-}
-
-std::wstring ServerDirectory() {
-    std::wstring path = ServerPath();
-    const size_t separator = path.find_last_of(L'\\');
-    if (separator == std::wstring::npos) return path;
-    // "C:\server.exe" lies in "C:\": the root keeps its separator.
-    const bool isRoot = separator == 2 && path[1] == L':';
-    path.resize(isRoot ? separator + 1 : separator);
-    return path;
-}

@@ -13,9 +13,3 @@ std::wstring FromAnsi(std::string_view text);
 // Upper case by the user's locale, character by character; the length stays.
 std::wstring UpperCase(std::wstring_view text);
 void MakeUpperCase(std::wstring& text) noexcept;
-
-// The folder of the running executable, without a trailing separator except where it is a drive's root.
-std::wstring ServerDirectory();
-
-// The full path of the running executable.
-std::wstring ServerPath();

@@ -1,8 +1,8 @@
 #include "store/first_run.h"
 
 #include "platform/automation_error.h"
-#include "platform/text.h"
 #include "store/registry.h"
+#include "store/server_directory.h"
 #include "store/settings_schema.h"
 
 namespace {

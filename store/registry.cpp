@@ -90,9 +90,8 @@ bool Registry::Delete(HKEY hKey, const std::wstring& ItemKey, const std::wstring
     const std::string path = ToAnsi(ItemKey);
     if (ValueName.empty()) return RegDeleteKeyA(hKey, path.c_str()) == ERROR_SUCCESS;
 
-    HKEY opened = nullptr;
-    if (RegOpenKeyExA(hKey, path.c_str(), 0, kWriteAccess, &opened) != ERROR_SUCCESS) return false;
-    const RegistryKey key(opened);
+    RegistryKey key;
+    if (RegOpenKeyExA(hKey, path.c_str(), 0, kWriteAccess, key.Put()) != ERROR_SUCCESS) return false;
     return RegDeleteValueA(key.Get(), ToAnsi(ValueName).c_str()) == ERROR_SUCCESS;
 }
 

@@ -12,6 +12,7 @@
 #include "platform/automation_error.h"
 #include "platform/com/com_ptr.h"
 #include "platform/text.h"
+#include "store/server_directory.h"
 #include "version.h"
 
 namespace {

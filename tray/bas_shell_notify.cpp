@@ -13,11 +13,11 @@ constexpr char kOldWndProc[] = "OldWndProc";
 TrayWindow* trayWindow = nullptr;
 
 HWND ConfigWindow() {
-    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
+    return static_cast<HWND>(LongToHandle(g_lngConfigHwnd));
 }
 
 LONG PreviousProcedure(HWND hwnd) {
-    return static_cast<LONG>(reinterpret_cast<LONG_PTR>(GetPropA(hwnd, kOldWndProc)));
+    return HandleToLong(GetPropA(hwnd, kOldWndProc));
 }
 
 // gesture: the mouse message over the icon.
@@ -41,8 +41,7 @@ LRESULT Forward(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
     const LONG previous = PreviousProcedure(hwnd);
     // Unhooked while somebody who subclassed the window after us still calls on.
     if (previous == 0) return 0;
-    return CallWindowProcA(reinterpret_cast<WNDPROC>(static_cast<LONG_PTR>(previous)), hwnd, message, wParam,
-                           lParam);
+    return CallWindowProcA(reinterpret_cast<WNDPROC>(LongToPtr(previous)), hwnd, message, wParam, lParam);
 }
 
 }  // namespace
@@ -54,9 +53,9 @@ void SetTrayWindow(TrayWindow* window) noexcept {
 bool HookTrayWindow(HWND hwnd) {
     if (PreviousProcedure(hwnd) != 0) return false;
     const LONG previous =
-        SetWindowLongA(hwnd, GWL_WNDPROC, static_cast<LONG>(reinterpret_cast<LONG_PTR>(&TrayWindowProc)));
+        SetWindowLongA(hwnd, GWL_WNDPROC, PtrToLong(reinterpret_cast<void*>(&TrayWindowProc)));
     if (previous == 0) return false;
-    if (SetPropA(hwnd, kOldWndProc, reinterpret_cast<HANDLE>(static_cast<LONG_PTR>(previous))) != FALSE) {
+    if (SetPropA(hwnd, kOldWndProc, LongToHandle(previous)) != FALSE) {
         return true;
     }
     // UnhookTrayWindow goes by the very property that is missing.

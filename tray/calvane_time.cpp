@@ -10,6 +10,6 @@ CalvaneTime::CalvaneTime() : m_timer(kDefaultInterval) {
     m_timer.Tick = [this] {
         // The copy outlives a listener that destroys the timer.
         const auto fired = TimerFired;
-        if (fired) fired(static_cast<LONG>(reinterpret_cast<LONG_PTR>(this)));
+        if (fired) fired(PtrToLong(this));
     };
 }

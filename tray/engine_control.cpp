@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/automation_error.h"
+#include "platform/com/bstr.h"
 #include "platform/com/variant.h"
 
 namespace {
@@ -24,10 +25,6 @@ enum PopupEvent : DISPID {
     kStartedEvent = 3,
     kStoppedEvent = 4,
 };
-
-LONG NumberOf(HWND hwnd) {
-    return static_cast<LONG>(reinterpret_cast<LONG_PTR>(hwnd));
-}
 
 }  // namespace
 
@@ -51,7 +48,8 @@ void EngineControl::Connect(HWND configHwnd, LONG formReferenceAddress) {
         if (!application) RaiseError(ErrorNumber::ObjectNotSet);
         LONG mode = kManagerMode;
         ComPtr<_Popup> popup;
-        ThrowIfFailed(application->CreatePopup(NumberOf(configHwnd), formReferenceAddress, &mode, &popup));
+        ThrowIfFailed(
+            application->CreatePopup(HandleToLong(configHwnd), formReferenceAddress, &mode, &popup));
         if (m_configHwnd != nullptr) m_oPopup = popup;
     });
     ResumeNext([&] { ConnectEvents(); });
@@ -99,7 +97,7 @@ void EngineControl::Disconnect(HWND configHwnd, LONG formReferenceAddress) {
     m_configHwnd = nullptr;
     const auto application = std::move(m_application);
     // An engine that could not be reached before is not started for a farewell.
-    if (application) application->ReleasePopup(NumberOf(configHwnd), formReferenceAddress);
+    if (application) application->ReleasePopup(HandleToLong(configHwnd), formReferenceAddress);
 }
 
 void EngineControl::ReloadSettings() {
@@ -107,11 +105,9 @@ void EngineControl::ReloadSettings() {
 }
 
 std::wstring EngineControl::LogFile() {
-    BSTR path = nullptr;
-    ThrowIfFailed(Engine()->get_LogFile(&path));
-    std::wstring text(path == nullptr ? L"" : path, SysStringLen(path));
-    SysFreeString(path);
-    return text;
+    BstrHandle path;
+    ThrowIfFailed(Engine()->get_LogFile(path.Put()));
+    return std::wstring(ViewOf(path.Get()));
 }
 
 // A reference of the caller's own: the engine may be released while it is called.

@@ -5,19 +5,16 @@
 #include <utility>
 
 #include "platform/automation_error.h"
+#include "platform/com/bstr.h"
 #include "platform/com/com_method.h"
-#include "platform/controls/picture_box.h"
+#include "tray/picture_box.h"
 #include "tray/bas_shell_notify.h"
 
 namespace {
 
-// A shell that is busy, as at logon, refuses icons or answers too late.
+// A shell that is busy, as at logon, refuses icons or replies too late.
 constexpr UINT kAddInterval = 2000;
 constexpr int kAddTries = 15;
-
-HWND WindowOf(LONG handle) {
-    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(handle));
-}
 
 }  // namespace
 
@@ -37,19 +34,17 @@ void* ShellNotification::FindOtherInterface(REFIID id) {
 }
 
 STDMETHODIMP ShellNotification::get_ToolTip(BSTR* value) {
-    if (value == nullptr) return E_POINTER;
-    *value = SysAllocStringLen(m_strToolTip.data(), static_cast<UINT>(m_strToolTip.size()));
-    return *value == nullptr ? E_OUTOFMEMORY : S_OK;
+    return ReturnText(m_strToolTip, value);
 }
 
 STDMETHODIMP ShellNotification::put_ToolTip(BSTR value) {
-    return ComMethod([&] { m_strToolTip.assign(value == nullptr ? L"" : value, SysStringLen(value)); });
+    return ComMethod([&] { m_strToolTip = ViewOf(value); });
 }
 
 STDMETHODIMP ShellNotification::InitShellNotify(LONG lgHwnd, LONG lgCallBackMsg) {
     return ComMethod([&] {
         if (m_bTerminated) return;
-        m_lgHwnd = WindowOf(lgHwnd);
+        m_lgHwnd = static_cast<HWND>(LongToHandle(lgHwnd));
         m_lgCallBackMsg = static_cast<UINT>(lgCallBackMsg);
         HookTrayWindow(m_lgHwnd);
     });
@@ -89,7 +84,7 @@ STDMETHODIMP ShellNotification::AnimateIcon(SAFEARRAY** pPics, LONG lngInterval,
         m_lngFrameCounter = 0;
         m_frames = std::move(frames);
         m_bAnimating = true;
-        m_tmrAni->Start(WindowOf(hwndOwner));
+        m_tmrAni->Start(static_cast<HWND>(LongToHandle(hwndOwner)));
     });
 }
 
@@ -133,7 +128,7 @@ void ShellNotification::Add() {
     m_tmrAdd.Start(m_lgHwnd);
 }
 
-// An icon that the shell took after it had given up answering can be changed, but not added once more.
+// An icon that the shell took after it had given up waiting can be changed, but not added once more.
 void ShellNotification::AddAgain() {
     const ComPtr<IUnknown> self(static_cast<_ShellNotification*>(this));
     if (--m_triesLeft <= 0) m_tmrAdd.Stop();

@@ -1,7 +1,7 @@
 #include "tray/tray_gestures.h"
 
 #include "platform/automation_error.h"
-#include "shell_notification_face.h"
+#include "shell_notification_interface.h"
 
 namespace {
 

@@ -6,6 +6,7 @@
 
 #include "platform/automation_error.h"
 #include "platform/text.h"
+#include "store/server_directory.h"
 #include "tests/support/automation.h"
 #include "tests/support/program.h"
 

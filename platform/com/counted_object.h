@@ -15,7 +15,7 @@ public:
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
-        if (!IsEqualIID(id, IID_IUnknown) && !Answers(id)) return E_NOINTERFACE;
+        if (!IsEqualIID(id, IID_IUnknown) && !Supports(id)) return E_NOINTERFACE;
         *object = static_cast<Interface*>(this);
         AddRef();
         return S_OK;
@@ -34,7 +34,7 @@ protected:
     virtual ~CountedObject() = default;
 
     // Whether id names an interface that Interface serves for.
-    virtual bool Answers(REFIID id) const { return IsEqualIID(id, __uuidof(Interface)); }
+    virtual bool Supports(REFIID id) const { return IsEqualIID(id, __uuidof(Interface)); }
 
 private:
     LONG m_references = 1;

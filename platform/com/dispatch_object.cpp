@@ -1,7 +1,6 @@
 #include "platform/com/dispatch_object.h"
 
-#include "platform/guard.h"
-#include "platform/text.h"
+#include "platform/com/own_type_library.h"
 #include "platform/com/variant.h"
 
 namespace {
@@ -25,11 +24,8 @@ bool IsPlainProperty(ITypeInfo* typeInfo, DISPID member) {
 }  // namespace
 
 ComPtr<ITypeInfo> OwnTypeInfo(int library, REFGUID interfaceId) {
-    const std::wstring path = ServerPath() + L'\\' + TextOf(static_cast<long>(library));
-    ComPtr<ITypeLib> typeLibrary;
-    ThrowIfFailed(LoadTypeLibEx(path.c_str(), REGKIND_NONE, &typeLibrary));
     ComPtr<ITypeInfo> typeInfo;
-    ThrowIfFailed(typeLibrary->GetTypeInfoOfGuid(interfaceId, &typeInfo));
+    ThrowIfFailed(LoadOwnTypeLibrary(library)->GetTypeInfoOfGuid(interfaceId, &typeInfo));
     return typeInfo;
 }
 

@@ -32,7 +32,9 @@ public:
     }
 
 private:
-    bool Answers(REFIID id) const override { return CountedObject::Answers(id) || IsEqualIID(id, m_events); }
+    bool Supports(REFIID id) const override {
+        return CountedObject::Supports(id) || IsEqualIID(id, m_events);
+    }
 
     const IID m_events;
     const EventHandlers m_handlers;

@@ -1,7 +1,8 @@
 #include "platform/com/own_type_library.h"
 
 #include "platform/automation_error.h"
-#include "platform/text.h"
+#include "platform/executable_path.h"
+#include "platform/handle.h"
 #include "platform/com/variant.h"
 
 // In the import library of oleaut32, in none of its headers here.
@@ -26,6 +27,11 @@ std::wstring DefaultValue(HKEY root, const std::wstring& key) {
     return text;
 }
 
+// A type library of its own in a file: the path of the file with the number of the resource behind it.
+std::wstring PathOf(int number) {
+    return ExecutablePath() + L'\\' + TextOf(static_cast<long>(number));
+}
+
 // The interfaces that a type library's registration gives a key of their own.
 std::vector<std::wstring> RegisteredInterfaces(ITypeLib& library) {
     std::vector<std::wstring> ids;
@@ -46,17 +52,21 @@ std::vector<std::wstring> RegisteredInterfaces(ITypeLib& library) {
 
 }  // namespace
 
+ComPtr<ITypeLib> LoadOwnTypeLibrary(int number) {
+    ComPtr<ITypeLib> library;
+    ThrowIfFailed(LoadTypeLibEx(PathOf(number).c_str(), REGKIND_NONE, &library));
+    return library;
+}
+
 std::wstring GuidText(REFGUID guid) {
     wchar_t text[kGuidCharacters];
     StringFromGUID2(guid, text, kGuidCharacters);
     return text;
 }
 
-OwnTypeLibrary::OwnTypeLibrary(int number) : m_path(ServerPath()) {
-    const std::wstring resource = m_path + L'\\' + TextOf(static_cast<long>(number));
-    ThrowIfFailed(LoadTypeLibEx(resource.c_str(), REGKIND_NONE, &m_library));
+OwnTypeLibrary::OwnTypeLibrary(int number) : m_path(ExecutablePath()), m_library(LoadOwnTypeLibrary(number)) {
     // Resource 1 is the one that the bare path of a file stands for.
-    if (number != 1) m_path = resource;
+    if (number != 1) m_path = PathOf(number);
 
     TLIBATTR* attributes = nullptr;
     ThrowIfFailed(m_library->GetLibAttr(&attributes));
@@ -80,12 +90,9 @@ std::wstring OwnTypeLibrary::RegisteredPath(HKEY classes) const {
 }
 
 bool OwnTypeLibrary::IsPresent(HKEY classes) const {
-    HKEY key = nullptr;
+    RegistryKey key;
     const std::wstring version = L"TypeLib\\" + m_id + L'\\' + m_version;
-    if (RegOpenKeyExW(classes, version.c_str(), 0, KEY_READ, &key) == ERROR_SUCCESS) {
-        RegCloseKey(key);
-        return true;
-    }
+    if (RegOpenKeyExW(classes, version.c_str(), 0, KEY_READ, key.Put()) == ERROR_SUCCESS) return true;
     for (const std::wstring& id : m_interfaces) {
         if (DefaultValue(classes, L"Interface\\" + id + L"\\TypeLib") == m_id) return true;
     }

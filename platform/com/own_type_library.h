@@ -9,9 +9,12 @@
 
 #include "platform/com/com_ptr.h"
 
+// number: of the TYPELIB resource. Throws AutomationError when it cannot be loaded.
+ComPtr<ITypeLib> LoadOwnTypeLibrary(int number);
+
 class OwnTypeLibrary {
 public:
-    // number: of the TYPELIB resource. Throws AutomationError when it cannot be loaded.
+    // As LoadOwnTypeLibrary.
     explicit OwnTypeLibrary(int number);
 
     // "{...}" and "1.0", as the registry spells them.

@@ -5,6 +5,7 @@
 
 #include "platform/automation_error.h"
 #include "platform/com/com_method.h"
+#include "platform/executable_path.h"
 #include "platform/handle.h"
 #include "platform/com/own_type_library.h"
 #include "platform/com/registry_journal.h"
@@ -41,7 +42,7 @@ TypeLibraries LoadTypeLibraries(const ServerDescription& server) {
 
 // What a registration writes below Software\Classes, each key before those in it.
 std::vector<RegistryEntry> EntriesOf(const ServerDescription& server) {
-    const std::wstring path = ServerPath();
+    const std::wstring path = ExecutablePath();
     std::vector<RegistryEntry> entries;
     // A user who has no classes of his own may lack the key.
     entries.push_back({.key = L"CLSID", .name = L"", .text = L"", .keyOnly = true});
@@ -70,21 +71,19 @@ std::vector<RegistryEntry> EntriesOf(const ServerDescription& server) {
 
 // Null where the hive has no Software\Classes.
 RegistryKey OpenClasses(const Place& place) {
-    HKEY key = nullptr;
-    const LSTATUS status = RegOpenKeyExW(place.hive, kClasses, 0, KEY_READ, &key);
+    RegistryKey key;
+    const LSTATUS status = RegOpenKeyExW(place.hive, kClasses, 0, KEY_READ, key.Put());
     if (status == ERROR_FILE_NOT_FOUND) return {};
-    ThrowIfFailed(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
-    return RegistryKey(key);
+    ThrowIfWin32Failed(status);
+    return key;
 }
 
 RegistryKey MakeClasses(const Place& place) {
     RegistryKey classes = OpenClasses(place);
     if (classes) return classes;
-    HKEY key = nullptr;
-    const LSTATUS status = RegCreateKeyExW(place.hive, kClasses, 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                           KEY_READ, nullptr, &key, nullptr);
-    ThrowIfFailed(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
-    return RegistryKey(key);
+    ThrowIfWin32Failed(RegCreateKeyExW(place.hive, kClasses, 0, nullptr, REG_OPTION_NON_VOLATILE, KEY_READ,
+                                       nullptr, classes.Put(), nullptr));
+    return classes;
 }
 
 // A registered type library, put back as it was unless Keep was called.

@@ -7,10 +7,6 @@
 
 namespace {
 
-void ThrowIfWin32Failed(LSTATUS status) {
-    ThrowIfFailed(HRESULT_FROM_WIN32(static_cast<DWORD>(status)));
-}
-
 bool IsEmpty(HKEY key) {
     DWORD keys = 0;
     DWORD values = 0;
@@ -26,13 +22,12 @@ RegistryJournal::~RegistryJournal() {
 }
 
 void RegistryJournal::Write(const RegistryEntry& entry) {
-    HKEY opened = nullptr;
+    RegistryKey key;
     DWORD disposition = 0;
     m_steps.reserve(m_steps.size() + 1);
     Step step{.key = entry.key, .name = entry.name, .oldData = {}};
     ThrowIfWin32Failed(RegCreateKeyExW(m_root, entry.key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
-                                       KEY_READ | KEY_WRITE, nullptr, &opened, &disposition));
-    const RegistryKey key(opened);
+                                       KEY_READ | KEY_WRITE, nullptr, key.Put(), &disposition));
     step.keyMade = disposition == REG_CREATED_NEW_KEY;
     Step& taken = m_steps.emplace_back(std::move(step));
     if (entry.keyOnly) return;
@@ -55,9 +50,8 @@ void RegistryJournal::Write(const RegistryEntry& entry) {
 // A step that cannot be undone does not keep the others from it.
 void RegistryJournal::Undo(const Step& step) noexcept {
     if (step.valueWritten) {
-        HKEY opened = nullptr;
-        if (RegOpenKeyExW(m_root, step.key.c_str(), 0, KEY_WRITE, &opened) != ERROR_SUCCESS) return;
-        const RegistryKey key(opened);
+        RegistryKey key;
+        if (RegOpenKeyExW(m_root, step.key.c_str(), 0, KEY_WRITE, key.Put()) != ERROR_SUCCESS) return;
         if (step.valueExisted) {
             RegSetValueExW(key.Get(), step.name.c_str(), 0, step.oldType,
                            reinterpret_cast<const BYTE*>(step.oldData.data()),
@@ -70,18 +64,17 @@ void RegistryJournal::Undo(const Step& step) noexcept {
 }
 
 void RemoveEntry(HKEY root, const RegistryEntry& entry) {
-    HKEY opened = nullptr;
-    LSTATUS status = RegOpenKeyExW(root, entry.key.c_str(), 0, KEY_READ, &opened);
+    RegistryKey reader;
+    const LSTATUS status = RegOpenKeyExW(root, entry.key.c_str(), 0, KEY_READ, reader.Put());
     if (status == ERROR_FILE_NOT_FOUND) return;
     ThrowIfWin32Failed(status);
-    RegistryKey reader(opened);
 
     // Only what is there is opened for writing: a user without that right has nothing to remove.
     const wchar_t* const name = entry.name.c_str();
     if (!entry.keyOnly &&
         RegQueryValueExW(reader.Get(), name, nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS) {
-        ThrowIfWin32Failed(RegOpenKeyExW(root, entry.key.c_str(), 0, KEY_WRITE, &opened));
-        const RegistryKey writer(opened);
+        RegistryKey writer;
+        ThrowIfWin32Failed(RegOpenKeyExW(root, entry.key.c_str(), 0, KEY_WRITE, writer.Put()));
         ThrowIfWin32Failed(RegDeleteValueW(writer.Get(), name));
     }
     if (!IsEmpty(reader.Get())) return;

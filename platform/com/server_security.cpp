@@ -10,26 +10,16 @@ namespace {
 
 constexpr DWORD kCallFromThisMachine = COM_RIGHTS_EXECUTE | COM_RIGHTS_EXECUTE_LOCAL;
 
-struct TokenTraits {
-    using Type = HANDLE;
-    static Type Null() noexcept { return nullptr; }
-    static void Close(Type handle) noexcept { CloseHandle(handle); }
-};
-
-// A failure without an error code is a failure all the same.
 void Require(BOOL done) {
-    if (done) return;
-    const DWORD error = GetLastError();
-    throw AutomationError(error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error));
+    if (!done) ThrowLastError();
 }
 
 // The user that the process runs as.
 class TokenUserSid {
 public:
     TokenUserSid() {
-        HANDLE opened = nullptr;
-        Require(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened));
-        const UniqueHandle<TokenTraits> token(opened);
+        TokenHandle token;
+        Require(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, token.Put()));
         DWORD size = 0;
         Require(GetTokenInformation(token.Get(), TokenUser, &m_buffer, sizeof(m_buffer), &size));
     }
@@ -96,9 +86,8 @@ private:
 HRESULT AdmitOwnUserOnly() {
     return ComMethod([] {
         OwnUserDescriptor descriptor;
-        // The engine and the servers that the program calls may learn who it runs as, and not act in its
-        // name. No further capability: disabling activation as the activator would keep the engine from being
-        // started.
+        // The servers that the program calls may learn who it runs as, and not act in its name. No further
+        // capability: disabling activation as the activator would keep the engine from being started.
         ThrowIfFailed(CoInitializeSecurity(descriptor.Get(), -1, nullptr, nullptr, RPC_C_AUTHN_LEVEL_PKT,
                                            RPC_C_IMP_LEVEL_IDENTIFY, nullptr, EOAC_NONE, nullptr));
     });

@@ -3,10 +3,10 @@
 #include <charconv>
 #include <iterator>
 #include <limits>
-#include <new>
 #include <utility>
 
 #include "platform/automation_error.h"
+#include "platform/com/bstr.h"
 
 namespace {
 
@@ -19,17 +19,11 @@ Variant Converted(const VARIANT& value, VARTYPE type) {
     return result;
 }
 
-// The empty text may be no object at all.
-std::wstring TextIn(BSTR text) {
-    return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
-}
-
 }  // namespace
 
 Variant::Variant(std::wstring_view text) {
     VariantInit(&m_value);
-    m_value.bstrVal = SysAllocStringLen(text.data(), static_cast<UINT>(text.size()));
-    if (m_value.bstrVal == nullptr) throw std::bad_alloc();
+    m_value.bstrVal = NewBstr(text);
     m_value.vt = VT_BSTR;
 }
 
@@ -82,8 +76,9 @@ VARIANT Variant::Detach() noexcept {
 }
 
 std::wstring ToText(const VARIANT& value) {
-    if (value.vt == VT_BSTR) return TextIn(value.bstrVal);
-    return TextIn(Converted(value, VT_BSTR).Value().bstrVal);
+    if (value.vt == VT_BSTR) return std::wstring(ViewOf(value.bstrVal));
+    const Variant text = Converted(value, VT_BSTR);
+    return std::wstring(ViewOf(text.Value().bstrVal));
 }
 
 long ToLong(const VARIANT& value) {

@@ -2,6 +2,12 @@
 
 #include <algorithm>
 
+std::wstring TextOf(HWND window) {
+    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
+    text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
+    return text;
+}
+
 void Control::Attach(HWND hwnd) {
     m_hwnd = hwnd;
     if (hwnd != nullptr) OnAttached();
@@ -13,12 +19,6 @@ void Control::Enabled(bool enabled) noexcept {
         SendMessageW(GetAncestor(m_hwnd, GA_ROOT), WM_NEXTDLGCTL, 0, FALSE);
     }
     EnableWindow(m_hwnd, enabled);
-}
-
-std::wstring Control::WindowText() const {
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(m_hwnd)) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(m_hwnd, text.data(), static_cast<int>(text.size()))));
-    return text;
 }
 
 Control* FindControl(ControlTable controls, int id) {

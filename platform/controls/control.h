@@ -13,6 +13,9 @@
 // The listener of an event. One listener an event; an event nobody listens to is not raised.
 using Event = std::function<void()>;
 
+// The title of a window or the text of a control; empty where there is none.
+std::wstring TextOf(HWND window);
+
 enum class ControlKind {
     Button,
     CheckBox,
@@ -62,7 +65,7 @@ protected:
     LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const noexcept {
         return m_hwnd == nullptr ? 0 : SendMessageW(m_hwnd, message, wParam, lParam);
     }
-    std::wstring WindowText() const;
+    std::wstring WindowText() const { return TextOf(m_hwnd); }
     void WindowText(const std::wstring& text) noexcept { SetWindowTextW(m_hwnd, text.c_str()); }
 
     static void Raise(const Event& event) {

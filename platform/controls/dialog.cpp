@@ -6,8 +6,7 @@
 void Dialog::Create(HWND parent) {
     if (CreateDialogParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(m_resourceId), parent, Procedure,
                            reinterpret_cast<LPARAM>(this)) == nullptr) {
-        const DWORD error = GetLastError();
-        throw AutomationError(error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error));
+        ThrowLastError();
     }
 }
 

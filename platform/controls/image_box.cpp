@@ -12,11 +12,6 @@
 
 namespace {
 
-void ThrowLastError() {
-    const DWORD error = GetLastError();
-    throw AutomationError(error == ERROR_SUCCESS ? E_FAIL : HRESULT_FROM_WIN32(error));
-}
-
 ComPtr<IStream> StreamOver(const void* data, size_t size) {
     const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, size);
     if (memory == nullptr) ThrowLastError();
@@ -42,7 +37,7 @@ SIZE PixelsOf(IPicture* picture) {
     OLE_HANDLE handle = 0;
     BITMAP bitmap{};
     if (FAILED(picture->get_Handle(&handle)) ||
-        GetObjectW(reinterpret_cast<HGDIOBJ>(static_cast<ULONG_PTR>(handle)), sizeof(bitmap), &bitmap) == 0) {
+        GetObjectW(ULongToHandle(handle), sizeof(bitmap), &bitmap) == 0) {
         return {};
     }
     return {bitmap.bmWidth, bitmap.bmHeight};

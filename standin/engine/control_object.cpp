@@ -1,24 +1,14 @@
 #include "standin/engine/control_object.h"
 
+#include "platform/com/bstr.h"
+
 namespace {
 
-// A null BSTR is the empty text.
-std::wstring TextOf(BSTR text) {
-    return text == nullptr ? std::wstring() : std::wstring(text, SysStringLen(text));
-}
-
-// The body of a property's get: stores what read answers as the caller's own.
+// The body of a property's get: stores what read returns.
 template <class Value, class Read>
 HRESULT Get(Value* value, Read&& read) {
     if (value == nullptr) return E_POINTER;
     return ComMethod([&] { *value = read(); });
-}
-
-template <class Read>
-HRESULT GetText(BSTR* value, Read&& read) {
-    if (value == nullptr) return E_POINTER;
-    *value = nullptr;
-    return ComMethod([&] { *value = Variant(std::wstring(read())).Detach().bstrVal; });
 }
 
 VARIANT_BOOL Flag(bool flag) {
@@ -36,15 +26,15 @@ STDMETHODIMP ControlObject::put_State(long value) {
 }
 
 STDMETHODIMP ControlObject::get_LogFile(BSTR* value) {
-    return GetText(value, [&] { return m_engine.logFile; });
+    return ReturnText(m_engine.logFile, value);
 }
 
 STDMETHODIMP ControlObject::put_LogFile(BSTR value) {
-    return ComMethod([&] { m_engine.logFile = TextOf(value); });
+    return ComMethod([&] { m_engine.logFile = ViewOf(value); });
 }
 
 STDMETHODIMP ControlObject::get_Calls(BSTR* value) {
-    return GetText(value, [&] { return m_engine.calls.Text(); });
+    return ReturnText(m_engine.calls.Text(), value);
 }
 
 STDMETHODIMP ControlObject::get_Stamped(VARIANT_BOOL* value) {
@@ -64,11 +54,11 @@ STDMETHODIMP ControlObject::put_RaiseByItself(VARIANT_BOOL value) {
 }
 
 STDMETHODIMP ControlObject::get_WatchValue(BSTR* value) {
-    return GetText(value, [&] { return m_engine.watchValue; });
+    return ReturnText(m_engine.watchValue, value);
 }
 
 STDMETHODIMP ControlObject::put_WatchValue(BSTR value) {
-    return ComMethod([&] { m_engine.watchValue = TextOf(value); });
+    return ComMethod([&] { m_engine.watchValue = ViewOf(value); });
 }
 
 STDMETHODIMP ControlObject::get_Popups(long* value) {
@@ -80,7 +70,7 @@ STDMETHODIMP ControlObject::get_Connections(long* value) {
 }
 
 STDMETHODIMP ControlObject::RaiseKilled(long hwnd, BSTR caption) {
-    return ComMethod([&] { m_engine.RaiseKilled(hwnd, TextOf(caption)); });
+    return ComMethod([&] { m_engine.RaiseKilled(hwnd, std::wstring(ViewOf(caption))); });
 }
 
 STDMETHODIMP ControlObject::RaisePaused() {
@@ -96,7 +86,7 @@ STDMETHODIMP ControlObject::RaiseStopped() {
 }
 
 STDMETHODIMP ControlObject::ClosePopup(long hwnd, BSTR address) {
-    return ComMethod([&] { m_engine.ClosePopup(hwnd, TextOf(address)); });
+    return ComMethod([&] { m_engine.ClosePopup(hwnd, std::wstring(ViewOf(address))); });
 }
 
 STDMETHODIMP ControlObject::ClearCalls() {
@@ -105,15 +95,15 @@ STDMETHODIMP ControlObject::ClearCalls() {
 }
 
 STDMETHODIMP ControlObject::FailNext(BSTR member, long result) {
-    return ComMethod([&] { m_engine.calls.FailNext(TextOf(member), result); });
+    return ComMethod([&] { m_engine.calls.FailNext(std::wstring(ViewOf(member)), result); });
 }
 
 STDMETHODIMP ControlObject::DelayNext(BSTR member, long milliseconds) {
-    return ComMethod([&] { m_engine.calls.DelayNext(TextOf(member), milliseconds); });
+    return ComMethod([&] { m_engine.calls.DelayNext(std::wstring(ViewOf(member)), milliseconds); });
 }
 
 STDMETHODIMP ControlObject::DieIn(BSTR member) {
-    return ComMethod([&] { m_engine.calls.DieIn(TextOf(member)); });
+    return ComMethod([&] { m_engine.calls.DieIn(std::wstring(ViewOf(member))); });
 }
 
 STDMETHODIMP ControlObject::OpenWindow() {

@@ -48,7 +48,7 @@ void AppendLine(const std::wstring& file, const std::wstring& line) {
     DWORD written = 0;
     if (!handle ||
         !WriteFile(handle.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr)) {
-        throw AutomationError(HRESULT_FROM_WIN32(GetLastError()));
+        ThrowLastError();
     }
 }
 

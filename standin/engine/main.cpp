@@ -8,7 +8,7 @@
 
 #include "platform/com/class_object.h"
 #include "platform/com/com_ptr.h"
-#include "platform/com/lasting_interfaces.h"
+#include "platform/com/wine_workarounds.h"
 #include "platform/com/registration.h"
 #include "sentrel1.h"
 #include "standin.h"
@@ -31,7 +31,7 @@ ServerDescription Description() {
 }
 
 void Serve() {
-    KeepInterfaces({IID_IDispatch, IID_ISupportErrorInfo, IID_IConnectionPointContainer, IID_IConnectionPoint,
+    WorkAroundWine({IID_IDispatch, IID_ISupportErrorInfo, IID_IConnectionPointContainer, IID_IConnectionPoint,
                     __uuidof(_SentrelApp), __uuidof(_Popup), __uuidof(_Control)});
     Engine engine;
     EngineWindow window(engine);

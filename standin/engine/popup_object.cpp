@@ -1,5 +1,7 @@
 #include "standin/engine/popup_object.h"
 
+#include "platform/com/bstr.h"
+
 PopupObject::PopupObject(Engine& engine)
     : DispatchObject(Holder::Client), m_engine(engine), m_events(*static_cast<_Popup*>(this), DIID___Popup) {
     m_engine.Enter(this);
@@ -47,6 +49,6 @@ STDMETHODIMP PopupObject::get_LogFile(BSTR* value) {
     *value = nullptr;
     return ComMethod([&] {
         m_engine.calls.Receive(L"LogFile");
-        *value = Variant(m_engine.logFile).Detach().bstrVal;
+        *value = NewBstr(m_engine.logFile);
     });
 }

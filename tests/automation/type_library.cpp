@@ -6,7 +6,7 @@
 #include <string>
 
 #include "platform/com/dispatch_object.h"
-#include "platform/com/type_libraries.h"
+#include "tray/type_libraries.h"
 #include "platform/com/variant.h"
 #include "sentrel_config_face.h"
 

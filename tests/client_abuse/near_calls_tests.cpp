@@ -6,7 +6,7 @@
 #include <ocidl.h>
 
 #include "tests/client_abuse/quiet_system.h"
-#include "shell_notification_face.h"
+#include "shell_notification_interface.h"
 #include "tests/client_abuse/random_calls.h"
 #include "tests/entry/inside.h"
 #include "tests/support/automation.h"

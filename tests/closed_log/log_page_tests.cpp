@@ -1,7 +1,7 @@
 #include <doctest.h>
 
 #include "platform/automation_error.h"
-#include "platform/controls/message.h"
+#include "lists/message.h"
 #include "tests/closed_log/log_page.h"
 #include "tests/support/plain_log.h"
 #include "tests/support/shown_text.h"

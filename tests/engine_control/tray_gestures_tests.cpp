@@ -5,7 +5,7 @@
 
 #include "platform/automation_error.h"
 #include "platform/com/event_source.h"
-#include "shell_notification_face.h"
+#include "shell_notification_interface.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/plain_window.h"
 #include "tray/shell_notification.h"

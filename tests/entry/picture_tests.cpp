@@ -4,7 +4,7 @@
 #include <set>
 #include <string>
 
-#include "platform/controls/picture_box.h"
+#include "tray/picture_box.h"
 #include "tests/entry/inside.h"
 
 namespace {

@@ -4,6 +4,7 @@
 
 #include "platform/text.h"
 #include "store/first_run.h"
+#include "store/server_directory.h"
 #include "tests/support/memory_registry.h"
 #include "tests/support/message_recorder.h"
 #include "tests/support/settings_model.h"

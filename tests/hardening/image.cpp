@@ -4,7 +4,7 @@
 #include <cctype>
 #include <stdexcept>
 
-#include "platform/text.h"
+#include "store/server_directory.h"
 #include "tests/support/test_folder.h"
 
 Image::Image(const std::wstring& path) : m_bytes(BytesOf(path)) {

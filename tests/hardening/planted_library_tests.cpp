@@ -13,6 +13,7 @@
 
 #include "platform/handle.h"
 #include "platform/text.h"
+#include "store/server_directory.h"
 #include "tests/hardening/image.h"
 #include "tests/support/manager.h"
 #include "tests/support/message_pump.h"

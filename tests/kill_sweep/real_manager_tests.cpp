@@ -2,8 +2,8 @@
 #include <doctest.h>
 
 #include "platform/automation_error.h"
-#include "platform/text.h"
 #include "platform/com/variant.h"
+#include "store/server_directory.h"
 #include "tests/engine/stand_in.h"
 #include "tests/kill_sweep/subjects.h"
 #include "tests/support/automation.h"

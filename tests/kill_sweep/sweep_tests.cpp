@@ -6,6 +6,7 @@
 
 #include "platform/text.h"
 #include "store/first_run.h"
+#include "store/server_directory.h"
 #include "tests/kill_sweep/child.h"
 #include "tests/kill_sweep/subjects.h"
 #include "tests/support/settings_window.h"

@@ -1,6 +1,6 @@
 #include <doctest.h>
 
-#include "platform/controls/message.h"
+#include "lists/message.h"
 #include "platform/com/variant.h"
 #include "tests/lists/banner_page.h"
 #include "tests/support/shown_text.h"

@@ -1,7 +1,7 @@
 #include <doctest.h>
 
 #include "lists/frm_add_url.h"
-#include "platform/controls/message.h"
+#include "lists/message.h"
 #include "tests/lists/exclude_page.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/shown_text.h"

@@ -1,10 +1,12 @@
 // Text between UTF-16 and the code page, and the server's path.
+#include "platform/executable_path.h"
 #include "platform/text.h"
 
 #include <doctest.h>
 
 #include <windows.h>
 
+#include "store/server_directory.h"
 #include "tests/support/import_patch.h"
 
 using namespace std::string_literals;
@@ -78,7 +80,7 @@ TEST_CASE("Upper case goes character by character and keeps the length") {
 }
 
 TEST_CASE("The server's path is the running program's, its directory what lies before the last separator") {
-    const std::wstring path = ServerPath();
+    const std::wstring path = ExecutablePath();
     CHECK(GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES);
     CHECK(path.ends_with(L"_tests.exe"));
     CHECK(path.starts_with(ServerDirectory() + L"\\"));
@@ -99,7 +101,7 @@ TEST_CASE("The directory has no separator at its end, except where it is a drive
     };
     for (const Row& row : rows) {
         const ServerAt server(row.path);
-        CHECK(ServerPath() == row.path);
+        CHECK(ExecutablePath() == row.path);
         CHECK(ServerDirectory() == row.directory);
     }
 }
@@ -109,8 +111,8 @@ TEST_CASE("Paths longer than MAX_PATH are answered whole") {
         CAPTURE(length);
         const std::wstring directory = L"C:\\" + std::wstring(length - 3 - 2, L'd');
         const ServerAt server(directory + L"\\s");
-        CHECK(ServerPath() == directory + L"\\s");
-        CHECK(ServerPath().size() == length);
+        CHECK(ExecutablePath() == directory + L"\\s");
+        CHECK(ExecutablePath().size() == length);
         CHECK(ServerDirectory() == directory);
     }
 }

@@ -2,8 +2,8 @@
 #include <doctest.h>
 
 #include "platform/com/own_type_library.h"
-#include "platform/text.h"
-#include "platform/com/type_libraries.h"
+#include "platform/executable_path.h"
+#include "tray/type_libraries.h"
 #include "tests/registration/faulty_registry.h"
 #include "tests/registration/test_server.h"
 
@@ -16,7 +16,7 @@ TEST_CASE("Without rights to the machine's classes the server is registered for 
     CHECK(Stored(HKEY_LOCAL_MACHINE, kFirstKey) == L"(none)");
     CHECK(Stored(HKEY_CURRENT_USER, kFirstKey) == L"First test class");
     CHECK(Stored(HKEY_CURRENT_USER, std::wstring(kFirstKey) + L"\\LocalServer32") ==
-          L'"' + ServerPath() + L'"');
+          L'"' + ExecutablePath() + L'"');
     CHECK(Stored(HKEY_CURRENT_USER, L"Software\\Classes\\RegistrationTests.Second\\CLSID") ==
           GuidText(kSecondClass));
     ITypeLib* library = nullptr;

@@ -1,7 +1,7 @@
 // Registering and unregistering, seen in the registry itself.
 #include <doctest.h>
 
-#include "platform/text.h"
+#include "platform/executable_path.h"
 #include "tests/registration/test_server.h"
 
 TEST_CASE(
@@ -10,8 +10,8 @@ TEST_CASE(
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const std::wstring key = kFirstKey;
     CHECK(Stored(HKEY_LOCAL_MACHINE, key) == L"First test class");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\LocalServer32") == L'"' + ServerPath() + L'"');
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\LocalServer32", L"ServerExecutable") == ServerPath());
+    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\LocalServer32") == L'"' + ExecutablePath() + L'"');
+    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\LocalServer32", L"ServerExecutable") == ExecutablePath());
     CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\ProgID") == L"RegistrationTests.First");
     CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\TypeLib") == L"{5260E1ED-AE71-44D7-8381-905CDE9DC4A2}");
     CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\Version") == L"1.0");
@@ -22,7 +22,7 @@ TEST_CASE(
     CHECK(IsEqualCLSID(classId, kFirstClass));
     CHECK(CLSIDFromProgID(L"RegistrationTests.Second", &classId) == S_OK);
     CHECK(IsEqualCLSID(classId, kSecondClass));
-    CHECK(RegisteredLibraryPath() == ServerPath());
+    CHECK(RegisteredLibraryPath() == ExecutablePath());
 }
 
 TEST_CASE("The marshaler finds the interfaces of a registered type library") {

@@ -4,8 +4,9 @@
 #include <vector>
 
 #include "platform/com/own_type_library.h"
+#include "platform/executable_path.h"
 #include "platform/text.h"
-#include "platform/com/type_libraries.h"
+#include "tray/type_libraries.h"
 
 namespace {
 
@@ -94,7 +95,7 @@ void Store(HKEY hive, const std::wstring& key, const wchar_t* name, const std::w
 
 ComPtr<ITypeLib> PublicLibrary() {
     ComPtr<ITypeLib> library;
-    REQUIRE(LoadTypeLibEx(ServerPath().c_str(), REGKIND_NONE, &library) == S_OK);
+    REQUIRE(LoadTypeLibEx(ExecutablePath().c_str(), REGKIND_NONE, &library) == S_OK);
     return library;
 }
 

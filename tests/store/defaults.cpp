@@ -3,6 +3,7 @@
 #include <doctest.h>
 
 #include "platform/text.h"
+#include "store/server_directory.h"
 #include "tests/store/registry_watch.h"
 
 std::vector<Default> Defaults() {

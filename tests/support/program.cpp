@@ -6,6 +6,7 @@
 
 #include "platform/handle.h"
 #include "platform/text.h"
+#include "store/server_directory.h"
 #include "tests/support/message_pump.h"
 
 std::vector<DWORD> ProcessesOf(const wchar_t* program) {

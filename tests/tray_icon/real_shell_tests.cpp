@@ -4,7 +4,7 @@
 #include <shellapi.h>
 
 #include "app/resource.h"
-#include "platform/controls/picture_box.h"
+#include "tray/picture_box.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/plain_window.h"
 #include "tray/shell_notification.h"

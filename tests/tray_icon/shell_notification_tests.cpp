@@ -4,7 +4,7 @@
 
 #include "app/resource.h"
 #include "platform/com/event_connection.h"
-#include "platform/controls/picture_box.h"
+#include "tray/picture_box.h"
 #include "tests/support/message_pump.h"
 #include "tests/tray_icon/hook_calls.h"
 #include "tests/tray_icon/tray_icon_fixture.h"

@@ -5,9 +5,9 @@
 
 #include <string>
 
-#include "picture_box_face.h"
+#include "picture_box_interface.h"
 #include "platform/com/dispatch_object.h"
-#include "platform/com/type_libraries.h"
+#include "tray/type_libraries.h"
 
 class PictureBox final : public DispatchObject<_PictureBox, kFormsTypeLibrary> {
 public:

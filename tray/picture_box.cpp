@@ -1,11 +1,12 @@
-#include "platform/controls/picture_box.h"
+#include "tray/picture_box.h"
 
 #include <olectl.h>
 
 #include <utility>
 
-#include "platform/handle.h"
+#include "platform/com/bstr.h"
 #include "platform/com/variant.h"
+#include "platform/icon.h"
 
 namespace {
 
@@ -21,9 +22,7 @@ Variant PropertyOf(IDispatch* object, DISPID property) {
 
 PictureBox::PictureBox(std::wstring name, int iconResource)
     : DispatchObject(Holder::Server), m_name(std::move(name)) {
-    IconHandle icon(
-        static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(iconResource), IMAGE_ICON,
-                                      GetSystemMetrics(SM_CXSMICON), GetSystemMetrics(SM_CYSMICON), 0)));
+    IconHandle icon = LoadSmallIcon(iconResource);
     PICTDESC description{};
     description.cbSizeofstruct = sizeof(description);
     description.picType = PICTYPE_ICON;
@@ -34,9 +33,7 @@ PictureBox::PictureBox(std::wstring name, int iconResource)
 }
 
 STDMETHODIMP PictureBox::get_Name(BSTR* value) {
-    if (value == nullptr) return E_POINTER;
-    *value = SysAllocStringLen(m_name.data(), static_cast<UINT>(m_name.size()));
-    return *value == nullptr ? E_OUTOFMEMORY : S_OK;
+    return ReturnText(m_name, value);
 }
 
 STDMETHODIMP PictureBox::get_Picture(IDispatch** value) {
@@ -55,5 +52,5 @@ HICON IconOf(IDispatch* pictureBox) {
         RaiseError(ErrorNumber::ObjectNotSet);
     }
     const Variant handle = PropertyOf(picture.Value().pdispVal, DISPID_VALUE);
-    return reinterpret_cast<HICON>(static_cast<LONG_PTR>(ToLong(handle)));
+    return static_cast<HICON>(LongToHandle(ToLong(handle)));
 }
