@@ -75,7 +75,7 @@ TEST_CASE("a screen reader finds a name for every control") {
                 const HWND label = GetWindow(control, GW_HWNDPREV);
                 REQUIRE(label != nullptr);
                 CHECK(RoleOf(label) == Role::Text);
-                CHECK_FALSE(TextOf(label).empty());
+                CHECK_FALSE(CaptionOf(label).empty());
                 CHECK((StyleOf(label) & WS_VISIBLE) != 0);
                 ++labels;
             } else if (RoleOf(control) == Role::Spin) {
@@ -83,7 +83,7 @@ TEST_CASE("a screen reader finds a name for every control") {
                 CHECK(box == GetWindow(control, GW_HWNDPREV));
                 CHECK(RoleOf(box) == Role::TextBox);
             } else if (RoleOf(control) != Role::Tabs) {
-                CHECK_FALSE(TextOf(control).empty());
+                CHECK_FALSE(CaptionOf(control).empty());
             }
         }
     });

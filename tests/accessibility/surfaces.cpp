@@ -97,7 +97,7 @@ RECT StripOf(HWND tabs) {
     return strip;
 }
 
-std::wstring TextOf(HWND control) {
+std::wstring CaptionOf(HWND control) {
     std::wstring text = ShownText(control);
     if (ClassOf(control) != WC_LINK) return text;
     for (const std::wstring_view mark : {L"<a>", L"</a>"}) {
@@ -122,5 +122,5 @@ Role RoleOf(HWND control) {
 
 std::string Describe(const Surface& surface, HWND control) {
     return ToAnsi(surface.name + L": " + ClassOf(control) + L" " + std::to_wstring(GetDlgCtrlID(control)) +
-                  L" \"" + TextOf(control) + L'"');
+                  L" \"" + CaptionOf(control) + L'"');
 }

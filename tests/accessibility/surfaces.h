@@ -24,7 +24,7 @@ void ForEachPage(HWND window, const std::function<void(const Surface& page)>& vi
 DWORD StyleOf(HWND control);
 RECT BoundsOf(HWND control);        // on the screen
 RECT StripOf(HWND tabs);            // where the tabs themselves are, on the screen
-std::wstring TextOf(HWND control);  // without the mark-up of a link
+std::wstring CaptionOf(HWND control);  // without the mark-up of a link
 
 enum class Role {
     Text,

@@ -40,7 +40,7 @@ Caption Plain(const std::string& where, HWND control, const std::wstring& text, 
 
 // A label breaks its text between words; the ends of all lines but the last are lost to that.
 Caption LabelOf(const std::string& where, HWND label) {
-    Caption caption = Plain(where, label, TextOf(label), {});
+    Caption caption = Plain(where, label, CaptionOf(label), {});
     const LONG lines = std::max(1L, caption.room.cy / caption.needed.cy);
     caption.room.cx = caption.room.cx * lines - (lines - 1) * caption.room.cx / 4;
     return caption;
@@ -103,7 +103,7 @@ int Scaled(int pixels) {
 }
 
 std::vector<Caption> CaptionsOf(const std::string& where, HWND control) {
-    const std::wstring text = TextOf(control);
+    const std::wstring text = CaptionOf(control);
     switch (RoleOf(control)) {
         case Role::Text:
             return {LabelOf(where, control)};
