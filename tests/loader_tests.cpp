@@ -4,7 +4,12 @@
 
 #include <windows.h>
 #include <commctrl.h>
+#include <shellapi.h>
 
+#include <iterator>
+#include <string>
+
+#include "platform/text.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/program.h"
 
@@ -37,6 +42,36 @@ struct NoManager {
         RunProgram(kLoader, L"/release");
         CHECK(ProgramEnds(kManager));
     }
+};
+
+// The manager is not registered meanwhile.
+struct NoClass {
+    NoClass() { REQUIRE(RunProgram(kManager, L"/UnregServer") == 0); }
+    ~NoClass() { CHECK(RunProgram(kManager, L"/RegServer") == 0); }
+};
+
+// Closes message boxes while the test waits for the program that shows them, and keeps the last one's text.
+class MessageBoxes {
+public:
+    MessageBoxes() : m_timer(SetTimer(nullptr, 0, 20, Look)) { g_text.clear(); }
+    ~MessageBoxes() { KillTimer(nullptr, m_timer); }
+
+    static const std::wstring& Text() { return g_text; }
+
+private:
+    static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
+        constexpr int kMessageText = 0xFFFF;
+        const HWND box = FindWindowW(MAKEINTRESOURCEW(32770), L"Calvane");
+        if (box == nullptr || !IsWindowVisible(box)) return;
+        wchar_t text[512]{};
+        SendMessageW(GetDlgItem(box, kMessageText), WM_GETTEXT, std::size(text),
+                     reinterpret_cast<LPARAM>(text));
+        if (*text != L'\0') g_text = text;  // not of a box that closes
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+    }
+
+    static inline std::wstring g_text;
+    UINT_PTR m_timer;
 };
 
 }  // namespace
@@ -97,12 +132,53 @@ TEST_CASE("The release switch ends a running manager, and one that does not run 
     CHECK(ManagerWindow() != nullptr);
 }
 
-TEST_CASE("The exit code tells that no manager is registered") {
+TEST_CASE("The release switch ends a manager whose window has another caption") {
     const NoManager none;
-    REQUIRE(RunProgram(kManager, L"/UnregServer") == 0);
-    CHECK(RunProgram(kLoader) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
-    CHECK(RunProgram(kLoader, L"/show") == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
-    CHECK(RunProgram(kLoader, L"/release") == 0);
-    REQUIRE(RunProgram(kManager, L"/RegServer") == 0);
     CHECK(RunProgram(kLoader) == 0);
+    REQUIRE(SetWindowTextW(ManagerWindow(), L"Renamed"));
+    CHECK(RunProgram(kLoader, L"/release") == 0);
+    CHECK(ProcessesOf(kManager).empty());
+}
+
+TEST_CASE("The release switch ends a manager that has no window yet") {
+    const NoManager none;
+    StartServerAhead(kManager);
+    REQUIRE(ManagerWindow() == nullptr);
+    REQUIRE(ProcessesOf(kManager).size() == 1);
+    CHECK(RunProgram(kLoader, L"/release") == 0);
+    CHECK(ProcessesOf(kManager).empty());
+}
+
+TEST_CASE("The release switch takes no other program's window of the same caption for the manager") {
+    const NoManager none;
+    const NoClass unregistered;  // a manager that is asked for cannot be had
+    const HWND foreign =
+        CreateWindowW(WC_STATICW, L"Calvane", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
+    REQUIRE(ManagerWindow() == foreign);
+    CHECK(RunProgram(kLoader, L"/release") == 0);
+    DestroyWindow(foreign);
+}
+
+TEST_CASE("The exit code tells that no manager is registered; only who waits for a window reads why") {
+    const NoManager none;
+    const NoClass unregistered;
+    const MessageBoxes boxes;
+    CHECK(RunProgram(kLoader) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
+    CHECK(RunProgram(kLoader, L"/release") == 0);
+    CHECK(MessageBoxes::Text().empty());
+    const wchar_t* command = L"";
+    SUBCASE("/show") {
+        command = L"/show";
+    }
+    SUBCASE("/about") {
+        command = L"/about";
+    }
+    CHECK(RunProgram(kLoader, command) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
+    CHECK(MessageBoxes::Text().starts_with(
+        L"The configuration manager cannot be started. Installing Calvane again helps.\n\n0x80040154"));
+}
+
+TEST_CASE("The loader has the manager's icon") {
+    const std::wstring above = L"\\..\\";
+    CHECK(ExtractIconW(nullptr, (ServerDirectory() + above + kLoader).c_str(), 0) != nullptr);
 }
