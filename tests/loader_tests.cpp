@@ -9,7 +9,7 @@
 #include <iterator>
 #include <string>
 
-#include "platform/text.h"
+#include "store/server_directory.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/program.h"
 

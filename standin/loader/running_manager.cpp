@@ -5,7 +5,7 @@
 #include <array>
 #include <string_view>
 
-#include "platform/text.h"
+#include "platform/executable_path.h"
 
 namespace {
 
@@ -16,7 +16,7 @@ constexpr wchar_t kManager[] = L"SentrelConfig.exe";
 bool GetLogon(HANDLE process, LUID& logon) {
     HANDLE opened = nullptr;
     if (!OpenProcessToken(process, TOKEN_QUERY, &opened)) return false;
-    const ProcessHandle token(opened);
+    const TokenHandle token(opened);
     TOKEN_STATISTICS statistics{};
     DWORD size = 0;
     if (!GetTokenInformation(token.Get(), TokenStatistics, &statistics, sizeof(statistics), &size))
@@ -38,7 +38,7 @@ bool RunsFromOwnFolder(HANDLE process) {
     auto length = static_cast<DWORD>(buffer.size());
     if (!QueryFullProcessImageNameW(process, 0, buffer.data(), &length)) return false;
     const std::wstring_view path(buffer.data(), length);
-    const std::wstring own = ServerPath();
+    const std::wstring own = ExecutablePath();
     const std::wstring_view folder = path.substr(0, path.rfind(L'\\'));
     const std::wstring_view ownFolder = std::wstring_view(own).substr(0, own.rfind(L'\\'));
     return CompareStringOrdinal(folder.data(), static_cast<int>(folder.size()), ownFolder.data(),

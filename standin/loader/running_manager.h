@@ -5,9 +5,7 @@
 
 #include "platform/handle.h"
 
-struct ProcessTraits {
-    using Type = HANDLE;
-    static Type Null() noexcept { return nullptr; }
+struct ProcessTraits : NullHandleTraits<HANDLE> {
     static void Close(Type handle) noexcept { CloseHandle(handle); }
 };
 using ProcessHandle = UniqueHandle<ProcessTraits>;
