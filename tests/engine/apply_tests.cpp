@@ -5,7 +5,7 @@
 
 #include "app/resource.h"
 #include "platform/com/variant.h"
-#include "tests/engine/screen.h"
+#include "tests/engine/user_input.h"
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"
 #include "tests/support/automation.h"
@@ -137,7 +137,7 @@ TEST_CASE("Cancel shows the stored values, hides, leaves the mark and tells the 
 
 TEST_CASE("Closing the window keeps the edits, the mark, the engine and the icon") {
     Watched session;
-    const HWND icon = WaitForIcon();
+    REQUIRE(WaitForIcon());
     session.Spin(L"udbSpeed", true);
     PostMessageW(session.window, WM_SYSCOMMAND, SC_CLOSE, 0);
     CHECK(WaitUntil([&] { return !session.Visible(); }));
@@ -146,7 +146,7 @@ TEST_CASE("Closing the window keeps the edits, the mark, the engine and the icon
     CHECK(session.engine.Popups() == 1);
     CHECK(session.engine.Connections() == 1);
     CHECK(session.Speed() == L"1000");
-    CHECK(WaitForIcon() == icon);
+    CHECK(IconStory() == "add rest");
     session.manager.Instance(formShow);
     CHECK(session.manager.Window() == session.window);
     CHECK(session.Visible());

@@ -72,7 +72,7 @@ TEST_CASE(
     session.window = session.manager.Window();
     const std::wstring arguments = CreationArguments(session.engine.Calls());
     session.engine.ClearCalls();
-    REQUIRE(WaitForIcon() != nullptr);
+    REQUIRE(WaitForIcon());
     unload(session);
     REQUIRE(WaitUntil([&] { return !IsWindow(session.window); }));
     CHECK(session.engine.Calls() == Lines{L"ReleasePopup " + arguments});
@@ -80,7 +80,7 @@ TEST_CASE(
     CHECK(session.engine.Connections() == 0);
     CHECK(ToLong(Get(session.engine.Control(), L"State")) == 1);
     CHECK_FALSE(ShellHasIcon(session.window));
-    CHECK(WaitUntil([] { return ShownIcons().empty(); }, 2000));
+    CHECK(IconStory() == "add rest, delete");
 }
 
 TEST_CASE("The engine object and its events are given up before the leave is taken") {
@@ -117,7 +117,8 @@ TEST_CASE("A window made anew after Exit creates an engine object anew and has a
     const std::wstring arguments = CreationArguments(session.engine.Calls());
     CHECK(arguments.starts_with(L"hwnd=" + std::to_wstring(HandleToLong(session.window)) + L' '));
     CHECK(session.engine.Popups() == 1);
-    CHECK(WaitForIcon() != nullptr);
+    CHECK(WaitForIcon());
+    CHECK(IconStory() == "add rest, delete, add rest");
     PostGesture(session.window, WM_LBUTTONDBLCLK);
     CHECK(WaitUntil([&] { return session.Visible(); }));
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
@@ -131,7 +132,7 @@ TEST_CASE("After Exit the process ends with its last client") {
     session.manager.LetGo();
     CHECK(session.manager.WaitForEnd());
     CHECK(session.engine.Popups() == 0);
-    CHECK(ShownIcons().empty());
+    CHECK(ShownIcons() == 0);
 }
 
 TEST_CASE("A session end that is called off changes nothing") {

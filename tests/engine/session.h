@@ -2,11 +2,12 @@
 #pragma once
 
 #include "tests/engine/stand_in.h"
+#include "tests/engine/tray.h"
 #include "tests/support/manager.h"
 
 // Members are made in their order: the engine gets its orders before the manager starts.
 struct Session {
-    explicit Session(bool keepSettings = false) : manager(keepSettings, Manager::Start::Ahead) {}
+    explicit Session(bool keepSettings = false) : manager(BeginTrayRecord(), keepSettings) {}
 
     // Starts the manager's window, hidden, and forgets what the engine was called by that.
     void Start();

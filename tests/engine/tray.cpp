@@ -2,110 +2,78 @@
 
 #include <shellapi.h>
 
-#include <map>
+#include <stdexcept>
 
 #include "app/resource.h"
-#include "platform/handle.h"
-#include "tests/engine/screen.h"
+#include "store/server_directory.h"
+#include "tests/engine/user_input.h"
 #include "tests/support/manager.h"
-#include "tests/support/plain_window.h"
 
 namespace {
 
 // Beside the configuration window, which opens in the middle of the screen.
 constexpr POINT kMenuPlace{880, 660};
 constexpr UINT kCallback = 0x401;
-constexpr UINT kNone = static_cast<UINT>(-1);
+
+TrayRecord* MapRecord() {
+    const HANDLE memory = CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0,
+                                             sizeof(TrayRecord), kTrayRecordName);
+    if (memory == nullptr) throw std::runtime_error("no memory to share");
+    return static_cast<TrayRecord*>(MapViewOfFile(memory, FILE_MAP_WRITE, 0, 0, sizeof(TrayRecord)));
+}
+
+// Until the process ends, so that a manager that ends late has it too.
+TrayRecord& Record() {
+    static TrayRecord* const record = MapRecord();
+    return *record;
+}
+
+int Done(DWORD action) {
+    int count = 0;
+    for (const ShellCall& call : ShellCalls())
+        count += call.action == action && call.done != FALSE;
+    return count;
+}
+
+const char* NameOf(int picture) {
+    switch (picture) {
+        case IDI_TRAY_REST:
+            return "rest";
+        case IDI_TRAY_0:
+            return "frame 0";
+        case IDI_TRAY_1:
+            return "frame 1";
+        case IDI_TRAY_2:
+            return "frame 2";
+        default:
+            return "another";
+    }
+}
+
+std::string NameOf(const ShellCall& call) {
+    std::string name = NameOf(call.picture);
+    if (call.action == NIM_ADD) name = "add " + name;
+    if (call.action == NIM_DELETE) name = "delete";
+    return call.done != FALSE ? name : name + " (refused)";
+}
+
+std::wstring DesignedMenu(wchar_t start, wchar_t stop, wchar_t pause) {
+    return start + std::wstring(L"&Start Sentrel\n") + stop + L"S&top Sentrel\n-\n*" + pause +
+           L"&Pause Sentrel\n-\n+&Open Calvane Configuration\n+E&xit Calvane\n";
+}
 
 HWND MenuWindow() {
     const HWND menu = FindWindowW(L"#32768", nullptr);
     return menu != nullptr && IsWindowVisible(menu) ? menu : nullptr;
 }
 
-// An icon of the manager's resources, as drawn into the middle of an area.
-ScreenPicture DrawnIcon(int resource, int width, int height, DWORD background) {
-    const int size = GetSystemMetrics(SM_CXSMICON);
-    const IconHandle icon(static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource),
-                                                        IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
-    return Drawn(width, height, background, [&](HDC device) {
-        DrawIconEx(device, (width - size) / 2, (height - size) / 2, icon.Get(), size, size, 0, nullptr,
-                   DI_NORMAL);
-    });
-}
-
-// Whether the icon was drawn last. What shines through it is left out: Wine draws a changed icon over the
-// earlier one.
-bool Shows(const ScreenPicture& shown, int resource) {
-    static std::map<int, std::pair<ScreenPicture, ScreenPicture>> known;
-    auto& [onWhite, onBlack] = known[resource];
-    if (onWhite.width != shown.width || onWhite.height != shown.height) {
-        onWhite = DrawnIcon(resource, shown.width, shown.height, 0xFFFFFF);
-        onBlack = DrawnIcon(resource, shown.width, shown.height, 0);
-    }
-    size_t opaque = 0;
-    for (size_t i = 0; i < shown.pixels.size(); ++i) {
-        if (onWhite.pixels[i] != onBlack.pixels[i]) continue;
-        if (shown.pixels[i] != onWhite.pixels[i]) return false;
-        ++opaque;
-    }
-    return opaque > 0;
-}
-
-struct Enabled {
-    bool start;
-    bool stop;
-    bool pause;
-};
-
-ScreenPicture* tracked = nullptr;
-
-void CALLBACK TakePicture(HWND owner, UINT, UINT_PTR id, DWORD) {
-    const HWND menu = MenuWindow();
-    if (menu == nullptr) return;
-    KillTimer(owner, id);
-    *tracked = RestingPictureOf(menu);
-    EndMenu();
-}
-
-// A menu of the test's own, with what the manager's is to show.
-ScreenPicture ExpectedMenu(Enabled enabled, bool pauseIsDefault) {
-    const MenuHandle menu(CreatePopupMenu());
-    const auto flags = [](bool isEnabled) -> UINT { return isEnabled ? MF_ENABLED : MF_GRAYED; };
-    AppendMenuW(menu.Get(), flags(enabled.start), 1, L"&Start Sentrel");
-    AppendMenuW(menu.Get(), flags(enabled.stop), 2, L"S&top Sentrel");
-    AppendMenuW(menu.Get(), MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu.Get(), flags(enabled.pause), 4, L"&Pause Sentrel");
-    AppendMenuW(menu.Get(), MF_SEPARATOR, 0, nullptr);
-    AppendMenuW(menu.Get(), MF_STRING, 6, L"&Open Calvane Configuration");
-    AppendMenuW(menu.Get(), MF_STRING, 7, L"E&xit Calvane");
-    SetMenuDefaultItem(menu.Get(), pauseIsDefault ? 4 : kNone, FALSE);
-
-    const PlainWindow owner;
-    ScreenPicture picture;
-    tracked = &picture;
-    MoveMouseTo(kMenuPlace);
-    SetTimer(owner.Hwnd(), 1, 20, TakePicture);
-    TrackPopupMenuEx(menu.Get(), TPM_LEFTALIGN | TPM_RIGHTBUTTON | TPM_RETURNCMD, kMenuPlace.x, kMenuPlace.y,
-                     owner.Hwnd(), nullptr);
-    tracked = nullptr;
-    return picture;
-}
-
-const std::map<MenuLook, Enabled> kLooks{{MenuLook::Designed, {true, true, true}},
-                                         {MenuLook::Running, {false, true, true}},
-                                         {MenuLook::Stopped, {true, false, false}}};
-
-const std::map<MenuLook, ScreenPicture>& ExpectedMenus() {
-    static const std::map<MenuLook, ScreenPicture> pictures = [] {
-        std::map<MenuLook, ScreenPicture> all;
-        for (const auto& [look, enabled] : kLooks)
-            all[look] = ExpectedMenu(enabled, true);
-        return all;
-    }();
-    return pictures;
-}
-
 }  // namespace
+
+std::wstring BeginTrayRecord() {
+    Record().calls = 0;
+    Record().menus = 0;
+    return ServerDirectory() + L"\\tray_recorder.dll";
+}
 
 bool ShellHasIcon(HWND configWindow) {
     // A change of nothing succeeds exactly where there is an icon.
@@ -116,38 +84,35 @@ bool ShellHasIcon(HWND configWindow) {
     return Shell_NotifyIconW(NIM_MODIFY, &data) != FALSE;
 }
 
-std::vector<HWND> ShownIcons() {
-    std::vector<HWND> icons;
-    const HWND area = FindWindowW(L"__winex11_standalone_tray", nullptr);
-    HWND icon = nullptr;
-    while (area != nullptr &&
-           (icon = FindWindowExW(area, icon, L"__winex11_tray_icon", nullptr)) != nullptr) {
-        if (IsWindowVisible(icon)) icons.push_back(icon);
-    }
-    return icons;
+int ShownIcons() {
+    return Done(NIM_ADD) - Done(NIM_DELETE);
 }
 
-HWND WaitForIcon() {
-    std::vector<HWND> icons;
-    WaitUntil([&] { return (icons = ShownIcons()).size() == 1; }, 3000);
-    return icons.size() == 1 ? icons[0] : nullptr;
+int IconsAdded() {
+    return Done(NIM_ADD);
 }
 
-IconLook LookOf(HWND icon) {
-    constexpr std::pair<int, IconLook> kPictures[] = {{IDI_TRAY_REST, IconLook::Rest},
-                                                      {IDI_TRAY_0, IconLook::Frame0},
-                                                      {IDI_TRAY_1, IconLook::Frame1},
-                                                      {IDI_TRAY_2, IconLook::Frame2}};
-    const ScreenPicture shown = PictureOf(icon);
-    for (const auto& [resource, look] : kPictures) {
-        if (Shows(shown, resource)) return look;
-    }
-    return IconLook::Other;
+bool WaitForIcon() {
+    return WaitForIconAfter(0);
 }
 
-std::string NameOf(IconLook look) {
-    constexpr const char* kNames[] = {"rest", "frame 0", "frame 1", "frame 2", "another"};
-    return kNames[static_cast<int>(look)];
+bool WaitForIconAfter(int added) {
+    return WaitUntil([&] {
+        const std::vector<ShellCall> calls = ShellCalls();
+        return IconsAdded() > added && ShownIcons() == 1 && NameOf(calls.back()) == "add rest";
+    });
+}
+
+std::vector<ShellCall> ShellCalls() {
+    return {Record().call, Record().call + Record().calls};
+}
+
+std::string IconStory(size_t first) {
+    const std::vector<ShellCall> calls = ShellCalls();
+    std::string story;
+    for (size_t i = first; i < calls.size(); ++i)
+        story += (story.empty() ? "" : ", ") + NameOf(calls[i]);
+    return story;
 }
 
 void PostGesture(HWND configWindow, UINT mouseMessage) {
@@ -175,12 +140,12 @@ bool MenuCloses() {
 }
 
 HWND PopUpMenu(HWND configWindow) {
-    // The expected pictures are menus themselves: they come first.
-    ExpectedMenus();
+    const LONG before = Record().menus;
     MoveMouseTo(kMenuPlace);
     PostGesture(configWindow, WM_RBUTTONUP);
     const HWND menu = WaitForMenu();
     REQUIRE(menu != nullptr);
+    REQUIRE(Record().menus == before + 1);
     return menu;
 }
 
@@ -200,18 +165,11 @@ void Command(HWND configWindow, wchar_t mnemonic) {
 }
 
 MenuLook LookOfOpenMenu() {
-    // A window that is still being drawn may have painted over the menu: it soon comes through again.
-    MenuLook look = MenuLook::Other;
-    WaitUntil(
-        [&] {
-            const ScreenPicture shown = RestingPictureOf(MenuWindow());
-            for (const auto& [known, picture] : ExpectedMenus()) {
-                if (picture == shown) look = known;
-            }
-            return look != MenuLook::Other;
-        },
-        2000);
-    return look;
+    const std::wstring shown = Record().menu;
+    if (shown == DesignedMenu(L'+', L'+', L'+')) return MenuLook::Designed;
+    if (shown == DesignedMenu(L'x', L'+', L'+')) return MenuLook::Running;
+    if (shown == DesignedMenu(L'+', L'x', L'x')) return MenuLook::Stopped;
+    return MenuLook::Other;
 }
 
 MenuLook LookOfMenu(HWND configWindow) {

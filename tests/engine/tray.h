@@ -1,4 +1,4 @@
-// The notification area and the tray menu, seen from another process.
+// The icon and the tray menu of the manager, recorded in its process.
 #pragma once
 
 #include <windows.h>
@@ -8,19 +8,26 @@
 #include <string>
 #include <vector>
 
+#include "tests/engine/library/tray_record.h"
+
+// Begins a new record. The manager that is started next, with this library in it, writes to it. Returns the
+// library's path.
+std::wstring BeginTrayRecord();
+
 // Whether the shell knows the icon of the window.
 bool ShellHasIcon(HWND configWindow);
 
-// Without a taskbar Wine shows each icon as a window of its own. They appear up to half a second after their
-// adding.
-std::vector<HWND> ShownIcons();
-HWND WaitForIcon();  // the only one; null when it does not come
+// The icon as the calls that the shell has carried out have left it.
+int ShownIcons();
+int IconsAdded();  // since the record's beginning
 
-// What the icon looks like: resting, the frames 0 to 2 of the animation, or anything else, as a picture
-// half drawn.
-enum class IconLook { Rest, Frame0, Frame1, Frame2, Other };
-IconLook LookOf(HWND icon);
-std::string NameOf(IconLook look);
+// Waits until there is one and it rests: its adding, with the resting picture, was the last call.
+bool WaitForIcon();
+bool WaitForIconAfter(int added);  // the same, after at least so many earlier ones
+
+// What the icon has looked like since a call, counted from 0: "add rest, frame 0, delete, ...".
+std::vector<ShellCall> ShellCalls();
+std::string IconStory(size_t first = 0);
 
 // What the icon's callback tells the window: a mouse message over the icon.
 void PostGesture(HWND configWindow, UINT mouseMessage);
@@ -40,8 +47,8 @@ void Choose(wchar_t mnemonic);
 // Pops up the menu and chooses.
 void Command(HWND configWindow, wchar_t mnemonic);
 
-// Which items of the menu are enabled, found out by comparing its picture with those of menus that the test
-// shows itself: so captions, order, separators and the default item are compared too.
+// Which items of the menu are enabled. Captions, order, separators and the default item, Pause, are right in
+// all but the last.
 enum class MenuLook { Designed, Running, Stopped, Other };
 MenuLook LookOfOpenMenu();
 
@@ -56,11 +63,6 @@ struct StringMaker<MenuLook> {
         constexpr const char* kNames[] = {"as designed", "running", "stopped", "another"};
         return kNames[static_cast<int>(look)];
     }
-};
-
-template <>
-struct StringMaker<IconLook> {
-    static String convert(IconLook look) { return NameOf(look).c_str(); }
 };
 
 }  // namespace doctest

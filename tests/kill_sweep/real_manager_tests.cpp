@@ -20,30 +20,14 @@ constexpr DWORD kPatience = 15000;  // milliseconds
 constexpr DWORD kKilled = 77;
 constexpr long kFirstRunWrites = 46;
 
-std::wstring BuildFolder() {
-    const std::wstring tests = ServerDirectory();
-    return tests.substr(0, tests.find_last_of(L'\\'));
-}
-
 // A manager that ends by force before the given change of the store, counted from 1. It serves the next
 // client.
 class DoomedManager {
 public:
     explicit DoomedManager(long change) {
         SetEnvironmentVariableW(L"KILL_SWEEP_CALL", std::to_wstring(change).c_str());
-        const std::wstring program = BuildFolder() + L"\\SentrelConfig.exe";
-        std::wstring command = L'"' + program + L"\" -Embedding";
-        STARTUPINFOW startup{};
-        startup.cb = sizeof(startup);
-        PROCESS_INFORMATION process{};
-        REQUIRE(CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, FALSE, CREATE_SUSPENDED,
-                               nullptr, nullptr, &startup, &process));
+        m_process.Reset(StartServerWith(L"SentrelConfig.exe", ServerDirectory() + L"\\kill_at.dll"));
         SetEnvironmentVariableW(L"KILL_SWEEP_CALL", nullptr);
-        m_process.Reset(process.hProcess);
-        const ProcessHandle mainThread(process.hThread);
-        LoadLibraryInto(ServerDirectory() + L"\\kill_at.dll");
-        ResumeThread(mainThread.Get());
-        WaitForInputIdle(m_process.Get(), kPatience);
     }
 
     // The exit code; STILL_ACTIVE when it goes on living.
@@ -56,21 +40,6 @@ public:
     }
 
 private:
-    void LoadLibraryInto(const std::wstring& path) {
-        const size_t size = (path.size() + 1) * sizeof(wchar_t);
-        void* const text = VirtualAllocEx(m_process.Get(), nullptr, size, MEM_COMMIT, PAGE_READWRITE);
-        REQUIRE(WriteProcessMemory(m_process.Get(), text, path.c_str(), size, nullptr));
-        const auto load = reinterpret_cast<LPTHREAD_START_ROUTINE>(
-            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LoadLibraryW")));
-        const ProcessHandle thread(CreateRemoteThread(m_process.Get(), nullptr, 0, load, text, 0, nullptr));
-        REQUIRE(thread);
-        REQUIRE(WaitForSingleObject(thread.Get(), kPatience) == WAIT_OBJECT_0);
-        DWORD module = 0;
-        GetExitCodeThread(thread.Get(), &module);
-        REQUIRE(module != 0);
-        VirtualFreeEx(m_process.Get(), text, 0, MEM_RELEASE);
-    }
-
     ProcessHandle m_process;
 };
 

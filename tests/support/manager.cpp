@@ -9,6 +9,7 @@
 
 namespace {
 
+constexpr wchar_t kProgram[] = L"SentrelConfig.exe";
 constexpr wchar_t kRootKey[] = L"Software\\Calvane";
 
 std::wstring PathOf(const std::wstring& key) {
@@ -19,7 +20,15 @@ std::wstring PathOf(const std::wstring& key) {
 
 Manager::Manager(bool keepSettings, Start start) {
     if (!keepSettings) DeleteSettings();
-    if (start == Start::Ahead) StartServerAhead(L"SentrelConfig.exe");
+    if (start == Start::Ahead) StartServerAhead(kProgram);
+    ThrowIfFailed(
+        CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&m_control)));
+}
+
+Manager::Manager(const std::wstring& library, bool keepSettings) {
+    if (!keepSettings) DeleteSettings();
+    if (!ProgramEnds(kProgram)) throw std::runtime_error("an earlier manager does not end");
+    CloseHandle(StartServerWith(kProgram, library));
     ThrowIfFailed(
         CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&m_control)));
 }

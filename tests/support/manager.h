@@ -24,6 +24,9 @@ public:
 
     // Starts the manager where none runs. No settings of an earlier test are left unless keepSettings.
     explicit Manager(bool keepSettings = false, Start start = Start::ByCom);
+
+    // Starts a manager, no other running any longer, that loads a library before it runs.
+    explicit Manager(const std::wstring& library, bool keepSettings = false);
     Manager(const Manager&) = delete;
     Manager& operator=(const Manager&) = delete;
     ~Manager();

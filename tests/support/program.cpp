@@ -27,26 +27,48 @@ bool ProgramEnds(const wchar_t* program, DWORD milliseconds) {
 
 namespace {
 
-// Of the build; the caller closes the process.
-HANDLE Start(const wchar_t* program, const std::wstring& arguments) {
+constexpr DWORD kStartPatience = 15000;  // milliseconds
+
+// Of the build; the caller closes the process and its thread.
+PROCESS_INFORMATION Start(const wchar_t* program, const std::wstring& arguments, DWORD flags = 0) {
     std::wstring path = ServerDirectory();
     path.resize(path.find_last_of(L'\\') + 1);
     std::wstring commandLine = L'"' + path + program + L"\" " + arguments;
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr, nullptr,
+                        &startup, &process)) {
         throw std::runtime_error("not started: " + ToAnsi(commandLine));
     }
+    return process;
+}
+
+HANDLE StartAtOnce(const wchar_t* program, const std::wstring& arguments) {
+    const PROCESS_INFORMATION process = Start(program, arguments);
     CloseHandle(process.hThread);
     return process.hProcess;
+}
+
+bool LoadLibraryInto(HANDLE process, const std::wstring& path) {
+    const size_t size = (path.size() + 1) * sizeof(wchar_t);
+    void* const text = VirtualAllocEx(process, nullptr, size, MEM_COMMIT, PAGE_READWRITE);
+    if (!WriteProcessMemory(process, text, path.c_str(), size, nullptr)) return false;
+    const auto load = reinterpret_cast<LPTHREAD_START_ROUTINE>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LoadLibraryW")));
+    const HANDLE thread = CreateRemoteThread(process, nullptr, 0, load, text, 0, nullptr);
+    WaitForSingleObject(thread, kStartPatience);
+    DWORD module = 0;
+    GetExitCodeThread(thread, &module);
+    CloseHandle(thread);
+    VirtualFreeEx(process, text, 0, MEM_RELEASE);
+    return module != 0 && module != STILL_ACTIVE;
 }
 
 }  // namespace
 
 DWORD RunProgram(const wchar_t* program, const std::wstring& arguments, DWORD milliseconds) {
-    const HANDLE process = Start(program, arguments);
+    const HANDLE process = StartAtOnce(program, arguments);
     PumpUntil([&] { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }, milliseconds);
     DWORD code = STILL_ACTIVE;
     GetExitCodeProcess(process, &code);
@@ -56,7 +78,21 @@ DWORD RunProgram(const wchar_t* program, const std::wstring& arguments, DWORD mi
 
 void StartServerAhead(const wchar_t* program) {
     if (!ProcessesOf(program).empty()) return;
-    const HANDLE process = Start(program, L"-Embedding");
-    WaitForInputIdle(process, 5000);
+    const HANDLE process = StartAtOnce(program, L"-Embedding");
+    WaitForInputIdle(process, kStartPatience);
     CloseHandle(process);
+}
+
+HANDLE StartServerWith(const wchar_t* program, const std::wstring& library) {
+    const PROCESS_INFORMATION process = Start(program, L"-Embedding", CREATE_SUSPENDED);
+    const bool loaded = LoadLibraryInto(process.hProcess, library);
+    if (!loaded) TerminateProcess(process.hProcess, 1);
+    ResumeThread(process.hThread);
+    CloseHandle(process.hThread);
+    WaitForInputIdle(process.hProcess, kStartPatience);
+    if (!loaded) {
+        CloseHandle(process.hProcess);
+        throw std::runtime_error("not loaded: " + ToAnsi(library));
+    }
+    return process.hProcess;
 }

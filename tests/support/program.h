@@ -20,3 +20,7 @@ DWORD RunProgram(const wchar_t* program, const std::wstring& arguments = {}, DWO
 // Starts a COM server and waits until it is idle; nothing where it runs already. Wine looks for a server that
 // it has started itself once a second, and finds one that serves at once.
 void StartServerAhead(const wchar_t* program);
+
+// The same with a library, by its full path, that the process loads before it runs; the caller closes the
+// process. Throws std::runtime_error where the library cannot be loaded.
+HANDLE StartServerWith(const wchar_t* program, const std::wstring& library);

@@ -4,7 +4,8 @@
 #include <windows.h>
 
 #include <cstdlib>
-#include <cstring>
+
+#include "tests/support/import_patch.h"
 
 namespace {
 
@@ -28,36 +29,6 @@ LSTATUS WINAPI DeleteValue(HKEY key, LPCSTR name) {
     return deleteValue(key, name);
 }
 
-template <class Function>
-Function Replace(void** slot, Function replacement) {
-    DWORD protection = 0;
-    VirtualProtect(slot, sizeof(void*), PAGE_READWRITE, &protection);
-    const auto original = reinterpret_cast<Function>(*slot);
-    *slot = reinterpret_cast<void*>(replacement);
-    VirtualProtect(slot, sizeof(void*), protection, &protection);
-    return original;
-}
-
-void PatchImports() {
-    auto* const base = reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
-    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
-    const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
-    const DWORD imports = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    for (auto* entry = reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + imports); entry->Name != 0;
-         ++entry) {
-        auto* name = reinterpret_cast<const IMAGE_THUNK_DATA*>(base + entry->OriginalFirstThunk);
-        auto* slot = reinterpret_cast<void**>(base + entry->FirstThunk);
-        for (; name->u1.AddressOfData != 0; ++name, ++slot) {
-            if (IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) continue;
-            const auto* const import =
-                reinterpret_cast<const IMAGE_IMPORT_BY_NAME*>(base + name->u1.AddressOfData);
-            const auto* const text = reinterpret_cast<const char*>(import->Name);
-            if (std::strcmp(text, "RegSetValueExA") == 0) setValue = Replace(slot, &SetValue);
-            if (std::strcmp(text, "RegDeleteValueA") == 0) deleteValue = Replace(slot, &DeleteValue);
-        }
-    }
-}
-
 }  // namespace
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
@@ -65,6 +36,10 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
     char text[16]{};
     if (GetEnvironmentVariableA("KILL_SWEEP_CALL", text, sizeof(text)) == 0) return TRUE;
     callsLeft = std::atol(text);
-    PatchImports();
+    // Both stay until the process ends.
+    static const ImportPatch set("advapi32.dll", "RegSetValueExA", &SetValue);
+    setValue = set.Original<decltype(setValue)>();
+    static const ImportPatch remove("advapi32.dll", "RegDeleteValueA", &DeleteValue);
+    deleteValue = remove.Original<decltype(deleteValue)>();
     return TRUE;
 }

@@ -1,0 +1,110 @@
+// A library for the manager's process: keeps a record of the icon and the menu. Every call goes on to
+// Windows.
+#include <windows.h>
+#include <shellapi.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/resource.h"
+#include "tests/engine/library/tray_record.h"
+#include "tests/support/import_patch.h"
+
+namespace {
+
+TrayRecord* record = nullptr;
+decltype(&Shell_NotifyIconA) notifyIcon = nullptr;
+decltype(&TrackPopupMenuEx) trackPopupMenu = nullptr;
+
+std::vector<DWORD> PixelsOf(HICON icon) {
+    const int size = GetSystemMetrics(SM_CXSMICON);
+    BITMAPINFO format{};
+    format.bmiHeader.biSize = sizeof(format.bmiHeader);
+    format.bmiHeader.biWidth = size;
+    format.bmiHeader.biHeight = size;
+    format.bmiHeader.biPlanes = 1;
+    format.bmiHeader.biBitCount = 32;
+    const HDC device = CreateCompatibleDC(nullptr);
+    void* bits = nullptr;
+    const HBITMAP bitmap = CreateDIBSection(device, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HGDIOBJ previous = SelectObject(device, bitmap);
+    DrawIconEx(device, 0, 0, icon, size, size, 0, nullptr, DI_NORMAL);
+    GdiFlush();
+    const auto* const first = static_cast<const DWORD*>(bits);
+    std::vector<DWORD> pixels(first, first + static_cast<size_t>(size) * static_cast<size_t>(size));
+    SelectObject(device, previous);
+    DeleteObject(bitmap);
+    DeleteDC(device);
+    return pixels;
+}
+
+std::vector<DWORD> PixelsOf(int resource) {
+    const int size = GetSystemMetrics(SM_CXSMICON);
+    const auto icon = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource),
+                                                    IMAGE_ICON, size, size, LR_DEFAULTCOLOR));
+    std::vector<DWORD> pixels = PixelsOf(icon);
+    DestroyIcon(icon);
+    return pixels;
+}
+
+int PictureOf(HICON icon) {
+    const std::vector<DWORD> shown = PixelsOf(icon);
+    for (const int resource : {IDI_TRAY_REST, IDI_TRAY_0, IDI_TRAY_1, IDI_TRAY_2}) {
+        if (PixelsOf(resource) == shown) return resource;
+    }
+    return 0;
+}
+
+BOOL WINAPI NotifyIcon(DWORD action, NOTIFYICONDATAA* data) {
+    ShellCall call;
+    call.time = GetTickCount();
+    call.action = action;
+    if ((data->uFlags & NIF_ICON) != 0) call.picture = PictureOf(data->hIcon);
+    call.done = notifyIcon(action, data);
+    if (record->calls < TrayRecord::kMaxCalls) {
+        record->call[record->calls] = call;
+        InterlockedIncrement(&record->calls);
+    }
+    return call.done;
+}
+
+std::wstring LineOf(HMENU menu, int position) {
+    wchar_t caption[80] = L"";
+    MENUITEMINFOW item{};
+    item.cbSize = sizeof(item);
+    item.fMask = MIIM_FTYPE | MIIM_STATE | MIIM_STRING;
+    item.dwTypeData = caption;
+    item.cch = static_cast<UINT>(std::size(caption));
+    GetMenuItemInfoW(menu, static_cast<UINT>(position), TRUE, &item);
+    std::wstring line = (item.fState & MFS_DEFAULT) != 0 ? L"*" : L"";
+    if ((item.fType & MFT_SEPARATOR) != 0) return line + L"-\n";
+    line += (item.fState & MFS_GRAYED) != 0 ? L'x' : L'+';
+    return line + caption + L'\n';
+}
+
+BOOL WINAPI TrackMenu(HMENU menu, UINT flags, int x, int y, HWND owner, TPMPARAMS* exclude) {
+    std::wstring lines;
+    for (int i = 0; i < GetMenuItemCount(menu); ++i)
+        lines += LineOf(menu, i);
+    lines.resize(std::min(lines.size(), std::size(record->menu) - 1));
+    std::copy_n(lines.c_str(), lines.size() + 1, record->menu);
+    InterlockedIncrement(&record->menus);
+    return trackPopupMenu(menu, flags, x, y, owner, exclude);
+}
+
+}  // namespace
+
+BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
+    if (reason != DLL_PROCESS_ATTACH) return TRUE;
+    const HANDLE memory = OpenFileMappingW(FILE_MAP_WRITE, FALSE, kTrayRecordName);
+    if (memory == nullptr) return FALSE;
+    record = static_cast<TrayRecord*>(MapViewOfFile(memory, FILE_MAP_WRITE, 0, 0, sizeof(TrayRecord)));
+    if (record == nullptr) return FALSE;
+    // Both stay until the process ends.
+    static const ImportPatch notify("shell32.dll", "Shell_NotifyIconA", &NotifyIcon);
+    notifyIcon = notify.Original<decltype(notifyIcon)>();
+    static const ImportPatch track("user32.dll", "TrackPopupMenuEx", &TrackMenu);
+    trackPopupMenu = track.Original<decltype(trackPopupMenu)>();
+    return TRUE;
+}
