@@ -19,7 +19,11 @@ struct TrayRecord {
 
     // Counted last, so that whatever is counted is complete.
     volatile LONG calls;
-    volatile LONG menus;
+    volatile LONG menusShown;
+    volatile LONG menusClosed;
+
+    // What the menu closed last was closed on; 0 where nothing was chosen.
+    UINT chosen;
 
     // The menu shown last, an item a line: "-" for a separator, otherwise "+" or, for an item that cannot be
     // chosen, "x", and the caption. The default item's line begins with "*".

@@ -89,8 +89,11 @@ BOOL WINAPI TrackMenu(HMENU menu, UINT flags, int x, int y, HWND owner, TPMPARAM
         lines += LineOf(menu, i);
     lines.resize(std::min(lines.size(), std::size(record->menu) - 1));
     std::copy_n(lines.c_str(), lines.size() + 1, record->menu);
-    InterlockedIncrement(&record->menus);
-    return trackPopupMenu(menu, flags, x, y, owner, exclude);
+    InterlockedIncrement(&record->menusShown);
+    const BOOL chosen = trackPopupMenu(menu, flags, x, y, owner, exclude);
+    record->chosen = static_cast<UINT>(chosen);
+    InterlockedIncrement(&record->menusClosed);
+    return chosen;
 }
 
 }  // namespace
