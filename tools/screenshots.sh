@@ -9,6 +9,8 @@
 set -euo pipefail
 # shellcheck source=tools/wine.sh
 . "$(dirname "${BASH_SOURCE[0]}")/wine.sh"
+# shellcheck source=tools/tray.sh
+. "$kRoot/tools/tray.sh"
 
 kPages=(1-settings 2-exclude 3-log 4-banners 5-search 6-about)
 # Picture, page, access key of the button that opens the dialog, title of the dialog.
@@ -25,18 +27,12 @@ kDpi=${2:-96}
 kPixelsOfAnotherPage=300
 kSeconds=30
 
+# Beside everything that is taken.
+kPointerPlace=(1 700)
+
 Fail() {
     echo "$*" >&2
     exit 1
-}
-
-# WaitFor SECONDS COMMAND...: repeats the command until it succeeds.
-WaitFor() {
-    local end=$((SECONDS + $1))
-    until "${@:2}"; do
-        ((SECONDS < end)) || return 1
-        sleep 0.2
-    done
 }
 
 # Differ PICTURE PICTURE: whether they show different pages. Pictures of different size make compare fail: no number.
@@ -96,32 +92,13 @@ TakeDialogs() {
     done <<<"$kDialogs"
 }
 
-# VisibleWindows: their ids, one a line, sorted.
-VisibleWindows() {
-    xdotool search --onlyvisible --name '' 2>/dev/null | sort
-}
-
-# NewWindow BEFORE: sets menu to a window that was not among those of BEFORE.
-NewWindow() {
-    menu=$(comm -13 <(echo "$1") <(VisibleWindows) | head -1)
-    [[ -n $menu ]]
-}
-
-# Where there is no taskbar Wine shows the icon in a window of its own, at its lower left. The icon may not be there
-# yet, or be busy with what went before. The menu is the window that a click on it has brought, and Escape takes one
-# away that came too late: another click would only close it.
-MenuIsOpen() {
-    local tray before menu HEIGHT=0
-    tray=$(xdotool search --onlyvisible --name '^Wine System Tray$' 2>/dev/null | head -1)
-    [[ -n $tray ]] || return 1
-    eval "$(xdotool getwindowgeometry --shell "$tray" | grep '^HEIGHT=')"
-    before=$(VisibleWindows)
-    xdotool mousemove --window "$tray" $((kDpi / 8)) $((HEIGHT - kDpi / 8)) click 3
-    WaitFor 5 NewWindow "$before" || { xdotool key Escape; return 1; }
-    xdotool windowmove "$tray" 0 900 mousemove 0 0
-    WaitFor 5 MenuIsDrawn
+# TakeMenu: the pointer goes away from the menu, where it would mark an item.
+TakeMenu() {
+    WaitFor $kSeconds OpenTrayMenu || Fail "The tray menu did not open"
+    xdotool mousemove "${kPointerPlace[@]}"
+    WaitFor $kSeconds MenuIsDrawn || Fail "The tray menu was not drawn"
     xdotool key Escape
-    [[ -s $kOutput/tray-menu.png ]]
+    echo "$kOutput/tray-menu.png"
 }
 
 # MenuIsDrawn: takes a picture of the menu, and keeps it if there is text on it and a moment later it looks the same.
@@ -134,11 +111,6 @@ MenuIsDrawn() {
     cmp -s "$scratch/menu.ppm" "$scratch/again.ppm" || return 1
     (($(identify -format %k "$scratch/menu.ppm") > 2)) || return 1
     convert "$scratch/menu.ppm" -strip "$kOutput/tray-menu.png"
-}
-
-TakeMenu() {
-    WaitFor $kSeconds MenuIsOpen || Fail "The tray menu did not open"
-    echo "$kOutput/tray-menu.png"
 }
 
 # A window without anything on it has one or two colours.
@@ -196,13 +168,14 @@ if [[ -z ${3:-} ]]; then
 fi
 StopWine
 StartScreen
+StartTrayHost
 UseWindowManager N
 SetDpi "$kDpi"
 RegisterServers "$kBuildDir"
 
 Loader /show
 WaitFor 30 FindWindow || Fail "The window did not open"
-xdotool mousemove 0 0 windowfocus "$window"
+xdotool mousemove "${kPointerPlace[@]}" windowfocus "$window"
 TakePictures
 CheckPictures
 TakeMenu
