@@ -1,24 +1,36 @@
 #!/usr/bin/env bash
-# The scaling suite at the resolutions other than the 96 dpi that it runs at by itself: a process learns its resolution
-# when it starts. Needs BUILD_DIR, WINEPREFIX and a screen.
+# The scaling suite at the resolutions other than 96 dpi, and in fonts other than Wine's own, which is as narrow as
+# Windows': a process learns both when it starts. Needs BUILD_DIR, WINEPREFIX and a screen.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/wine.sh
 . tools/wine.sh
 
+kSubstitutes='HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontSubstitutes'
+# DPI and the font of dialogs.
+kRuns='
+120 Tahoma
+144 Tahoma
+192 Tahoma
+96 Liberation Sans
+96 DejaVu Sans
+'
+
 output=$(mktemp)
 failed=0
-for dpi in 120 144 192; do
+while read -r dpi font; do
+    [[ -n $dpi ]] || continue
+    SetRegistryValue "$kSubstitutes" 'MS Shell Dlg' REG_SZ "$font"
     SetDpi "$dpi"
     code=0
-    EXPECTED_DPI=$dpi Wine 60 "$BUILD_DIR/tests/scaling_tests.exe" >"$output" 2>&1 || code=$?
+    EXPECTED_DPI=$dpi EXPECTED_FONT=$font Wine 60 "$BUILD_DIR/tests/scaling_tests.exe" >"$output" 2>&1 || code=$?
     if ((code == 0)) && grep -q '^\[doctest\] Status: SUCCESS' "$output"; then
-        echo "$dpi dpi: ok"
+        echo "$dpi dpi, $font: ok"
     else
         failed=1
-        echo "$dpi dpi: exit code $code"
+        echo "$dpi dpi, $font: exit code $code"
         cat "$output"
     fi
-done
+done <<<"$kRuns"
 rm -f "$output"
 exit "$failed"

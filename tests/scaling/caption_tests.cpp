@@ -3,12 +3,13 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstdlib>
 
-#include "app/resource.h"
+#include "platform/text.h"
 #include "tests/accessibility/surfaces.h"
+#include "tests/scaling/faults.h"
 #include "tests/scaling/room.h"
-#include "tests/support/shown_text.h"
 
 namespace {
 
@@ -17,42 +18,60 @@ constexpr int kLonger = 40;  // per cent: what a translation may need
 // The smallest desktop that the window fits on, in pixels of 96 dpi.
 constexpr SIZE kDesktop{640, 480};
 
-std::vector<Caption> AllCaptions() {
-    std::vector<Caption> captions;
+// Visits every control that is shown, and says how many there were.
+int ForEachControl(const std::function<void(const std::string& where, HWND control)>& visit) {
+    int count = 0;
     ForEachSurface([&](const Surface& surface) {
-        captions.push_back(TitleOf(Describe(surface, surface.controls.front()), surface.window));
         for (const HWND control : surface.controls) {
-            for (const Caption& caption : CaptionsOf(Describe(surface, control), control))
-                captions.push_back(caption);
+            visit(Describe(surface, control), control);
+            ++count;
         }
     });
-    return captions;
+    return count;
 }
 
 }  // namespace
 
-TEST_CASE("the resolution is the one that the caller has set") {
-    const char* const expected = std::getenv("EXPECTED_DPI");
-    if (expected != nullptr) CHECK(Dpi() == std::atoi(expected));
+TEST_CASE("the resolution and the font are those that the caller has set") {
+    const char* const dpi = std::getenv("EXPECTED_DPI");
+    if (dpi != nullptr) CHECK(Dpi() == std::atoi(dpi));
     CHECK(Dpi() >= 96);
+    const char* const font = std::getenv("EXPECTED_FONT");
+    if (font == nullptr) return;
+    ForEachControl([&](const std::string& where, HWND control) {
+        CAPTURE(where);
+        // Windows gives spin controls no font: they have no text.
+        if (RoleOf(control) != Role::Spin) CHECK(ToAnsi(FontOf(control)) == std::string(font));
+    });
 }
 
-TEST_CASE("every text fits its control") {
-    const std::vector<Caption> captions = AllCaptions();
-    CHECK(captions.size() > 9 + 6 * 3 + 40);
-    for (const Caption& caption : captions) {
-        CAPTURE(caption.where);
-        CHECK(caption.needed.cx > 0);
-        CHECK(caption.needed.cx <= caption.room.cx);
-        CHECK(caption.needed.cy <= caption.room.cy);
-    }
+TEST_CASE("every text fits its control, and no control covers another or leaves its page") {
+    int texts = 0;
+    ForEachSurface([&](const Surface& surface) {
+        CHECK(FaultsOf(surface) == std::vector<std::string>{});
+        for (const HWND control : surface.controls) {
+            CAPTURE(Describe(surface, control));
+            const std::vector<Caption> captions = CaptionsOf("", control);
+            CHECK(
+                std::ranges::all_of(captions, [](const Caption& caption) { return caption.needed.cx > 0; }));
+            texts += static_cast<int>(captions.size());
+        }
+    });
+    CHECK(texts > 6 * 3 + 40);
 }
 
 TEST_CASE("a text that is longer by two fifths would still fit") {
-    for (const Caption& caption : AllCaptions()) {
-        CAPTURE(caption.where);
-        CHECK(caption.needed.cx + MulDiv(caption.text, kLonger, 100) <= caption.room.cx);
-    }
+    ForEachSurface([](const Surface& surface) {
+        const Caption title = TitleOf(Describe(surface, surface.window), surface.window, kLonger);
+        CHECK(title.needed.cx <= title.room.cx);
+    });
+    ForEachControl([](const std::string& where, HWND control) {
+        for (const Caption& caption : CaptionsOf(where, control, kLonger)) {
+            CAPTURE(caption.where);
+            CHECK(caption.needed.cx <= caption.room.cx);
+            CHECK(caption.needed.cy <= caption.room.cy);
+        }
+    });
 }
 
 TEST_CASE("the window and its dialogs fit a small desktop") {

@@ -15,17 +15,50 @@ constexpr int kFrameMargin = 8;    // before and behind the text in the upper ed
 constexpr int kHeadingMargin = 6;  // on each side
 constexpr int kTextBoxMargin = 3;  // on each side
 constexpr int kListRowMargin = 4;
+constexpr int kTabStripMargin = 2;  // before and behind all tabs; the chosen one reaches into it
 
-SIZE TextSize(HWND control, const std::wstring& text) {
-    const HDC dc = GetDC(control);
-    const auto font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
-    const HGDIOBJ before = SelectObject(dc, font != nullptr ? font : GetStockObject(SYSTEM_FONT));
-    RECT bounds{};
-    DrawTextW(dc, text.c_str(), -1, &bounds, DT_CALCRECT | DT_SINGLELINE);
-    SelectObject(dc, before);
-    ReleaseDC(control, dc);
-    return {bounds.right, bounds.bottom};
+// Longer by so many per cent, made of its own words.
+std::wstring Lengthened(const std::wstring& text, int percent) {
+    const size_t added = text.size() * static_cast<size_t>(percent) / 100;
+    return added == 0 ? text : text + L' ' + text.substr(0, added - 1);
 }
+
+// A device context that measures in the control's own font.
+class FontMeter {
+public:
+    explicit FontMeter(HWND control) : m_control(control), m_dc(GetDC(control)) {
+        const auto font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
+        m_before = SelectObject(m_dc, font != nullptr ? font : GetStockObject(SYSTEM_FONT));
+    }
+    FontMeter(const FontMeter&) = delete;
+    FontMeter& operator=(const FontMeter&) = delete;
+    ~FontMeter() {
+        SelectObject(m_dc, m_before);
+        ReleaseDC(m_control, m_dc);
+    }
+
+    // The size of the text as DrawText writes it; width counts where it breaks lines.
+    SIZE Measure(const std::wstring& text, UINT format, LONG width = 0) const {
+        RECT bounds{0, 0, width, 0};
+        DrawTextW(m_dc, text.c_str(), -1, &bounds, DT_CALCRECT | format);
+        return {bounds.right, bounds.bottom};
+    }
+
+    // The family of the font that the system has found, whatever was asked for.
+    std::wstring Family() const {
+        const UINT size = GetOutlineTextMetricsW(m_dc, 0, nullptr);
+        std::vector<BYTE> bytes(std::max<size_t>(size, sizeof(OUTLINETEXTMETRICW)));
+        auto* const metrics = reinterpret_cast<OUTLINETEXTMETRICW*>(bytes.data());
+        if (GetOutlineTextMetricsW(m_dc, size, metrics) == 0) return {};
+        return reinterpret_cast<const wchar_t*>(bytes.data() +
+                                                reinterpret_cast<UINT_PTR>(metrics->otmpFamilyName));
+    }
+
+private:
+    HWND m_control;
+    HDC m_dc;
+    HGDIOBJ m_before;
+};
 
 SIZE ClientSize(HWND control) {
     RECT client{};
@@ -33,60 +66,76 @@ SIZE ClientSize(HWND control) {
     return {client.right, client.bottom};
 }
 
-Caption Plain(const std::string& where, HWND control, const std::wstring& text, SIZE round) {
-    const SIZE size = TextSize(control, text);
-    return {where, {size.cx + round.cx, size.cy + round.cy}, size.cx, ClientSize(control)};
+Caption OneLine(const std::string& where, HWND control, const std::wstring& text, SIZE round,
+                UINT format = DT_NOPREFIX) {
+    const SIZE size = FontMeter(control).Measure(text, DT_SINGLELINE | format);
+    return {where, {size.cx + round.cx, size.cy + round.cy}, ClientSize(control)};
 }
 
-// A label breaks its text between words; the ends of all lines but the last are lost to that.
-Caption LabelOf(const std::string& where, HWND label) {
-    Caption caption = Plain(where, label, CaptionOf(label), {});
-    const LONG lines = std::max(1L, caption.room.cy / caption.needed.cy);
-    caption.room.cx = caption.room.cx * lines - (lines - 1) * caption.room.cx / 4;
-    return caption;
+// Draws the character after a "&" as the access key.
+Caption WithAccessKey(const std::string& where, HWND control, const std::wstring& text, SIZE round) {
+    return OneLine(where, control, text, round, 0);
 }
 
-std::vector<Caption> Items(const std::string& where, HWND combo) {
+// A label breaks its text between words.
+Caption LabelOf(const std::string& where, HWND label, const std::wstring& text) {
+    const SIZE room = ClientSize(label);
+    return {where, FontMeter(label).Measure(text, DT_WORDBREAK, room.cx), room};
+}
+
+std::vector<Caption> Items(const std::string& where, HWND combo, int longer) {
     std::vector<Caption> captions;
     for (const std::wstring& item : ComboItems(combo)) {
-        captions.push_back(Plain(
-            where, combo, item,
+        captions.push_back(OneLine(
+            where, combo, Lengthened(item, longer),
             {2 * Scaled(kTextBoxMargin) + GetSystemMetrics(SM_CXVSCROLL), 2 * GetSystemMetrics(SM_CYEDGE)}));
     }
     return captions;
 }
 
-std::vector<Caption> HeadingsOf(const std::string& where, HWND list) {
+std::vector<Caption> HeadingsOf(const std::string& where, HWND list, int longer) {
     std::vector<Caption> captions;
     const HWND header = ListView_GetHeader(list);
     const Rows headings = Headings(list);
     for (size_t column = 0; column < headings.size(); ++column) {
-        Caption caption = Plain(where, header, headings[column], {2 * Scaled(kHeadingMargin), 0});
+        Caption caption =
+            OneLine(where, header, Lengthened(headings[column], longer), {2 * Scaled(kHeadingMargin), 0});
         caption.room.cx = ListView_GetColumnWidth(list, static_cast<int>(column));
         captions.push_back(caption);
     }
     return captions;
 }
 
-// The row of tabs is as wide as its texts and a fixed amount for each tab.
-Caption TabsOf(const std::string& where, HWND tabs) {
-    const RECT strip = StripOf(tabs);
-    Caption caption{where, {strip.right - strip.left, strip.bottom - strip.top}, 0, ClientSize(tabs)};
+// The row of tabs is as wide as its texts and a fixed amount for each tab. Where that is too much it
+// scrolls, and a tab out of sight has an empty rectangle and no room at all.
+Caption TabsOf(const std::string& where, HWND tabs, int longer) {
+    Caption caption{where, {2 * kTabStripMargin, 0}, ClientSize(tabs)};
+    const FontMeter meter(tabs);
     const auto count = static_cast<int>(SendMessageW(tabs, TCM_GETITEMCOUNT, 0, 0));
-    for (int tab = 0; tab < count; ++tab)
-        caption.text += TextSize(tabs, TabText(tabs, tab)).cx;
+    for (int tab = 0; tab < count; ++tab) {
+        RECT item{};
+        SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(tab), reinterpret_cast<LPARAM>(&item));
+        if (IsRectEmpty(&item)) item.right = caption.room.cx + 1;
+        const std::wstring text = TabText(tabs, tab);
+        caption.needed.cx += item.right - item.left +
+                             meter.Measure(Lengthened(text, longer), DT_SINGLELINE).cx -
+                             meter.Measure(text, DT_SINGLELINE).cx;
+        caption.needed.cy = std::max(caption.needed.cy, item.bottom);
+    }
     return caption;
 }
 
+// Room for what is in it, or for the longest number that makes sense.
 Caption TextBoxOf(const std::string& where, HWND box) {
     RECT room{};
     SendMessageW(box, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&room));
     const std::wstring text = ShownText(box);
-    const SIZE size = TextSize(box, text.empty() ? L"1024" : text);
     const HWND next = GetWindow(box, GW_HWNDNEXT);
     const bool hasSpin = next != nullptr && ClassOf(next) == UPDOWN_CLASSW;
-    const LONG spin = hasSpin ? ClientSize(next).cx : 0;
-    return {where, {size.cx + spin, size.cy}, 0, {room.right - room.left, room.bottom - room.top}};
+    Caption caption =
+        OneLine(where, box, text.empty() ? L"1024" : text, {hasSpin ? ClientSize(next).cx : 0, 0});
+    caption.room = {room.right - room.left, room.bottom - room.top};
+    return caption;
 }
 
 }  // namespace
@@ -102,28 +151,33 @@ int Scaled(int pixels) {
     return MulDiv(pixels, Dpi(), 96);
 }
 
-std::vector<Caption> CaptionsOf(const std::string& where, HWND control) {
-    const std::wstring text = CaptionOf(control);
+std::wstring FontOf(HWND control) {
+    return FontMeter(control).Family();
+}
+
+std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int longer) {
+    const std::wstring text = Lengthened(CaptionOf(control), longer);
     switch (RoleOf(control)) {
         case Role::Text:
-            return {LabelOf(where, control)};
+            return {LabelOf(where, control, text)};
         case Role::Link:
-            return {Plain(where, control, text, {})};
+            return {OneLine(where, control, text, {})};
         case Role::Button:
-            return {
-                Plain(where, control, text, {2 * Scaled(kButtonMargin), 2 * GetSystemMetrics(SM_CYEDGE)})};
+            return {WithAccessKey(where, control, text,
+                                  {2 * Scaled(kButtonMargin), 2 * GetSystemMetrics(SM_CYEDGE)})};
         case Role::CheckBox:
         case Role::OptionButton:
-            return {Plain(where, control, text, {GetSystemMetrics(SM_CXMENUCHECK) + Scaled(kGlyphGap), 0})};
+            return {WithAccessKey(where, control, text,
+                                  {GetSystemMetrics(SM_CXMENUCHECK) + Scaled(kGlyphGap), 0})};
         case Role::Frame:
-            return {Plain(where, control, text, {2 * Scaled(kFrameMargin), 0})};
+            return {WithAccessKey(where, control, text, {2 * Scaled(kFrameMargin), 0})};
         case Role::Combo:
-            return Items(where, control);
+            return Items(where, control, longer);
         case Role::List:
-            if (ClassOf(control) == WC_LISTVIEWW) return HeadingsOf(where, control);
-            return {Plain(where, control, L"www.example.com", {2 * Scaled(kListRowMargin), 0})};
+            if (ClassOf(control) == WC_LISTVIEWW) return HeadingsOf(where, control, longer);
+            return {OneLine(where, control, L"www.example.com", {2 * Scaled(kListRowMargin), 0})};
         case Role::Tabs:
-            return {TabsOf(where, control)};
+            return {TabsOf(where, control, longer)};
         case Role::TextBox:
             return {TextBoxOf(where, control)};
         case Role::Picture:
@@ -133,7 +187,7 @@ std::vector<Caption> CaptionsOf(const std::string& where, HWND control) {
     return {};
 }
 
-Caption TitleOf(const std::string& where, HWND window) {
+Caption TitleOf(const std::string& where, HWND window, int longer) {
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof(metrics);
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0);
@@ -141,7 +195,8 @@ Caption TitleOf(const std::string& where, HWND window) {
     const HFONT font = CreateFontIndirectW(&metrics.lfCaptionFont);
     const HGDIOBJ before = SelectObject(screen, font);
     RECT bounds{};
-    DrawTextW(screen, ShownText(window).c_str(), -1, &bounds, DT_CALCRECT | DT_SINGLELINE);
+    DrawTextW(screen, Lengthened(ShownText(window), longer).c_str(), -1, &bounds,
+              DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
     SelectObject(screen, before);
     DeleteObject(font);
     ReleaseDC(nullptr, screen);
@@ -153,6 +208,5 @@ Caption TitleOf(const std::string& where, HWND window) {
                       2 * GetSystemMetrics(SM_CXDLGFRAME) + Scaled(kTextBoxMargin);
     return {where + ", title",
             {bounds.right + round, bounds.bottom},
-            bounds.right,
             {whole.right - whole.left, GetSystemMetrics(SM_CYCAPTION)}};
 }

@@ -10,17 +10,22 @@
 struct Caption {
     std::string where;
     SIZE needed;  // the text and what the control draws round it
-    int text;     // of needed.cx, what the text takes
     SIZE room;
+
+    bool Fits() const noexcept { return needed.cx <= room.cx && needed.cy <= room.cy; }
 };
 
-// Of one control: most have one text, lists one for each heading, tabs and combo boxes one for each item.
-std::vector<Caption> CaptionsOf(const std::string& where, HWND control);
+// Of one control: most have one text, lists one for each heading, combo boxes one for each item. Each text is
+// taken to be longer by so many per cent of its characters.
+std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int longer = 0);
 
 // Of the title bar.
-Caption TitleOf(const std::string& where, HWND window);
+Caption TitleOf(const std::string& where, HWND window, int longer = 0);
 
 int Dpi();
 
 // Pixels of 96 dpi in pixels of this screen.
 int Scaled(int pixels);
+
+// The name of the font that the control writes in, as the system has found it.
+std::wstring FontOf(HWND control);

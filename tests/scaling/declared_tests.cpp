@@ -1,0 +1,74 @@
+// Whether the window is laid out as in the pictures of the documents. In dialog units, which follow the font,
+// it is the same at every resolution and in every font.
+#include <doctest.h>
+
+#include <windows.h>
+
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+
+#include "tests/accessibility/surfaces.h"
+#include "tests/window/other_process.h"
+
+namespace {
+
+constexpr char kDeclared[] = "Z:" SOURCE_DIR "/docs/pictures/layout.txt";
+
+// A spin control takes part of its text box, as much as the system's scroll bars need: the two count as one.
+RECT WithSpin(HWND control) {
+    RECT bounds = BoundsOf(control);
+    const HWND next = GetWindow(control, GW_HWNDNEXT);
+    if (next == nullptr || RoleOf(control) != Role::TextBox || RoleOf(next) != Role::Spin) return bounds;
+    const RECT spin = BoundsOf(next);
+    UnionRect(&bounds, &bounds, &spin);
+    return bounds;
+}
+
+// In dialog units of the page, whose font Windows measures itself.
+std::string PlaceOf(HWND control) {
+    const HWND page = GetParent(control);
+    RECT units{0, 0, 4, 8};
+    MapDialogRect(page, &units);
+    RECT bounds = WithSpin(control);
+    MapWindowPoints(HWND_DESKTOP, page, reinterpret_cast<POINT*>(&bounds), 2);
+    const auto across = [&](LONG pixels) { return std::to_string(MulDiv(pixels, 4, units.right)); };
+    const auto down = [&](LONG pixels) { return std::to_string(MulDiv(pixels, 8, units.bottom)); };
+    std::string place =
+        across(bounds.left) + ", " + down(bounds.top) + ", " + across(bounds.right - bounds.left);
+    // A combo box is as high as a line of its font and the border of the system.
+    if (RoleOf(control) != Role::Combo) place += ", " + down(bounds.bottom - bounds.top);
+    return place;
+}
+
+std::string Utf8(const std::wstring& text) {
+    std::string bytes(text.size() * 3, '\0');
+    bytes.resize(static_cast<size_t>(WideCharToMultiByte(CP_UTF8, 0, text.data(),
+                                                         static_cast<int>(text.size()), bytes.data(),
+                                                         static_cast<int>(bytes.size()), nullptr, nullptr)));
+    return bytes;
+}
+
+std::string Layout() {
+    std::string text;
+    ForEachSurface([&](const Surface& surface) {
+        text += Utf8(surface.name) + '\n';
+        for (const HWND control : surface.controls) {
+            if (RoleOf(control) == Role::Spin) continue;
+            text +=
+                "    " + Utf8(ClassOf(control) + L" \"" + CaptionOf(control)) + "\": " + PlaceOf(control) + '\n';
+        }
+    });
+    return text;
+}
+
+}  // namespace
+
+TEST_CASE("the controls and their places are those of the pictures") {
+    const std::string layout = Layout();
+    if (const char* const copy = std::getenv("LAYOUT_COPY"); copy != nullptr)
+        std::ofstream(copy, std::ios::binary) << layout;
+    std::ostringstream declared;
+    declared << std::ifstream(kDeclared, std::ios::binary).rdbuf();
+    CHECK(layout == declared.str());
+}
