@@ -4,6 +4,10 @@
 #
 #   tools/pictures.sh            builds the programs and writes docs/pictures/
 #   tools/pictures.sh OUTDIR     writes to OUTDIR, with the programs in BUILD_DIR
+#   tools/pictures.sh --system   prints what pictures of this system depend on
+#
+# Two texts belong to them: system.txt says where they come from, since another Wine or other fonts draw other pixels, and
+# layout.txt what they show, in units that are the same everywhere.
 set -euo pipefail
 tools=$(dirname "${BASH_SOURCE[0]}")
 
@@ -92,6 +96,31 @@ TakeLook() {
         { cat "$prefix/screenshots.log" >&2; echo "The pictures for $1 could not be taken." >&2; return 1; }
 }
 
+# Release, Wine, and the fonts that it may take.
+System() {
+    # shellcheck disable=SC1091 # not every system has it
+    (. /etc/os-release && echo "$ID ${VERSION_ID:-}") || true
+    "$wineCommand" --version
+    dpkg-query -W -f '${Package} ${Version}\n' fonts-wine fonts-liberation || true
+}
+
+# WriteLayout: the places of the controls as the scaling suite finds them; it compares them too, here with nothing.
+WriteLayout() {
+    UsePrefix "$kBuildRoot/wine-pictures"
+    MakePrefix "$WINEPREFIX"
+    StartScreen
+    touch "$output/layout.txt"
+    LAYOUT_COPY="Z:$output/layout.txt" Wine 60 "$kBuildRoot/release/tests/scaling_tests.exe" \
+        --test-case='the controls and their places*' >"$WINEPREFIX/layout.log" 2>&1 || true
+    [[ -s $output/layout.txt ]] || { cat "$WINEPREFIX/layout.log" >&2; return 1; }
+}
+
+if [[ ${1:-} == --system ]]; then
+    # shellcheck source=tools/wine.sh
+    . "$tools/wine.sh"
+    System 2>/dev/null
+    exit
+fi
 if (($#)); then
     # shellcheck source=tools/wine.sh
     . "$tools/wine.sh"
@@ -101,9 +130,13 @@ else
     . "$tools/setup.sh"
     cd "$kRoot"
     cmake --preset release
-    cmake --build --preset release --target SentrelConfig SentrelStandin CalvaneConfigLoader
+    cmake --build --preset release --target SentrelConfig SentrelStandin CalvaneConfigLoader \
+        scaling_tests
     output=$kRoot/docs/pictures
     rm -rf "$output"
+    mkdir "$output"
+    System >"$output/system.txt"
+    WriteLayout
 fi
 export SCREEN_SIZE=1280x1024x24
 

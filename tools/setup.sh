@@ -20,6 +20,7 @@ xdotool                     xdotool
 trayer                      trayer
 imagemagick                 import
 fonts-liberation            /usr/share/fonts/truetype/liberation
+fonts-dejavu-core           /usr/share/fonts/truetype/dejavu
 wine                        wine
 fonts-wine                  /usr/share/wine/fonts/marlett.ttf
 nsis                        makensis
