@@ -6,8 +6,8 @@
 #   tools/pictures.sh OUTDIR     writes to OUTDIR, with the programs in BUILD_DIR
 #   tools/pictures.sh --system   prints what pictures of this system depend on
 #
-# Two texts belong to them: system.txt says where they come from, since another Wine or other fonts draw other pixels, and
-# layout.txt what they show, in units that are the same everywhere.
+# Two texts belong to them: system.txt says where they come from, since another Wine or another font draws other pixels,
+# and layout.txt what they show, in units that are the same everywhere.
 set -euo pipefail
 tools=$(dirname "${BASH_SOURCE[0]}")
 

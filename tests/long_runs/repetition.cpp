@@ -8,6 +8,7 @@ namespace {
 
 // What a run may leave, whatever its length: caches of Windows that fill once.
 constexpr long kHeapCeiling = 64 * 1024;  // bytes
+constexpr long kBlockCeiling = 64;        // fewer than any run has rounds
 constexpr long kHandleCeiling = 8;
 constexpr long kObjectCeiling = 4;
 
@@ -18,19 +19,20 @@ int Times(int count) {
     return count * (text != nullptr ? std::atoi(text) : 1);
 }
 
-void CheckKept(const std::string& what, long count, const Resources& before, long keys, DWORD start) {
-    const Resources after = HeldNow();
-    CHECK(after.heapBytes - before.heapBytes < kHeapCeiling);
-    CHECK(after.kernelHandles - before.kernelHandles - keys < kHandleCeiling);
-    CHECK(after.gdiObjects - before.gdiObjects < kObjectCeiling);
-    CHECK(after.menus - before.menus < kObjectCeiling);
-    CHECK(after.windows - before.windows < kObjectCeiling);
-    MESSAGE(what << ": " << count << " times, " << GetTickCount() - start << " ms; heap "
-                 << after.heapBytes - before.heapBytes << " bytes in " << after.heapBlocks - before.heapBlocks
-                 << " blocks, kernel handles " << after.kernelHandles - before.kernelHandles
-                 << " (of them by design " << keys << " registry keys), GDI objects "
-                 << after.gdiObjects - before.gdiObjects << ", menus " << after.menus - before.menus
-                 << ", windows " << after.windows - before.windows);
+void CheckKept(const std::string& what, long count, const Resources& kept, long keys, DWORD start,
+               const Resources& bare) {
+    CHECK(kept.heapBytes - bare.heapBytes < kHeapCeiling);
+    CHECK(kept.heapBlocks - bare.heapBlocks < kBlockCeiling);
+    CHECK(kept.kernelHandles - bare.kernelHandles - keys < kHandleCeiling);
+    CHECK(kept.gdiObjects - bare.gdiObjects < kObjectCeiling);
+    CHECK(kept.menus - bare.menus < kObjectCeiling);
+    CHECK(kept.windows - bare.windows < kObjectCeiling);
+    MESSAGE(what << ": " << count << " times, " << GetTickCount() - start << " ms; heap " << kept.heapBytes
+                 << " bytes in " << kept.heapBlocks << " blocks (bare " << bare.heapBytes << " in "
+                 << bare.heapBlocks << "), kernel handles " << kept.kernelHandles << " (of them by design "
+                 << keys << " registry keys, bare " << bare.kernelHandles << "), GDI objects "
+                 << kept.gdiObjects << " (" << bare.gdiObjects << "), menus " << kept.menus << " ("
+                 << bare.menus << "), windows " << kept.windows << " (" << bare.windows << ")");
 }
 
 long Impatience::s_menus = 0;

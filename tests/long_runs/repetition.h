@@ -10,9 +10,11 @@
 // How often something is done: count times, or as many times more as the environment variable LONG_RUN holds.
 int Times(int count);
 
-// Checks that what is held now is no more than before, but for caches of Windows that fill once, and prints
-// it. keys: registry keys that stay open by design.
-void CheckKept(const std::string& what, long count, const Resources& before, long keys, DWORD start);
+// Checks that what is kept since start is nothing but caches of Windows that fill once, and prints it. keys:
+// registry keys that stay open by design. bare: what Windows itself has kept in this process for its part of
+// the same thing.
+void CheckKept(const std::string& what, long count, const Resources& kept, long keys, DWORD start,
+               const Resources& bare = {});
 
 // Ends the menus and dialogs of its thread as soon as they wait for a user, and counts them.
 class Impatience {

@@ -97,3 +97,12 @@ Resources HeldNow() {
     CountUserObjects(held);
     return held;
 }
+
+Resources operator-(const Resources& held, const Resources& before) noexcept {
+    return {held.heapBytes - before.heapBytes,
+            held.heapBlocks - before.heapBlocks,
+            held.kernelHandles - before.kernelHandles,
+            held.gdiObjects - before.gdiObjects,
+            held.menus - before.menus,
+            held.windows - before.windows};
+}

@@ -14,5 +14,8 @@ struct Resources {
 
 Resources HeldNow();
 
+// What is held more than before.
+Resources operator-(const Resources& held, const Resources& before) noexcept;
+
 // The kernel handles of any process.
 long KernelHandlesOf(DWORD processId);
