@@ -23,7 +23,7 @@ while read -r dpi font; do
     SetRegistryValue "$kSubstitutes" 'MS Shell Dlg' REG_SZ "$font"
     SetDpi "$dpi"
     code=0
-    EXPECTED_DPI=$dpi EXPECTED_FONT=$font Wine 60 "$BUILD_DIR/tests/scaling_tests.exe" >"$output" 2>&1 || code=$?
+    EXPECTED_DPI=$dpi EXPECTED_FONT=$font Wine 90 "$BUILD_DIR/tests/scaling_tests.exe" >"$output" 2>&1 || code=$?
     if ((code == 0)) && grep -q '^\[doctest\] Status: SUCCESS' "$output"; then
         echo "$dpi dpi, $font: ok"
     else
