@@ -328,7 +328,6 @@ TEST_CASE(
 
 TEST_CASE("the system's own registry fails in the same way") {
     SettingsWindow page;
-    Figures figures;
     const auto run = [&](const Fault& fault) {
         INFO(TextOfFault(fault));
         FillSystem(page, FullStore());
