@@ -13,6 +13,7 @@ g++-mingw-w64-i686-posix    i686-w64-mingw32-g++-posix
 mingw-w64-tools             i686-w64-mingw32-widl
 libwine-dev                 /usr/include/wine/wine/windows/oaidl.idl
 doctest-dev                 /usr/include/doctest/doctest.h
+procps                      pgrep
 xvfb                        Xvfb
 xauth                       xauth
 fluxbox                     fluxbox
