@@ -111,10 +111,8 @@ TEST_CASE("The window going away in the middle of the frames leaves no icon") {
 
 TEST_CASE("A storm of closed pop-ups leaves one icon and a window that answers") {
     WithIcon session;
-    const DWORD start = GetTickCount();
     for (int i = 0; i < 200; ++i)
         session.engine.Raise(L"Killed");
-    CHECK(GetTickCount() - start < 10000);
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
     CHECK(WaitForIconAfter(1));
     CHECK(IconStory().ends_with(kRun));
