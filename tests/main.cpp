@@ -49,6 +49,8 @@ REGISTER_LISTENER("current", 1, CurrentTest);
 
 int wmain(int count, wchar_t** arguments) {
     EndAtFault();
+    // What has been printed is in the log even if the program is ended by force.
+    std::setvbuf(stdout, nullptr, _IONBF, 0);
     std::vector<std::string> texts;
     for (int i = 0; i < count; ++i)
         texts.push_back(ToAnsi(arguments[i]));
