@@ -13,7 +13,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")"
 . tools/setup.sh
 
 kProgramSeconds=600
-kPrograms='log_refresh repeated_line settings_transfer duplicate_check window activation notice footprint'
+kPrograms='log_refresh settings_transfer duplicate_check window activation notice footprint'
 kBuildDir=$kBuildRoot/release
 kOutput=$kBuildRoot/bench
 

@@ -222,6 +222,22 @@ void CompareLengths(const std::wstring& folder) {
     DeleteFileW(longPath.c_str());
 }
 
+// The search for the 25 newest distinct lines goes back to the beginning of a log that repeats few lines.
+void CompareRepeats(const std::wstring& folder) {
+    const std::wstring path = folder + L"repeated.log";
+    for (const size_t lines : {size_t{1}, kEntries - 1}) {
+        WriteLog(path, kGigabyte, [&](size_t n) { return DistinctLine(n % lines); });
+        LogPage page(path);
+        Report({.what = "Log refresh, distinct lines repeated: " + std::to_string(lines),
+                .size = "1 GB",
+                .measured = {"`ReadClosedLog`", [&] { page.log.ReadClosedLog(); }},
+                .beside = {"reading the file into a buffer", [&] { ReadThrough(path); }},
+                .rounds = 9,
+                .wanted = lines == 1 ? 5.0 : 0});
+    }
+    DeleteFileW(path.c_str());
+}
+
 void Run(const std::wstring& folder) {
     const std::wstring path = folder + L"closed.log";
     CLSID classId{};
@@ -232,6 +248,7 @@ void Run(const std::wstring& folder) {
         CompareAt(size, path, fileSystem.Get());
     DeleteFileW(path.c_str());
     CompareLengths(folder);
+    CompareRepeats(folder);
 }
 
 }  // namespace

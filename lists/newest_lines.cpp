@@ -7,46 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "lists/repeated_bytes.h"
-
 namespace {
-
-using RepeatedBytes::Word;
-using RepeatedBytes::WordAt;
-
-// These two and the count of repeated bytes take most of the time of a reading, and therefore compare machine
-// words.
-
-// Addresses of one length differ at their end rather than at their beginning: the last word is compared
-// first.
-inline bool Equal(const char* left, const char* right, std::size_t size) noexcept {
-    if (size >= sizeof(Word)) {
-        size -= sizeof(Word);
-        if (WordAt(left + size) != WordAt(right + size)) return false;
-        for (; size >= sizeof(Word); size -= sizeof(Word), left += sizeof(Word), right += sizeof(Word)) {
-            if (WordAt(left) != WordAt(right)) return false;
-        }
-    }
-    for (; size != 0; --size) {
-        if (*left++ != *right++) return false;
-    }
-    return true;
-}
-
-// Null when there is none.
-inline const char* FindLastLineFeed(const char* begin, const char* end) noexcept {
-    constexpr Word kOnes = ~Word{0} / 0xFF;
-    constexpr Word kHighBits = kOnes * 0x80;
-    for (; static_cast<std::size_t>(end - begin) >= sizeof(Word); end -= sizeof(Word)) {
-        // Line feeds become zero bytes, and the test finds a zero byte in a word.
-        const Word word = WordAt(end - sizeof(Word)) ^ (kOnes * '\n');
-        if (((word - kOnes) & ~word & kHighBits) != 0) break;
-    }
-    while (end != begin) {
-        if (*--end == '\n') return end;
-    }
-    return nullptr;
-}
 
 // Splits a log into lines, from its end.
 class LinesFromEnd {
@@ -61,38 +22,29 @@ public:
 
     bool Done() const noexcept { return m_done; }
 
-    // Whether the next line is this one. Answers false also when not enough of the log has been read to tell.
+    // Whether the next line is this one. False also when not enough of the log has been read to
+    // tell.
     bool NextIs(const std::string& line) const noexcept {
         const std::size_t end = LineEnd();
         if (end - m_begin < line.size()) return false;
         const std::size_t start = end - line.size();
-        return BeginsAt(start) && Equal(m_bytes.get() + start, line.data(), line.size());
+        return BeginsAt(start) && std::string_view(m_bytes.get() + start, line.size()) == line;
     }
 
     // The next line; false when its beginning has not been read yet.
     bool FindNext(std::string_view& line) noexcept {
-        const char* const bytes = m_bytes.get();
-        const char* const feed = FindLastLineFeed(bytes + m_begin, bytes + m_searched);
-        if (feed == nullptr && m_offset != 0) {
+        const std::string_view unread(m_bytes.get() + m_begin, LineEnd() - m_begin);
+        const std::size_t feed = unread.substr(0, m_searched - m_begin).rfind('\n');
+        if (feed == std::string_view::npos && m_offset != 0) {
             m_searched = m_begin;
             return false;
         }
-        const std::size_t start = feed == nullptr ? m_begin : static_cast<std::size_t>(feed - bytes) + 1;
-        line = std::string_view(bytes + start, LineEnd() - start);
+        line = feed == std::string_view::npos ? unread : unread.substr(feed + 1);
         return true;
     }
 
-    // Takes the next line, which has this many bytes, and with it those before it that equal it. Without a
-    // line end a CR means something else, so that bytes cannot be compared then.
-    void Take(std::size_t size) noexcept {
-        const std::size_t end = m_end;
-        const bool ended = m_ended;
-        TakeFrom(LineEnd() - size);
-        if (m_done || !ended) return;
-        const std::size_t taken = end - m_end;
-        m_end -= RepeatedBytes::Count(m_bytes.get() + m_end, taken, m_end - m_begin) / taken * taken;
-        m_searched = m_end;
-    }
+    // Takes the next line, which has this many bytes.
+    void Take(std::size_t size) noexcept { TakeFrom(LineEnd() - size); }
 
     // Reads the block before the unread bytes. To be called when there is no line feed among these.
     void ReadBlock() {
@@ -121,7 +73,7 @@ private:
         m_searched = m_end;
     }
 
-    // Moves the unread bytes, the rear part of one line, to the rear of the buffer. The room before them
+    // Moves the unread bytes, the rear part of one line, to the rear of the buffer. The space before them
     // grows with that line, so that no byte is moved more than a few times, and is given back once the line
     // has been taken.
     void MakeRoom() {
@@ -153,11 +105,10 @@ private:
     bool m_done;
 };
 
-// Takes the next line when it is one of kept. Logs repeat themselves, and a line that repeats itself has been
-// taken as often as it does: the search starts behind the line found last.
+// Takes the next line when it is one of kept. Logs repeat themselves: the search starts with the line found
+// last.
 bool TakeKept(LinesFromEnd& lines, const std::vector<std::string>& kept, std::size_t& last) noexcept {
-    for (std::size_t n = 0; n < kept.size(); ++n) {
-        if (++last >= kept.size()) last = 0;
+    for (std::size_t n = 0; n < kept.size(); ++n, last = (last + 1) % kept.size()) {
         if (lines.NextIs(kept[last])) {
             lines.Take(kept[last].size());
             return true;

@@ -134,6 +134,13 @@ BOOL WINAPI NoEntryWithoutReason(PACL, DWORD, DWORD, PSID) {
     return FALSE;
 }
 
+std::wstring g_firstText;
+
+LSTATUS WINAPI TakeFirstText(HKEY, LPCWSTR, DWORD, DWORD, const BYTE* data, DWORD) {
+    if (g_firstText.empty()) g_firstText = reinterpret_cast<const wchar_t*>(data);
+    return ERROR_DISK_FULL;
+}
+
 int Embed() {
     wchar_t command[] = L"-Embedding";
     return wWinMain(GetModuleHandleW(nullptr), nullptr, command, SW_SHOWDEFAULT);
@@ -156,8 +163,7 @@ TEST_CASE("Own user, system and administrators are admitted from this machine, a
 TEST_CASE("The descriptor is in absolute form and has an owner and a group") {
     const Recorder recorder;
     CHECK(AdmitOwnUserOnly() == S_OK);
-    CHECK((g_calls.control & SE_SELF_RELATIVE) == 0);
-    CHECK((g_calls.control & SE_DACL_PRESENT) != 0);
+    CHECK(g_calls.control == SE_DACL_PRESENT);
     CHECK(g_calls.owner == OwnSid());
     CHECK(g_calls.group == OwnSid());
 }
@@ -221,4 +227,14 @@ TEST_CASE("The manager serves nobody when its own user cannot be found out") {
     const ImportPatch patch("advapi32.dll", "OpenProcessToken", &NoToken);
     CHECK(Embed() == E_ACCESSDENIED);
     CHECK(g_calls.order.empty());
+}
+
+// The first value that a registration writes is the description of the class.
+TEST_CASE("The manager registers its class under the name that administration tools show") {
+    const ImportPatch patch("advapi32.dll", "RegSetValueExW", &TakeFirstText);
+    g_firstText.clear();
+    wchar_t command[] = L"/RegServer";
+    CHECK(wWinMain(GetModuleHandleW(nullptr), nullptr, command, SW_SHOWDEFAULT) ==
+          HRESULT_FROM_WIN32(ERROR_DISK_FULL));
+    CHECK(g_firstText == L"Calvane configuration manager");
 }

@@ -92,3 +92,16 @@ TEST_CASE("a load forgets what was to be started or stopped, but not what was to
         CHECK(script.Count("Pause") == 1);
     }
 }
+
+// The message may wait in the queue while the window goes, and its handle may be that of the next window.
+TEST_CASE("a gesture over the icon that comes in behind an unloading makes no window") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    const HWND window = Window();
+    g_frmConfig->Unload();
+    REQUIRE_FALSE(IsWindow(window));
+    for (const LPARAM gesture : {WM_LBUTTONDBLCLK, WM_RBUTTONUP}) {
+        CHECK(TrayWindowProc(window, kTrayCallback, 1, gesture) == 0);
+        CHECK(FindWindowW(nullptr, L"Calvane") == nullptr);
+    }
+}

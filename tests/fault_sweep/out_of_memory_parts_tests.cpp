@@ -45,6 +45,35 @@ long SweepOK(Page& page, const Control& opens, const std::function<void(HWND)>& 
     return faults;
 }
 
+// The texts of SysAllocString, which the fake engine hands its path out with, that nobody has freed.
+class UnfreedTexts {
+public:
+    UnfreedTexts() {
+        s_texts.clear();
+        s_allocate = m_allocate.Original<decltype(&SysAllocString)>();
+        s_free = m_free.Original<decltype(&SysFreeString)>();
+    }
+
+    size_t Count() const { return s_texts.size(); }
+
+private:
+    static BSTR WINAPI Allocate(const OLECHAR* text) {
+        const BSTR copy = s_allocate(text);
+        s_texts.push_back(copy);
+        return copy;
+    }
+    static void WINAPI Free(BSTR text) {
+        std::erase(s_texts, text);
+        s_free(text);
+    }
+
+    static inline decltype(&SysAllocString) s_allocate = nullptr;
+    static inline decltype(&SysFreeString) s_free = nullptr;
+    static inline std::vector<BSTR> s_texts;
+    const ImportPatch m_allocate{"oleaut32.dll", "SysAllocString", &Allocate};
+    const ImportPatch m_free{"oleaut32.dll", "SysFreeString", &Free};
+};
+
 }  // namespace
 
 TEST_CASE("memory that runs out in a dialog's OK adds the whole row or none, and leaves the dialog open") {
@@ -199,6 +228,7 @@ TEST_CASE(
         f.Connect();
         f.server.script.logFile = FromAnsi(LongText("C:\\log"));
         std::wstring path;
+        const UnfreedTexts unfreed;
         faults = Sweep([&] { path.clear(); },
                        [&] {
                            f.engine.mnuStopKiller_Click();
@@ -217,6 +247,7 @@ TEST_CASE(
                            CHECK_FALSE(f.engine.tmMenu().Running());
                            CHECK(f.Enabled() == kRunning);
                            CHECK(f.engine.LogFile() == f.server.script.logFile);
+                           CHECK(unfreed.Count() == 0);
                        });
         CHECK(faults >= 1);
     }

@@ -1,0 +1,47 @@
+// What controls take for the user's choice, and which rows can be chosen.
+#include <doctest.h>
+
+#include <windows.h>
+
+#include "platform/controls/combo_box.h"
+#include "platform/controls/list_box.h"
+#include "tests/support/error_of.h"
+#include "tests/support/test_window.h"
+
+TEST_CASE("a combo box raises its click for a choice, and not for being focused, opened or closed") {
+    ComboBox box(L"box", 100);
+    TestWindow window({&box});
+    int clicks = 0;
+    box.Click = [&] { ++clicks; };
+    const auto notify = [&](int code) {
+        SendMessageW(window.Hwnd(), WM_COMMAND, MAKEWPARAM(box.Id(), code),
+                     reinterpret_cast<LPARAM>(box.Hwnd()));
+    };
+    for (const int code : {CBN_SETFOCUS, CBN_DROPDOWN, CBN_SELENDOK, CBN_SELENDCANCEL, CBN_CLOSEUP,
+                           CBN_KILLFOCUS, CBN_DBLCLK, CBN_EDITCHANGE, CBN_EDITUPDATE}) {
+        CAPTURE(code);
+        notify(code);
+        CHECK(clicks == 0);
+    }
+    notify(CBN_SELCHANGE);
+    CHECK(clicks == 1);
+}
+
+TEST_CASE("a list box refuses rows that are none, and keeps the selected one") {
+    ListBox list(L"list", 100);
+    const TestWindow window({&list});
+    list.AddItem(L"first");
+    list.AddItem(L"second");
+    list.ListIndex(1);
+    int clicks = 0;
+    list.Click = [&] { ++clicks; };
+    for (const int row : {-2, 2}) {
+        CAPTURE(row);
+        CHECK(ErrorOf([&] { list.ListIndex(row); }) == HresultOf(ErrorNumber::InvalidPropertyValue));
+        CHECK(list.ListIndex() == 1);
+    }
+    CHECK(clicks == 0);
+    list.ListIndex(-1);
+    CHECK(list.ListIndex() == -1);
+    CHECK(clicks == 1);
+}
