@@ -11,7 +11,7 @@
 
 class ClosedLog {
 public:
-    // The controls outlive this object. logFile: answers the path of the log, asked at every reading; throws
+    // The controls outlive this object. logFile: returns the path of the log, asked at every reading; throws
     // AutomationError when the engine cannot tell. markChanged: notes an unsaved change, unless settings are
     // being loaded.
     ClosedLog(ListBox& lstClosedWnd, Button& cmdRefreshLog, Button& cmdAddTo, Button& cmdClearList,
@@ -32,7 +32,7 @@ public:
     void cmdClearList_Click();
 
 private:
-    // arePlain: no two of the lines so far can be the same text. Answers whether the line became a row.
+    // arePlain: no two of the lines so far can be the same text. Returns whether the line became a row.
     bool AddEntry(std::string_view line, bool arePlain);
 
     ListBox& m_lstClosedWnd;

@@ -12,7 +12,7 @@ inline constexpr std::size_t kLogBlockSize = 65536;
 // Fills buffer with count bytes of the log from offset on; throws when it cannot deliver all of them.
 using ReadBytes = std::function<void(std::uint64_t offset, char* buffer, std::size_t count)>;
 
-// Is offered a line, without its line end, and answers whether it keeps it.
+// Is offered a line, without its line end, and returns whether it keeps it.
 using KeepLine = std::function<bool(std::string_view line)>;
 
 // Offers the lines in the first size bytes of a log from the last to the first, until limit of them are kept.

@@ -1,4 +1,4 @@
-// The door between Windows' callbacks and the program: no exception leaves it.
+// The boundary between Windows' callbacks and the program: no exception leaves it.
 #pragma once
 
 #include <utility>

@@ -18,7 +18,7 @@ public:
     // In milliseconds; takes effect with the next Start.
     void Interval(UINT milliseconds) noexcept { m_interval = milliseconds; }
 
-    // Ticks until Stop, or until owner's window is destroyed. A running timer starts its period anew.
+    // Ticks until Stop, or until owner's window is destroyed. A running timer starts its period again.
     void Start(HWND owner) noexcept;
     void Stop() noexcept;
     bool Running() const noexcept { return m_owner != nullptr; }

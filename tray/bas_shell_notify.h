@@ -26,7 +26,7 @@ extern LONG g_lngConfigHwnd;
 // The message by which the icon reports the mouse.
 inline constexpr UINT kTrayCallback = 0x401;
 
-// Puts TrayWindowProc in front of the window's procedure. Answers whether it did; a window that has it
+// Puts TrayWindowProc in front of the window's procedure. Returns whether it did; a window that has it
 // already, and one where it fails, stays as it was.
 bool HookTrayWindow(HWND hwnd);
 

@@ -24,5 +24,5 @@ static_assert(sizeof(NotifyIconRecord) == 88, "the size tells the shell which fo
 // fit is cut, so that a tip of 64 characters or more has no terminator.
 NotifyIconRecord MakeNotifyIconRecord(HWND hwnd, UINT callbackMessage, HICON icon, std::wstring_view toolTip);
 
-// action: NIM_ADD, NIM_MODIFY or NIM_DELETE. Answers whether the shell did it.
+// action: NIM_ADD, NIM_MODIFY or NIM_DELETE. Returns whether the shell did it.
 bool NotifyShell(DWORD action, NotifyIconRecord record);

@@ -37,7 +37,7 @@ public:
     STDMETHODIMP RemoveIcon() override;
 
     // Shows the pictures from number 0 up to, and not including, the upper bound of pPics, one after each
-    // lngInterval milliseconds, and one interval later the resting icon, added anew. Starts over where an
+    // lngInterval milliseconds, and one interval later the resting icon, added again. Starts over where an
     // animation runs. hwndOwner: a window of this thread, which the animation does not outlive. A picture
     // that cannot be shown ends the animation.
     STDMETHODIMP AnimateIcon(SAFEARRAY** pPics, LONG lngInterval, LONG lngPicsPerCycle,

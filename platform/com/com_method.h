@@ -1,4 +1,4 @@
-// The door between COM and the program: no exception leaves it, every error becomes an HRESULT with its text.
+// The boundary of COM: no exception leaves the program, every error becomes an HRESULT with its text.
 #pragma once
 
 #include <windows.h>
@@ -7,7 +7,7 @@
 
 #include "platform/automation_error.h"
 
-// Leaves the description of code for the caller (IErrorInfo; EXCEPINFO through IDispatch) and answers code.
+// Leaves the description of code for the caller (IErrorInfo; EXCEPINFO through IDispatch) and returns code.
 HRESULT ReportError(HRESULT code) noexcept;
 
 // Runs the body of a COM method.

@@ -89,7 +89,7 @@ protected:
         if (m_holder == Holder::Client) ServerProcess::Unlock();
     }
 
-    // What the object answers beside its dual interface; no reference is added. Null where it has none.
+    // What the object supports beside its dual interface; no reference is added. Null where it has none.
     virtual void* FindOtherInterface(REFIID) { return nullptr; }
 
 private:

@@ -11,8 +11,8 @@
 #include "platform/com/variant.h"
 
 // A member of the object that raises the events. It counts no references of its own: whoever holds the
-// container or the connection point holds the owner. The owner answers IConnectionPointContainer with
-// Container().
+// container or the connection point holds the owner. The owner returns Container() for
+// IConnectionPointContainer.
 class EventSource final : private IConnectionPointContainer {
 public:
     // owner outlives this object. events: the dispatch interface of the events.

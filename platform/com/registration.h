@@ -22,12 +22,12 @@ struct ServerDescription {
 
 // Registers classes and type libraries for the machine, or where the user may not do that, for the user
 // alone. What an earlier registration wrote, from whatever folder, is replaced; a machine-wide one also
-// removes the user's own, which would hide it. Answers S_OK, or why it failed: the registry is as before
+// removes the user's own, which would hide it. Returns S_OK, or why it failed: the registry is as before
 // then.
 HRESULT RegisterServer(const ServerDescription& server);
 
 // Removes from both places what RegisterServer writes, as far as it is there; keys in which somebody else
-// keeps something stay, with that. Answers S_OK when nothing is left, otherwise the first failure; the rest
+// keeps something stay, with that. Returns S_OK when nothing is left, otherwise the first failure; the rest
 // is removed all the same.
 HRESULT UnregisterServer(const ServerDescription& server);
 

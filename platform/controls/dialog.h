@@ -21,7 +21,7 @@ public:
     void Create(HWND parent);
     void Destroy() noexcept { DestroyWindow(m_hwnd); }
 
-    // Shows the dialog and answers when it has been closed. owner is disabled meanwhile; a window that owner
+    // Shows the dialog and returns when it has been closed. owner is disabled meanwhile; a window that owner
     // itself already disabled for a modal child is no owner. A dialog that cannot be made is not shown.
     void ShowModal(HWND owner);
 
@@ -31,10 +31,10 @@ public:
 protected:
     virtual ControlTable Controls() = 0;
 
-    // Controls are attached. Answers false when it has set the focus itself.
+    // Controls are attached. Returns false when it has set the focus itself.
     virtual bool OnInit() { return true; }
 
-    // Messages that are nobody's: the answer says whether result holds the message's result.
+    // Messages that are nobody's: the result says whether result holds the message's result.
     virtual bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
 
 private:

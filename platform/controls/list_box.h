@@ -18,7 +18,7 @@ public:
     std::wstring List(int row) const;
     size_t Length(int row) const;
 
-    // For many rows: length is what Length has just answered for the row; the memory of text is used again.
+    // For many rows: length is what Length has just returned for the row; the memory of text is used again.
     void List(int row, size_t length, std::wstring& text) const;
 
     // Throws AutomationError (5) when the row cannot be added.

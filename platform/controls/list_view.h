@@ -27,7 +27,7 @@ public:
     int Count() const noexcept { return ListView_GetItemCount(Hwnd()); }
     void Clear() { ListView_DeleteAllItems(Hwnd()); }
 
-    // Inserts a row with an unchecked box and answers its position. Throws AutomationError (5) when the row
+    // Inserts a row with an unchecked box and returns its position. Throws AutomationError (5) when the row
     // cannot be added.
     int Add(int position, const std::wstring& text);
     void Remove(int position);

@@ -10,7 +10,7 @@ class SentrelAppObject final : public DispatchObject<_SentrelApp, kEngineTypeLib
 public:
     explicit SentrelAppObject(Engine& engine) : DispatchObject(Holder::Client), m_engine(engine) {}
 
-    // Each client gets an engine object of its own; all of them are faces of the one engine.
+    // Each client gets an engine object of its own; all of them lead to the one engine.
     STDMETHODIMP CreatePopup(long configHwnd, long configForm, long* mode, _Popup** popup) override;
     STDMETHODIMP ReleasePopup(long configHwnd, long configForm) override;
 
