@@ -7,6 +7,16 @@ namespace {
 constexpr const wchar_t* kMembers[] = {L"CreatePopup", L"ReleasePopup", L"State",          L"Start",
                                        L"Stop",        L"Pause",        L"ReloadSettings", L"LogFile"};
 
+constexpr DWORD kLongestHold = 60000;  // milliseconds
+
+// A manual-reset event, not set, that other processes know by its name.
+FileHandle NamedEvent(const std::wstring& name) {
+    const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, name.c_str());
+    if (event == nullptr) throw AutomationError(HRESULT_FROM_WIN32(GetLastError()));
+    ResetEvent(event);
+    return FileHandle(event);
+}
+
 }  // namespace
 
 void CallRecord::Receive(std::wstring_view member, const std::wstring& arguments) {
@@ -17,25 +27,32 @@ void CallRecord::Receive(std::wstring_view member, const std::wstring& arguments
 
     const auto found = m_orders.find(member);
     if (found == m_orders.end()) return;
-    const Orders orders = found->second;
+    const Orders orders = std::move(found->second);
     m_orders.erase(found);
-    Sleep(orders.delay);
+    if (orders.letGo) {
+        SetEvent(orders.arrived.Get());
+        WaitForSingleObject(orders.letGo.Get(), kLongestHold);
+    }
     if (orders.death) Die();
     ThrowIfFailed(orders.result);
 }
 
 void CallRecord::FailNext(const std::wstring& member, HRESULT result) {
     if (SUCCEEDED(result)) RaiseError(ErrorNumber::InvalidProcedureCall);
-    OrdersFor(member).result = result;
+    m_orders[Known(member)].result = result;
 }
 
-void CallRecord::DelayNext(const std::wstring& member, long milliseconds) {
-    if (milliseconds < 0) RaiseError(ErrorNumber::InvalidProcedureCall);
-    OrdersFor(member).delay = static_cast<DWORD>(milliseconds);
+void CallRecord::HoldNext(const std::wstring& member) {
+    const std::wstring name = std::wstring(L"SentrelStandin.") + Known(member);
+    FileHandle arrived = NamedEvent(name + L".Arrived");
+    FileHandle letGo = NamedEvent(name + L".LetGo");
+    Orders& orders = m_orders[Known(member)];
+    orders.arrived = std::move(arrived);
+    orders.letGo = std::move(letGo);
 }
 
 void CallRecord::DieIn(const std::wstring& member) {
-    OrdersFor(member).death = true;
+    m_orders[Known(member)].death = true;
 }
 
 void CallRecord::Reset() noexcept {
@@ -44,9 +61,9 @@ void CallRecord::Reset() noexcept {
     m_orders.clear();
 }
 
-CallRecord::Orders& CallRecord::OrdersFor(const std::wstring& member) {
+const wchar_t* CallRecord::Known(const std::wstring& member) {
     for (const wchar_t* const known : kMembers) {
-        if (lstrcmpiW(known, member.c_str()) == 0) return m_orders[known];
+        if (lstrcmpiW(known, member.c_str()) == 0) return known;
     }
     RaiseError(ErrorNumber::InvalidProcedureCall);
 }

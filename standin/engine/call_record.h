@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/handle.h"
+
 class CallRecord {
 public:
     // Ends the process without any clean-up, as a crash would; set before the first call.
@@ -18,10 +20,10 @@ public:
     // ordered death.
     void Receive(std::wstring_view member, const std::wstring& arguments = {});
 
-    // Each throws AutomationError (5) for a member that the engine does not have, and for a result or a time
-    // that makes no sense.
+    // Each throws AutomationError (5) for a member that the engine does not have, and for a result that is
+    // none of a failure.
     void FailNext(const std::wstring& member, HRESULT result);
-    void DelayNext(const std::wstring& member, long milliseconds);
+    void HoldNext(const std::wstring& member);
     void DieIn(const std::wstring& member);
 
     bool Stamped() const noexcept { return m_stamped; }
@@ -37,11 +39,12 @@ public:
 private:
     struct Orders {
         HRESULT result = S_OK;
-        DWORD delay = 0;
+        FileHandle arrived;  // both events are valid, or none
+        FileHandle letGo;
         bool death = false;
     };
 
-    Orders& OrdersFor(const std::wstring& member);
+    static const wchar_t* Known(const std::wstring& member);
 
     std::wstring m_text;
     bool m_stamped = false;

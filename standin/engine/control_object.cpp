@@ -98,8 +98,8 @@ STDMETHODIMP ControlObject::FailNext(BSTR member, long result) {
     return ComMethod([&] { m_engine.calls.FailNext(std::wstring(ViewOf(member)), result); });
 }
 
-STDMETHODIMP ControlObject::DelayNext(BSTR member, long milliseconds) {
-    return ComMethod([&] { m_engine.calls.DelayNext(std::wstring(ViewOf(member)), milliseconds); });
+STDMETHODIMP ControlObject::HoldNext(BSTR member) {
+    return ComMethod([&] { m_engine.calls.HoldNext(std::wstring(ViewOf(member))); });
 }
 
 STDMETHODIMP ControlObject::DieIn(BSTR member) {

@@ -34,7 +34,7 @@ public:
     STDMETHODIMP ClosePopup(long hwnd, BSTR address) override;
     STDMETHODIMP ClearCalls() override;
     STDMETHODIMP FailNext(BSTR member, long result) override;
-    STDMETHODIMP DelayNext(BSTR member, long milliseconds) override;
+    STDMETHODIMP HoldNext(BSTR member) override;
     STDMETHODIMP DieIn(BSTR member) override;
     STDMETHODIMP OpenWindow() override;
     STDMETHODIMP Quit() override;

@@ -67,11 +67,13 @@ TEST_CASE("Apply reaches the engine as one ReloadSettings after the store has be
 TEST_CASE("Apply waits for the engine before it clears the mark, and clears it after a failure too") {
     Watched session;
     session.Spin(L"udbSpeed", true);
-    session.engine.Delay(L"ReloadSettings", 1000);
+    const HeldCall held = session.engine.Hold(L"ReloadSettings");
     PostMessageW(session.apply, BM_CLICK, 0, 0);
-    CHECK(WaitUntil([&] { return session.Speed() == L"800"; }));
-    Sleep(300);
+    CHECK(held.Arrives());
+    CHECK(session.Speed() == L"800");
+    session.Settle();
     CHECK(session.Marked());
+    held.LetGo();
     CHECK(WaitUntil([&] { return !session.Marked(); }));
     CHECK(session.engine.Count(L"ReloadSettings") == 1);
 

@@ -1,6 +1,8 @@
 // How the manager comes to the engine and takes leave of it.
 #include <doctest.h>
 
+#include <thread>
+
 #include "platform/com/variant.h"
 #include "tests/engine/session.h"
 #include "tests/engine/tray.h"
@@ -88,13 +90,18 @@ TEST_CASE("The engine object and its events are given up before the leave is tak
     session.Start();
     // While the engine takes its time, what it is asked next waits in its queue, before anything that the
     // manager could send after the answer.
-    session.engine.Delay(L"ReleasePopup", 1500);
+    const HeldCall held = session.engine.Hold(L"ReleasePopup");
     Put(session.manager.Form().Get(), L"b_OKtoUnload", true);
     PostMessageW(session.window, WM_CLOSE, 0, 0);
-    Sleep(500);
+    REQUIRE(held.Arrives());
     CHECK(IsWindow(session.window));
     CHECK_FALSE(ShellHasIcon(session.window));
+    std::thread other([&] {
+        Sleep(500);
+        held.LetGo();
+    });
     CHECK(session.engine.Popups() == 0);
+    other.join();
     CHECK(session.engine.Connections() == 0);
     CHECK(session.engine.Count(L"ReleasePopup") == 1);
     CHECK(WaitUntil([&] { return !IsWindow(session.window); }));

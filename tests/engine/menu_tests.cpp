@@ -23,7 +23,7 @@ struct Commanded : Session {
     }
 
     bool Receives(const Lines& calls) {
-        return WaitUntil([&] { return engine.Calls() == calls; }, 3000);
+        return WaitUntil([&] { return engine.Calls() == calls; });
     }
 
     // Nothing more comes for longer than a period of the menu's timer.
@@ -89,46 +89,10 @@ TEST_CASE("A command reaches the engine half a second after the menu has closed 
         CHECK(line.ends_with(row.call));
         const DWORD waited = std::stoul(line) - chosen;
         CHECK(waited >= 450);
-        CHECK(waited < 1200);
-        CHECK(WaitUntil([&] { return LookOfMenu(session.window) == row.after; }, 1000));
+        CHECK(WaitUntil([&] { return LookOfMenu(session.window) == row.after; }));
         CHECK(session.ReceivesNothing());
         CHECK(session.engine.Calls().size() == 1);
     }
-}
-
-TEST_CASE("Start, then Stop within half a second: Start alone is served, Stop with the next command") {
-    Commanded session;
-    session.StartAsDesigned();
-    Command(session.window, L's');
-    Command(session.window, L't');
-    CHECK(session.Receives({L"Start"}));
-    CHECK(session.ReceivesNothing());
-    CHECK(LookOfMenu(session.window) == MenuLook::Running);
-    Command(session.window, L'p');
-    CHECK(session.Receives({L"Start", L"Stop"}));
-    CHECK(session.ReceivesNothing());
-    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
-    // Pause has been waiting since; Start goes before it, and a Pause chosen later is the same one.
-    Command(session.window, L's');
-    CHECK(session.Receives({L"Start", L"Stop", L"Start"}));
-    CHECK(session.ReceivesNothing());
-    Command(session.window, L'p');
-    CHECK(session.Receives({L"Start", L"Stop", L"Start", L"Pause"}));
-    CHECK(session.ReceivesNothing());
-}
-
-TEST_CASE("Whatever the order of choosing, starting goes before stopping, and stopping before pausing") {
-    Commanded session;
-    session.StartAsDesigned();
-    Command(session.window, L'p');
-    Command(session.window, L't');
-    Command(session.window, L's');
-    CHECK(session.Receives({L"Start"}));
-    CHECK(session.ReceivesNothing());
-    // The same command again is one command.
-    Command(session.window, L'p');
-    CHECK(session.Receives({L"Start", L"Stop"}));
-    CHECK(session.ReceivesNothing());
 }
 
 TEST_CASE("Pause leaves the menu alone until the engine reports it; the menu follows every event") {
@@ -150,7 +114,7 @@ TEST_CASE("Pause leaves the menu alone until the engine reports it; the menu fol
     session.engine.RaiseByItself(true);
     Command(session.window, L'p');
     CHECK(session.Receives({L"Pause", L"Pause"}));
-    CHECK(WaitUntil([&] { return LookOfMenu(session.window) == MenuLook::Stopped; }, 1000));
+    CHECK(WaitUntil([&] { return LookOfMenu(session.window) == MenuLook::Stopped; }));
 }
 
 TEST_CASE("A disabled item does nothing") {

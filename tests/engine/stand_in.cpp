@@ -57,8 +57,9 @@ void StandIn::Fail(const wchar_t* member) const {
     Call(Control(), L"FailNext", {member, static_cast<long>(E_FAIL)});
 }
 
-void StandIn::Delay(const wchar_t* member, long milliseconds) const {
-    Call(Control(), L"DelayNext", {member, milliseconds});
+HeldCall StandIn::Hold(const wchar_t* member) const {
+    Call(Control(), L"HoldNext", {member});
+    return HeldCall(member);
 }
 
 void StandIn::State(long state) const {

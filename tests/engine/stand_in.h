@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/com/com_ptr.h"
+#include "tests/support/held_call.h"
 
 inline constexpr wchar_t kStandInProgram[] = L"SentrelStandin.exe";
 
@@ -21,7 +22,7 @@ public:
 
     void Order(const wchar_t* member, const wchar_t* argument) const;
     void Fail(const wchar_t* member) const;
-    void Delay(const wchar_t* member, long milliseconds) const;
+    HeldCall Hold(const wchar_t* member) const;  // the next call
     void DieIn(const wchar_t* member) const { Order(L"DieIn", member); }
     void State(long state) const;
     void RaiseByItself(bool raises) const;

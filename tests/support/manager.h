@@ -8,6 +8,7 @@
 #include "platform/com/com_ptr.h"
 #include "platform/handle.h"
 #include "sentrel_config_face.h"
+#include "tests/support/message_pump.h"
 
 struct ProcessHandleTraits {
     using Type = HANDLE;
@@ -51,7 +52,7 @@ public:
     void LetGo();
 
     // Waits for the process to end; false when it does not. Known from the first Window() on.
-    bool WaitForEnd(DWORD milliseconds = 10000);
+    bool WaitForEnd(DWORD milliseconds = kPatience);
     bool Running();
 
 private:
@@ -69,7 +70,7 @@ void WriteSetting(const std::wstring& key, const std::wstring& value, const std:
 
 // Polls a condition about another process.
 template <class Condition>
-bool WaitUntil(Condition&& condition, DWORD milliseconds = 5000) {
+bool WaitUntil(Condition&& condition, DWORD milliseconds = kPatience) {
     for (const DWORD start = GetTickCount(); GetTickCount() - start < milliseconds; Sleep(10)) {
         if (condition()) return true;
     }

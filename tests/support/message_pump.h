@@ -5,7 +5,11 @@
 
 #include <functional>
 
+// How long a test waits for what must come: many times what a busy machine needs, so that only what never
+// comes takes longer.
+inline constexpr DWORD kPatience = 40000;  // milliseconds
+
 // Dispatches messages until condition holds; false when it does not within the time.
-bool PumpUntil(const std::function<bool()>& condition, DWORD milliseconds = 5000);
+bool PumpUntil(const std::function<bool()>& condition, DWORD milliseconds = kPatience);
 
 void PumpFor(DWORD milliseconds);

@@ -7,7 +7,6 @@
 #include "platform/handle.h"
 #include "platform/text.h"
 #include "store/server_directory.h"
-#include "tests/support/message_pump.h"
 
 std::vector<DWORD> ProcessesOf(const wchar_t* program) {
     std::vector<DWORD> ids;

@@ -44,7 +44,6 @@ TEST_CASE_FIXTURE(
     }
     CHECK(shell.calls[4].record == shell.calls[3].record);
     CHECK(shell.calls[5].Tip() == std::string("Calvane Sentrel\0", 16) + std::string(48, ' '));
-    CHECK(shell.calls[5].time - shell.calls[4].time < 200);
     CHECK_FALSE(icon->Animating());
 }
 

@@ -14,9 +14,6 @@
 
 namespace {
 
-constexpr DWORD kStartMilliseconds = 10000;
-constexpr DWORD kWindowMilliseconds = 10000;
-constexpr DWORD kPressMilliseconds = 20000;
 constexpr int kIntoRow = 6;  // pixels from a row's upper edge that are safely inside of it
 
 struct Search {
@@ -43,7 +40,7 @@ void EndEngine() {
 }
 
 void WaitUntilGone(HWND window) {
-    if (!WaitUntil([&] { return !IsWindow(window); }, kWindowMilliseconds)) {
+    if (!WaitUntil([&] { return !IsWindow(window); })) {
         throw std::runtime_error("a window stays open: " + ToAnsi(ShownText(window)));
     }
 }
@@ -66,7 +63,7 @@ void User::Start(bool keepSettings) {
             m_manager.reset();
             const bool isDeadServer = error.Code() == HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE) ||
                                       error.Code() == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED);
-            if (!isDeadServer || GetTickCount() - start > kStartMilliseconds) throw;
+            if (!isDeadServer || GetTickCount() - start > kPatience) throw;
         }
     }
     GetWindowThreadProcessId(m_manager->Window(), &m_process);
@@ -75,7 +72,7 @@ void User::Start(bool keepSettings) {
 void User::KillAndRestart() {
     const ProcessHandle process(OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE, FALSE, m_process));
     if (!TerminateProcess(process.Get(), 1) ||
-        WaitForSingleObject(process.Get(), kStartMilliseconds) != WAIT_OBJECT_0) {
+        WaitForSingleObject(process.Get(), kPatience) != WAIT_OBJECT_0) {
         throw std::runtime_error("the manager was not killed");
     }
     // No server may be left that Wine's service knew.
@@ -130,7 +127,7 @@ void User::Press(const wchar_t* name) {
     }
     // A message that nobody expects would keep the button pressed for ever.
     DWORD_PTR result = 0;
-    if (SendMessageTimeoutW(Find(name), BM_CLICK, 0, 0, SMTO_NORMAL, kPressMilliseconds, &result) == 0) {
+    if (SendMessageTimeoutW(Find(name), BM_CLICK, 0, 0, SMTO_NORMAL, kPatience, &result) == 0) {
         throw std::runtime_error("stays pressed: " + ToAnsi(name));
     }
 }
@@ -242,7 +239,7 @@ HWND User::WaitForWindow(const std::wstring& title) {
             EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&search));
             return search.found != nullptr;
         },
-        kWindowMilliseconds);
+        kPatience);
     if (!isThere) throw std::runtime_error("no window came up: " + ToAnsi(title));
     return search.found;
 }

@@ -40,13 +40,13 @@ public:
     }
 
     // On a busy machine the screen may tell late that the window of an earlier test has lost the focus, which
-    // Wine takes to mean this one: then it is asked for once more, as somebody would.
+    // Wine takes to mean this one: then it is asked for again, as somebody would.
     void Bring() {
-        const auto isInFront = [this] { return GetForegroundWindow() == Window(); };
-        Instance(formShow);
-        if (WaitUntil(isInFront, 3000)) return;
-        Instance(formShow);
-        REQUIRE(WaitUntil(isInFront));
+        REQUIRE(WaitUntil([this] {
+            if (GetForegroundWindow() == m_window) return true;
+            Instance(formShow);
+            return false;
+        }));
     }
 
     HWND Find(const std::wstring& name) const {
@@ -66,46 +66,55 @@ public:
         REQUIRE(WaitUntil([&] { return Focused() == name; }));
     }
 
+    // Presses the keys and waits for what they do. Keys are lost while the window is not in front, for the
+    // reason above: they are pressed again then.
+    template <class Effect>
+    bool Press(std::initializer_list<WORD> keys, Effect&& effect) {
+        PressKeys(keys);
+        return WaitUntil([&] {
+            const bool isLost = GetForegroundWindow() == nullptr;
+            if (effect()) return true;
+            if (isLost && IsShown()) {
+                Bring();
+                PressKeys(keys);
+            }
+            return false;
+        });
+    }
+
     // Where the focus is after the key has moved it.
     std::wstring After(std::initializer_list<WORD> keys) {
         const std::wstring before = Focused();
-        PressKeys(keys);
-        WaitUntil([&] { return Focused() != before; }, 1000);
+        Press(keys, [&] { return Focused() != before; });
         return Focused();
     }
 
     bool FocusBecomes(const std::wstring& name, std::initializer_list<WORD> keys) {
-        PressKeys(keys);
-        return WaitUntil([&] { return Focused() == name; }, 2000);
+        return Press(keys, [&] { return Focused() == name; });
     }
 
     void Page(int page) { SendMessageW(Find(L"tab"), TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0); }
     int Page() const { return static_cast<int>(SendMessageW(Find(L"tab"), TCM_GETCURSEL, 0, 0)); }
     bool PageBecomes(int page, std::initializer_list<WORD> keys) {
-        PressKeys(keys);
-        return WaitUntil([&] { return Page() == page; }, 2000);
+        return Press(keys, [&] { return Page() == page; });
     }
 
     bool IsShown() const { return IsWindowVisible(m_window) != FALSE; }
     bool Hides(std::initializer_list<WORD> keys) {
-        PressKeys(keys);
-        return WaitUntil([&] { return !IsShown(); }, 2000);
+        return Press(keys, [&] { return !IsShown(); });
     }
 
     // Whether a dialog of this title opens; it is closed again.
     bool Opens(const wchar_t* title, std::initializer_list<WORD> keys) {
-        PressKeys(keys);
         HWND dialog = nullptr;
-        const bool isOpen = WaitUntil(
-            [&] {
-                dialog = FindWindowW(L"#32770", title);
-                return dialog != nullptr && GetForegroundWindow() == dialog;
-            },
-            3000);
-        if (!isOpen) return false;
+        const bool isOpen = Press(keys, [&] {
+            dialog = FindWindowW(L"#32770", title);
+            return dialog != nullptr;
+        });
+        if (!isOpen || !WaitUntil([&] { return GetForegroundWindow() == dialog; })) return false;
         PressKeys({VK_ESCAPE});
-        return WaitUntil([&] { return !IsWindow(dialog); }, 3000) &&
-               WaitUntil([&] { return GetForegroundWindow() == m_window; }, 3000);
+        return WaitUntil([&] { return !IsWindow(dialog); }) &&
+               WaitUntil([&] { return GetForegroundWindow() == m_window; });
     }
 
 private:

@@ -45,7 +45,7 @@ DWORD RunScript(const std::wstring& name, std::string& output) {
     }
     CloseHandle(started.hThread);
     const ProcessHandle process(started.hProcess);
-    PumpUntil([&] { return WaitForSingleObject(process.Get(), 0) == WAIT_OBJECT_0; }, 20000);
+    PumpUntil([&] { return WaitForSingleObject(process.Get(), 0) == WAIT_OBJECT_0; });
     DWORD code = STILL_ACTIVE;
     GetExitCodeProcess(process.Get(), &code);
     if (code == STILL_ACTIVE) TerminateProcess(process.Get(), 1);
