@@ -11,6 +11,7 @@
 #include "platform/com/variant.h"
 #include "tests/support/automation.h"
 #include "tests/support/manager.h"
+#include "tests/support/killed_servers.h"
 #include "tests/support/message_pump.h"
 
 namespace {
@@ -143,6 +144,16 @@ TEST_CASE("one ReleaseConfig ends the manager for every client") {
     CHECK(IsWindow(window) == FALSE);
     CHECK(manager.WaitForEnd());
     CHECK_THROWS_AS(Get(config.Get(), L"ConfigHwnd"), AutomationError);
+}
+
+TEST_CASE("a manager that crashes ends the wait for it and fails the test" * doctest::should_fail()) {
+    Manager manager;
+    DWORD id = 0;
+    GetWindowThreadProcessId(manager.Window(), &id);
+    const ProcessHandle process(OpenProcess(PROCESS_TERMINATE, FALSE, id));
+    REQUIRE(TerminateProcess(process.Get(), static_cast<UINT>(STATUS_ACCESS_VIOLATION)));
+    WaitUntil([] { return false; }, INFINITE);
+    ForgetKilledServers();
 }
 
 TEST_CASE("ReleaseConfig before any ConfigInstance ends the process all the same") {

@@ -47,6 +47,7 @@ ComPtr<IDispatch> Manager::Instance(long showType) {
         const auto window =
             reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Get(config.Get(), L"ConfigHwnd"))));
         GetWindowThreadProcessId(window, &process);
+        WatchForCrash(process);
         m_process.Reset(
             OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE | PROCESS_QUERY_INFORMATION, FALSE, process));
     }

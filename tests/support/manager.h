@@ -8,6 +8,7 @@
 #include "platform/com/com_ptr.h"
 #include "platform/handle.h"
 #include "sentrel_config_face.h"
+#include "tests/support/crash_watch.h"
 #include "tests/support/message_pump.h"
 
 struct ProcessHandleTraits {
@@ -68,11 +69,13 @@ bool HasSetting(const std::wstring& key, const std::wstring& value);
 size_t SettingCount(const std::wstring& key);
 void WriteSetting(const std::wstring& key, const std::wstring& value, const std::wstring& text);
 
-// Polls a condition about another process.
+// Polls a condition about another process. False when it does not hold within the time, or when the manager
+// crashes.
 template <class Condition>
 bool WaitUntil(Condition&& condition, DWORD milliseconds = kPatience) {
     for (const DWORD start = GetTickCount(); GetTickCount() - start < milliseconds; Sleep(10)) {
         if (condition()) return true;
+        if (HasCrashed()) return false;
     }
     return condition();
 }

@@ -1,10 +1,12 @@
 #include "tests/support/message_pump.h"
 
+#include "tests/support/crash_watch.h"
+
 bool PumpUntil(const std::function<bool()>& condition, DWORD milliseconds) {
     const DWORD start = GetTickCount();
     while (!condition()) {
         const DWORD elapsed = GetTickCount() - start;
-        if (elapsed >= milliseconds) return false;
+        if (elapsed >= milliseconds || HasCrashed()) return false;
         MSG message;
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
             TranslateMessage(&message);

@@ -9,7 +9,8 @@
 // comes takes longer.
 inline constexpr DWORD kPatience = 40000;  // milliseconds
 
-// Dispatches messages until condition holds; false when it does not within the time.
+// Dispatches messages until condition holds; false when it does not within the time, or when the manager
+// crashes.
 bool PumpUntil(const std::function<bool()>& condition, DWORD milliseconds = kPatience);
 
 void PumpFor(DWORD milliseconds);
