@@ -42,8 +42,10 @@ public:
     // On a busy machine the screen may tell late that the window of an earlier test has lost the focus, which
     // Wine takes to mean this one: then it is asked for again, as somebody would.
     void Bring() {
+        Instance(formShow);
         REQUIRE(WaitUntil([this] {
             if (GetForegroundWindow() == m_window) return true;
+            Sleep(200);
             Instance(formShow);
             return false;
         }));
@@ -72,7 +74,7 @@ public:
     bool Press(std::initializer_list<WORD> keys, Effect&& effect) {
         PressKeys(keys);
         return WaitUntil([&] {
-            const bool isLost = GetForegroundWindow() == nullptr;
+            const bool isLost = GetForegroundWindow() != m_window;
             if (effect()) return true;
             if (isLost && IsShown()) {
                 Bring();
