@@ -19,7 +19,8 @@ frmConfig& Form() {
 }  // namespace
 
 void Config::Initialise() {
-    // A server in a drive's root gets a doubled separator, as it always has.
+    // ServerDirectory ends with a separator where it is the root of a drive, and the path then has two. It is
+    // stored as it is: Windows takes both for one.
     g_strLoaderPath = ServerDirectory() + L"\\" + kLoaderName;
     g_frmConfig = MakeObject<frmConfig>();
     g_frmConfig->Initialise();

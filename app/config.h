@@ -6,7 +6,7 @@
 #include "platform/com/dispatch_object.h"
 #include "platform/com/event_source.h"
 #include "tray/type_libraries.h"
-#include "sentrel_config_face.h"
+#include "sentrel_config.h"
 
 class Config final : public DispatchObject<_Config, kPublicTypeLibrary>, private IProvideClassInfo {
 public:

@@ -43,11 +43,11 @@ void CALLBACK EndProcess(HWND, UINT, UINT_PTR, DWORD) {
     ExitProcess(0);
 }
 
-// The process ends as soon as the caller has its answer: a timer is served by whichever message loop is
-// running, also that of a dialog or menu, and only after the call that is being answered now.
+// The process ends as soon as the caller has its result: a timer is served by whichever message loop is
+// running, also that of a dialog or menu, and only after the present call has returned.
 void EndProcessSoon() {
     g_ending = true;
-    CoSuspendClassObjects();  // who comes now starts a new manager
+    CoSuspendClassObjects();  // clients that come now start a new manager
     if (SetTimer(nullptr, 0, USER_TIMER_MINIMUM, EndProcess) == 0) ExitProcess(0);
 }
 

@@ -3,7 +3,7 @@
 
 #include "platform/com/dispatch_object.h"
 #include "tray/type_libraries.h"
-#include "sentrel_config_face.h"
+#include "sentrel_config.h"
 
 // What a show type asks for, beside the names that the type library gives to 1 and 2.
 enum ShowType : long { kShowWindow = formShow, kShowAbout = 3 };

@@ -1,11 +1,16 @@
-// A page of the tabbed window: a child dialog that carries some of the window's controls.
+// A page of the tabbed window: a child dialog that carries one group of the window's controls.
 #pragma once
 
 #include "platform/controls/dialog.h"
 
 class ConfigPage final : public Dialog {
 public:
-    ConfigPage(int resourceId, ControlTable controls) : Dialog(resourceId), m_controls(controls) {}
+    // caption: static text.
+    ConfigPage(const wchar_t* caption, int resourceId, ControlTable controls)
+        : Dialog(resourceId), m_caption(caption), m_controls(controls) {}
+
+    // The text of the page's tab.
+    const wchar_t* Caption() const noexcept { return m_caption; }
 
     // Makes the page, hidden, over area (in parent's coordinates) and behind the window sibling in the tab
     // order.
@@ -16,5 +21,6 @@ protected:
     ControlTable Controls() override { return m_controls; }
 
 private:
+    const wchar_t* const m_caption;
     const ControlTable m_controls;
 };

@@ -1,5 +1,7 @@
 #include "app/frm_config.h"
 
+#include <utility>
+
 #include "app/config_globals.h"
 #include "app/resource.h"
 #include "platform/com/server_process.h"
@@ -7,50 +9,36 @@
 #include "platform/icon.h"
 #include "store/first_run.h"
 
-namespace {
-
-constexpr wchar_t kTrayTip[] = L"Calvane Sentrel";
-constexpr LONG kTrayMessage = 1025;  // the number that the tray's hook listens to
-constexpr LONG kFrameInterval = 250;
-constexpr LONG kPicturesPerCycle = 1;
-
-}  // namespace
-
 frmConfig::frmConfig()
     : DispatchObject(Holder::Server),
       Dialog(IDD_CONFIG),
-      m_pages{ConfigPage(IDD_PAGE_SETTINGS, m_controls.All()), ConfigPage(IDD_PAGE_EXCLUDE, m_controls.All()),
-              ConfigPage(IDD_PAGE_LOG, m_controls.All()),      ConfigPage(IDD_PAGE_BANNERS, m_controls.All()),
-              ConfigPage(IDD_PAGE_SEARCH, m_controls.All()),   ConfigPage(IDD_PAGE_ABOUT, m_controls.All())},
+      m_pages{ConfigPage(L"Settings", IDD_PAGE_SETTINGS, m_controls.settings.all),
+              ConfigPage(L"Exclude", IDD_PAGE_EXCLUDE, m_controls.exclude.all),
+              ConfigPage(L"Log", IDD_PAGE_LOG, m_controls.log.all),
+              ConfigPage(L"Banners", IDD_PAGE_BANNERS, m_controls.banners.all),
+              ConfigPage(L"Search", IDD_PAGE_SEARCH, m_controls.search.all),
+              ConfigPage(L"About", IDD_PAGE_ABOUT, m_controls.about.all)},
       m_picShellIcon(MakeObject<PictureBox>(L"picShellIcon", IDI_TRAY_REST)),
       m_picTray{MakeObject<PictureBox>(L"picTray", IDI_TRAY_0),
                 MakeObject<PictureBox>(L"picTray", IDI_TRAY_1),
                 MakeObject<PictureBox>(L"picTray", IDI_TRAY_2)},
-      m_changeMark(m_controls.cmdApply),
-      m_popupNotice(m_controls.chkPlaySound, m_controls.chkBeep, m_controls.cmdSoundFile,
-                    m_controls.cmdTestSound, [this] { m_changeMark.MarkChanged(); }),
-      m_generalOptions(m_controls.optStartup, m_controls.optLoadWithKiller, m_controls.optLoadFromMenu,
-                       m_controls.cboPauseKey, m_controls.udbSpeed, m_controls.udbPause,
-                       m_controls.lblNavSite, m_controls.imgLogo, g_strLoaderPath,
-                       [this] { m_changeMark.MarkChanged(); }),
+      m_changeMark(m_controls.commands.cmdApply),
+      m_popupNotice(m_controls.settings, m_markChanged),
+      m_generalOptions(m_controls.settings, g_strLoaderPath, m_markChanged),
+      m_aboutPage(m_controls.about),
       m_trayGestures(m_mnuConfig, *this, b_OKtoUnload),
       m_engine(
           m_mnuConfig, [this] { AnimateTray(); }, [this] { m_popupNotice.Announce(); }),
-      m_excludeList(m_controls.lstExclude, m_controls.cmdAddURL, m_controls.cmdRemoveURL, m_controls.cmdApply,
-                    [this] { m_changeMark.MarkChanged(); }),
+      m_excludeList(m_controls.exclude, m_controls.commands.cmdApply, m_markChanged),
       m_closedLog(
-          m_controls.lstClosedWnd, m_controls.cmdRefreshLog, m_controls.cmdAddTo, m_controls.cmdClearList,
-          m_controls.lstExclude, [this] { return m_engine.LogFile(); },
-          [this] { m_changeMark.MarkChanged(); }),
-      m_bannerSizes(m_controls.lvwBanners, m_controls.cmdAddSize, m_controls.cmdRemoveSize,
-                    [this] { m_changeMark.MarkChanged(); }),
-      m_searchAddresses(m_controls.lvwSearchURLs, m_controls.cmdAddSearch, m_controls.cmdEditSearch,
-                        m_controls.cmdRemoveSearch, [this] { m_changeMark.MarkChanged(); }),
+          m_controls.log, m_controls.exclude.lstExclude, [this] { return m_engine.LogFile(); },
+          m_markChanged),
+      m_bannerSizes(m_controls.banners, m_markChanged),
+      m_searchAddresses(m_controls.search, m_markChanged),
       m_transfer(m_controls.All(), m_changeMark, m_popupNotice, m_generalOptions, m_closedLog,
-                 m_controls.cboPauseKey),
+                 m_controls.settings.cboPauseKey),
       m_commands(
-          m_controls.cmdOK, m_controls.cmdApply, m_controls.cmdCancel, m_transfer,
-          [this] { m_engine.ReloadSettings(); }, [this] { HideWindow(); }),
+          m_controls.commands, m_transfer, [this] { m_engine.ReloadSettings(); }, [this] { HideWindow(); }),
       m_taskbarCreated(RegisterWindowMessageW(L"TaskbarCreated")) {
     m_controls.tab.Change = [this] { SelectPage(); };
 }
@@ -72,7 +60,7 @@ void frmConfig::Initialise() {
     }
     ServerProcess::Lock();
     SetTrayWindow(this);
-    // What the engine of the window before it said does not hold for this one.
+    // The items still show the state of the engine that an earlier window was connected to.
     m_mnuConfig.EnableDesignedMenu();
     m_engine.Connect(Hwnd(), Reference());
     if (m_state == State::Initialising) SetUpTray();
@@ -92,18 +80,18 @@ void frmConfig::Load() {
     m_engine.bStopPending = false;
     try {
         WriteFirstRunDefaults();
-        SetupBannerColumns(m_controls.lvwBanners);
-        SetupSearchColumns(m_controls.lvwSearchURLs);
+        SetupBannerColumns(m_controls.banners.lvwBanners);
+        SetupSearchColumns(m_controls.search.lvwSearchURLs);
         m_transfer.LoadSettings();
     } catch (const std::exception&) {
-        // Who reads the handle next loads anew.
+        // The next reading of the handle loads the window again.
         if (m_state == State::Loading) m_state = State::Initialised;
         throw;
     }
-    // The engine's answer about its log lets other messages in: the window may be gone again.
+    // Asking the engine for its log lets other messages in: the window may be gone again.
     if (m_state != State::Loading) return;
     m_state = State::Loaded;
-    // The first time Config stores the handle; a window made anew has a new one.
+    // Config stores the handle of its first window; one that is made later has another.
     if (g_lngConfigHwnd != 0) g_lngConfigHwnd = HandleToLong(Hwnd());
     if (std::exchange(m_showWhenLoaded, false)) ShowModeless();
 }
@@ -148,30 +136,6 @@ void frmConfig::Unload() {
 // The engine gets the address of a variable that holds a reference to the window.
 LONG frmConfig::Reference() noexcept {
     return PtrToLong(&m_reference);
-}
-
-void frmConfig::SetUpTray() {
-    ResumeNext([&] { m_oShellIcon = MakeObject<ShellNotification>(); });
-    if (m_oShellIcon == nullptr) return;
-    ResumeNext([&] { m_trayGestures.Connect(Hwnd(), static_cast<IDispatch*>(m_oShellIcon.Get())); });
-    m_oShellIcon->InitShellNotify(HandleToLong(Hwnd()), kTrayMessage);
-    m_oShellIcon->AddIcon(m_picShellIcon.Get());
-    m_oShellIcon->put_ToolTip(Variant(kTrayTip).Value().bstrVal);
-}
-
-void frmConfig::AnimateTray() {
-    if (m_oShellIcon == nullptr) return;
-    // The last slot stays empty: the animation never shows it.
-    PictureArray pictures(0, static_cast<LONG>(m_picTray.size()));
-    for (size_t slot = 0; slot < m_picTray.size(); ++slot) {
-        pictures.Item(static_cast<LONG>(slot), m_picTray[slot].Get());
-    }
-    ThrowIfFailed(m_oShellIcon->AnimateIcon(pictures.Reference(), kFrameInterval, kPicturesPerCycle,
-                                            HandleToLong(Hwnd())));
-}
-
-void frmConfig::PopupTrayMenu(bool pauseIsDefault) {
-    m_mnuConfig.PopUp(Hwnd(), pauseIsDefault);
 }
 
 bool frmConfig::OnInit() {

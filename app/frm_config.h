@@ -7,12 +7,7 @@
 #include "app/config_controls.h"
 #include "app/config_page.h"
 #include "calvane_forms.h"
-#include "lists/banner_sizes.h"
-#include "lists/closed_log.h"
-#include "lists/exclude_list.h"
-#include "lists/search_addresses.h"
 #include "options/change_mark.h"
-#include "options/commands.h"
 #include "options/general_options.h"
 #include "options/popup_notice.h"
 #include "options/settings_transfer.h"
@@ -39,7 +34,7 @@ public:
     void Initialise();
 
     // The window's handle. The first reading loads the window: first-run defaults, list columns, all
-    // settings. After an unloading it is made and loaded anew. An error of the loading passes to the caller.
+    // settings. After an unloading it is made and loaded again. An error of the loading passes to the caller.
     LONG Handle();
 
     // Each loads the window first, where it is not loaded.
@@ -70,7 +65,7 @@ public:
 private:
     enum class State { None, Initialising, Initialised, Loading, Loaded, Unloading };
 
-    ControlTable Controls() override { return m_controls.All(); }
+    ControlTable Controls() override { return m_controls.Frame(); }
     bool OnInit() override;
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
     void PopupTrayMenu(bool pauseIsDefault) override;
@@ -96,8 +91,10 @@ private:
     ImageListHandle m_imageList1;
 
     ChangeMark m_changeMark;
+    const Event m_markChanged = [this] { m_changeMark.MarkChanged(); };
     PopupNotice m_popupNotice;
     GeneralOptions m_generalOptions;
+    AboutPage m_aboutPage;
     TrayMenu m_mnuConfig;
     TrayGestures m_trayGestures;
     EngineControl m_engine;

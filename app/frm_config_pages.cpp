@@ -1,6 +1,4 @@
 // The tabs of the configuration window and the way through them by keyboard.
-#include <algorithm>
-
 #include "app/frm_config.h"
 #include "platform/controls/access_keys.h"
 #include "platform/icon.h"
@@ -16,16 +14,16 @@ bool IsDown(int key) {
 }  // namespace
 
 void frmConfig::MakePages() {
-    // The tabs decide how much room is left for the pages, and the pages hold most of the controls.
-    m_controls.DesignTabs();
+    // The tabs decide how much space is left for the pages.
+    for (const ConfigPage& page : m_pages)
+        m_controls.tab.AddTab(page.Caption());
     const RECT area = m_controls.tab.DisplayArea();
     HWND previous = m_controls.tab.Hwnd();
     for (ConfigPage& page : m_pages) {
         page.CreateOn(Hwnd(), area, previous);
         previous = page.Hwnd();
     }
-    m_controls.Design();
-
+    m_controls.SetUp();
     MakeImageList1();
     SelectPage();
 }
@@ -38,8 +36,8 @@ void frmConfig::MakeImageList1() {
         const IconHandle icon = LoadSmallIcon(resource);
         return ImageList_AddIcon(m_imageList1.Get(), icon.Get());
     };
-    m_controls.lvwBanners.SmallIcons(m_imageList1.Get(), add(IDI_LIST_BANNER));
-    m_controls.lvwSearchURLs.SmallIcons(m_imageList1.Get(), add(IDI_LIST_SEARCH));
+    m_controls.banners.lvwBanners.SmallIcons(m_imageList1.Get(), add(IDI_LIST_BANNER));
+    m_controls.search.lvwSearchURLs.SmallIcons(m_imageList1.Get(), add(IDI_LIST_SEARCH));
 }
 
 void frmConfig::SelectPage() {

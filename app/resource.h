@@ -1,5 +1,9 @@
-// Numbers of the manager's own resources. The lists' dialogs have theirs from 200 and 2000 on.
+// Numbers of the manager's resources: its icons, and the frame of its window. Those of the pages lie with
+// their pages.
 #pragma once
+
+#include "lists/resource.h"
+#include "options/resource.h"
 
 #define IDI_CALVANE 1
 #define IDI_TRAY_REST 10
@@ -8,70 +12,6 @@
 #define IDI_TRAY_2 13
 #define IDI_LIST_BANNER 14
 #define IDI_LIST_SEARCH 15
-#define IDG_LOGO_96 20
-#define IDG_LOGO_120 21
-#define IDG_LOGO_144 22
-#define IDG_LOGO_192 23
 
 #define IDD_CONFIG 100
-#define IDD_PAGE_SETTINGS 101
-#define IDD_PAGE_EXCLUDE 102
-#define IDD_PAGE_LOG 103
-#define IDD_PAGE_BANNERS 104
-#define IDD_PAGE_SEARCH 105
-#define IDD_PAGE_ABOUT 106
-#define IDD_EMPTY 110
-
-/* cmdOK must not be IDOK (1): the dialog manager presses IDOK on Enter wherever no default button answers.
-   cmdCancel is IDCANCEL (2), which Esc presses. */
 #define IDC_TAB 1000
-#define IDC_CMDOK 1001
-#define IDC_CMDAPPLY 1002
-
-#define IDC_FRAGENERAL 1010
-#define IDC_OPTSTARTUP 1011
-#define IDC_OPTLOADWITHKILLER 1012
-#define IDC_OPTLOADFROMMENU 1013
-#define IDC_FRANOTICE 1014
-#define IDC_CHKPLAYSOUND 1015
-#define IDC_CMDSOUNDFILE 1016
-#define IDC_CMDTESTSOUND 1017
-#define IDC_CHKBEEP 1018
-#define IDC_FRAADVANCED 1019
-#define IDC_LBLPAUSEKEY 1020
-#define IDC_CBOPAUSEKEY 1021
-#define IDC_LABEL1 1022
-#define IDC_TXTSPEED 1023
-#define IDC_UDBSPEED 1024
-#define IDC_LABEL4 1025
-#define IDC_LABEL3 1026
-#define IDC_TXTPAUSE 1027
-#define IDC_UDBPAUSE 1028
-#define IDC_LABEL2 1029
-
-#define IDC_LABEL5 1040
-#define IDC_LSTEXCLUDE 1041
-#define IDC_CMDADDURL 1042
-#define IDC_CMDREMOVEURL 1043
-
-#define IDC_LABEL6 1050
-#define IDC_LSTCLOSEDWND 1051
-#define IDC_CMDREFRESHLOG 1052
-#define IDC_CMDADDTO 1053
-#define IDC_CMDCLEARLIST 1054
-
-#define IDC_LABEL7 1060
-#define IDC_LVWBANNERS 1061
-#define IDC_CMDADDSIZE 1062
-#define IDC_CMDREMOVESIZE 1063
-
-#define IDC_LABEL8 1070
-#define IDC_LVWSEARCHURLS 1071
-#define IDC_CMDADDSEARCH 1072
-#define IDC_CMDEDITSEARCH 1073
-#define IDC_CMDREMOVESEARCH 1074
-
-#define IDC_LABEL11 1080
-#define IDC_LBLNAVSITE 1081
-#define IDC_IMGLOGO 1082
-#define IDC_LBLABOUT 1083

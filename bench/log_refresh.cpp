@@ -14,6 +14,7 @@
 #include "bench/support/run_benchmark.h"
 #include "bench/support/unix_shell.h"
 #include "lists/closed_log.h"
+#include "lists/exclude_list.h"
 #include "platform/automation_error.h"
 #include "platform/text.h"
 #include "platform/com/variant.h"
@@ -36,7 +37,7 @@ std::string DistinctLine(size_t n) {
 }
 
 // The Log page over a log of this path.
-struct LogPage {
+struct LogPage : LogControls, ExcludeControls {
     explicit LogPage(const std::wstring& logFile) : path(logFile) {}
 
     // The rows that the page would show, put in as the page does.
@@ -48,14 +49,8 @@ struct LogPage {
     }
 
     const std::wstring path;
-    ListBox lstClosedWnd{L"lstClosedWnd", 100};
-    Button cmdRefreshLog{L"cmdRefreshLog", 101};
-    Button cmdAddTo{L"cmdAddTo", 102};
-    Button cmdClearList{L"cmdClearList", 103};
-    ListBox lstExclude{L"lstExclude", 104};
-    ClosedLog log{lstClosedWnd, cmdRefreshLog,           cmdAddTo, cmdClearList,
-                  lstExclude,   [this] { return path; }, [] {}};
-    TestWindow window{{&lstClosedWnd, &cmdRefreshLog, &cmdAddTo, &cmdClearList, &lstExclude}};
+    ClosedLog log{*this, lstExclude, [this] { return path; }, [] {}};
+    TestWindow window{Join({LogControls::all, ExcludeControls::all})};
 };
 
 // A member of an object, found once and called often.

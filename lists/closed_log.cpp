@@ -24,21 +24,20 @@ bool IsPlain(std::string_view line) {
 
 }  // namespace
 
-ClosedLog::ClosedLog(ListBox& lstClosedWnd, Button& cmdRefreshLog, Button& cmdAddTo, Button& cmdClearList,
-                     ListBox& lstExclude, std::function<std::wstring()> logFile, Event markChanged)
-    : m_lstClosedWnd(lstClosedWnd),
-      m_cmdAddTo(cmdAddTo),
+ClosedLog::ClosedLog(LogControls& controls, ListBox& lstExclude, std::function<std::wstring()> logFile,
+                     Event markChanged)
+    : m_controls(controls),
       m_lstExclude(lstExclude),
       m_logFile(std::move(logFile)),
       m_markChanged(std::move(markChanged)) {
-    cmdRefreshLog.Click = [this] { cmdRefreshLog_Click(); };
-    m_cmdAddTo.Click = [this] { cmdAddTo_Click(); };
-    cmdClearList.Click = [this] { cmdClearList_Click(); };
+    m_controls.cmdRefreshLog.Click = [this] { cmdRefreshLog_Click(); };
+    m_controls.cmdAddTo.Click = [this] { cmdAddTo_Click(); };
+    m_controls.cmdClearList.Click = [this] { cmdClearList_Click(); };
 }
 
 void ClosedLog::ReadClosedLog() {
-    const RedrawPause pause(m_lstClosedWnd);
-    m_lstClosedWnd.Clear();
+    const RedrawPause pause(m_controls.lstClosedWnd);
+    m_controls.lstClosedWnd.Clear();
     const LogFile log(m_logFile());
     try {
         bool arePlain = true;
@@ -61,16 +60,16 @@ void ClosedLog::ReadClosedLog() {
 bool ClosedLog::AddEntry(std::string_view line, bool arePlain) {
     const std::wstring text = FromAnsi(line.substr(0, line.find('\0')));
     if (!arePlain && FindClosedEntry(text) != -1) return false;
-    m_lstClosedWnd.AddItem(text);
+    m_controls.lstClosedWnd.AddItem(text);
     return true;
 }
 
 short ClosedLog::FindClosedEntry(const std::wstring& text) const {
-    const int count = m_lstClosedWnd.ListCount();
+    const int count = m_controls.lstClosedWnd.ListCount();
     std::wstring row;
     for (int i = 0; i < count; ++i) {
-        if (m_lstClosedWnd.Length(i) != text.size()) continue;
-        m_lstClosedWnd.List(i, text.size(), row);
+        if (m_controls.lstClosedWnd.Length(i) != text.size()) continue;
+        m_controls.lstClosedWnd.List(i, text.size(), row);
         if (row == text) return static_cast<short>(i);
     }
     return -1;
@@ -81,11 +80,11 @@ void ClosedLog::cmdRefreshLog_Click() {
 }
 
 void ClosedLog::cmdAddTo_Click() {
-    const int selected = m_lstClosedWnd.ListIndex();
+    const int selected = m_controls.lstClosedWnd.ListIndex();
     if (selected == -1) return;
-    const std::wstring site = SiteOfAddress(m_lstClosedWnd.List(selected));
+    const std::wstring site = SiteOfAddress(m_controls.lstClosedWnd.List(selected));
     if (IsInList(site, m_lstExclude)) {
-        ShowMessage(GetAncestor(m_cmdAddTo.Hwnd(), GA_ROOT),
+        ShowMessage(GetAncestor(m_controls.cmdAddTo.Hwnd(), GA_ROOT),
                     L"This is a duplicate entry and cannot be added.", MB_ICONINFORMATION);
         return;
     }

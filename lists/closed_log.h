@@ -1,21 +1,32 @@
 // The Log page: the newest entries of the engine's log of closed windows.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <string>
 #include <string_view>
 
+#include "lists/resource.h"
 #include "platform/controls/button.h"
-#include "platform/controls/control.h"
+#include "platform/controls/label.h"
 #include "platform/controls/list_box.h"
+
+struct LogControls {
+    Label Label6{L"Label6", IDC_LABEL6};
+    ListBox lstClosedWnd{L"lstClosedWnd", IDC_LSTCLOSEDWND};
+    Button cmdRefreshLog{L"cmdRefreshLog", IDC_CMDREFRESHLOG};
+    Button cmdAddTo{L"cmdAddTo", IDC_CMDADDTO};
+    Button cmdClearList{L"cmdClearList", IDC_CMDCLEARLIST};
+    const std::array<Control*, 5> all{&Label6, &lstClosedWnd, &cmdRefreshLog, &cmdAddTo, &cmdClearList};
+};
 
 class ClosedLog {
 public:
-    // The controls outlive this object. logFile: returns the path of the log, asked at every reading; throws
-    // AutomationError when the engine cannot tell. markChanged: notes an unsaved change, unless settings are
-    // being loaded.
-    ClosedLog(ListBox& lstClosedWnd, Button& cmdRefreshLog, Button& cmdAddTo, Button& cmdClearList,
-              ListBox& lstExclude, std::function<std::wstring()> logFile, Event markChanged);
+    // The controls and the exclude list outlive this object. logFile: returns the path of the log, asked for
+    // at every reading; throws AutomationError when the engine cannot tell. markChanged: notes an unsaved
+    // change, unless settings are being loaded.
+    ClosedLog(LogControls& controls, ListBox& lstExclude, std::function<std::wstring()> logFile,
+              Event markChanged);
     ClosedLog(const ClosedLog&) = delete;
     ClosedLog& operator=(const ClosedLog&) = delete;
 
@@ -35,8 +46,7 @@ private:
     // arePlain: no two of the lines so far can be the same text. Returns whether the line became a row.
     bool AddEntry(std::string_view line, bool arePlain);
 
-    ListBox& m_lstClosedWnd;
-    Button& m_cmdAddTo;
+    LogControls& m_controls;
     ListBox& m_lstExclude;
     const std::function<std::wstring()> m_logFile;
     const Event m_markChanged;

@@ -1,16 +1,26 @@
 // The Exclude page: the web sites whose pop-up windows the engine leaves alone.
 #pragma once
 
+#include <array>
+
+#include "lists/resource.h"
 #include "platform/controls/button.h"
-#include "platform/controls/control.h"
+#include "platform/controls/label.h"
 #include "platform/controls/list_box.h"
+
+struct ExcludeControls {
+    Label Label5{L"Label5", IDC_LABEL5};
+    ListBox lstExclude{L"lstExclude", IDC_LSTEXCLUDE};
+    Button cmdAddURL{L"cmdAddURL", IDC_CMDADDURL};
+    Button cmdRemoveURL{L"cmdRemoveURL", IDC_CMDREMOVEURL};
+    const std::array<Control*, 4> all{&Label5, &lstExclude, &cmdAddURL, &cmdRemoveURL};
+};
 
 class ExcludeList {
 public:
     // The controls outlive this object. markChanged: notes an unsaved change, unless settings are being
-    // loaded.
-    ExcludeList(ListBox& lstExclude, Button& cmdAddURL, Button& cmdRemoveURL, Button& cmdApply,
-                Event markChanged);
+    // loaded. cmdApply is enabled directly by a removal, which counts as a change even then.
+    ExcludeList(ExcludeControls& controls, Button& cmdApply, Event markChanged);
     ExcludeList(const ExcludeList&) = delete;
     ExcludeList& operator=(const ExcludeList&) = delete;
 
@@ -19,9 +29,7 @@ public:
     void lstExclude_Click();
 
 private:
-    ListBox& m_lstExclude;
-    Button& m_cmdAddURL;
-    Button& m_cmdRemoveURL;
+    ExcludeControls& m_controls;
     Button& m_cmdApply;
     const Event m_markChanged;
 };

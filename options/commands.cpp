@@ -4,15 +4,14 @@
 
 #include "platform/automation_error.h"
 
-Commands::Commands(Button& cmdOK, Button& cmdApply, Button& cmdCancel, SettingsTransfer& transfer,
-                   Event reloadSettings, Event hide)
-    : m_cmdApply(cmdApply),
+Commands::Commands(CommandControls& controls, SettingsTransfer& transfer, Event reloadSettings, Event hide)
+    : m_cmdApply(controls.cmdApply),
       m_transfer(transfer),
       m_reloadSettings(std::move(reloadSettings)),
       m_hide(std::move(hide)) {
-    cmdOK.Click = [this] { cmdOK_Click(); };
-    cmdApply.Click = [this] { cmdApply_Click(); };
-    cmdCancel.Click = [this] { cmdCancel_Click(); };
+    controls.cmdOK.Click = [this] { cmdOK_Click(); };
+    controls.cmdApply.Click = [this] { cmdApply_Click(); };
+    controls.cmdCancel.Click = [this] { cmdCancel_Click(); };
 }
 
 // The engine is not told: it sees what OK stores when it next reads the store by itself, or after a later

@@ -1,15 +1,24 @@
 // The OK, Apply and Cancel buttons.
 #pragma once
 
+#include <array>
+
+#include "options/resource.h"
 #include "options/settings_transfer.h"
 #include "platform/controls/button.h"
+
+struct CommandControls {
+    Button cmdOK{L"cmdOK", IDC_CMDOK};
+    Button cmdApply{L"cmdApply", IDC_CMDAPPLY};
+    Button cmdCancel{L"cmdCancel", IDCANCEL};
+    const std::array<Control*, 3> all{&cmdOK, &cmdApply, &cmdCancel};
+};
 
 class Commands {
 public:
     // reloadSettings: tells the engine to read the store again; a failure of it is ignored. hide: hides the
     // window, which stays loaded.
-    Commands(Button& cmdOK, Button& cmdApply, Button& cmdCancel, SettingsTransfer& transfer,
-             Event reloadSettings, Event hide);
+    Commands(CommandControls& controls, SettingsTransfer& transfer, Event reloadSettings, Event hide);
     Commands(const Commands&) = delete;
     Commands& operator=(const Commands&) = delete;
 

@@ -1,53 +1,31 @@
 #include "options/general_options.h"
 
-#include <shellapi.h>
-
 #include <utility>
 
-#include "platform/text.h"
 #include "store/settings_schema.h"
+#include "store/stored_value.h"
 
-namespace {
-
-void SaveText(Registry& registry, HKEY hKey, const wchar_t* key, const wchar_t* name,
-              const std::wstring& text) {
-    registry.Save(hKey, key, L"", name, text, Schema::kTextType);
-}
-
-}  // namespace
-
-GeneralOptions::GeneralOptions(OptionButton& optStartup, OptionButton& optLoadWithKiller,
-                               OptionButton& optLoadFromMenu, ComboBox& cboPauseKey, UpDown& udbSpeed,
-                               UpDown& udbPause, LinkLabel& lblNavSite, ImageBox& imgLogo,
-                               const std::wstring& strLoaderPath, Event markChanged)
-    : m_optStartup(optStartup),
-      m_modes{{Schema::kStartupMode, optStartup},
-              {Schema::kRunOnlyMode, optLoadWithKiller},
-              {Schema::kManualMode, optLoadFromMenu}},
-      m_lblNavSite(lblNavSite),
+GeneralOptions::GeneralOptions(SettingsControls& controls, const std::wstring& strLoaderPath,
+                               Event markChanged)
+    : m_optStartup(controls.optStartup),
+      m_modes{{Schema::kStartupMode, controls.optStartup},
+              {Schema::kRunOnlyMode, controls.optLoadWithKiller},
+              {Schema::kManualMode, controls.optLoadFromMenu}},
       m_strLoaderPath(strLoaderPath),
       m_markChanged(std::move(markChanged)) {
-    optStartup.Click = [this] { optStartup_Click(); };
-    optLoadWithKiller.Click = [this] { optLoadWithKiller_Click(); };
-    optLoadFromMenu.Click = [this] { optLoadFromMenu_Click(); };
-    cboPauseKey.Change = [this] { cboPauseKey_Change(); };
-    cboPauseKey.Click = [this] { cboPauseKey_Click(); };
-    udbSpeed.Change = [this] { udbSpeed_Change(); };
-    udbPause.Change = [this] { udbPause_Change(); };
-    lblNavSite.Click = [this] { lblNavSite_Click(); };
-    imgLogo.Click = [this] { imgLogo_Click(); };
+    controls.optStartup.Click = [this] { optStartup_Click(); };
+    controls.optLoadWithKiller.Click = [this] { optLoadWithKiller_Click(); };
+    controls.optLoadFromMenu.Click = [this] { optLoadFromMenu_Click(); };
+    controls.cboPauseKey.Change = [this] { cboPauseKey_Change(); };
+    controls.cboPauseKey.Click = [this] { cboPauseKey_Click(); };
+    controls.udbSpeed.Change = [this] { udbSpeed_Change(); };
+    controls.udbPause.Change = [this] { udbPause_Change(); };
 }
 
 // Modes are compared with regard to case, unlike what Windows compares.
 void GeneralOptions::ReadStartupMode(Registry& registry) {
-    Variant sValue(L"");
-    long sValueType = 0;
-    std::wstring sClass;
-    if (!registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, Schema::kStartup, sValue, sValueType,
-                       sClass)) {
-        sValue = Schema::kManualMode;
-    }
-    const std::wstring stored = ToText(sValue);
+    const std::wstring stored =
+        ReadText(registry, Schema::kSettingsKey, Schema::kStartup, Schema::kManualMode);
     for (const auto& [name, button] : m_modes) {
         if (stored != name) continue;
         m_strStartupMode = name;
@@ -62,19 +40,16 @@ void GeneralOptions::WriteStartupMode(Registry& registry) {
     for (const auto& [name, button] : m_modes) {
         if (!button.Value()) continue;
         if (m_strStartupMode == name) return;
-        SaveText(registry, HKEY_CURRENT_USER, Schema::kSettingsKey, Schema::kStartup, name);
+        WriteValue(registry, Schema::kSettingsKey, Schema::kStartup, name);
         if (&button == &m_optStartup) {
-            SaveText(registry, HKEY_LOCAL_MACHINE, Schema::kRunKey, Schema::kRunValue, m_strLoaderPath);
+            registry.Save(HKEY_LOCAL_MACHINE, Schema::kRunKey, L"", Schema::kRunValue, m_strLoaderPath,
+                          Schema::kTextType);
         } else if (m_strStartupMode == Schema::kStartupMode) {
             registry.Delete(HKEY_LOCAL_MACHINE, Schema::kRunKey, Schema::kRunValue);
         }
         m_strStartupMode = name;
         return;
     }
-}
-
-void GeneralOptions::OpenAddress(const std::wstring& address) {
-    ShellExecuteA(nullptr, "open", ToAnsi(address).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
 }
 
 void GeneralOptions::optStartup_Click() {
@@ -103,12 +78,4 @@ void GeneralOptions::udbSpeed_Change() {
 
 void GeneralOptions::udbPause_Change() {
     m_markChanged();
-}
-
-void GeneralOptions::lblNavSite_Click() {
-    OpenAddress(m_lblNavSite.Caption());
-}
-
-void GeneralOptions::imgLogo_Click() {
-    OpenAddress(m_lblNavSite.Caption());
 }

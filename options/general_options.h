@@ -1,22 +1,17 @@
-// The general options: how the manager is started, the speed and pause controls, the pause key, and the link
-// to the maker's site.
+// The general options on the Settings page: how the manager is started, the speed and pause controls, and the
+// pause key.
 #pragma once
 
 #include <string>
 
-#include "platform/controls/combo_box.h"
-#include "platform/controls/image_box.h"
-#include "platform/controls/link_label.h"
-#include "platform/controls/option_button.h"
-#include "platform/controls/up_down.h"
+#include "options/settings_controls.h"
 #include "store/registry.h"
 
 class GeneralOptions {
 public:
-    // strLoaderPath is read when the Run value is written, and must live as long as this.
-    GeneralOptions(OptionButton& optStartup, OptionButton& optLoadWithKiller, OptionButton& optLoadFromMenu,
-                   ComboBox& cboPauseKey, UpDown& udbSpeed, UpDown& udbPause, LinkLabel& lblNavSite,
-                   ImageBox& imgLogo, const std::wstring& strLoaderPath, Event markChanged);
+    // strLoaderPath is read when the Run value is written; it and the controls outlive this object.
+    // markChanged: notes an unsaved change, unless settings are being loaded.
+    GeneralOptions(SettingsControls& controls, const std::wstring& strLoaderPath, Event markChanged);
     GeneralOptions(const GeneralOptions&) = delete;
     GeneralOptions& operator=(const GeneralOptions&) = delete;
 
@@ -28,9 +23,6 @@ public:
     // remembers it, even where the user may not write the Run value.
     void WriteStartupMode(Registry& registry);
 
-    // Opens an address in the browser. What becomes of it is not known.
-    void OpenAddress(const std::wstring& address);
-
     void optStartup_Click();
     void optLoadWithKiller_Click();
     void optLoadFromMenu_Click();
@@ -38,8 +30,6 @@ public:
     void cboPauseKey_Click();
     void udbSpeed_Change();
     void udbPause_Change();
-    void lblNavSite_Click();
-    void imgLogo_Click();
 
     // As last read or written: "Startup", "RunOnly" or "Manual"; empty before the first.
     std::wstring m_strStartupMode;
@@ -52,7 +42,6 @@ private:
 
     OptionButton& m_optStartup;
     const Mode m_modes[3];
-    LinkLabel& m_lblNavSite;
     const std::wstring& m_strLoaderPath;
     const Event m_markChanged;
 };

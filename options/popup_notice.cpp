@@ -14,28 +14,23 @@ void Beep() {
 
 }  // namespace
 
-PopupNotice::PopupNotice(CheckBox& chkPlaySound, CheckBox& chkBeep, Button& cmdSoundFile,
-                         Button& cmdTestSound, Event markChanged)
-    : m_chkPlaySound(chkPlaySound),
-      m_chkBeep(chkBeep),
-      m_cmdSoundFile(cmdSoundFile),
-      m_cmdTestSound(cmdTestSound),
-      m_markChanged(std::move(markChanged)) {
-    m_chkPlaySound.Click = [this] { chkPlaySound_Click(); };
-    m_chkBeep.Click = [this] { chkBeep_Click(); };
-    m_cmdSoundFile.Click = [this] { cmdSoundFile_Click(); };
-    m_cmdTestSound.Click = [this] { cmdTestSound_Click(); };
+PopupNotice::PopupNotice(SettingsControls& controls, Event markChanged)
+    : m_controls(controls), m_markChanged(std::move(markChanged)) {
+    m_controls.chkPlaySound.Click = [this] { chkPlaySound_Click(); };
+    m_controls.chkBeep.Click = [this] { chkBeep_Click(); };
+    m_controls.cmdSoundFile.Click = [this] { cmdSoundFile_Click(); };
+    m_controls.cmdTestSound.Click = [this] { cmdTestSound_Click(); };
 }
 
 void PopupNotice::PlayNotice() {
-    if (m_chkPlaySound.Value() == 1) PlaySoundFile();
-    if (m_chkBeep.Value() == 1) Beep();
+    if (m_controls.chkPlaySound.Value() == 1) PlaySoundFile();
+    if (m_controls.chkBeep.Value() == 1) Beep();
 }
 
 void PopupNotice::Announce() {
-    if (m_chkPlaySound.Value() == 1) {
+    if (m_controls.chkPlaySound.Value() == 1) {
         PlaySoundFile();
-    } else if (m_chkBeep.Value() == 1) {
+    } else if (m_controls.chkBeep.Value() == 1) {
         Beep();
     }
 }
@@ -46,32 +41,32 @@ void PopupNotice::ChooseSoundFile() {
         cdlg.DialogTitle(L"Select a Sound File");
         cdlg.CancelError(true);
         cdlg.Filter(L"WAV File|*.WAV");
-        cdlg.ShowOpen(GetAncestor(m_cmdSoundFile.Hwnd(), GA_ROOT));
+        cdlg.ShowOpen(GetAncestor(m_controls.cmdSoundFile.Hwnd(), GA_ROOT));
         if (!cdlg.FileName().empty()) m_strSoundFile = cdlg.FileName();
     });
 }
 
 void PopupNotice::chkPlaySound_Click() {
-    if (m_chkPlaySound.Value() == 1) {
-        m_cmdSoundFile.Enabled(true);
+    if (m_controls.chkPlaySound.Value() == 1) {
+        m_controls.cmdSoundFile.Enabled(true);
         // Without a sound file the test button keeps its state.
-        if (!m_strSoundFile.empty()) m_cmdTestSound.Enabled(true);
-        m_chkBeep.Value(0);
+        if (!m_strSoundFile.empty()) m_controls.cmdTestSound.Enabled(true);
+        m_controls.chkBeep.Value(0);
     } else {
-        m_cmdSoundFile.Enabled(false);
-        m_cmdTestSound.Enabled(false);
+        m_controls.cmdSoundFile.Enabled(false);
+        m_controls.cmdTestSound.Enabled(false);
     }
     m_markChanged();
 }
 
 void PopupNotice::chkBeep_Click() {
-    if (m_chkBeep.Value() == 1) m_chkPlaySound.Value(0);
+    if (m_controls.chkBeep.Value() == 1) m_controls.chkPlaySound.Value(0);
     m_markChanged();
 }
 
 void PopupNotice::cmdSoundFile_Click() {
     ChooseSoundFile();
-    m_cmdTestSound.Enabled(m_chkPlaySound.Value() == 1 && !m_strSoundFile.empty());
+    m_controls.cmdTestSound.Enabled(m_controls.chkPlaySound.Value() == 1 && !m_strSoundFile.empty());
     m_markChanged();
 }
 

@@ -3,16 +3,16 @@
 
 #include <string>
 
-#include "platform/controls/button.h"
-#include "platform/controls/check_box.h"
+#include "options/settings_controls.h"
 #include "platform/controls/common_dialog.h"
 
 // Keeps at most one of the two check boxes checked, and the sound buttons enabled to match. Shows no message,
 // whatever fails.
 class PopupNotice {
 public:
-    PopupNotice(CheckBox& chkPlaySound, CheckBox& chkBeep, Button& cmdSoundFile, Button& cmdTestSound,
-                Event markChanged);
+    // The controls outlive this object. markChanged: notes an unsaved change, unless settings are being
+    // loaded.
+    PopupNotice(SettingsControls& controls, Event markChanged);
     PopupNotice(const PopupNotice&) = delete;
     PopupNotice& operator=(const PopupNotice&) = delete;
 
@@ -38,9 +38,6 @@ public:
 private:
     void PlaySoundFile();
 
-    CheckBox& m_chkPlaySound;
-    CheckBox& m_chkBeep;
-    Button& m_cmdSoundFile;
-    Button& m_cmdTestSound;
+    SettingsControls& m_controls;
     const Event m_markChanged;
 };

@@ -1,9 +1,12 @@
 #include "options/settings_loader.h"
 
+#include <string>
 #include <vector>
 
 #include "options/speed_levels.h"
 #include "platform/automation_error.h"
+#include "store/settings_schema.h"
+#include "store/stored_value.h"
 
 using Schema::Numbered;
 
@@ -36,9 +39,7 @@ void SettingsLoader::Load(Control& control) {
 // A value that is too short for its type raises an error in the registry's codec: it counts as missing.
 bool SettingsLoader::Read(const wchar_t* key, std::wstring_view name) {
     bool isRead = false;
-    ResumeNext([&] {
-        isRead = m_registry.Read(HKEY_CURRENT_USER, key, std::wstring(name), m_value, m_valueType, m_class);
-    });
+    ResumeNext([&] { isRead = ReadValue(m_registry, key, std::wstring(name), m_value); });
     return isRead;
 }
 
@@ -75,25 +76,24 @@ void SettingsLoader::LoadRows(ListBox& list) {
 }
 
 void SettingsLoader::LoadEntries(ListView& list, const ListLayout& layout) {
-    layout.setupColumns(list);
+    SetupColumns(list, layout);
     const RedrawPause pause(list);
-    const auto& fields = layout.subItemFields;
-    std::vector<std::wstring> subItems(fields.size());
+    std::vector<std::wstring> texts(layout.columns.size());
     bool goesOn = true;
-    for (long i = 1; goesOn && Read(layout.key, i, Schema::kName); ++i) {
+    for (long i = 1; goesOn && Read(layout.key, i, layout.columns[0].field); ++i) {
         // Behind a row that could not be added the others move up, and none takes its fields.
         int position = 0;
         ResumeNext([&] { position = list.Add(i, ToText(m_value)); });
         // The last column's field is read first. It matters where fields are missing.
-        for (size_t field = fields.size(); field-- > 0;) {
-            Read(layout.key, i, fields[field]);
-            subItems[field].clear();
-            ResumeNext([&] { subItems[field] = ToText(m_value); });
+        for (size_t column = texts.size(); --column > 0;) {
+            Read(layout.key, i, layout.columns[column].field);
+            texts[column].clear();
+            ResumeNext([&] { texts[column] = ToText(m_value); });
         }
         // An entry without a use is shown, but ends the list.
         goesOn = Read(layout.key, i, Schema::kUse);
-        for (size_t field = 0; field < fields.size(); ++field) {
-            ResumeNext([&] { list.SubItem(position, static_cast<int>(field) + 1, subItems[field]); });
+        for (size_t column = 1; column < texts.size(); ++column) {
+            ResumeNext([&] { list.SubItem(position, static_cast<int>(column), texts[column]); });
         }
         ResumeNext([&] { list.Checked(position, ToBool(m_value)); });
     }

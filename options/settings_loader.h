@@ -1,7 +1,6 @@
 // One pass of reading settings from the store into controls.
 #pragma once
 
-#include <string>
 #include <string_view>
 
 #include "options/list_layouts.h"
@@ -33,6 +32,4 @@ private:
 
     const Registry& m_registry;
     Variant m_value{L""};
-    long m_valueType = 0;
-    std::wstring m_class;
 };

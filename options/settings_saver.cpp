@@ -1,9 +1,12 @@
 #include "options/settings_saver.h"
 
 #include <limits>
+#include <string>
 
 #include "options/speed_levels.h"
 #include "platform/automation_error.h"
+#include "store/settings_schema.h"
+#include "store/stored_value.h"
 
 using Schema::Numbered;
 
@@ -27,8 +30,8 @@ void SettingsSaver::Save(Control& control) {
         const ListLayout* const layout = LayoutOf(control.Name());
         switch (control.Kind()) {
             case ControlKind::CheckBox:
-                return Write(Schema::kSettingsKey, std::wstring(control.Name()),
-                             static_cast<CheckBox&>(control).Value());
+                return WriteValue(m_registry, Schema::kSettingsKey, std::wstring(control.Name()),
+                                  static_cast<CheckBox&>(control).Value());
             case ControlKind::TextBox:
                 return SaveTextBox(static_cast<TextBox&>(control));
             case ControlKind::ListBox:
@@ -41,10 +44,6 @@ void SettingsSaver::Save(Control& control) {
                 return;
         }
     });
-}
-
-void SettingsSaver::Write(const wchar_t* key, const std::wstring& name, const Variant& value) {
-    m_registry.Save(HKEY_CURRENT_USER, key, L"", name, value, Schema::kTextType);
 }
 
 // Whatever keeps a value from being deleted, the list is written: it must not be lost half way.
@@ -62,7 +61,7 @@ void SettingsSaver::SaveTextBox(const TextBox& textBox) {
     } else if (textBox.Name() == Schema::kSpeed) {
         value = SpeedToInterval(ToLong(value));
     }
-    Write(Schema::kSettingsKey, std::wstring(textBox.Name()), value);
+    WriteValue(m_registry, Schema::kSettingsKey, std::wstring(textBox.Name()), value);
 }
 
 // What is stored behind a gap in the numbers stays there.
@@ -72,7 +71,7 @@ void SettingsSaver::SaveRows(const ListBox& list) {
         ++n;
     const int count = list.ListCount();
     for (int row = 0; row < count; ++row) {
-        ResumeNext([&] { Write(Schema::kExcludeKey, Numbered(row, L""), list.List(row)); });
+        ResumeNext([&] { WriteValue(m_registry, Schema::kExcludeKey, Numbered(row, L""), list.List(row)); });
     }
 }
 
@@ -80,19 +79,19 @@ void SettingsSaver::SaveEntries(const ListView& list, const ListLayout& layout) 
     // The use is deleted last and decides whether there is a next entry to delete.
     bool goesOn = true;
     for (long i = 1; goesOn; ++i) {
-        Delete(layout.key, i, Schema::kName);
-        for (const wchar_t* const field : layout.subItemFields)
-            Delete(layout.key, i, field);
+        for (const ListColumn& column : layout.columns)
+            Delete(layout.key, i, column.field);
         goesOn = Delete(layout.key, i, Schema::kUse);
     }
     const int count = list.Count();
     for (int i = 1; i <= count; ++i) {
-        ResumeNext([&] { Write(layout.key, Numbered(i, Schema::kName), list.Text(i)); });
-        int subItem = 0;
-        for (const wchar_t* const field : layout.subItemFields) {
+        int subItem = 0;  // 0 is the text of the row
+        for (const ListColumn& column : layout.columns) {
+            ResumeNext([&] {
+                WriteValue(m_registry, layout.key, Numbered(i, column.field), list.SubItem(i, subItem));
+            });
             ++subItem;
-            ResumeNext([&] { Write(layout.key, Numbered(i, field), list.SubItem(i, subItem)); });
         }
-        ResumeNext([&] { Write(layout.key, Numbered(i, Schema::kUse), list.Checked(i)); });
+        ResumeNext([&] { WriteValue(m_registry, layout.key, Numbered(i, Schema::kUse), list.Checked(i)); });
     }
 }

@@ -1,14 +1,11 @@
 // One pass of writing settings from controls into the store.
 #pragma once
 
-#include <string>
-
 #include "options/list_layouts.h"
 #include "platform/controls/check_box.h"
 #include "platform/controls/control.h"
 #include "platform/controls/list_box.h"
 #include "platform/controls/text_box.h"
-#include "platform/com/variant.h"
 #include "store/registry.h"
 
 class SettingsSaver {
@@ -20,7 +17,6 @@ public:
     void Save(Control& control);
 
 private:
-    void Write(const wchar_t* key, const std::wstring& name, const Variant& value);
     bool Delete(const wchar_t* key, long n, const wchar_t* word);
     void SaveTextBox(const TextBox& textBox);
     void SaveRows(const ListBox& list);

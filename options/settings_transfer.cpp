@@ -1,11 +1,10 @@
 #include "options/settings_transfer.h"
 
-#include <string>
-
 #include "options/settings_loader.h"
 #include "options/settings_saver.h"
 #include "platform/automation_error.h"
 #include "store/settings_schema.h"
+#include "store/stored_value.h"
 
 namespace {
 
@@ -21,20 +20,6 @@ private:
     bool& m_flag;
 };
 
-// The stored text, even an empty one, of a setting that is no control's own; missing where there is none.
-std::wstring ReadText(const Registry& registry, const wchar_t* name, const wchar_t* missing) {
-    Variant value(L"");
-    long valueType = 0;
-    std::wstring keyClass;
-    const bool isRead =
-        registry.Read(HKEY_CURRENT_USER, Schema::kSettingsKey, name, value, valueType, keyClass);
-    return isRead ? ToText(value) : missing;
-}
-
-void WriteText(const Registry& registry, const wchar_t* name, const std::wstring& text) {
-    registry.Save(HKEY_CURRENT_USER, Schema::kSettingsKey, L"", name, text, Schema::kTextType);
-}
-
 }  // namespace
 
 void SettingsTransfer::LoadSettings() {
@@ -48,8 +33,13 @@ void SettingsTransfer::LoadSettings() {
     ResumeNext([&] { m_closedLog.ReadClosedLog(); });
     ResumeNext([&] { m_generalOptions.ReadStartupMode(registry); });
     // A stored key that is none of the items leaves the choice as it was.
-    ResumeNext([&] { m_cboPauseKey.Text(ReadText(registry, Schema::kPauseKey, Schema::kDefaultPauseKey)); });
-    ResumeNext([&] { m_popupNotice.m_strSoundFile = ReadText(registry, Schema::kSoundFile, L""); });
+    ResumeNext([&] {
+        m_cboPauseKey.Text(
+            ReadText(registry, Schema::kSettingsKey, Schema::kPauseKey, Schema::kDefaultPauseKey));
+    });
+    ResumeNext([&] {
+        m_popupNotice.m_strSoundFile = ReadText(registry, Schema::kSettingsKey, Schema::kSoundFile, L"");
+    });
     ResumeNext([&] { m_popupNotice.chkPlaySound_Click(); });
 }
 
@@ -58,8 +48,10 @@ void SettingsTransfer::SaveSettings() {
     SettingsSaver saver(registry);
     for (Control* const control : m_controls)
         saver.Save(*control);
-    ResumeNext([&] { WriteText(registry, Schema::kSoundFile, m_popupNotice.m_strSoundFile); });
-    ResumeNext([&] { WriteText(registry, Schema::kPauseKey, m_cboPauseKey.Text()); });
+    ResumeNext([&] {
+        WriteValue(registry, Schema::kSettingsKey, Schema::kSoundFile, m_popupNotice.m_strSoundFile);
+    });
+    ResumeNext([&] { WriteValue(registry, Schema::kSettingsKey, Schema::kPauseKey, m_cboPauseKey.Text()); });
     ResumeNext([&] { m_generalOptions.WriteStartupMode(registry); });
     ResumeNext([&] { m_popupNotice.chkPlaySound_Click(); });
 }

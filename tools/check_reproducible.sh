@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 kFiles=(SentrelConfig.exe CalvaneConfigLoader.exe SentrelStandin.exe CalvaneSetup.exe
-    idl/sentrel_config_face.tlb idl/calvane_forms.tlb idl/sentrel1.tlb idl/standin.tlb)
+    idl/sentrel_config.tlb idl/calvane_forms.tlb idl/sentrel1.tlb idl/standin.tlb)
 
 commit=$(git rev-parse --verify "${1:-HEAD}^{commit}")
 work=$(mktemp -d "${TMPDIR:-/tmp}/reproducible.XXXXXX")

@@ -5,7 +5,7 @@
 
 #include "bench/bare_server/window.h"
 #include "bench/support/bare_store.h"
-#include "sentrel_config_face.h"
+#include "sentrel_config.h"
 
 namespace {
 

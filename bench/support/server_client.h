@@ -7,7 +7,7 @@
 
 #include "bench/support/servers.h"
 #include "platform/com/com_ptr.h"
-#include "sentrel_config_face.h"
+#include "sentrel_config.h"
 
 // Registers a bare server, which lies beside this program, for as long as it exists.
 class BareServerRegistration {

@@ -13,7 +13,6 @@
 #include "bench/support/call_count.h"
 #include "bench/support/comparison.h"
 #include "bench/support/run_benchmark.h"
-#include "lists/banner_sizes.h"
 #include "options/settings_transfer.h"
 #include "platform/automation_error.h"
 #include "store/settings_schema.h"
@@ -26,30 +25,21 @@ constexpr int kManyRows = 1000;
 
 // The controls of the configuration window and what moves settings into and out of them.
 struct ConfigWindow {
-    ConfigWindow() { controls.Design(); }
+    ConfigWindow() { controls.SetUp(); }
 
     TestHive machine{HKEY_LOCAL_MACHINE};
     TestHive user{HKEY_CURRENT_USER};
     ConfigControls controls;
-    TestWindow window{{controls.All().begin(), controls.All().end()}};
+    TestWindow window{Join({controls.All()})};
     std::wstring loaderPath = L"C:\\Calvane\\CalvaneConfigLoader.exe";
-    ChangeMark changeMark{controls.cmdApply};
-    Event markChanged = [this] { changeMark.MarkChanged(); };
-    PopupNotice popupNotice{controls.chkPlaySound, controls.chkBeep, controls.cmdSoundFile,
-                            controls.cmdTestSound, markChanged};
-    GeneralOptions generalOptions{controls.optStartup,  controls.optLoadWithKiller, controls.optLoadFromMenu,
-                                  controls.cboPauseKey, controls.udbSpeed,          controls.udbPause,
-                                  controls.lblNavSite,  controls.imgLogo,           loaderPath,
-                                  markChanged};
-    ClosedLog closedLog{controls.lstClosedWnd,
-                        controls.cmdRefreshLog,
-                        controls.cmdAddTo,
-                        controls.cmdClearList,
-                        controls.lstExclude,
-                        []() -> std::wstring { RaiseError(ErrorNumber::ObjectNotSet); },
-                        markChanged};
+    ChangeMark changeMark{controls.commands.cmdApply};
+    const Event markChanged = [this] { changeMark.MarkChanged(); };
+    PopupNotice popupNotice{controls.settings, markChanged};
+    GeneralOptions generalOptions{controls.settings, loaderPath, markChanged};
+    ClosedLog closedLog{controls.log, controls.exclude.lstExclude,
+                        []() -> std::wstring { RaiseError(ErrorNumber::ObjectNotSet); }, markChanged};
     SettingsTransfer transfer{controls.All(), changeMark, popupNotice,
-                              generalOptions, closedLog,  controls.cboPauseKey};
+                              generalOptions, closedLog,  controls.settings.cboPauseKey};
 };
 
 void WriteStore(const TestHive& user, const Lengths& lengths) {
@@ -74,8 +64,8 @@ void WriteStore(const TestHive& user, const Lengths& lengths) {
 
 // The rows put into the lists without the store, as a load puts them there.
 void FillLists(ConfigWindow& config, const Lengths& lengths) {
-    ListBox& exclude = config.controls.lstExclude;
-    ListView& banners = config.controls.lvwBanners;
+    ListBox& exclude = config.controls.exclude.lstExclude;
+    ListView& banners = config.controls.banners.lvwBanners;
     {
         const RedrawPause pause(exclude);
         exclude.Clear();
@@ -133,8 +123,8 @@ void CompareAt(const Lengths& lengths) {
              .rounds = lengths.rounds});
         config.transfer.LoadSettings();
     }
-    Expect(config.controls.lstExclude.ListCount() == lengths.exclude, "rows are missing");
-    Expect(config.controls.lvwBanners.Count() == lengths.banners, "banners are missing");
+    Expect(config.controls.exclude.lstExclude.ListCount() == lengths.exclude, "rows are missing");
+    Expect(config.controls.banners.lvwBanners.Count() == lengths.banners, "banners are missing");
     Report({.what = "Saving the settings",
             .size = lengths.name,
             .measured = {"`SaveSettings`", [&] { config.transfer.SaveSettings(); }},

@@ -1,6 +1,6 @@
 // Shows the About page and tells the window's handle and caption; with the argument "end", ends the manager.
 //
-// sentrel_config_face.h is what the IDL compiler makes of app/sentrel_config_face.idl; the type library in
+// sentrel_config.h is what the IDL compiler makes of app/sentrel_config.idl; the type library in
 // SentrelConfig.exe serves as well.
 #include <windows.h>
 #include <oleauto.h>
@@ -9,7 +9,7 @@
 #include <cstdio>
 #include <cwchar>
 
-#include "sentrel_config_face.h"
+#include "sentrel_config.h"
 
 using Microsoft::WRL::ComPtr;
 

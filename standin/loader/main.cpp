@@ -8,7 +8,7 @@
 #include <string>
 
 #include "platform/com/com_ptr.h"
-#include "sentrel_config_face.h"
+#include "sentrel_config.h"
 #include "standin/loader/running_manager.h"
 
 namespace {

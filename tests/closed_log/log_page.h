@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "lists/closed_log.h"
+#include "lists/exclude_list.h"
 #include "tests/support/message_recorder.h"
 #include "tests/support/test_folder.h"
 #include "tests/support/test_window.h"
@@ -17,7 +18,7 @@ inline std::vector<std::wstring> RowsOf(const ListBox& list) {
     return rows;
 }
 
-struct LogPage {
+struct LogPage : LogControls, ExcludeControls {
     // Fills the log list with the lines of a file that holds these bytes.
     std::vector<std::wstring> Show(std::string_view bytes) {
         path = folder.Write(L"closed.log", bytes);
@@ -31,22 +32,13 @@ struct LogPage {
     int pathAsked = 0;
     int changes = 0;
 
-    ListBox lstClosedWnd{L"lstClosedWnd", 100};
-    Button cmdRefreshLog{L"cmdRefreshLog", 101};
-    Button cmdAddTo{L"cmdAddTo", 102};
-    Button cmdClearList{L"cmdClearList", 103};
-    ListBox lstExclude{L"lstExclude", 104};
-    ClosedLog log{lstClosedWnd,
-                  cmdRefreshLog,
-                  cmdAddTo,
-                  cmdClearList,
-                  lstExclude,
+    ClosedLog log{*this, lstExclude,
                   [this] {
                       ++pathAsked;
                       onPathAsked();
                       return path;
                   },
                   [this] { ++changes; }};
-    TestWindow window{{&lstClosedWnd, &cmdRefreshLog, &cmdAddTo, &cmdClearList, &lstExclude}};
+    TestWindow window{Join({LogControls::all, ExcludeControls::all})};
     MessageRecorder recorder;
 };

@@ -11,7 +11,7 @@
 #include "platform/handle.h"
 #include "platform/com/own_type_library.h"
 #include "platform/text.h"
-#include "sentrel_config_face.h"
+#include "sentrel_config.h"
 #include "tests/hardening/image.h"
 
 namespace {

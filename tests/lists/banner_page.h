@@ -10,10 +10,9 @@
 #include "tests/support/message_recorder.h"
 #include "tests/support/test_window.h"
 
-struct BannerPage {
+struct BannerPage : BannerControls {
     BannerPage() {
-        for (const wchar_t* const heading : {L"Name", L"Width", L"Height"})
-            lvwBanners.AddColumn(heading);
+        SetUp();
         AddRow(L"Full Banner", L"468", L"60", true);
         AddRow(L"Half Banner", L"234", L"60", false);
         AddRow(L"Quarter Banner", L"120", L"60", false);
@@ -50,10 +49,7 @@ struct BannerPage {
     static void Click(const Control& button) { SendMessageW(button.Hwnd(), BM_CLICK, 0, 0); }
 
     int changes = 0;
-    ListView lvwBanners{L"lvwBanners", 100};
-    Button cmdAddSize{L"cmdAddSize", 101};
-    Button cmdRemoveSize{L"cmdRemoveSize", 102};
-    BannerSizes page{lvwBanners, cmdAddSize, cmdRemoveSize, [this] { ++changes; }};
-    TestWindow window{{&lvwBanners, &cmdAddSize, &cmdRemoveSize}};
+    BannerSizes page{*this, [this] { ++changes; }};
+    TestWindow window{Join({all})};
     MessageRecorder recorder;
 };

@@ -5,10 +5,11 @@
 #include <vector>
 
 #include "lists/exclude_list.h"
+#include "options/commands.h"
 #include "tests/support/message_recorder.h"
 #include "tests/support/test_window.h"
 
-struct ExcludePage {
+struct ExcludePage : ExcludeControls, CommandControls {
     std::vector<std::wstring> Rows() const {
         std::vector<std::wstring> rows;
         for (int i = 0; i < lstExclude.ListCount(); ++i)
@@ -22,11 +23,7 @@ struct ExcludePage {
     static void Click(const Control& button) { SendMessageW(button.Hwnd(), BM_CLICK, 0, 0); }
 
     int changes = 0;
-    ListBox lstExclude{L"lstExclude", 100};
-    Button cmdAddURL{L"cmdAddURL", 101};
-    Button cmdRemoveURL{L"cmdRemoveURL", 102};
-    Button cmdApply{L"cmdApply", 103};
-    ExcludeList page{lstExclude, cmdAddURL, cmdRemoveURL, cmdApply, [this] { ++changes; }};
-    TestWindow window{{&lstExclude, &cmdAddURL, &cmdRemoveURL, &cmdApply}};
+    ExcludeList page{*this, cmdApply, [this] { ++changes; }};
+    TestWindow window{Join({ExcludeControls::all, CommandControls::all})};
     MessageRecorder recorder;
 };

@@ -10,10 +10,9 @@
 #include "tests/support/message_recorder.h"
 #include "tests/support/test_window.h"
 
-struct SearchPage {
+struct SearchPage : SearchControls {
     SearchPage() {
-        for (const wchar_t* const heading : {L"Engine Name", L"Engine URL"})
-            lvwSearchURLs.AddColumn(heading);
+        SetUp();
         AddRow(L"One", L"http://one", true);
         AddRow(L"Two", L"http://two", false);
     }
@@ -38,11 +37,7 @@ struct SearchPage {
     static void Click(const Control& button) { SendMessageW(button.Hwnd(), BM_CLICK, 0, 0); }
 
     int changes = 0;
-    ListView lvwSearchURLs{L"lvwSearchURLs", 100};
-    Button cmdAddSearch{L"cmdAddSearch", 101};
-    Button cmdEditSearch{L"cmdEditSearch", 102};
-    Button cmdRemoveSearch{L"cmdRemoveSearch", 103};
-    SearchAddresses page{lvwSearchURLs, cmdAddSearch, cmdEditSearch, cmdRemoveSearch, [this] { ++changes; }};
-    TestWindow window{{&lvwSearchURLs, &cmdAddSearch, &cmdEditSearch, &cmdRemoveSearch}};
+    SearchAddresses page{*this, [this] { ++changes; }};
+    TestWindow window{Join({all})};
     MessageRecorder recorder;
 };

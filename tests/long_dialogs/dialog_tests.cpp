@@ -47,7 +47,9 @@ void CheckDialog(const char* what, int resource, Button Page::*button) {
 }  // namespace
 
 TEST_CASE("hundreds of openings of each dialog leave no more behind than those of its bare template") {
-    CheckDialog("openings of the address dialog", IDD_ADD_URL, &ExcludePage::cmdAddURL);
-    CheckDialog("openings of the banner size dialog", IDD_ADD_BANNER_SIZE, &BannerPage::cmdAddSize);
-    CheckDialog("openings of the search address dialog", IDD_ADD_SEARCH, &SearchPage::cmdAddSearch);
+    CheckDialog<ExcludePage>("openings of the address dialog", IDD_ADD_URL, &ExcludePage::cmdAddURL);
+    CheckDialog<BannerPage>("openings of the banner size dialog", IDD_ADD_BANNER_SIZE,
+                            &BannerPage::cmdAddSize);
+    CheckDialog<SearchPage>("openings of the search address dialog", IDD_ADD_SEARCH,
+                            &SearchPage::cmdAddSearch);
 }

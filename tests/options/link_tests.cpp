@@ -12,7 +12,7 @@
 TEST_CASE("an address is opened by the shell as it stands, and the result does not matter") {
     SettingsWindow page;
     Browser browser;
-    page.generalOptions.OpenAddress(L"http://www.calvane.example/\u00e4?a b");
+    page.aboutPage.OpenAddress(L"http://www.calvane.example/\u00e4?a b");
     REQUIRE(browser.opened.size() == 1);
     const Opened& opened = browser.opened[0];
     CHECK(opened.owner == nullptr);
@@ -28,9 +28,9 @@ TEST_CASE("the link and the logo open the link's caption, so that changing it ch
     SettingsWindow page;
     Browser browser;
     page.lblNavSite.Caption(kAddress);
-    page.generalOptions.lblNavSite_Click();
+    page.aboutPage.lblNavSite_Click();
     page.lblNavSite.Caption(L"http://other.example/");
-    page.generalOptions.imgLogo_Click();
+    page.aboutPage.imgLogo_Click();
     REQUIRE(browser.opened.size() == 2);
     CHECK(browser.opened[0].file == "http://www.calvane.example/");
     CHECK(browser.opened[1].file == "http://other.example/");

@@ -7,9 +7,9 @@
 
 #include "platform/com/com_ptr.h"
 #include "platform/handle.h"
-#include "sentrel_config_face.h"
 #include "tests/support/crash_watch.h"
 #include "tests/support/message_pump.h"
+#include "sentrel_config.h"
 
 struct ProcessHandleTraits {
     using Type = HANDLE;

@@ -4,24 +4,14 @@
 #include "store/settings_schema.h"
 
 SettingsWindow::SettingsWindow()
-    : controls{&cmdOK,           &cmdApply,      &cmdCancel,     &optStartup,   &optLoadWithKiller,
-               &optLoadFromMenu, &chkPlaySound,  &cmdSoundFile,  &cmdTestSound, &chkBeep,
-               &cboPauseKey,     &txtSpeed,      &udbSpeed,      &txtPause,     &udbPause,
-               &lstExclude,      &lstClosedWnd,  &cmdRefreshLog, &cmdAddTo,     &cmdClearList,
-               &lvwBanners,      &lvwSearchURLs, &lblNavSite,    &imgLogo,      &chkExtra,
-               &txtExtra,        &lstExtra,      &lvwExtra},
+    : controls(Join({CommandControls::all, SettingsControls::all, ExcludeControls::all, LogControls::all,
+                     BannerControls::all, SearchControls::all, AboutControls::all, extra})),
       window(controls),
       logFile([]() -> std::wstring { RaiseError(ErrorNumber::ObjectNotSet); }) {
-    for (const wchar_t* const key : {L"Alt", L"Ctrl", L"Shift", L"F6", L"F7", L"F8", L"F9", L"F10"}) {
-        cboPauseKey.AddItem(key);
-    }
-    for (const wchar_t* const heading : {L"Name", L"Width", L"Height"})
-        lvwBanners.AddColumn(heading);
-    for (const wchar_t* const heading : {L"Engine Name", L"Engine URL"})
-        lvwSearchURLs.AddColumn(heading);
-    txtSpeed.Text(L"6");
-    txtPause.Text(L"5");
-    txtPause.MaxLength(3);
+    // The link and the logo stay empty: what they show is the tests' to say.
+    SettingsControls::SetUp();
+    BannerControls::SetUp();
+    SearchControls::SetUp();
     cmdApply.Enabled(false);
 }
 

@@ -1,30 +1,31 @@
-// The configuration window's option controls and lists in a hidden window of their own, with the parts that
-// work on them, over throw-away registry roots.
+// The controls of the configuration window in a hidden window of their own, with the parts that work on the
+// options, over throw-away registry roots.
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
+#include "lists/banner_sizes.h"
 #include "lists/closed_log.h"
+#include "lists/exclude_list.h"
+#include "lists/search_addresses.h"
+#include "options/about_page.h"
 #include "options/change_mark.h"
 #include "options/commands.h"
 #include "options/general_options.h"
 #include "options/popup_notice.h"
 #include "options/settings_transfer.h"
-#include "platform/controls/button.h"
-#include "platform/controls/check_box.h"
-#include "platform/controls/combo_box.h"
-#include "platform/controls/image_box.h"
-#include "platform/controls/link_label.h"
-#include "platform/controls/list_box.h"
-#include "platform/controls/list_view.h"
-#include "platform/controls/option_button.h"
-#include "platform/controls/text_box.h"
-#include "platform/controls/up_down.h"
 #include "tests/support/test_hive.h"
 #include "tests/support/test_window.h"
 
-class SettingsWindow {
+class SettingsWindow : public CommandControls,
+                       public SettingsControls,
+                       public ExcludeControls,
+                       public LogControls,
+                       public BannerControls,
+                       public SearchControls,
+                       public AboutControls {
 public:
     SettingsWindow();
 
@@ -49,38 +50,14 @@ public:
     TestHive machine{HKEY_LOCAL_MACHINE};
     TestHive user{HKEY_CURRENT_USER};
 
-    Button cmdOK{L"cmdOK", 101};
-    Button cmdApply{L"cmdApply", 102};
-    Button cmdCancel{L"cmdCancel", 103};
-    OptionButton optStartup{L"optStartup", 104};
-    OptionButton optLoadWithKiller{L"optLoadWithKiller", 105};
-    OptionButton optLoadFromMenu{L"optLoadFromMenu", 106};
-    CheckBox chkPlaySound{L"chkPlaySound", 107};
-    Button cmdSoundFile{L"cmdSoundFile", 108};
-    Button cmdTestSound{L"cmdTestSound", 109};
-    CheckBox chkBeep{L"chkBeep", 110};
-    ComboBox cboPauseKey{L"cboPauseKey", 111};
-    TextBox txtSpeed{L"txtSpeed", 112};
-    UpDown udbSpeed{L"udbSpeed", 113, txtSpeed, 1, 10};
-    TextBox txtPause{L"txtPause", 114};
-    UpDown udbPause{L"udbPause", 115, txtPause, 1, 30};
-    ListBox lstExclude{L"lstExclude", 116};
-    ListBox lstClosedWnd{L"lstClosedWnd", 117};
-    Button cmdRefreshLog{L"cmdRefreshLog", 118};
-    Button cmdAddTo{L"cmdAddTo", 119};
-    Button cmdClearList{L"cmdClearList", 120};
-    ListView lvwBanners{L"lvwBanners", 121};
-    ListView lvwSearchURLs{L"lvwSearchURLs", 122};
-    LinkLabel lblNavSite{L"lblNavSite", 123};
-    ImageBox imgLogo{L"imgLogo", 124};
-
     // The window of the product has none of these: they stand for what it may get one day.
-    CheckBox chkExtra{L"chkExtra", 125};
-    TextBox txtExtra{L"txtExtra", 126};
-    ListBox lstExtra{L"lstExtra", 127};
-    ListView lvwExtra{L"lvwExtra", 128};
+    CheckBox chkExtra{L"chkExtra", 1};
+    TextBox txtExtra{L"txtExtra", 2};
+    ListBox lstExtra{L"lstExtra", 3};
+    ListView lvwExtra{L"lvwExtra", 4};
+    const std::array<Control*, 4> extra{&chkExtra, &txtExtra, &lstExtra, &lvwExtra};
 
-    std::vector<Control*> controls;
+    const std::vector<Control*> controls;
     TestWindow window;
 
     std::wstring loaderPath = L"C:\\Program Files\\Calvane\\CalvaneConfigLoader.exe";
@@ -91,14 +68,12 @@ public:
 
     ChangeMark changeMark{cmdApply};
     Event markChanged = [this] { changeMark.MarkChanged(); };
-    PopupNotice popupNotice{chkPlaySound, chkBeep, cmdSoundFile, cmdTestSound, markChanged};
-    GeneralOptions generalOptions{optStartup, optLoadWithKiller, optLoadFromMenu, cboPauseKey, udbSpeed,
-                                  udbPause,   lblNavSite,        imgLogo,         loaderPath,  markChanged};
-    ClosedLog closedLog{lstClosedWnd, cmdRefreshLog, cmdAddTo,
-                        cmdClearList, lstExclude,    [this] { return logFile(); },
-                        markChanged};
+    PopupNotice popupNotice{*this, markChanged};
+    GeneralOptions generalOptions{*this, loaderPath, markChanged};
+    AboutPage aboutPage{*this};
+    ClosedLog closedLog{*this, lstExclude, [this] { return logFile(); }, markChanged};
     SettingsTransfer transfer{controls, changeMark, popupNotice, generalOptions, closedLog, cboPauseKey};
-    Commands commands{cmdOK, cmdApply, cmdCancel, transfer, [this] { Reload(); }, [this] { Hide(); }};
+    Commands commands{*this, transfer, [this] { Reload(); }, [this] { Hide(); }};
 
 private:
     void Reload();

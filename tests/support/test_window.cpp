@@ -2,7 +2,7 @@
 
 #include <commctrl.h>
 
-#include "app/resource.h"
+#include "tests/support/resource.h"
 
 namespace {
 
@@ -76,4 +76,11 @@ bool TestWindow::OnInit() {
         top += height;
     }
     return true;
+}
+
+std::vector<Control*> Join(std::initializer_list<ControlTable> groups) {
+    std::vector<Control*> all;
+    for (const ControlTable group : groups)
+        all.insert(all.end(), group.begin(), group.end());
+    return all;
 }

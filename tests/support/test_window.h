@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include <string>
+#include <initializer_list>
 #include <vector>
 
 #include "platform/controls/dialog.h"
@@ -23,3 +23,6 @@ protected:
 private:
     std::vector<Control*> m_controls;
 };
+
+// The controls of several groups, one group after the other.
+std::vector<Control*> Join(std::initializer_list<ControlTable> groups);

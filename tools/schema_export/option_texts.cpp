@@ -138,9 +138,8 @@ void AddField(OptionList& list, const wchar_t* word) {
 void AddFields(OptionList& list) {
     for (const ListLayout& layout : kListLayouts) {
         if (list.key != Plain(layout.key)) continue;
-        AddField(list, Schema::kName);
-        for (const wchar_t* const word : layout.subItemFields)
-            AddField(list, word);
+        for (const ListColumn& column : layout.columns)
+            AddField(list, column.field);
         AddField(list, Schema::kUse);
     }
 }

@@ -1,4 +1,4 @@
-// The automation face of the configuration window.
+// The configuration window as the automation object that Config.ConfigForm hands out.
 #include "app/frm_config.h"
 #include "platform/com/bstr.h"
 
@@ -92,7 +92,7 @@ STDMETHODIMP frmConfig::ControlHwnd(BSTR name, LONG* value) {
     *value = 0;
     return ComMethod([&] {
         Handle();
-        const Control* const control = FindControl(Controls(), ViewOf(name));
+        const Control* const control = FindControl(m_controls.All(), ViewOf(name));
         if (control == nullptr) RaiseError(ErrorNumber::InvalidProcedureCall);
         *value = HandleToLong(control->Hwnd());
     });

@@ -8,7 +8,7 @@
 #include "platform/com/dispatch_object.h"
 #include "tray/type_libraries.h"
 #include "platform/com/variant.h"
-#include "sentrel_config_face.h"
+#include "sentrel_config.h"
 
 namespace {
 
