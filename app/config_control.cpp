@@ -5,10 +5,9 @@
 #include "app/config.h"
 #include "app/config_globals.h"
 #include "app/frm_config.h"
+#include "platform/com/server_process.h"
 
 namespace {
-
-bool g_ending = false;
 
 void CountClients(LONG difference) {
     if (difference > 0 ? g_lngClientCount == LONG_MAX : g_lngClientCount == LONG_MIN) {
@@ -46,8 +45,6 @@ void CALLBACK EndProcess(HWND, UINT, UINT_PTR, DWORD) {
 // The process ends as soon as the caller has its result: a timer is served by whichever message loop is
 // running, also that of a dialog or menu, and only after the present call has returned.
 void EndProcessSoon() {
-    g_ending = true;
-    CoSuspendClassObjects();  // clients that come now start a new manager
     if (SetTimer(nullptr, 0, USER_TIMER_MINIMUM, EndProcess) == 0) ExitProcess(0);
 }
 
@@ -56,11 +53,10 @@ void EndProcessSoon() {
 STDMETHODIMP ConfigControl::ConfigInstance(long* nShowType, IDispatch** config) {
     if (nShowType == nullptr || config == nullptr) return E_POINTER;
     *config = nullptr;
-    if (g_ending) return CO_E_SERVER_STOPPING;
     return ComMethod([&] {
         if (g_oConfig == nullptr) ConfigInMaking().Initialise();
         // Another client's ReleaseConfig may have come in while the window was made.
-        if (g_ending) throw AutomationError(CO_E_SERVER_STOPPING);
+        if (ServerProcess::Stopping()) throw AutomationError(CO_E_SERVER_STOPPING);
         if (*nShowType == kShowWindow) g_frmConfig->ShowModeless();
         if (*nShowType == kShowAbout) g_frmConfig->ShowAbout();
         CountClients(+1);
@@ -69,9 +65,9 @@ STDMETHODIMP ConfigControl::ConfigInstance(long* nShowType, IDispatch** config) 
 }
 
 STDMETHODIMP ConfigControl::ReleaseConfig() {
-    if (g_ending) return CO_E_SERVER_STOPPING;
     return ComMethod([&] {
         CountClients(-1);
+        ServerProcess::Stop();
         if (g_frmConfig != nullptr) g_frmConfig->Unload();
         // Left to the process: a handler of the window may be further down on the stack, in a dialog's loop.
         g_frmConfig.Detach();

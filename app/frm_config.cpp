@@ -9,6 +9,15 @@
 #include "platform/icon.h"
 #include "store/first_run.h"
 
+namespace {
+
+// While this thread handles a message that another program has sent, Windows lets no call out to the engine.
+bool IsSentByOther() {
+    return (InSendMessageEx(nullptr) & (ISMEX_SEND | ISMEX_REPLIED)) == ISMEX_SEND;
+}
+
+}  // namespace
+
 frmConfig::frmConfig()
     : DispatchObject(Holder::Server),
       Dialog(IDD_CONFIG),
@@ -38,13 +47,14 @@ frmConfig::frmConfig()
       m_transfer(m_controls.All(), m_changeMark, m_popupNotice, m_generalOptions, m_closedLog,
                  m_controls.settings.cboPauseKey),
       m_commands(
-          m_controls.commands, m_transfer, [this] { m_engine.ReloadSettings(); }, [this] { HideWindow(); }),
+          m_controls.commands, m_transfer, [this](Event done) { m_engine.ReloadSettings(std::move(done)); },
+          [this] { HideWindow(); }),
       m_taskbarCreated(RegisterWindowMessageW(L"TaskbarCreated")) {
     m_controls.tab.Change = [this] { SelectPage(); };
 }
 
 frmConfig::~frmConfig() {
-    Unload();
+    TakeDown();
 }
 
 void frmConfig::Initialise() {
@@ -68,6 +78,7 @@ void frmConfig::Initialise() {
 }
 
 LONG frmConfig::Handle() {
+    if (ServerProcess::Stopping()) throw AutomationError(CO_E_SERVER_STOPPING);
     if (m_state == State::None) Initialise();
     if (m_state == State::Initialised) Load();
     return HandleToLong(Hwnd());
@@ -91,24 +102,43 @@ void frmConfig::Load() {
     // Asking the engine for its log lets other messages in: the window may be gone again.
     if (m_state != State::Loading) return;
     m_state = State::Loaded;
-    // Config stores the handle of its first window; one that is made later has another.
-    if (g_lngConfigHwnd != 0) g_lngConfigHwnd = HandleToLong(Hwnd());
-    if (std::exchange(m_showWhenLoaded, false)) ShowModeless();
+    g_lngConfigHwnd = HandleToLong(Hwnd());
+    ShowIfAsked();
+}
+
+bool frmConfig::IsChanging() const noexcept {
+    return m_state == State::Initialising || m_state == State::Loading || m_state == State::Unloading;
+}
+
+void frmConfig::ShowIfAsked() {
+    if (const Event show = std::exchange(m_showLater, nullptr)) show();
 }
 
 void frmConfig::ShowModeless() {
-    if (m_state == State::Initialising || m_state == State::Loading) {
-        m_showWhenLoaded = true;
+    if (IsChanging()) {
+        if (!m_showLater) m_showLater = [this] { ShowModeless(); };
         return;
     }
     Handle();
     MoveOntoMonitor(Hwnd());
-    ShowWindow(Hwnd(), IsIconic(Hwnd()) ? SW_RESTORE : SW_SHOW);
-    SetForegroundWindow(Hwnd());
+    // A dialog of the window keeps the keyboard: the window that it disables must not be activated.
+    const HWND popup = GetLastActivePopup(Hwnd());
+    const bool hasDialog = popup != nullptr && popup != Hwnd() && !IsWindowEnabled(Hwnd());
+    ShowWindow(Hwnd(), IsIconic(Hwnd()) ? SW_RESTORE : hasDialog ? SW_SHOWNA : SW_SHOW);
+    SetForegroundWindow(hasDialog ? popup : Hwnd());
+}
+
+void frmConfig::ShowAbout() {
+    if (IsChanging()) {
+        m_showLater = [this] { ShowAbout(); };
+        return;
+    }
+    ShowModeless();
+    SelectAbout();
 }
 
 void frmConfig::HideWindow() noexcept {
-    m_showWhenLoaded = false;
+    m_showLater = nullptr;
     ShowWindow(Hwnd(), SW_HIDE);
 }
 
@@ -116,7 +146,25 @@ bool frmConfig::QueryUnload() const noexcept {
     return b_OKtoUnload;
 }
 
+// Whoever asks for the window while the engine takes its leave gets one, made when the old one is gone.
 void frmConfig::Unload() {
+    if (m_state == State::None || m_state == State::Unloading) return;
+    m_showLater = nullptr;
+    TakeDown();
+    if (!ServerProcess::Stopping()) ResumeNext([&] { ShowIfAsked(); });
+}
+
+// A message that another program has sent ends first.
+void frmConfig::UnloadOutsideSentMessage() {
+    if (IsSentByOther()) {
+        b_OKtoUnload = true;
+        PostMessageA(Hwnd(), WM_CLOSE, 0, 0);
+    } else {
+        Unload();
+    }
+}
+
+void frmConfig::TakeDown() {
     if (m_state == State::None || m_state == State::Unloading) return;
     m_state = State::Unloading;
     m_engine.Release();
@@ -147,7 +195,7 @@ bool frmConfig::OnMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) 
     switch (message) {
         case WM_CLOSE:
             if (QueryUnload()) {
-                Unload();
+                UnloadOutsideSentMessage();
             } else {
                 HideWindow();
             }
@@ -158,12 +206,12 @@ bool frmConfig::OnMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) 
             return true;
 
         case WM_ENDSESSION:
-            if (wParam != FALSE) Unload();
+            if (wParam != FALSE) UnloadOutsideSentMessage();
             return true;
 
         default:
             if (message != m_taskbarCreated || m_oShellIcon == nullptr) return false;
-            m_oShellIcon->OnTaskbarCreated();
+            ComPtr<ShellNotification>(m_oShellIcon)->OnTaskbarCreated();
             return true;
     }
 }

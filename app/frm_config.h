@@ -37,7 +37,8 @@ public:
     // settings. After an unloading it is made and loaded again. An error of the loading passes to the caller.
     LONG Handle();
 
-    // Each loads the window first, where it is not loaded.
+    // Each loads the window first, where it is not loaded. While the window is being made, loaded or unloaded
+    // the show follows when that is done.
     void ShowModeless() override;
     void ShowAbout();
 
@@ -73,11 +74,16 @@ private:
     void MakePages();
     void MakeImageList1();
     void SelectPage();
+    void SelectAbout();
     void NextPage(int step);
     bool IsOnHiddenPage(HWND window) const noexcept;
     void SetUpTray();
     void AnimateTray();
     void Load();
+    bool IsChanging() const noexcept;
+    void ShowIfAsked();
+    void TakeDown();
+    void UnloadOutsideSentMessage();
     bool QueryUnload() const noexcept;
     void HideWindow() noexcept;
     LONG Reference() noexcept;
@@ -107,7 +113,8 @@ private:
     Commands m_commands;
 
     State m_state = State::None;
-    bool m_showWhenLoaded = false;
+    // The show that was asked for while the window was being made, loaded or unloaded.
+    Event m_showLater;
     _frmConfig* m_reference = this;
     const UINT m_taskbarCreated;
 };

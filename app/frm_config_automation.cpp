@@ -12,26 +12,25 @@ VARIANT_BOOL Boolean(bool value) {
 
 STDMETHODIMP frmConfig::get_b_OKtoUnload(VARIANT_BOOL* value) {
     if (value == nullptr) return E_POINTER;
-    *value = Boolean(b_OKtoUnload);
-    return S_OK;
+    return ComMethod([&] { *value = Boolean(b_OKtoUnload); });
 }
 
 STDMETHODIMP frmConfig::put_b_OKtoUnload(VARIANT_BOOL value) {
-    b_OKtoUnload = value != VARIANT_FALSE;
-    return S_OK;
+    return ComMethod([&] { b_OKtoUnload = value != VARIANT_FALSE; });
 }
 
 STDMETHODIMP frmConfig::get_m_oShellIcon(IDispatch** value) {
     if (value == nullptr) return E_POINTER;
     *value = nullptr;
-    return m_oShellIcon == nullptr ? S_OK : m_oShellIcon.CopyTo(value);
+    return ComMethod([&] {
+        if (m_oShellIcon != nullptr) ThrowIfFailed(m_oShellIcon.CopyTo(value));
+    });
 }
 
 STDMETHODIMP frmConfig::get_m_oPopup(IDispatch** value) {
     if (value == nullptr) return E_POINTER;
-    ComPtr<IDispatch> popup = m_engine.Popup();
-    *value = popup.Detach();
-    return S_OK;
+    *value = nullptr;
+    return ComMethod([&] { *value = m_engine.Popup().Detach(); });
 }
 
 STDMETHODIMP frmConfig::Show() {
@@ -39,14 +38,12 @@ STDMETHODIMP frmConfig::Show() {
 }
 
 STDMETHODIMP frmConfig::Hide() {
-    HideWindow();
-    return S_OK;
+    return ComMethod([&] { HideWindow(); });
 }
 
 STDMETHODIMP frmConfig::get_Visible(VARIANT_BOOL* value) {
     if (value == nullptr) return E_POINTER;
-    *value = Boolean(IsWindowVisible(Hwnd()) != FALSE);
-    return S_OK;
+    return ComMethod([&] { *value = Boolean(IsWindowVisible(Hwnd()) != FALSE); });
 }
 
 STDMETHODIMP frmConfig::put_Visible(VARIANT_BOOL value) {
@@ -60,8 +57,7 @@ STDMETHODIMP frmConfig::get_Caption(BSTR* value) {
 }
 
 STDMETHODIMP frmConfig::put_Caption(BSTR value) {
-    SetWindowTextW(Hwnd(), value == nullptr ? L"" : value);
-    return S_OK;
+    return ComMethod([&] { SetWindowTextW(Hwnd(), value == nullptr ? L"" : value); });
 }
 
 STDMETHODIMP frmConfig::get_hWnd(LONG* value) {
@@ -72,7 +68,8 @@ STDMETHODIMP frmConfig::get_hWnd(LONG* value) {
 
 STDMETHODIMP frmConfig::get_picShellIcon(IDispatch** value) {
     if (value == nullptr) return E_POINTER;
-    return m_picShellIcon.CopyTo(value);
+    *value = nullptr;
+    return ComMethod([&] { ThrowIfFailed(m_picShellIcon.CopyTo(value)); });
 }
 
 STDMETHODIMP frmConfig::get_picTray(short index, IDispatch** value) {

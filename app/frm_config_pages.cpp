@@ -47,8 +47,7 @@ void frmConfig::SelectPage() {
     }
 }
 
-void frmConfig::ShowAbout() {
-    ShowModeless();
+void frmConfig::SelectAbout() {
     m_controls.tab.Selected(kAboutPage);
 }
 

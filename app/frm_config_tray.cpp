@@ -11,23 +11,28 @@ constexpr LONG kPicturesPerCycle = 1;
 }  // namespace
 
 void frmConfig::SetUpTray() {
-    ResumeNext([&] { m_oShellIcon = MakeObject<ShellNotification>(); });
-    if (m_oShellIcon == nullptr) return;
-    ResumeNext([&] { m_trayGestures.Connect(Hwnd(), static_cast<IDispatch*>(m_oShellIcon.Get())); });
-    m_oShellIcon->InitShellNotify(HandleToLong(Hwnd()), kTrayMessage);
-    m_oShellIcon->AddIcon(m_picShellIcon.Get());
-    m_oShellIcon->put_ToolTip(Variant(kTrayTip).Value().bstrVal);
+    // A reference of its own: the shell is another process, and the window may be unloaded while it is
+    // called.
+    ComPtr<ShellNotification> icon;
+    ResumeNext([&] { icon = MakeObject<ShellNotification>(); });
+    if (icon == nullptr) return;
+    m_oShellIcon = icon;
+    ResumeNext([&] { m_trayGestures.Connect(Hwnd(), static_cast<IDispatch*>(icon.Get())); });
+    icon->InitShellNotify(HandleToLong(Hwnd()), kTrayMessage);
+    icon->AddIcon(m_picShellIcon.Get());
+    icon->put_ToolTip(Variant(kTrayTip).Value().bstrVal);
 }
 
 void frmConfig::AnimateTray() {
-    if (m_oShellIcon == nullptr) return;
+    const ComPtr<ShellNotification> icon = m_oShellIcon;
+    if (icon == nullptr) return;
     // The last slot stays empty: the animation never shows it.
     PictureArray pictures(0, static_cast<LONG>(m_picTray.size()));
     for (size_t slot = 0; slot < m_picTray.size(); ++slot) {
         pictures.Item(static_cast<LONG>(slot), m_picTray[slot].Get());
     }
-    ThrowIfFailed(m_oShellIcon->AnimateIcon(pictures.Reference(), kFrameInterval, kPicturesPerCycle,
-                                            HandleToLong(Hwnd())));
+    ThrowIfFailed(
+        icon->AnimateIcon(pictures.Reference(), kFrameInterval, kPicturesPerCycle, HandleToLong(Hwnd())));
 }
 
 void frmConfig::PopupTrayMenu(bool pauseIsDefault) {

@@ -46,7 +46,7 @@ HRESULT Serve() {
                                                             ICC_UPDOWN_CLASS};
     InitCommonControlsEx(&classes);
 
-    const HRESULT result = ComMethod([] {
+    const HRESULT result = ResultOf([] {
         WorkAroundWine({IID_IDispatch, IID_ISupportErrorInfo, IID_IProvideClassInfo,
                         IID_IConnectionPointContainer, IID_IConnectionPoint, __uuidof(_Config),
                         __uuidof(_ConfigControl)});

@@ -36,9 +36,11 @@ ClosedLog::ClosedLog(LogControls& controls, ListBox& lstExclude, std::function<s
 }
 
 void ClosedLog::ReadClosedLog() {
+    const Generation::Mark reading = m_readings.Begin();
     const RedrawPause pause(m_controls.lstClosedWnd);
     m_controls.lstClosedWnd.Clear();
     const LogFile log(m_logFile());
+    if (!reading.IsCurrent()) return;
     try {
         bool arePlain = true;
         ReadNewestLines(

@@ -10,6 +10,7 @@
 #include "platform/controls/button.h"
 #include "platform/controls/label.h"
 #include "platform/controls/list_box.h"
+#include "platform/generation.h"
 
 struct LogControls {
     Label Label6{L"Label6", IDC_LABEL6};
@@ -31,7 +32,8 @@ public:
     ClosedLog& operator=(const ClosedLog&) = delete;
 
     // Fills the list with the 25 newest distinct lines of the log, newest first. A missing log is created
-    // empty. Throws AutomationError when the path is not to be had or the log cannot be read: the list then
+    // empty. A reading that comes in while the engine is asked for the path takes the place of the one under way.
+    // Throws AutomationError when the path is not to be had or the log cannot be read: the list then
     // holds the lines that were read before.
     void ReadClosedLog();
 
@@ -50,4 +52,5 @@ private:
     ListBox& m_lstExclude;
     const std::function<std::wstring()> m_logFile;
     const Event m_markChanged;
+    Generation m_readings;
 };

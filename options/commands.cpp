@@ -4,7 +4,8 @@
 
 #include "platform/automation_error.h"
 
-Commands::Commands(CommandControls& controls, SettingsTransfer& transfer, Event reloadSettings, Event hide)
+Commands::Commands(CommandControls& controls, SettingsTransfer& transfer,
+                   std::function<void(Event done)> reloadSettings, Event hide)
     : m_cmdApply(controls.cmdApply),
       m_transfer(transfer),
       m_reloadSettings(std::move(reloadSettings)),
@@ -25,8 +26,7 @@ void Commands::cmdOK_Click() {
 // Saving marks a change, so the mark is cleared last.
 void Commands::cmdApply_Click() {
     m_transfer.SaveSettings();
-    ResumeNext([&] { m_reloadSettings(); });
-    m_cmdApply.Enabled(false);
+    m_reloadSettings([this] { m_cmdApply.Enabled(false); });
 }
 
 // The mark stays: a window that is shown again after Cancel may offer Apply although it shows the stored

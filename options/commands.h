@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 
 #include "options/resource.h"
 #include "options/settings_transfer.h"
@@ -16,9 +17,10 @@ struct CommandControls {
 
 class Commands {
 public:
-    // reloadSettings: tells the engine to read the store again; a failure of it is ignored. hide: hides the
-    // window, which stays loaded.
-    Commands(CommandControls& controls, SettingsTransfer& transfer, Event reloadSettings, Event hide);
+    // reloadSettings: tells the engine to read the store again, and runs done when the engine has done so or
+    // could not be told. hide: hides the window, which stays loaded.
+    Commands(CommandControls& controls, SettingsTransfer& transfer,
+             std::function<void(Event done)> reloadSettings, Event hide);
     Commands(const Commands&) = delete;
     Commands& operator=(const Commands&) = delete;
 
@@ -29,6 +31,6 @@ public:
 private:
     Button& m_cmdApply;
     SettingsTransfer& m_transfer;
-    const Event m_reloadSettings;
+    const std::function<void(Event done)> m_reloadSettings;
     const Event m_hide;
 };

@@ -1,5 +1,7 @@
 #include "options/settings_transfer.h"
 
+#include <utility>
+
 #include "options/settings_loader.h"
 #include "options/settings_saver.h"
 #include "platform/automation_error.h"
@@ -8,16 +10,18 @@
 
 namespace {
 
-// True for the life of this object, however the load ends.
+// True for the life of this object, however the load ends. A load may come in while another one waits for the
+// engine: its end is not that of the other.
 class LoadingFlag {
 public:
-    explicit LoadingFlag(bool& flag) noexcept : m_flag(flag) { m_flag = true; }
+    explicit LoadingFlag(bool& flag) noexcept : m_flag(flag), m_before(std::exchange(flag, true)) {}
     LoadingFlag(const LoadingFlag&) = delete;
     LoadingFlag& operator=(const LoadingFlag&) = delete;
-    ~LoadingFlag() { m_flag = false; }
+    ~LoadingFlag() { m_flag = m_before; }
 
 private:
     bool& m_flag;
+    const bool m_before;
 };
 
 }  // namespace

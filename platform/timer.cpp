@@ -2,23 +2,46 @@
 
 #include "platform/guard.h"
 
-// The timer's number within its owner is its own address, which is how the procedure finds it again.
+namespace {
+
+// Far above the numbers that controls give the timers on their own windows.
+UINT_PTR lastId = 0x43560000;
+
+}  // namespace
+
+// KillTimer leaves a WM_TIMER that is in the queue where it is. The procedure therefore looks whether the
+// timer still runs; each start has a number of its own, so that a tick of the start before does not count.
+Timer* Timer::s_running = nullptr;
+
 void Timer::Start(HWND owner) noexcept {
     Stop();
     // Windows would choose a number of its own for a timer without a window.
     if (owner == nullptr) return;
-    if (SetTimer(owner, reinterpret_cast<UINT_PTR>(this), m_interval, Procedure) != 0) m_owner = owner;
+    m_id = ++lastId;
+    if (SetTimer(owner, m_id, m_interval, Procedure) == 0) return;
+    m_owner = owner;
+    m_next = s_running;
+    s_running = this;
 }
 
 void Timer::Stop() noexcept {
     if (m_owner == nullptr) return;
-    KillTimer(m_owner, reinterpret_cast<UINT_PTR>(this));
+    KillTimer(m_owner, m_id);
     m_owner = nullptr;
+    Timer** link = &s_running;
+    while (*link != this)
+        link = &(*link)->m_next;
+    *link = m_next;
 }
 
 void CALLBACK Timer::Procedure(HWND, UINT, UINT_PTR id, DWORD) {
     Guarded([&] {
-        const auto tick = reinterpret_cast<Timer*>(id)->Tick;
+        const Timer* timer = s_running;
+        while (timer != nullptr && timer->m_id != id)
+            timer = timer->m_next;
+        if (timer == nullptr) return;
+        // The copy outlives a listener that destroys the timer.
+        const auto tick = timer->Tick;
         if (tick) tick();
     });
 }

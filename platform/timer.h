@@ -20,12 +20,18 @@ public:
 
     // Ticks until Stop, or until owner's window is destroyed. A running timer starts its period again.
     void Start(HWND owner) noexcept;
+
+    // No tick is raised from here on, even where one is in the queue already.
     void Stop() noexcept;
     bool Running() const noexcept { return m_owner != nullptr; }
 
 private:
     static void CALLBACK Procedure(HWND owner, UINT message, UINT_PTR id, DWORD time);
 
+    static Timer* s_running;
+
     UINT m_interval;
     HWND m_owner = nullptr;
+    UINT_PTR m_id = 0;
+    Timer* m_next = nullptr;
 };

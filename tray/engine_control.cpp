@@ -11,6 +11,8 @@
 namespace {
 
 constexpr UINT kMenuInterval = 500;
+constexpr UINT kAgainInterval = 100;
+constexpr int kTriesAgain = 100;
 constexpr LONG kManagerMode = 2;
 
 enum EngineState : LONG {
@@ -26,37 +28,56 @@ enum PopupEvent : DISPID {
     kStoppedEvent = 4,
 };
 
+// Refused for now: a busy engine does that, and Windows itself while this thread handles a message that
+// another program has sent.
+bool IsRefusedForNow(HRESULT result) {
+    return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER ||
+           result == RPC_E_CANTCALLOUT_ININPUTSYNCCALL;
+}
+
 }  // namespace
 
 EngineControl::EngineControl(TrayMenu& menu, Event animate, Event announce)
-    : m_menu(menu), m_animate(std::move(animate)), m_announce(std::move(announce)), m_tmMenu(kMenuInterval) {
+    : m_menu(menu),
+      m_animate(std::move(animate)),
+      m_announce(std::move(announce)),
+      m_tmMenu(kMenuInterval),
+      m_tmAgain(kAgainInterval) {
     m_menu.mnuStartKiller_Click = [this] { mnuStartKiller_Click(); };
     m_menu.mnuStopKiller_Click = [this] { mnuStopKiller_Click(); };
     m_menu.mnuPauseKiller_Click = [this] { mnuPauseKiller_Click(); };
     m_tmMenu.Tick = [this] { tmMenu_Timer(); };
+    m_tmAgain.Tick = [this] { GiveAgain(); };
 }
 
+// The window may be unloaded, and take leave of the engine, during any of these calls: what comes of the call
+// is let go of again then.
 void EngineControl::Connect(HWND configHwnd, LONG formReferenceAddress) {
+    const Generation::Mark connection = m_connections.Begin();
     m_configHwnd = configHwnd;
+    ComPtr<_SentrelApp> application;
     ResumeNext([&] {
-        ThrowIfFailed(CoCreateInstance(__uuidof(SentrelApp), nullptr, CLSCTX_LOCAL_SERVER,
-                                       IID_PPV_ARGS(&m_application)));
+        ThrowIfFailed(
+            CoCreateInstance(__uuidof(SentrelApp), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&application)));
     });
+    if (!connection.IsCurrent()) return;
+    m_application = application;
+    ComPtr<_Popup> popup;
     ResumeNext([&] {
-        // A reference of its own: the window may be unloaded, and take leave, while the engine is called.
-        const ComPtr<_SentrelApp> application = m_application;
         if (!application) RaiseError(ErrorNumber::ObjectNotSet);
         LONG mode = kManagerMode;
-        ComPtr<_Popup> popup;
         ThrowIfFailed(
             application->CreatePopup(HandleToLong(configHwnd), formReferenceAddress, &mode, &popup));
-        if (m_configHwnd != nullptr) m_oPopup = popup;
     });
+    if (!connection.IsCurrent()) return;
+    m_oPopup = popup;
     ResumeNext([&] { ConnectEvents(); });
+    if (!connection.IsCurrent()) return;
     ResumeNext([&] { ReadState(); });
 }
 
 void EngineControl::ConnectEvents() {
+    const Generation::Mark connection = m_connections.Current();
     EventHandlers handlers;
     handlers[kKilled] = [this](const DISPPARAMS& arguments) {
         if (arguments.cArgs != 2) RaiseError(ErrorNumber::InvalidProcedureCall);
@@ -65,12 +86,16 @@ void EngineControl::ConnectEvents() {
     handlers[kPausedEvent] = [this](const DISPPARAMS&) { m_oPopup_Paused(); };
     handlers[kStartedEvent] = [this](const DISPPARAMS&) { m_oPopup_Started(); };
     handlers[kStoppedEvent] = [this](const DISPPARAMS&) { m_oPopup_Stopped(); };
-    m_popupEvents = std::make_unique<EventConnection>(Engine().Get(), __uuidof(__Popup), std::move(handlers));
+    auto popupEvents =
+        std::make_unique<EventConnection>(Engine().Get(), __uuidof(__Popup), std::move(handlers));
+    if (connection.IsCurrent()) m_popupEvents = std::move(popupEvents);
 }
 
 void EngineControl::ReadState() {
+    const Generation::Mark connection = m_connections.Current();
     LONG state = 0;
     ThrowIfFailed(Engine()->get_State(&state));
+    if (!connection.IsCurrent()) return;
     switch (state) {
         case kRunning:
             m_menu.EnableRunningMenu();
@@ -86,7 +111,11 @@ void EngineControl::ReadState() {
 
 // The members are empty before the engine hears of it: what comes in meanwhile finds no engine.
 void EngineControl::Release() noexcept {
+    m_connections.Begin();
     m_tmMenu.Stop();
+    m_bServing = false;
+    m_tmAgain.Stop();
+    m_refused.clear();
     auto popupEvents = std::move(m_popupEvents);
     const auto popup = std::move(m_oPopup);
     popupEvents.reset();
@@ -100,8 +129,39 @@ void EngineControl::Disconnect(HWND configHwnd, LONG formReferenceAddress) {
     if (application) application->ReleasePopup(HandleToLong(configHwnd), formReferenceAddress);
 }
 
-void EngineControl::ReloadSettings() {
-    ThrowIfFailed(Engine()->ReloadSettings());
+void EngineControl::ReloadSettings(Event done) {
+    Give({&_Popup::ReloadSettings, nullptr, std::move(done), kTriesAgain});
+}
+
+// What was refused earlier goes first.
+void EngineControl::Give(Order order) {
+    if (m_refused.empty() && HasGiven(order)) return;
+    if (!ResumeNext([&] { m_refused.push_back(order); })) return order.done();
+    if (!m_tmAgain.Running()) m_tmAgain.Start(m_configHwnd);
+}
+
+void EngineControl::GiveAgain() {
+    m_tmAgain.Stop();
+    while (!m_refused.empty()) {
+        // Taken out while the engine is called: what comes in meanwhile must not give it too.
+        Order order = std::move(m_refused.front());
+        m_refused.erase(m_refused.begin());
+        if (HasGiven(order)) continue;
+        m_refused.insert(m_refused.begin(), std::move(order));
+        m_tmAgain.Start(m_configHwnd);
+        return;
+    }
+}
+
+bool EngineControl::HasGiven(Order& order) {
+    const Generation::Mark connection = m_connections.Current();
+    HRESULT result = E_FAIL;
+    ResumeNext([&] { result = (Engine().Get()->*order.member)(); });
+    const bool isReleased = !connection.IsCurrent();
+    if (!isReleased && IsRefusedForNow(result) && order.triesLeft-- > 0) return false;
+    if (order.pending != nullptr) this->*order.pending = false;
+    if (!isReleased) order.done();
+    return true;
 }
 
 std::wstring EngineControl::LogFile() {
@@ -160,22 +220,28 @@ void EngineControl::EnableMenuTimer() {
 // An engine that takes longer than a period lets the next tick in: the command is not given twice.
 void EngineControl::tmMenu_Timer() {
     if (std::exchange(m_bServing, true)) return;
-    ServeCommand();
-    m_bServing = false;
-    m_tmMenu.Stop();
+    if (bStartPending) {
+        Give({&_Popup::Start, &EngineControl::bStartPending,
+              [this] {
+                  m_menu.EnableRunningMenu();
+                  EndServing();
+              },
+              kTriesAgain});
+    } else if (bStopPending) {
+        Give({&_Popup::Stop, &EngineControl::bStopPending,
+              [this] {
+                  m_menu.EnableStoppedMenu();
+                  EndServing();
+              },
+              kTriesAgain});
+    } else if (bPausePending) {
+        Give({&_Popup::Pause, &EngineControl::bPausePending, [this] { EndServing(); }, kTriesAgain});
+    } else {
+        EndServing();
+    }
 }
 
-void EngineControl::ServeCommand() {
-    if (bStartPending) {
-        ResumeNext([&] { ThrowIfFailed(Engine()->Start()); });
-        bStartPending = false;
-        m_menu.EnableRunningMenu();
-    } else if (bStopPending) {
-        ResumeNext([&] { ThrowIfFailed(Engine()->Stop()); });
-        bStopPending = false;
-        m_menu.EnableStoppedMenu();
-    } else if (bPausePending) {
-        ResumeNext([&] { ThrowIfFailed(Engine()->Pause()); });
-        bPausePending = false;
-    }
+void EngineControl::EndServing() noexcept {
+    m_bServing = false;
+    m_tmMenu.Stop();
 }

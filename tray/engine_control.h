@@ -5,10 +5,12 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "platform/com/com_ptr.h"
 #include "platform/controls/control.h"
 #include "platform/com/event_connection.h"
+#include "platform/generation.h"
 #include "platform/timer.h"
 #include "sentrel1.h"
 #include "tray/tray_menu.h"
@@ -36,8 +38,12 @@ public:
     // arguments of Connect. Every failure is ignored.
     void Disconnect(HWND configHwnd, LONG formReferenceAddress);
 
-    // Each throws AutomationError when there is no engine (91) or it fails.
-    void ReloadSettings();
+    // Tells the engine to read the store again. Every failure is ignored. done runs behind the engine's
+    // answer, before this returns; where the call is refused for now, it is made again for about ten seconds,
+    // and done runs behind the last try. It does not run once the engine has been released.
+    void ReloadSettings(Event done);
+
+    // Throws AutomationError when there is no engine (91) or it fails.
     std::wstring LogFile();
 
     // The engine; null when there is none.
@@ -67,16 +73,35 @@ private:
     void ConnectEvents();
     void ReadState();
     void EnableMenuTimer();
-    void ServeCommand();
+
+    // What the engine is told, and what follows when it has been told or could not be.
+    using Member = HRESULT (STDMETHODCALLTYPE _Popup::*)();
+    struct Order {
+        Member member;
+        bool EngineControl::*pending;  // the flag that the order clears; null where it has none
+        Event done;
+        int triesLeft;
+    };
+    void Give(Order order);
+    void GiveAgain();
+
+    // Returns false when the call is to be made again.
+    bool HasGiven(Order& order);
+    void EndServing() noexcept;
+
     ComPtr<_Popup> Engine() const;
 
     TrayMenu& m_menu;
     const Event m_animate;
     const Event m_announce;
+    // Begins with each connecting and each release.
+    Generation m_connections;
     HWND m_configHwnd = nullptr;
     ComPtr<_SentrelApp> m_application;
     ComPtr<_Popup> m_oPopup;
     std::unique_ptr<EventConnection> m_popupEvents;
     Timer m_tmMenu;
     bool m_bServing = false;
+    std::vector<Order> m_refused;
+    Timer m_tmAgain;
 };

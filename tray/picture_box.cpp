@@ -38,7 +38,8 @@ STDMETHODIMP PictureBox::get_Name(BSTR* value) {
 
 STDMETHODIMP PictureBox::get_Picture(IDispatch** value) {
     if (value == nullptr) return E_POINTER;
-    return m_picture.CopyTo(value);
+    *value = nullptr;
+    return ComMethod([&] { ThrowIfFailed(m_picture.CopyTo(value)); });
 }
 
 HICON IconOf(IDispatch* pictureBox) {

@@ -51,23 +51,27 @@ STDMETHODIMP ShellNotification::InitShellNotify(LONG lgHwnd, LONG lgCallBackMsg)
 }
 
 STDMETHODIMP ShellNotification::AddIcon(IDispatch* pPic) {
-    return ComMethod([&] {
-        if (m_bTerminated || m_bIconAdded) return;
-        m_oPic = pPic;
-        FillRecord(pPic);
-        // A picture box of another process lets other calls in while it is asked for its picture.
-        if (m_bTerminated || m_bIconAdded) return;
-        m_bIconAdded = true;
-        Add();
-    });
+    return ComMethod([&] { AddPicture(pPic); });
+}
+
+void ShellNotification::AddPicture(IDispatch* pPic) {
+    if (m_bTerminated || m_bIconAdded) return;
+    m_oPic = pPic;
+    const HICON icon = PictureOf(pPic);
+    if (m_bTerminated || m_bIconAdded || m_oPic.Get() != pPic) return;
+    FillRecord(icon);
+    m_bIconAdded = true;
+    Add();
 }
 
 STDMETHODIMP ShellNotification::RemoveIcon() {
-    return ComMethod([&] {
-        m_tmrAdd.Stop();
-        // The shell may let a message in meanwhile that tells of a new taskbar: the icon must not come back.
-        if (std::exchange(m_bIconAdded, false)) NotifyShell(NIM_DELETE, m_record);
-    });
+    return ComMethod([&] { Remove(); });
+}
+
+void ShellNotification::Remove() noexcept {
+    m_tmrAdd.Stop();
+    // The shell may let a message in meanwhile that tells of a new taskbar: the icon must not come back.
+    if (std::exchange(m_bIconAdded, false)) NotifyShell(NIM_DELETE, m_record);
 }
 
 STDMETHODIMP ShellNotification::AnimateIcon(SAFEARRAY** pPics, LONG lngInterval, LONG lngPicsPerCycle,
@@ -77,6 +81,7 @@ STDMETHODIMP ShellNotification::AnimateIcon(SAFEARRAY** pPics, LONG lngInterval,
         if (m_bTerminated) return;
         // Pictures that cannot be had leave a running animation as it is.
         PictureArray frames(*pPics);
+        m_shown.Begin();
         m_tmrAni = std::make_unique<CalvaneTime>();
         m_tmrAni->TimerFired = [this](LONG lngTHandle) { m_tmrAni_TimerFired(lngTHandle); };
         m_tmrAni->Interval(lngInterval);
@@ -90,36 +95,49 @@ STDMETHODIMP ShellNotification::AnimateIcon(SAFEARRAY** pPics, LONG lngInterval,
 
 // The picture with the number of the upper bound is never shown: its place is the resting icon's.
 void ShellNotification::m_tmrAni_TimerFired(LONG) {
-    // A picture box of another process may let in the call that releases this object.
     const ComPtr<IUnknown> self(static_cast<_ShellNotification*>(this));
+    const Generation::Mark shown = m_shown.Begin();
     if (m_lngFrameCounter == m_frames.UpperBound()) {
-        EndAnimation();
+        EndAnimation(shown);
         return;
     }
+    // Counted before the picture is asked for: a picture of another process may take longer than a period.
+    const LONG frame = m_lngFrameCounter++;
     try {
-        ModifyIcon(m_frames.Item(m_lngFrameCounter).Get());
+        ModifyIcon(m_frames.Item(frame).Get(), shown);
     } catch (const AutomationError&) {
         // The same picture would fail again at every tick.
-        EndAnimation();
+        if (shown.IsCurrent()) EndAnimation(shown);
         throw;
     }
-    ++m_lngFrameCounter;
 }
 
-void ShellNotification::EndAnimation() {
+void ShellNotification::EndAnimation(const Generation::Mark& shown) {
     if (m_tmrAni) m_tmrAni->Stop();
     m_bAnimating = false;
-    m_frames.Clear();
     m_lngPicsPerCycle = 0;
-    RemoveIcon();
-    AddIcon(m_oPic.Get());
+    m_frames.Clear();
+    if (!shown.IsCurrent()) return;
+    Remove();
+    AddPicture(m_oPic.Get());
 }
 
-// A picture box of another process may let in the call that lets go of the picture.
-void ShellNotification::FillRecord(IDispatch* picture) {
-    const ComPtr<IDispatch> held(picture);
-    const HICON icon = IconOf(picture);
+// The call of a picture box in another process may let in the call that lets go of it.
+HICON ShellNotification::PictureOf(IDispatch* pictureBox) {
+    const ComPtr<IDispatch> held(pictureBox);
+    return IconOf(pictureBox);
+}
+
+void ShellNotification::FillRecord(HICON icon) {
     m_record = MakeNotifyIconRecord(m_lgHwnd, m_lgCallBackMsg, icon, m_strToolTip);
+}
+
+// The icon stays as the record has it where the picture cannot be had.
+void ShellNotification::RefillRecord() {
+    ResumeNext([&] {
+        const HICON icon = PictureOf(m_oPic.Get());
+        if (m_bIconAdded) FillRecord(icon);
+    });
 }
 
 void ShellNotification::Add() {
@@ -132,7 +150,7 @@ void ShellNotification::Add() {
 void ShellNotification::AddAgain() {
     const ComPtr<IUnknown> self(static_cast<_ShellNotification*>(this));
     if (--m_triesLeft <= 0) m_tmrAdd.Stop();
-    ResumeNext([&] { FillRecord(m_oPic.Get()); });
+    RefillRecord();
     if (!m_bIconAdded) return;
     if (NotifyShell(NIM_MODIFY, m_record) || NotifyShell(NIM_ADD, m_record)) m_tmrAdd.Stop();
 }
@@ -140,19 +158,22 @@ void ShellNotification::AddAgain() {
 void ShellNotification::OnTaskbarCreated() {
     if (!m_bIconAdded) return;
     m_tmrAdd.Stop();
-    ResumeNext([&] { FillRecord(m_oPic.Get()); });
+    RefillRecord();
     if (m_bIconAdded) Add();
 }
 
-void ShellNotification::ModifyIcon(IDispatch* pPic) {
+void ShellNotification::ModifyIcon(IDispatch* pPic, const Generation::Mark& shown) {
     if (!m_bIconAdded) return;
-    FillRecord(pPic);
-    if (m_bIconAdded) NotifyShell(NIM_MODIFY, m_record);
+    const HICON icon = PictureOf(pPic);
+    if (!m_bIconAdded || !shown.IsCurrent()) return;
+    FillRecord(icon);
+    NotifyShell(NIM_MODIFY, m_record);
 }
 
 void ShellNotification::Class_Terminate() {
     if (std::exchange(m_bTerminated, true)) return;
-    RemoveIcon();
+    m_shown.Begin();
+    Remove();
     // A finished animation leaves its timer behind, and a client may have asked for 0 pictures per cycle.
     if (m_lngPicsPerCycle > 0) m_tmrAni->Stop();
     m_tmrAni.reset();

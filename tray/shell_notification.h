@@ -8,6 +8,7 @@
 
 #include "platform/com/dispatch_object.h"
 #include "platform/com/event_source.h"
+#include "platform/generation.h"
 #include "platform/timer.h"
 #include "tray/type_libraries.h"
 #include "shell_notification_interface.h"
@@ -60,11 +61,19 @@ protected:
 private:
     ~ShellNotification() override;
 
-    void FillRecord(IDispatch* picture);
+    // Each of the first three, and whatever calls them, lets other work in: pictures may be those of another
+    // process.
+    static HICON PictureOf(IDispatch* pictureBox);
+    void AddPicture(IDispatch* pPic);
+    void RefillRecord();
+    void FillRecord(HICON icon);
     void Add();
     void AddAgain();
-    void ModifyIcon(IDispatch* pPic);
-    void EndAnimation();
+    void Remove() noexcept;
+
+    // Nothing is shown where the tick that asks for it is no longer the newest work.
+    void ModifyIcon(IDispatch* pPic, const Generation::Mark& shown);
+    void EndAnimation(const Generation::Mark& shown);
 
     std::wstring m_strToolTip;
     NotifyIconRecord m_record{};
@@ -81,6 +90,9 @@ private:
     LONG m_lngFrameCounter = 0;
     bool m_bAnimating = false;
     std::unique_ptr<CalvaneTime> m_tmrAni;
+
+    // Begins with each tick, each start and the end of the animation.
+    Generation m_shown;
 
     Timer m_tmrAdd;
     int m_triesLeft = 0;

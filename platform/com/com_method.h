@@ -4,15 +4,17 @@
 #include <windows.h>
 
 #include <new>
+#include <utility>
 
 #include "platform/automation_error.h"
+#include "platform/com/server_process.h"
 
 // Leaves the description of code for the caller (IErrorInfo; EXCEPINFO through IDispatch) and returns code.
 HRESULT ReportError(HRESULT code) noexcept;
 
-// Runs the body of a COM method.
+// Runs body and returns how it ended.
 template <class Body>
-HRESULT ComMethod(Body&& body) noexcept {
+HRESULT ResultOf(Body&& body) noexcept {
     try {
         body();
         return S_OK;
@@ -23,4 +25,12 @@ HRESULT ComMethod(Body&& body) noexcept {
     } catch (...) {
         return ReportError(E_UNEXPECTED);
     }
+}
+
+// Runs the body of an object's member. While the process is about to end, every member returns
+// CO_E_SERVER_STOPPING and does nothing.
+template <class Body>
+HRESULT ComMethod(Body&& body) noexcept {
+    if (ServerProcess::Stopping()) return ReportError(CO_E_SERVER_STOPPING);
+    return ResultOf(std::forward<Body>(body));
 }

@@ -65,10 +65,11 @@ STDMETHODIMP EventSource::EnumConnectionPoints(IEnumConnectionPoints** points) {
 STDMETHODIMP EventSource::FindConnectionPoint(REFIID id, IConnectionPoint** point) {
     if (point == nullptr) return E_POINTER;
     *point = nullptr;
-    if (!IsEqualIID(id, m_point.events)) return CONNECT_E_NOCONNECTION;
-    m_point.AddRef();
-    *point = &m_point;
-    return S_OK;
+    return ComMethod([&] {
+        if (!IsEqualIID(id, m_point.events)) throw AutomationError(CONNECT_E_NOCONNECTION);
+        m_point.AddRef();
+        *point = &m_point;
+    });
 }
 
 STDMETHODIMP EventSource::Point::QueryInterface(REFIID id, void** object) {
@@ -96,9 +97,11 @@ STDMETHODIMP EventSource::Point::GetConnectionPointContainer(IConnectionPointCon
 STDMETHODIMP EventSource::Point::Advise(IUnknown* sink, DWORD* cookie) {
     if (sink == nullptr || cookie == nullptr) return E_POINTER;
     *cookie = 0;
-    ComPtr<IDispatch> dispatch;
-    if (FAILED(sink->QueryInterface(IID_PPV_ARGS(&dispatch)))) return CONNECT_E_CANNOTCONNECT;
     return ComMethod([&] {
+        ComPtr<IDispatch> dispatch;
+        if (FAILED(sink->QueryInterface(IID_PPV_ARGS(&dispatch)))) {
+            throw AutomationError(CONNECT_E_CANNOTCONNECT);
+        }
         sinks.emplace(lastCookie + 1, dispatch);
         *cookie = ++lastCookie;
     });

@@ -128,7 +128,7 @@ class FirstFailure {
 public:
     template <class Step>
     void Run(Step&& step) {
-        const HRESULT result = ComMethod(step);
+        const HRESULT result = ResultOf(step);
         if (SUCCEEDED(m_result)) m_result = result;
     }
 
@@ -186,10 +186,10 @@ bool IsSwitch(std::wstring_view argument, std::wstring_view name) {
 }  // namespace
 
 HRESULT RegisterServer(const ServerDescription& server) {
-    return ComMethod([&] {
+    return ResultOf([&] {
         const std::vector<RegistryEntry> entries = EntriesOf(server);
         const TypeLibraries libraries = LoadTypeLibraries(server);
-        const HRESULT result = ComMethod([&] { RegisterIn(Machine(), entries, libraries); });
+        const HRESULT result = ResultOf([&] { RegisterIn(Machine(), entries, libraries); });
         if (IsDenied(result)) {
             RegisterIn(User(), entries, libraries);
         } else {
@@ -199,7 +199,7 @@ HRESULT RegisterServer(const ServerDescription& server) {
 }
 
 HRESULT UnregisterServer(const ServerDescription& server) {
-    return ComMethod([&] {
+    return ResultOf([&] {
         const std::vector<RegistryEntry> entries = EntriesOf(server);
         const TypeLibraries libraries = LoadTypeLibraries(server);
         FirstFailure failure;

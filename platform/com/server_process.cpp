@@ -3,6 +3,12 @@
 #include <windows.h>
 #include <objbase.h>
 
+namespace {
+
+bool stopping = false;
+
+}  // namespace
+
 namespace ServerProcess {
 
 // CoReleaseServerProcess suspends the class objects in the same step in which the count reaches 0, so that a
@@ -13,6 +19,15 @@ void Lock() noexcept {
 
 void Unlock() noexcept {
     if (CoReleaseServerProcess() == 0) PostQuitMessage(0);
+}
+
+void Stop() noexcept {
+    stopping = true;
+    CoSuspendClassObjects();
+}
+
+bool Stopping() noexcept {
+    return stopping;
 }
 
 }  // namespace ServerProcess

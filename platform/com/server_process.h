@@ -9,4 +9,9 @@ namespace ServerProcess {
 void Lock() noexcept;
 void Unlock() noexcept;
 
+// The process is about to end, whoever still locks it: new clients start a process of their own, and from now
+// on ComMethod refuses every call of an object. There is no way back.
+void Stop() noexcept;
+bool Stopping() noexcept;
+
 }  // namespace ServerProcess

@@ -84,7 +84,7 @@ private:
 }  // namespace
 
 HRESULT AdmitOwnUserOnly() {
-    return ComMethod([] {
+    return ResultOf([] {
         OwnUserDescriptor descriptor;
         // The servers that the program calls may learn who it runs as, and not act in its name. No further
         // capability: disabling activation as the activator would keep the engine from being started.

@@ -82,7 +82,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, LPWSTR commandLine, int) {
     const HRESULT initialized = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
     if (FAILED(initialized)) return initialized;
 
-    const HRESULT result = ComMethod([&] {
+    const HRESULT result = ResultOf([&] {
         switch (ParseServerCommand(commandLine)) {
             case ServerCommand::Register:
                 ThrowIfFailed(RegisterServer(Description()));

@@ -19,7 +19,7 @@ inline constexpr DISPID kPaused = 2;
 inline constexpr DISPID kStarted = 3;
 inline constexpr DISPID kStopped = 4;
 
-// Every way in which a call to another process fails, and some that engines invent.
+// Ways in which a call to another process fails for good, and some that engines invent.
 inline const HRESULT kFailures[] = {E_FAIL,
                                     E_OUTOFMEMORY,
                                     E_ACCESSDENIED,
@@ -27,7 +27,6 @@ inline const HRESULT kFailures[] = {E_FAIL,
                                     DISP_E_EXCEPTION,
                                     RPC_E_DISCONNECTED,
                                     RPC_E_SERVERFAULT,
-                                    RPC_E_CALL_REJECTED,
                                     HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
                                     HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE)};
 

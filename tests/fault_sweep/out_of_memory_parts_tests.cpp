@@ -237,7 +237,7 @@ TEST_CASE(
                            f.engine.tmMenu_Timer();
                            f.engine.mnuStartKiller_Click();
                            f.engine.tmMenu_Timer();
-                           f.engine.ReloadSettings();
+                           f.engine.ReloadSettings([] {});
                            path = f.engine.LogFile();
                        },
                        [&](int) {

@@ -46,9 +46,10 @@ std::vector<std::wstring> SettingsWindow::Rows(const ListView& list, int subItem
     return rows;
 }
 
-void SettingsWindow::Reload() {
+void SettingsWindow::Reload(const Event& done) {
     events.push_back("reload");
     if (onReload) onReload();
+    done();
 }
 
 void SettingsWindow::Hide() {

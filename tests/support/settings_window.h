@@ -73,9 +73,9 @@ public:
     AboutPage aboutPage{*this};
     ClosedLog closedLog{*this, lstExclude, [this] { return logFile(); }, markChanged};
     SettingsTransfer transfer{controls, changeMark, popupNotice, generalOptions, closedLog, cboPauseKey};
-    Commands commands{*this, transfer, [this] { Reload(); }, [this] { Hide(); }};
+    Commands commands{*this, transfer, [this](const Event& done) { Reload(done); }, [this] { Hide(); }};
 
 private:
-    void Reload();
+    void Reload(const Event& done);
     void Hide();
 };

@@ -1,0 +1,135 @@
+// Calls of the engine that are refused for now: it is busy, or Windows lets no call out while this thread
+// handles a message that another program has sent.
+#include <doctest.h>
+
+#include "tests/engine_control/engine_fixture.h"
+
+namespace {
+
+const HRESULT kRefusals[] = {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER,
+                             RPC_E_CANTCALLOUT_ININPUTSYNCCALL};
+
+struct RefusingEngine : EngineFixture {
+    // Refuses the next calls of the member.
+    void Refuse(const std::string& member, HRESULT refusal, int times) {
+        server.script.results[member] = refusal;
+        server.script.within[member] = [this, member, times]() mutable {
+            if (times-- == 0) server.script.results.erase(member);
+        };
+    }
+
+    void Reload() {
+        engine.ReloadSettings([this] { ++done; });
+    }
+
+    int done = 0;
+};
+
+}  // namespace
+
+TEST_CASE_FIXTURE(RefusingEngine,
+                  "a reload that is refused for now is made again until the engine takes it") {
+    for (const HRESULT refusal : kRefusals) {
+        CAPTURE(refusal);
+        done = 0;
+        ConnectQuietly();
+        Refuse("ReloadSettings", refusal, 3);
+        Reload();
+        CHECK(done == 0);
+        CHECK(server.script.calls == Calls{"ReloadSettings"});
+        REQUIRE(PumpUntil([&] { return done == 1; }));
+        CHECK(server.script.calls == Calls(4, "ReloadSettings"));
+        PumpFor(300);
+        CHECK(done == 1);
+        CHECK(server.script.calls == Calls(4, "ReloadSettings"));
+    }
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "any other failure of a reload is final") {
+    Connect();
+    for (const HRESULT failure : {E_FAIL, RPC_E_DISCONNECTED, HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE)}) {
+        CAPTURE(failure);
+        done = 0;
+        server.script.calls.clear();
+        server.script.results["ReloadSettings"] = failure;
+        Reload();
+        CHECK(done == 1);
+        PumpFor(300);
+        CHECK(server.script.calls == Calls{"ReloadSettings"});
+    }
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "a menu command that is refused for now reaches the engine later, once") {
+    struct Command {
+        const char* member;
+        void (EngineControl::*click)();
+        const char* menuBefore;
+        const char* menuAfter;
+    };
+    const Command kCommands[] = {{"Start", &EngineControl::mnuStartKiller_Click, kStoppedMenu, kRunning},
+                                 {"Stop", &EngineControl::mnuStopKiller_Click, kRunning, kStoppedMenu},
+                                 {"Pause", &EngineControl::mnuPauseKiller_Click, kRunning, kRunning}};
+    for (const Command& command : kCommands) {
+        CAPTURE(command.member);
+        ConnectQuietly();
+        menu.EnableRunningMenu();
+        if (command.menuBefore == std::string(kStoppedMenu)) menu.EnableStoppedMenu();
+        Refuse(command.member, RPC_E_CALL_REJECTED, 2);
+        (engine.*command.click)();
+        REQUIRE(PumpUntil([&] { return !server.script.calls.empty(); }));
+        CHECK(Enabled() == command.menuBefore);
+        CHECK(engine.tmMenu().Running());
+        REQUIRE(Tick());
+        CHECK(server.script.calls == Calls(3, command.member));
+        CHECK(Enabled() == command.menuAfter);
+        CHECK_FALSE(engine.bStartPending);
+        CHECK_FALSE(engine.bStopPending);
+        CHECK_FALSE(engine.bPausePending);
+    }
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "what was refused first is given first") {
+    ConnectQuietly();
+    Refuse("ReloadSettings", RPC_E_CALL_REJECTED, 2);
+    Reload();
+    engine.mnuStartKiller_Click();
+    engine.tmMenu_Timer();
+    CHECK(server.script.calls == Calls{"ReloadSettings"});
+    REQUIRE(Tick());
+    CHECK(server.script.calls == Calls{"ReloadSettings", "ReloadSettings", "ReloadSettings", "Start"});
+    CHECK(done == 1);
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "a refused call is given up when the engine is released") {
+    ConnectQuietly();
+    Refuse("ReloadSettings", RPC_E_CALL_REJECTED, 1000);
+    Reload();
+    engine.Disconnect(window.Hwnd(), 0x1234);
+    server.script.calls.clear();
+    PumpFor(300);
+    CHECK(server.script.calls.empty());
+    CHECK(done == 0);
+    // The next window's engine is not held up by it.
+    server.script.results.clear();
+    server.script.within.clear();
+    ConnectQuietly();
+    Reload();
+    CHECK(done == 1);
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "an engine that stays busy is given up after a bounded number of tries") {
+    ConnectQuietly();
+    Refuse("ReloadSettings", RPC_E_SERVERCALL_RETRYLATER, 1000);
+    Reload();
+    REQUIRE(PumpUntil([&] { return done == 1; }, 60000));
+    CHECK(server.script.calls == Calls(101, "ReloadSettings"));
+}
+
+TEST_CASE_FIXTURE(RefusingEngine,
+                  "an engine that is released while its events are connected keeps no connection") {
+    server.script.within["Advise"] = [&] { engine.Disconnect(window.Hwnd(), 0x1234); };
+    Connect();
+    CHECK(server.popup == nullptr);
+    CHECK(engine.Popup() == nullptr);
+    CHECK(server.script.Count("Popup gone") == 1);
+}
