@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Writes what is made from store/settings_schema.h into the source tree: the policy and the schema's page. To be run, and
+# Writes what is made from store/settings_schema.h into the source tree: the policies, the defaults and the schema's page. To be run, and
 # its result committed, whenever the schema changes; tests/policy_test.sh fails until then.
 set -euo pipefail
 # shellcheck source=tools/setup.sh
@@ -14,6 +14,6 @@ mkdir -p "$output/en-US"
 UsePrefix "$kBuildRoot/wine-schema"
 MakePrefix "$WINEPREFIX"
 Wine 60 "$kBuildRoot/release/schema_export.exe" "Z:${output//\//\\}"
-cp "$output/calvane.admx" packaging/policy/
-cp "$output/en-US/calvane.adml" packaging/policy/en-US/
+cp "$output"/*.{admx,reg} packaging/policy/
+cp "$output"/en-US/*.adml packaging/policy/en-US/
 cp "$output/settings-schema.md" docs/

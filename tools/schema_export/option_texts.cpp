@@ -19,36 +19,40 @@ constexpr long kSpeedLevels = 10;
 struct OptionText {
     const wchar_t* value;
     OptionForm form;
+    bool isRead;
     const char* title;
     const char* meaning;
 };
 
+constexpr bool kRead = true;
+constexpr bool kNeverRead = false;
+
 constexpr OptionText kOptionTexts[] = {
-    {Schema::kBeep, OptionForm::Digit, "Beep when a window has been closed",
+    {Schema::kBeep, OptionForm::Digit, kRead, "Beep when a window has been closed",
      "Beeps when the engine has closed a window, unless the sound is played."},
-    {Schema::kPlaySound, OptionForm::Digit, "Play a sound when a window has been closed",
+    {Schema::kPlaySound, OptionForm::Digit, kRead, "Play a sound when a window has been closed",
      "Plays the sound file when the engine has closed a window."},
-    {L"chkStartup", OptionForm::Digit, "Stored mark chkStartup",
+    {L"chkStartup", OptionForm::Digit, kNeverRead, "Stored mark chkStartup",
      "Written with the defaults and never read again by the manager."},
-    {L"chkStopAds", OptionForm::Flag, "Stored mark chkStopAds",
+    {L"chkStopAds", OptionForm::Flag, kNeverRead, "Stored mark chkStopAds",
      "Written with the defaults and never read by the manager."},
-    {L"chkStopPop", OptionForm::Flag, "Stored mark chkStopPop",
+    {L"chkStopPop", OptionForm::Flag, kNeverRead, "Stored mark chkStopPop",
      "Written with the defaults and never read by the manager."},
-    {L"chkTray", OptionForm::Digit, "Stored mark chkTray",
+    {L"chkTray", OptionForm::Digit, kNeverRead, "Stored mark chkTray",
      "Written with the defaults and never read by the manager."},
-    {Schema::kPause, OptionForm::Number, "Pause time",
+    {Schema::kPause, OptionForm::Number, kRead, "Pause time",
      "How long a pause lasts, in milliseconds; the window shows seconds."},
-    {Schema::kSpeed, OptionForm::OneOf, "Scanning speed",
+    {Schema::kSpeed, OptionForm::OneOf, kRead, "Scanning speed",
      "How often the engine looks for windows to close, in milliseconds; the window shows levels. "
      "Another number counts as level 6."},
-    {Schema::kSoundFile, OptionForm::FilePath, "Sound file",
+    {Schema::kSoundFile, OptionForm::FilePath, kRead, "Sound file",
      "The wave file that is played when the engine has closed a window, with its full path."},
-    {Schema::kStartup, OptionForm::OneOf, "How the manager is started",
+    {Schema::kStartup, OptionForm::OneOf, kRead, "How the manager is started",
      "Who starts the manager. A missing value counts as \"Manual\". \"Startup\" takes effect through the Run "
      "value alone, which is a setting of the machine."},
-    {Schema::kPauseKey, OptionForm::OneOf, "Hot key to pause the engine",
+    {Schema::kPauseKey, OptionForm::OneOf, kRead, "Hot key to pause the engine",
      "The key that pauses the engine. A missing value counts as \"Shift\"."},
-    {Schema::kFirstTime, OptionForm::Mark, "The defaults have been written",
+    {Schema::kFirstTime, OptionForm::Mark, kRead, "The defaults have been written",
      "Only its presence counts. While it is missing, the next start of the manager writes every default over "
      "what is stored."},
 };
@@ -99,6 +103,7 @@ Option OptionOf(const Schema::Setting& setting) {
                       .fallback = Plain(setting.text),
                       .isInServerDirectory = setting.isInServerDirectory,
                       .form = text.form,
+                      .isRead = text.isRead,
                       .title = text.title,
                       .meaning = text.meaning,
                       .choices = {}};

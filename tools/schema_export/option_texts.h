@@ -24,6 +24,7 @@ struct Option {
     std::string fallback;
     bool isInServerDirectory;  // fallback is the end of a path that begins with the server's directory
     OptionForm form;
+    bool isRead;  // by the manager
     std::string title;
     std::string meaning;                // sentences
     std::vector<OptionChoice> choices;  // OneOf
@@ -56,3 +57,6 @@ std::vector<OptionList> OptionLists();
 
 // The schema's names are plain ASCII.
 std::string Plain(const wchar_t* text);
+
+// Where the installer puts the manager on 64-bit Windows, when nobody chooses another folder.
+inline constexpr char kUsualFolder[] = "C:\\Program Files (x86)\\Calvane";

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/text.h"
 #include "store/settings_schema.h"
 #include "tools/schema_export/text_file.h"
 
@@ -23,20 +24,33 @@ std::string String(const std::string& id) {
     return "$(string." + id + ")";
 }
 
+// What these policies can do and what they cannot, for each of them.
+constexpr char kPreference[] =
+    "\n\nThis is a preference. Windows writes it when the policy object has changed, not at every refresh, "
+    "so "
+    "that what a user chooses stays until then; and it stays when the policy no longer applies. A manager "
+    "that "
+    "runs has read its options already, and writes them over this one when its user next presses OK or "
+    "Apply.";
+
 std::string HelpOf(const Option& option) {
-    const std::string help = option.meaning;
+    std::string help = option.meaning;
     switch (option.form) {
         case OptionForm::Mark:
-            return help +
-                   "\n\nEnabled: the mark is set, and the options of this policy hold from the first start "
-                   "on. "
-                   "Disabled: the mark is removed, and the next start writes the defaults.";
+            help +=
+                "\n\nEnabled: the mark is set, and no defaults are written: set every option and both lists "
+                "with it. Disabled: the mark is removed, and the next start writes the defaults. Not "
+                "configured: "
+                "the first start writes the defaults over every option and list but the excluded sites.";
+            break;
         case OptionForm::Digit:
         case OptionForm::Flag:
-            return help + "\n\nEnabled: on. Disabled: off.";
+            help += "\n\nEnabled: on. Disabled: off.";
+            break;
         default:
-            return help + "\n\nEnabled: the value given is stored. Disabled: the value is removed.";
+            help += "\n\nEnabled: the value given is stored. Disabled: the value is removed.";
     }
+    return help + kPreference;
 }
 
 std::string HelpOf(const OptionList& list) {
@@ -47,16 +61,29 @@ std::string HelpOf(const OptionList& list) {
         std::to_string(list.first) + " for the first, without gaps:";
     for (const ListField& field : list.fields)
         help += "\n" + std::to_string(list.first) + field.word + ": " + field.meaning;
-    return help + "\n\nDisabled: the list is emptied.";
+    return help + "\n\nDisabled: the list is emptied." + kPreference;
 }
+
+// What tells two policy files apart.
+struct PolicyFile {
+    const char* name;  // of the files, without .admx and .adml
+    const char* space;
+    const char* category;
+    const char* description;
+};
+
+constexpr PolicyFile kOptionsFile{"calvane", "Calvane.Policies.Config", "Calvane",
+                                  "Options of the Calvane configuration manager"};
+constexpr PolicyFile kStartupFile{"calvane-startup", "Calvane.Policies.Startup", "Calvane start with Windows",
+                                  "Start of the Calvane configuration manager with Windows"};
 
 class PolicyWriter {
 public:
-    PolicyWriter() {
+    explicit PolicyWriter(const PolicyFile& file) : m_file(file) {
         m_definitions.Open("policyDefinitions",
                            {{"xmlns", kDefinitions}, {"revision", "1.0"}, {"schemaVersion", "1.0"}});
         m_definitions.Open("policyNamespaces");
-        m_definitions.Empty("target", {{"prefix", "calvane"}, {"namespace", "Calvane.Policies.Config"}});
+        m_definitions.Empty("target", {{"prefix", "calvane"}, {"namespace", file.space}});
         m_definitions.Close();
         m_definitions.Empty("resources", {{"minRequiredRevision", "1.0"}});
         m_definitions.Open("supportedOn");
@@ -69,7 +96,7 @@ public:
         m_definitions.Close();
         m_definitions.Open("policies");
         AddString(kSupported, "Windows 7 and later, with Calvane installed");
-        AddString(kCategory, "Calvane");
+        AddString(kCategory, file.category);
     }
 
     void Add(const Option& option) {
@@ -104,27 +131,30 @@ public:
         m_presentations.push_back({list.id, "listBox", {}, list.title, false});
     }
 
+    // In quotes, unlike the manager's own value: unquoted, Windows would try C:\Program.exe first.
     void AddRunValue() {
-        Begin("Machine", kRunPolicy, "Start the manager with Windows",
-              "Starts the manager hidden when a user signs in. Needed where \"How the manager is started\" "
-              "is set to "
-              "\"Startup\" by policy: then nobody presses Apply, which would write this value.\n\nEnabled: "
-              "the full "
-              "path of CalvaneConfigLoader.exe is stored, without quotes. Disabled: the value is removed.",
-              Plain(Schema::kRunKey), "", true);
-        EndPath(kRunPolicy, Plain(Schema::kRunValue), "Full path of CalvaneConfigLoader.exe");
+        Begin(
+            "Machine", kRunPolicy, "Start the manager with Windows",
+            "Starts the manager hidden whenever somebody signs in, whatever \"How the manager is started\" "
+            "says.\n\nEnabled: the loader's full path is stored, in quotes as proposed. Disabled: the value "
+            "is "
+            "removed.\n\nThis is a preference: it stays when the policy no longer applies. Calvane's removal "
+            "takes it away.",
+            Plain(Schema::kRunKey), "", true);
+        EndPath(kRunPolicy, Plain(Schema::kRunValue), "Full path of CalvaneConfigLoader.exe, in quotes",
+                "\"" + std::string(kUsualFolder) + "\\CalvaneConfigLoader.exe\"");
     }
 
     void WriteTo(const std::wstring& folder) {
         m_definitions.Close();
         m_definitions.Close();
-        m_definitions.WriteTo(folder + L"\\calvane.admx");
+        m_definitions.WriteTo(folder + L"\\" + FileName(L".admx"));
 
         XmlFile words;
         words.Open("policyDefinitionResources",
                    {{"xmlns", kDefinitions}, {"revision", "1.0"}, {"schemaVersion", "1.0"}});
-        words.Leaf("displayName", {}, "Calvane");
-        words.Leaf("description", {}, "Options of the Calvane configuration manager");
+        words.Leaf("displayName", {}, m_file.category);
+        words.Leaf("description", {}, m_file.description);
         words.Open("resources");
         words.Open("stringTable");
         for (const auto& [id, text] : m_strings)
@@ -138,6 +168,7 @@ public:
             if (shown.hasLabelElement) {
                 words.Open(shown.control, attributes);
                 words.Leaf("label", {}, shown.label);
+                if (!shown.proposal.empty()) words.Leaf("defaultValue", {}, shown.proposal);
                 words.Close();
             } else {
                 words.Leaf(shown.control, attributes, shown.label);
@@ -147,7 +178,7 @@ public:
         words.Close();
         words.Close();
         words.Close();
-        words.WriteTo(folder + L"\\en-US\\calvane.adml");
+        words.WriteTo(folder + L"\\en-US\\" + FileName(L".adml"));
     }
 
 private:
@@ -157,7 +188,10 @@ private:
         XmlAttributes attributes;
         std::string label;
         bool hasLabelElement;
+        std::string proposal = {};  // what a text box holds at first
     };
+
+    std::wstring FileName(const wchar_t* extension) const { return FromAnsi(m_file.name) + extension; }
 
     void AddString(const std::string& id, const std::string& text) { m_strings.emplace_back(id, text); }
 
@@ -234,7 +268,8 @@ private:
              false});
     }
 
-    void EndPath(const std::string& id, const std::string& value, const std::string& label) {
+    void EndPath(const std::string& id, const std::string& value, const std::string& label,
+                 const std::string& proposal = {}) {
         m_definitions.Open("elements");
         m_definitions.Empty("text", {{"id", id},
                                      {"valueName", value},
@@ -242,9 +277,10 @@ private:
                                      {"maxLength", std::to_string(kLongestPath)}});
         m_definitions.Close();
         m_definitions.Close();
-        m_presentations.push_back({id, "textBox", {}, label, true});
+        m_presentations.push_back({id, "textBox", {}, label, true, proposal});
     }
 
+    const PolicyFile m_file;
     XmlFile m_definitions;
     std::vector<std::pair<std::string, std::string>> m_strings;
     std::vector<Presentation> m_presentations;
@@ -254,11 +290,15 @@ private:
 
 void WritePolicy(const std::vector<Option>& options, const std::vector<OptionList>& lists,
                  const std::wstring& folder) {
-    PolicyWriter policy;
-    for (const Option& option : options)
-        policy.Add(option);
+    PolicyWriter policy(kOptionsFile);
+    for (const Option& option : options) {
+        if (option.isRead) policy.Add(option);
+    }
     for (const OptionList& list : lists)
         policy.Add(list);
-    policy.AddRunValue();
     policy.WriteTo(folder);
+
+    PolicyWriter startup(kStartupFile);
+    startup.AddRunValue();
+    startup.WriteTo(folder);
 }
