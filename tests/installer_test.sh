@@ -9,7 +9,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 kSetup=$BUILD_DIR/CalvaneSetup.exe
 kInstalled='C:\Program Files\Calvane'
 kFolder=$WINEPREFIX/drive_c/Program\ Files/Calvane
-kShortcut=$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start\ Menu/Programs/Calvane.lnk
+kStartMenu=$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start\ Menu/Programs
 kUninstallKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Calvane'
 kSettingsKey='HKCU\Software\Calvane\Settings'
 kRunKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Run'
@@ -27,11 +27,11 @@ Equal() {
     [[ $2 == "$3" ]] || Fail "$1 is \"$2\", not \"$3\""
 }
 
-# Exits CODE PROGRAM [ARGUMENT...]
+# Exits CODE PROGRAM [ARGUMENT...]; of a code above 255 this system knows the lowest byte alone.
 Exits() {
     local code=0
     Wine 60 "${@:2}" >"$kWork/output" 2>&1 || code=$?
-    ((code == $1)) || { cat "$kWork/output" >&2; Fail "${*:2} ended with $code, not $1"; }
+    ((code == $1 % 256)) || { cat "$kWork/output" >&2; Fail "${*:2} ended with $code, not $1"; }
 }
 
 # WaitFor SECONDS COMMAND...
@@ -51,6 +51,31 @@ Stored() {
 
 ManagerRuns() { [[ -n $(ProcessesOf SentrelConfig.exe) ]]; }
 ManagerEnded() { ! ManagerRuns; }
+Holds() { grep -q held "$kWork/held"; }
+
+# Keep FILE: somebody reads the file and lets nobody write it.
+Keep() {
+    : >"$kWork/held"
+    "$wineCommand" "$BUILD_DIR/tests/hold_open.exe" "$1" >"$kWork/held" 2>/dev/null &
+    WaitFor 20 Holds
+}
+
+# HaltManager: loads a manager and halts it, so that it neither answers nor ends.
+HaltManager() {
+    Client 2
+    halted=$(ProcessesOf SentrelConfig.exe | head -1)
+    kill -STOP "$halted"
+}
+
+# Restart: Windows ends, and at its next start carries out what PendingFileRenameOperations says.
+Restart() {
+    [[ -z ${halted:-} ]] || kill -KILL "$halted" 2>/dev/null || true
+    halted=
+    StopWine
+    grep -q '"PendingFileRenameOperations"' "$WINEPREFIX/system.reg" || Fail "nothing is left for the next start"
+    Wine 60 wineboot >/dev/null 2>&1
+    StopWine
+}
 WindowShows() { xdotool search --onlyvisible --name '^Calvane$' >/dev/null 2>&1; }
 IsGone() { [[ ! -e $1 ]]; }
 # The uninstaller removes its own file last, from a copy of itself that nobody waits for.
@@ -158,10 +183,17 @@ done
 for file in docs/examples/*; do
     cmp <(sed 's/$/\r/' "$file") "$kFolder/$file" || Fail "$file is another one, or has not the line ends of Windows"
 done
-for file in policy/calvane.admx policy/en-US/calvane.adml; do
+for file in policy/calvane{,-startup}.admx policy/en-US/calvane{,-startup}.adml; do
     cmp "packaging/$file" "$kFolder/$file" || Fail "$file is another one"
 done
-[[ -e $kShortcut ]] || Fail "there is no shortcut in the Start menu"
+cmp <(sed 's/$/\r/' packaging/policy/calvane-defaults.reg) "$kFolder/policy/calvane-defaults.reg" ||
+    Fail "the defaults are others, or have not the line ends of Windows"
+for shortcut in 'Calvane' "Calvane user's guide"; do
+    [[ -e $kStartMenu/$shortcut.lnk ]] || Fail "\"$shortcut\" is not in the Start menu"
+done
+grep -qF users-guide.html <(tr -d '\0' <"$kStartMenu/Calvane user's guide.lnk") || Fail "the guide's shortcut leads elsewhere"
+[[ -n $(Stored "$kUninstallKey" HelpLink) && -n $(Stored "$kUninstallKey" URLInfoAbout) ]] || Fail "there are no links"
+Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" ''
 [[ -z $(find "$kFolder" -iname '*standin*') ]] || Fail "the stand-in engine is installed"
 echo "ok: installed"
 
@@ -173,35 +205,81 @@ tr '\0' ' ' <"/proc/$(ProcessesOf SentrelConfig.exe | head -1)/cmdline" | grep -
 Equal SoundFile "$(Stored "$kSettingsKey" SoundFile)" "$kInstalled\\Arc.wav"
 echo "ok: a script client works and the window shows"
 
-# --- An upgrade over a running manager, with a document that this version does not have
+# --- An upgrade over a running manager, with a document that somebody else put there
 SetRegistryValue "$kSettingsKey" txtPause REG_SZ 7000
 WriteRunValue "$kInstalled\\CalvaneConfigLoader.exe"
-echo old >"$kFolder/docs/former.html"
+echo mine >"$kFolder/docs/mine.html"
 ManagerRuns || Fail "the manager ended too early"
 Exits 0 "$kSetup" /S '/D=C:\Elsewhere'
 ManagerEnded || Fail "the manager runs on after the upgrade"
 [[ ! -e $WINEPREFIX/drive_c/Elsewhere ]] || Fail "the upgrade made a second copy"
-[[ ! -e $kFolder/docs/former.html ]] || Fail "the former document is still there"
+Equal "somebody's document" "$(cat "$kFolder/docs/mine.html")" mine
+rm "$kFolder/docs/mine.html"
 Equal txtPause "$(Stored "$kSettingsKey" txtPause)" 7000
 Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" "$kInstalled\\CalvaneConfigLoader.exe"
 Client 2
 echo "ok: upgraded"
 
-# --- A manager that cannot be ended: nobody has loaded its window yet. It is the only one then.
-Exits 0 "$kInstalled\\CalvaneConfigLoader.exe" /release
-WaitFor 10 ManagerEnded
-"$wineCommand" "$kInstalled\\SentrelConfig.exe" /Embedding >/dev/null 2>&1 &
-WaitFor 10 ManagerRuns
-sleep 1
-stat -c '%Y %s' "$kFolder"/* >"$kWork/files-before"
-Exits 3 "$kSetup" /S
+# --- An upgrade while a manager does not end and somebody reads the sound
+HaltManager
+echo old >"$kFolder/Arc.wav"
+Keep "$kInstalled\\Arc.wav"
+former=$(stat -c %i "$kFolder/SentrelConfig.exe")
+Exits 3010 "$kSetup" /S
+kill -0 "$halted" || Fail "the manager ended, so that nothing was in use"
+(($(stat -c %i "$kFolder/SentrelConfig.exe") != former)) || Fail "the manager's file is the former one"
+cmp "$BUILD_DIR/SentrelConfig.exe" "$kFolder/SentrelConfig.exe" || Fail "the manager's file was not replaced"
+(($(stat -c %i "$kFolder/SentrelConfig.exe.1.old") == former)) || Fail "the former file is not aside"
+Equal "the sound in use" "$(cat "$kFolder/Arc.wav")" old
+cmp "$BUILD_DIR/Arc.wav" "$kFolder/Arc.wav.new" || Fail "the new sound does not wait"
+# Once more before the restart: the same again, the whole exit code seen from Windows.
+printf '@"%s" /S\r\n@echo code %%ERRORLEVEL%%\r\n' "Z:${kSetup//\//\\}" >"$kWork/exit.cmd"
+Exits 3010 cmd /c "Z:${kWork//\//\\}\\exit.cmd"
+grep -q '^code 3010' "$kWork/output" || { cat "$kWork/output" >&2; Fail "the exit code is not 3010"; }
+Restart
+Equal "what is left of the former files" "$(cd "$kFolder" && find . -name '*.old' -o -name '*.new')" ''
+cmp "$BUILD_DIR/Arc.wav" "$kFolder/Arc.wav" || Fail "the sound was not replaced at the restart"
+Client 2
+echo "ok: upgraded while files were in use, the rest at the restart"
+
+# --- A removal likewise
+HaltManager
+Keep "$kInstalled\\docs\\users-guide.html"
 # shellcheck disable=SC2086 # the folder behind _?= takes no quotes, and Wine puts them around an argument with blanks
-Exits 3 "$kInstalled\\Uninstall.exe" /S _?=$kInstalled
-stat -c '%Y %s' "$kFolder"/* >"$kWork/files-after"
-cmp "$kWork/files-before" "$kWork/files-after" || Fail "files were changed below a running manager"
-ManagerRuns || Fail "the manager ended, so that nothing was in use"
-StopWine
-echo "ok: files in use are left alone"
+Exits 3010 "$kInstalled\\Uninstall.exe" /S _?=$kInstalled
+kill -0 "$halted" || Fail "the manager ended, so that nothing was in use"
+Equal UninstallString "$(Stored "$kUninstallKey" UninstallString)" ''
+[[ ! -e $kFolder/SentrelConfig.exe ]] || Fail "the manager's file still has its name"
+rm "$kFolder/Uninstall.exe"
+Restart
+IsGone "$kFolder" || { find "$kFolder"; Fail "the folder is still there"; }
+echo "ok: removed while files were in use, the rest at the restart"
+
+# --- Installed before the restart that a removal wants: nothing of it is lost then
+Exits 0 "$kSetup" /S
+HaltManager
+# shellcheck disable=SC2086
+Exits 3010 "$kInstalled\\Uninstall.exe" /S _?=$kInstalled
+Exits 0 "$kSetup" /S
+Restart
+for file in SentrelConfig.exe CalvaneConfigLoader.exe Arc.wav; do
+    cmp "$BUILD_DIR/$file" "$kFolder/$file" || Fail "the restart took $file"
+done
+echo "ok: installed between a removal and the restart"
+
+# --- Start with Windows, and what points at a folder where the program no longer is
+Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" ''
+Exits 0 "$kSetup" /S /STARTUP
+Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" "$kInstalled\\CalvaneConfigLoader.exe"
+WriteRunValue 'C:\Moved\CalvaneConfigLoader.exe'
+SetRegistryValue "$kSettingsKey" SoundFile REG_SZ 'C:\Moved\Arc.wav'
+Exits 0 "$kSetup" /S
+Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" "$kInstalled\\CalvaneConfigLoader.exe"
+Equal SoundFile "$(Stored "$kSettingsKey" SoundFile)" "$kInstalled\\Arc.wav"
+SetRegistryValue "$kSettingsKey" SoundFile REG_SZ 'C:\Moved\mine.wav'
+Exits 0 "$kSetup" /S
+Equal "a sound of the user's own" "$(Stored "$kSettingsKey" SoundFile)" 'C:\Moved\mine.wav'
+echo "ok: starts with Windows"
 
 # --- Removed while it runs; the settings stay
 Client 2
@@ -214,6 +292,8 @@ SameAsBefore removed
 echo "ok: removed but for the settings"
 
 # --- Installed again with the settings of before, and removed with them; what is not ours stays
+mkdir "$WINEPREFIX/drive_c/Other"
+touch "$WINEPREFIX/drive_c/Other/CalvaneConfigLoader.exe"
 WriteRunValue 'C:\Other\CalvaneConfigLoader.exe'
 Exits 0 "$kSetup" /S
 Client 2
@@ -225,6 +305,28 @@ Equal "the rest of the folder" "$(ls "$kFolder")" mine.txt
 rm -r "$kFolder"
 Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" 'C:\Other\CalvaneConfigLoader.exe'
 Exits 0 reg delete "$kRunKey" /v "$kRunValue" /f
+rm -r "$WINEPREFIX/drive_c/Other"
 Snapshot purged
 SameAsBefore purged
 echo "ok: removed with the settings"
+
+# --- Folders that users may change are refused; an empty one is protected
+mkdir -p "$WINEPREFIX/drive_c/Open/Calvane" "$WINEPREFIX/drive_c/Closed/Used" "$WINEPREFIX/drive_c/Closed/Empty"
+chmod 777 "$WINEPREFIX/drive_c/Open" "$WINEPREFIX/drive_c/Closed/"{Used,Empty}
+touch "$WINEPREFIX/drive_c/Closed/Used/planted.dll"
+for folder in 'Open\Calvane' 'Open\Other' 'Closed\Used'; do
+    Exits 6 "$kSetup" /S "/D=C:\\$folder"
+    [[ ! -e $WINEPREFIX/drive_c/${folder//\\//}/SentrelConfig.exe ]] || Fail "$folder was taken"
+done
+Equal UninstallString "$(Stored "$kUninstallKey" UninstallString)" ''
+for folder in 'Closed\Empty' 'Closed\New\Calvane'; do
+    Exits 0 "$kSetup" /S "/D=C:\\$folder"
+    unix=$WINEPREFIX/drive_c/${folder//\\//}
+    [[ -e $unix/SentrelConfig.exe ]] || Fail "$folder was not taken"
+    [[ $(stat -c %A "$unix") != ????????w? ]] || Fail "$folder is not protected"
+    # A policy's value is in quotes; it goes too.
+    SetRegistryValue "$kRunKey" "$kRunValue" REG_SZ "\"C:\\$folder\\CalvaneConfigLoader.exe\""
+    Exits 0 "C:\\$folder\\Uninstall.exe" /S "_?=C:\\$folder"
+    Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" ''
+done
+echo "ok: folders that users may change are refused or protected"

@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Proves that a commit makes the same bytes wherever and whenever it is built: builds it twice, in clones whose paths
-# differ in name and length, and compares the programs, the type libraries and the installer. Takes some minutes.
+# differ in name and length, and compares the programs, the type libraries and what is published. Takes some minutes.
 #
 #   tools/check_reproducible.sh [COMMIT]      HEAD when not given
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 kFiles=(SentrelConfig.exe CalvaneConfigLoader.exe SentrelStandin.exe CalvaneSetup.exe
+    dist/SHA256SUMS dist/Calvane-*-portable.zip dist/Calvane-*-symbols.zip
     idl/sentrel_config.tlb idl/calvane_forms.tlb idl/sentrel1.tlb idl/standin.tlb)
 
 commit=$(git rev-parse --verify "${1:-HEAD}^{commit}")
@@ -24,7 +25,7 @@ Build() {
             cd "$1" &&
             git checkout -q "$commit" &&
             cmake --preset release &&
-            cmake --build --preset release --target SentrelConfig CalvaneConfigLoader SentrelStandin installer
+            cmake --build --preset release --target SentrelConfig CalvaneConfigLoader SentrelStandin dist
     ) >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 }
 
@@ -32,8 +33,10 @@ Build "${clones[0]}" 022 UTC
 Build "${clones[1]}" 077 Asia/Tokyo
 
 differ=0
-for file in "${kFiles[@]}"; do
-    cmp "${clones[0]}/build/release/$file" "${clones[1]}/build/release/$file" && echo "same $file" || differ=1
+# shellcheck disable=SC2068 # the patterns are meant
+cd "${clones[0]}/build/release"
+for file in ${kFiles[@]}; do
+    cmp "$file" "${clones[1]}/build/release/$file" && echo "same $file" || differ=1
 done
 if ((differ)); then
     echo "The builds of ${commit:0:12} differ."

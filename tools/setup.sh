@@ -26,6 +26,10 @@ wine                        wine
 fonts-wine                  /usr/share/wine/fonts/marlett.ttf
 nsis                        makensis
 libxml2-utils               xmllint
+osslsigncode                osslsigncode
+openssl                     openssl
+zip                         zip
+unzip                       unzip
 '
 
 Have() {
