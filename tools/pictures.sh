@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Takes the pictures that the documents show: every page, every dialog and the tray menu, in each of the looks below. To
-# be run, and its result committed, whenever the window changes; tests/pictures_test.sh fails until then.
+# Takes the pictures that the documents show: every page, every dialog and the tray menu, in each of the looks below, and
+# the icon. To be run, and its result committed, whenever the window changes; tests/pictures_test.sh fails until then.
 #
 #   tools/pictures.sh            builds the programs and writes docs/pictures/
 #   tools/pictures.sh OUTDIR     writes to OUTDIR, with the programs in BUILD_DIR
@@ -139,6 +139,8 @@ else
     WriteLayout
 fi
 export SCREEN_SIZE=1280x1024x24
+
+convert "$tools/../app/res/tray_rest.ico[3]" -strip -define png:exclude-chunks=date,time "$output/tray-icon.png"
 
 workers=()
 failed=0
