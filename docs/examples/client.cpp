@@ -1,7 +1,7 @@
 // Shows the About page and tells the window's handle and caption; with the argument "end", ends the manager.
 //
-// sentrel_config.h is what the IDL compiler makes of app/sentrel_config.idl; the type library in
-// SentrelConfig.exe serves as well.
+// sentrel_config.h is what the IDL compiler makes of the manager's interfaces. It lies beside this file where
+// Calvane is installed.
 #include <windows.h>
 #include <oleauto.h>
 #include <wrl/client.h>
@@ -15,7 +15,7 @@ using Microsoft::WRL::ComPtr;
 
 namespace {
 
-// The objects behind ConfigForm and ShellIconClass answer by name.
+// The members of the objects behind ConfigForm and ShellIconClass are called by name.
 HRESULT ReadProperty(IDispatch* object, const wchar_t* name, VARIANT* value) {
     auto* text = const_cast<wchar_t*>(name);
     DISPID id = DISPID_UNKNOWN;
@@ -29,7 +29,7 @@ HRESULT ReadProperty(IDispatch* object, const wchar_t* name, VARIANT* value) {
 HRESULT Run(bool end) {
     ComPtr<_ConfigControl> control;
     HRESULT result =
-        CoCreateInstance(CLSID_ConfigControl, nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&control));
+        CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&control));
     if (FAILED(result)) return result;
     long showType = 3;
     ComPtr<IDispatch> object;
@@ -61,6 +61,6 @@ int wmain(int count, wchar_t** arguments) {
     result = Run(count > 1 && std::wcscmp(arguments[1], L"end") == 0);
     CoUninitialize();
     if (FAILED(result))
-        std::fwprintf(stderr, L"The manager answered 0x%08lX.\n", static_cast<unsigned long>(result));
+        std::fwprintf(stderr, L"The call failed with 0x%08lX.\n", static_cast<unsigned long>(result));
     return FAILED(result) ? 1 : 0;
 }
