@@ -11,7 +11,7 @@ endfunction()
 
 # deliver(PROGRAM [OBJECT_LIBRARY...]): signs the program as it is built, and adds the target PROGRAM_symbols, which makes
 # symbols/PROGRAM.exe.debug for gdb -s: the same objects linked once more, since stripping a linked program would neither
-# give the same bytes nor the same ones twice.
+# give the same bytes nor the same ones twice. The time in the header is the program's own, which is none.
 function(deliver program)
   add_debug_information(${program})
   if(SIGN_COMMAND)
@@ -27,5 +27,5 @@ function(deliver program)
   set_target_properties(${symbols} PROPERTIES LINKER_LANGUAGE CXX KEEPS_SYMBOLS ON OUTPUT_NAME ${program}
                         RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/symbols)
   add_custom_command(TARGET ${symbols} POST_BUILD
-    COMMAND ${CMAKE_OBJCOPY} --only-keep-debug $<TARGET_FILE:${symbols}> $<TARGET_FILE:${symbols}>.debug VERBATIM)
+    COMMAND ${CMAKE_OBJCOPY} --only-keep-debug --preserve-dates $<TARGET_FILE:${symbols}> $<TARGET_FILE:${symbols}>.debug VERBATIM)
 endfunction()
