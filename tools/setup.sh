@@ -18,7 +18,8 @@ xvfb                        Xvfb
 xauth                       xauth
 fluxbox                     fluxbox
 xdotool                     xdotool
-trayer                      trayer
+x11-utils                   xprop
+tint2                       tint2
 imagemagick                 import
 fonts-liberation            /usr/share/fonts/truetype/liberation
 fonts-dejavu-core           /usr/share/fonts/truetype/dejavu

@@ -11,16 +11,18 @@ WaitFor() {
     done
 }
 
-# StartTrayHost: puts a notification area into the upper left corner of the screen, as wide as its icons.
+# StartTrayHost: puts a notification area into the upper left corner of the screen, as wide as its icons. The number of
+# desktops is what tint2 waits a quarter of a minute for, since a window manager would tell it.
 StartTrayHost() {
-    trayer --edge top --align left --widthtype request --height 24 --SetDockType true >/dev/null 2>&1 &
-    WaitFor 30 FindTray || { echo "trayer did not start" >&2; return 1; }
+    xprop -root -f _NET_NUMBER_OF_DESKTOPS 32c -set _NET_NUMBER_OF_DESKTOPS 1
+    tint2 -c "$kRoot/tools/tray.tint2rc" >/dev/null 2>&1 &
+    WaitFor 30 FindTray || { echo "tint2 did not start" >&2; return 1; }
 }
 
 # FindTray: sets tray to the middle of the notification area, and says whether there is one.
 FindTray() {
     local panel X=0 Y=0 WIDTH=0 HEIGHT=0
-    panel=$(xdotool search --onlyvisible --class '^trayer$' 2>/dev/null | head -1)
+    panel=$(xdotool search --onlyvisible --class '^tint2$' 2>/dev/null | head -1)
     [[ -n $panel ]] || return 1
     eval "$(xdotool getwindowgeometry --shell "$panel" 2>/dev/null | grep -E '^(X|Y|WIDTH|HEIGHT)=')"
     tray=("$((X + WIDTH / 2))" "$((Y + HEIGHT / 2))")
