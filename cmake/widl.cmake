@@ -25,7 +25,7 @@ function(add_idl name source)
   cmake_path(GET source STEM stem)
   set(command ${WIDL} ${WIDL_FLAGS} -I ${CMAKE_BINARY_DIR}/generated -m32)
   set(outputs ${IDL_OUT}/${stem}.h ${IDL_OUT}/${stem}_i.c)
-  set(calls COMMAND ${command} -h -o ${IDL_OUT}/${stem}.h ${CMAKE_SOURCE_DIR}/${source}
+  set(calls COMMAND ${command} -h -o ${IDL_OUT}/${stem}.h ${source}
             COMMAND ${command} -u -o ${IDL_OUT}/${stem}_i.c ${source})
   if(arg_TYPELIB)
     list(APPEND outputs ${IDL_OUT}/${stem}.tlb)

@@ -34,7 +34,7 @@ CheckLink() {
     [[ $2 != *\#* ]] || grep -qxF "${2#*#}" <<<"$(Sections "$file")" || Report "$1 links $2, a section that is not there"
 }
 
-documents=(README.md docs/*.md)
+documents=(*.md docs/*.md)
 for document in "${documents[@]}"; do
     while IFS= read -r target; do
         ((links += 1))

@@ -166,7 +166,7 @@ for page in users-guide deployment settings-schema automation; do
     headings=$(sed '/^    /d' "docs/$page.md" | grep -cE '^#+ ')
     Equal "the number of headings in $page.html" "$(grep -c '^<h[1-6] ' "$file")" "$headings"
     rows=$(grep -cE '^\| ' "docs/$page.md") || true
-    Equal "the number of rows in $page.html" "$(grep -c '^<tr>' "$file" || true)" "$rows"
+    Equal "the number of rows in $page.html" "$(grep -c '^<tr' "$file" || true)" "$rows"
     # What a page links and shows is installed too, and sections are there.
     while IFS= read -r target; do
         [[ $target != *:* ]] || continue
@@ -183,6 +183,9 @@ done
 for file in docs/examples/*; do
     cmp <(sed 's/$/\r/' "$file") "$kFolder/$file" || Fail "$file is another one, or has not the line ends of Windows"
 done
+tr -d '\r' <"$kFolder/docs/examples/sentrel_config.h" | cmp - "$BUILD_DIR/idl/sentrel_config.h" ||
+    Fail "sentrel_config.h, which an example includes, is another one"
+! grep -F "$PWD" "$kFolder/docs/examples/sentrel_config.h" || Fail "sentrel_config.h names a folder of the build machine"
 for file in policy/calvane{,-startup}.admx policy/en-US/calvane{,-startup}.adml; do
     cmp "packaging/$file" "$kFolder/$file" || Fail "$file is another one"
 done

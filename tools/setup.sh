@@ -26,6 +26,7 @@ fonts-dejavu-core           /usr/share/fonts/truetype/dejavu
 wine                        wine
 fonts-wine                  /usr/share/wine/fonts/marlett.ttf
 nsis                        makensis
+pandoc                      pandoc
 libxml2-utils               xmllint
 osslsigncode                osslsigncode
 openssl                     openssl
