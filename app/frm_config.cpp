@@ -9,15 +9,6 @@
 #include "platform/icon.h"
 #include "store/first_run.h"
 
-namespace {
-
-// While this thread handles a message that another program has sent, Windows lets no call out to the engine.
-bool IsSentByOther() {
-    return (InSendMessageEx(nullptr) & (ISMEX_SEND | ISMEX_REPLIED)) == ISMEX_SEND;
-}
-
-}  // namespace
-
 frmConfig::frmConfig()
     : DispatchObject(Holder::Server),
       Dialog(IDD_CONFIG),
@@ -154,16 +145,6 @@ void frmConfig::Unload() {
     if (!ServerProcess::Stopping()) ResumeNext([&] { ShowIfAsked(); });
 }
 
-// A message that another program has sent ends first.
-void frmConfig::UnloadOutsideSentMessage() {
-    if (IsSentByOther()) {
-        b_OKtoUnload = true;
-        PostMessageA(Hwnd(), WM_CLOSE, 0, 0);
-    } else {
-        Unload();
-    }
-}
-
 void frmConfig::TakeDown() {
     if (m_state == State::None || m_state == State::Unloading) return;
     m_state = State::Unloading;
@@ -195,7 +176,7 @@ bool frmConfig::OnMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) 
     switch (message) {
         case WM_CLOSE:
             if (QueryUnload()) {
-                UnloadOutsideSentMessage();
+                Unload();
             } else {
                 HideWindow();
             }
@@ -206,7 +187,7 @@ bool frmConfig::OnMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) 
             return true;
 
         case WM_ENDSESSION:
-            if (wParam != FALSE) UnloadOutsideSentMessage();
+            if (wParam != FALSE) Unload();
             return true;
 
         default:

@@ -83,7 +83,6 @@ private:
     bool IsChanging() const noexcept;
     void ShowIfAsked();
     void TakeDown();
-    void UnloadOutsideSentMessage();
     bool QueryUnload() const noexcept;
     void HideWindow() noexcept;
     LONG Reference() noexcept;

@@ -15,19 +15,20 @@ Timer* Timer::s_running = nullptr;
 
 void Timer::Start(HWND owner) noexcept {
     Stop();
-    // Windows would choose a number of its own for a timer without a window.
-    if (owner == nullptr) return;
-    m_id = ++lastId;
-    if (SetTimer(owner, m_id, m_interval, Procedure) == 0) return;
+    // Windows chooses the number of a timer without a window.
+    const UINT_PTR id = owner == nullptr ? 0 : ++lastId;
+    const UINT_PTR given = SetTimer(owner, id, m_interval, Procedure);
+    if (given == 0) return;
+    m_id = owner == nullptr ? given : id;
     m_owner = owner;
     m_next = s_running;
     s_running = this;
 }
 
 void Timer::Stop() noexcept {
-    if (m_owner == nullptr) return;
+    if (m_id == 0) return;
     KillTimer(m_owner, m_id);
-    m_owner = nullptr;
+    m_id = 0;
     Timer** link = &s_running;
     while (*link != this)
         link = &(*link)->m_next;

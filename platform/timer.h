@@ -18,12 +18,13 @@ public:
     // In milliseconds; takes effect with the next Start.
     void Interval(UINT milliseconds) noexcept { m_interval = milliseconds; }
 
-    // Ticks until Stop, or until owner's window is destroyed. A running timer starts its period again.
+    // Ticks until Stop, or until owner's window is destroyed; owner may be null. A running timer starts its
+    // period again.
     void Start(HWND owner) noexcept;
 
     // No tick is raised from here on, even where one is in the queue already.
     void Stop() noexcept;
-    bool Running() const noexcept { return m_owner != nullptr; }
+    bool Running() const noexcept { return m_id != 0; }
 
 private:
     static void CALLBACK Procedure(HWND owner, UINT message, UINT_PTR id, DWORD time);

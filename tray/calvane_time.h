@@ -19,7 +19,9 @@ public:
 
     // Fires until Stop, or until owner is destroyed; owner is a window of this thread, with any other the
     // timer does not fire.
-    void Start(HWND owner) noexcept { m_timer.Start(owner); }
+    void Start(HWND owner) noexcept {
+        if (owner != nullptr) m_timer.Start(owner);
+    }
     void Stop() noexcept { m_timer.Stop(); }
     bool Running() const noexcept { return m_timer.Running(); }
 

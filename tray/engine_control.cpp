@@ -28,13 +28,6 @@ enum PopupEvent : DISPID {
     kStoppedEvent = 4,
 };
 
-// Refused for now: a busy engine does that, and Windows itself while this thread handles a message that
-// another program has sent.
-bool IsRefusedForNow(HRESULT result) {
-    return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER ||
-           result == RPC_E_CANTCALLOUT_ININPUTSYNCCALL;
-}
-
 }  // namespace
 
 EngineControl::EngineControl(TrayMenu& menu, Event animate, Event announce)
@@ -116,17 +109,14 @@ void EngineControl::Release() noexcept {
     m_bServing = false;
     m_tmAgain.Stop();
     m_refused.clear();
-    auto popupEvents = std::move(m_popupEvents);
-    const auto popup = std::move(m_oPopup);
-    popupEvents.reset();
+    m_leave.Release(std::move(m_popupEvents), std::move(m_oPopup));
 }
 
 void EngineControl::Disconnect(HWND configHwnd, LONG formReferenceAddress) {
     Release();
     m_configHwnd = nullptr;
-    const auto application = std::move(m_application);
     // An engine that could not be reached before is not started for a farewell.
-    if (application) application->ReleasePopup(HandleToLong(configHwnd), formReferenceAddress);
+    m_leave.Disconnect(std::move(m_application), HandleToLong(configHwnd), formReferenceAddress);
 }
 
 void EngineControl::ReloadSettings(Event done) {

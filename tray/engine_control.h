@@ -13,6 +13,7 @@
 #include "platform/generation.h"
 #include "platform/timer.h"
 #include "sentrel1.h"
+#include "tray/engine_leave.h"
 #include "tray/tray_menu.h"
 
 // The engine is another process: messages, and with them any member here, may come in while it is called.
@@ -31,7 +32,8 @@ public:
     // during the call.
     void Connect(HWND configHwnd, LONG formReferenceAddress);
 
-    // Disconnects the events and lets go of the engine, in this order; the engine is not stopped.
+    // Disconnects the events and lets go of the engine, in this order; the engine is not stopped. What is
+    // refused for now, here and in Disconnect, is done again later, when the window may be gone.
     void Release() noexcept;
 
     // Releases the engine if that is still to be done, and takes leave of the engine's application with the
@@ -104,4 +106,5 @@ private:
     bool m_bServing = false;
     std::vector<Order> m_refused;
     Timer m_tmAgain;
+    EngineLeave m_leave;
 };

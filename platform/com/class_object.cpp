@@ -35,6 +35,7 @@ ClassRegistration::ClassRegistration(REFCLSID classId, ObjectMaker maker) {
     const ComPtr<ClassObject> classObject = MakeObject<ClassObject>(std::move(maker));
     ThrowIfFailed(CoRegisterClassObject(classId, classObject.Get(), CLSCTX_LOCAL_SERVER,
                                         REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED, &m_cookie));
+    ServerProcess::Offer(m_cookie);
 }
 
 ClassRegistration::~ClassRegistration() {

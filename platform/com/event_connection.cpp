@@ -48,9 +48,15 @@ EventConnection::EventConnection(IUnknown* source, REFIID events, EventHandlers 
     ThrowIfFailed(source->QueryInterface(IID_PPV_ARGS(&container)));
     ThrowIfFailed(container->FindConnectionPoint(events, &m_point));
     ThrowIfFailed(m_point->Advise(m_sink.Get(), &m_cookie));
+    m_isConnected = true;
 }
 
 EventConnection::~EventConnection() {
+    if (m_isConnected) Disconnect();
+}
+
+HRESULT EventConnection::Disconnect() noexcept {
     m_sink->Silence();
-    m_point->Unadvise(m_cookie);
+    m_isConnected = false;
+    return m_point->Unadvise(m_cookie);
 }

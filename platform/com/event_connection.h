@@ -21,9 +21,12 @@ public:
     EventConnection(const EventConnection&) = delete;
     EventConnection& operator=(const EventConnection&) = delete;
 
-    // From here on no handler runs, even where the source does not let go of the sink. A source that is gone
-    // is no error.
+    // Disconnects. A source that is gone is no error.
     ~EventConnection();
+
+    // From here on no handler runs, even where the source does not let go of the sink. Returns what the source
+    // says to that; a call that it refuses can be made again.
+    HRESULT Disconnect() noexcept;
 
 private:
     class Sink;
@@ -31,4 +34,5 @@ private:
     ComPtr<Sink> m_sink;
     ComPtr<IConnectionPoint> m_point;
     DWORD m_cookie = 0;
+    bool m_isConnected = false;
 };

@@ -3,9 +3,12 @@
 #include <windows.h>
 #include <objbase.h>
 
+#include <vector>
+
 namespace {
 
 bool stopping = false;
+std::vector<DWORD> registrations;
 
 }  // namespace
 
@@ -23,11 +26,18 @@ void Unlock() noexcept {
 
 void Stop() noexcept {
     stopping = true;
+    // Suspended first, all of them at once; not every system has more than the name of that.
     CoSuspendClassObjects();
+    for (const DWORD registration : registrations)
+        CoRevokeClassObject(registration);
 }
 
 bool Stopping() noexcept {
     return stopping;
+}
+
+void Offer(DWORD registration) {
+    registrations.push_back(registration);
 }
 
 }  // namespace ServerProcess

@@ -1,6 +1,8 @@
 // How long an out-of-process COM server lives: as long as somebody locks it.
 #pragma once
 
+#include <windows.h>
+
 namespace ServerProcess {
 
 // Every object that a client holds and everything else that must keep the process alive (a loaded window, a
@@ -13,5 +15,8 @@ void Unlock() noexcept;
 // on ComMethod refuses every call of an object. There is no way back.
 void Stop() noexcept;
 bool Stopping() noexcept;
+
+// A class of objects that clients can create, by the number of its registration; Stop revokes it.
+void Offer(DWORD registration);
 
 }  // namespace ServerProcess
