@@ -28,7 +28,7 @@ Finish() {
 # shellcheck disable=SC2317 # the trap calls it
 WaitForLaunchers() {
     for ((i = 0; i < 300; i++)); do
-        pgrep -s 0 -f '/tests/run_test.sh' >/dev/null || return 0
+        pgrep -s 0 -f '/tests/launch.sh' >/dev/null || return 0
         sleep 0.1
     done
 }

@@ -16,7 +16,7 @@ failed=0
 # Expect CODE PATTERN TEST_CASE: the launcher's exit code, and what its first line contains.
 Expect() {
     local code=0 said
-    TEST_CASE=$3 tests/run_test.sh "$BUILD_DIR" "$kSeconds" "$BUILD_DIR/tests/faulty.exe" >"$TEST_OUTPUT/said" 2>&1 &
+    TEST_CASE=$3 tests/launch.sh "$BUILD_DIR" "$kSeconds" "$BUILD_DIR/tests/faulty.exe" >"$TEST_OUTPUT/said" 2>&1 &
     wait $! || code=$?
     said=$(head -1 "$TEST_OUTPUT/said")
     if ((code == $1)) && [[ $said == "faulty: "*"$2"* ]]; then

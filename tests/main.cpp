@@ -14,6 +14,7 @@
 #include "platform/com/server_process.h"
 #include "platform/text.h"
 #include "tests/support/crash.h"
+#include "tests/support/crash_watch.h"
 
 namespace {
 
@@ -22,6 +23,7 @@ struct CurrentTest : doctest::IReporter {
     explicit CurrentTest(const doctest::ContextOptions&) {}
 
     void test_case_start(const doctest::TestCaseData& test) override {
+        ForgetCrash();
         const wchar_t* const path = _wgetenv(L"TEST_CURRENT");
         if (path == nullptr) return;
         if (FILE* const file = _wfopen(path, L"w")) {

@@ -20,6 +20,11 @@ void WatchForCrash(DWORD process) {
     hasCrashed = false;
 }
 
+void ForgetCrash() {
+    watched.Reset();
+    hasCrashed = false;
+}
+
 bool HasCrashed() {
     if (!watched || WaitForSingleObject(watched.Get(), 0) == WAIT_TIMEOUT) return hasCrashed;
     DWORD code = 0;

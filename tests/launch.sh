@@ -2,8 +2,8 @@
 # What CTest starts for each test. It runs the test in a fresh Wine prefix, in which the manager and the stand-in engine
 # are registered, and on a virtual screen of its own, and leaves nothing of it running.
 #
-#   tests/run_test.sh BUILD_DIR                 makes the prefix that those of the tests are copied from
-#   tests/run_test.sh BUILD_DIR SECONDS FILE    runs a doctest program or a shell script for SECONDS at most
+#   tests/launch.sh BUILD_DIR                 makes the prefix that those of the tests are copied from
+#   tests/launch.sh BUILD_DIR SECONDS FILE    runs a doctest program or a shell script for SECONDS at most
 #
 # BUILD_DIR/test-output/NAME.log keeps what the test printed, NAME.result how many test cases passed and failed, and
 # why; TEST_OUTPUT names another folder. TEST_CASE chooses the test cases of a doctest program, in doctest's way of writing.
