@@ -19,7 +19,7 @@ prefixesInUse=("$kTemplate")
 # Not every distribution puts Wine's commands into the PATH.
 FindWine() {
     wineCommand=$(command -v wine || echo /usr/lib/wine/wine)
-    wineServer=$(command -v wineserver || echo /usr/lib/wine/wineserver)
+    wineServer=$(command -v wineserver /usr/lib/{,x86_64-linux-gnu/,i386-linux-gnu/}wine/wineserver | head -1)
     [[ -x $wineCommand && -x $wineServer ]]
 }
 FindWine || true
