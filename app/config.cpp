@@ -10,7 +10,7 @@ namespace {
 
 constexpr wchar_t kLoaderName[] = L"CalvaneConfigLoader.exe";
 
-// The process has only a moment to live after ReleaseConfig, and no window any more.
+// After ReleaseConfig there is no window any more, and the process is about to end.
 frmConfig& Form() {
     if (g_frmConfig == nullptr) throw AutomationError(CO_E_SERVER_STOPPING);
     return *g_frmConfig.Get();
@@ -24,7 +24,7 @@ void Config::Initialise() {
     g_strLoaderPath = ServerDirectory() + L"\\" + kLoaderName;
     g_frmConfig = MakeObject<frmConfig>();
     g_frmConfig->Initialise();
-    // The connecting to the engine lets other clients' calls in, ReleaseConfig among them.
+    // Connecting to the engine has let other clients' calls in; one of them may have been ReleaseConfig.
     g_lngConfigHwnd = Form().Handle();
 }
 

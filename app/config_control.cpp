@@ -16,8 +16,8 @@ void CountClients(LONG difference) {
     g_lngClientCount += difference;
 }
 
-// Calls that arrive while the window is being made find g_oConfig already there: the connecting to the engine
-// lets them in. A Config whose window could not be made is no Config.
+// Connecting to the engine lets other calls in while the window is being made: they find g_oConfig set. Where
+// the window cannot be made, g_oConfig is emptied again.
 class ConfigInMaking {
 public:
     ConfigInMaking() { g_oConfig = MakeObject<Config>(); }

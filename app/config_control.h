@@ -1,4 +1,4 @@
-// The creatable class: how clients come to the shared Config, and how they end the manager.
+// The creatable class: how clients get the shared Config, and how they end the manager.
 #pragma once
 
 #include "platform/com/dispatch_object.h"

@@ -82,8 +82,7 @@ STDMETHODIMP frmConfig::get_picTray(short index, IDispatch** value) {
     });
 }
 
-// An element of the array of tray pictures is a picture box of its own and has no window; what has one is
-// found here.
+// Finds the controls that have a window; the picture boxes of the tray icon have none.
 STDMETHODIMP frmConfig::ControlHwnd(BSTR name, LONG* value) {
     if (value == nullptr) return E_POINTER;
     *value = 0;

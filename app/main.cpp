@@ -17,8 +17,8 @@
 
 namespace {
 
-// Nothing is ever loaded from the folder that the program happens to lie in, or from the current one. Windows
-// 7 knows the call only with an update, so it is asked for.
+// Libraries are loaded from the system's folder only, never from the program's own folder or the current one.
+// Windows 7 has the function only with an update, so it is looked up.
 void LoadSystemLibrariesOnly() {
     using SetDirectories = BOOL WINAPI(DWORD);
     if (auto* const set =
@@ -37,7 +37,7 @@ void RunMessageLoop() {
 }
 
 HRESULT Serve() {
-    // Before anything that could leave COM to choose the callers by itself.
+    // First of all: COM otherwise chooses by itself who may call.
     const HRESULT admission = AdmitOwnUserOnly();
     if (FAILED(admission)) return admission;
 
@@ -56,7 +56,7 @@ HRESULT Serve() {
         ThrowIfFailed(CoResumeClassObjects());
         RunMessageLoop();
     });
-    // Before COM goes: the objects hold connections to other processes.
+    // Before COM is left: the objects hold connections to other processes.
     g_oConfig.Reset();
     g_frmConfig.Reset();
     return result;

@@ -58,7 +58,7 @@ const std::vector<Variant> kArguments{4711L, L"http://ads.example.com/popup.html
 
 using Raiser = std::function<void()>;
 
-// Raises the event and answers how long after that the moment came.
+// Raises the event and returns how long after that the moment came.
 double TimeTo(const Raiser& raise, double& moment) {
     g_sound = g_frame = g_event = g_tick = 0;
     const double start = Milliseconds();

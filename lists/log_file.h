@@ -16,8 +16,8 @@ public:
     // In bytes, at the time of opening: what is appended later is not seen.
     std::uint64_t Size() const noexcept { return m_size; }
 
-    // Fills buffer with the count bytes from offset on. Throws AutomationError when it cannot, for one
-    // because the file has become shorter.
+    // Fills buffer with the count bytes from offset on. Throws AutomationError when it cannot, for
+    // example because the file has become shorter.
     void Read(std::uint64_t offset, char* buffer, std::size_t count) const;
 
 private:

@@ -27,7 +27,7 @@ public:
     AboutPage(const AboutPage&) = delete;
     AboutPage& operator=(const AboutPage&) = delete;
 
-    // Opens an address in the browser. What becomes of it is not known.
+    // Opens an address in the browser. Reports nothing.
     void OpenAddress(const std::wstring& address);
 
     void lblNavSite_Click();

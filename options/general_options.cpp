@@ -34,8 +34,8 @@ void GeneralOptions::ReadStartupMode(Registry& registry) {
     }
 }
 
-// Whether the store took it is not asked: a user who may not write the Run value is not told, and a later
-// save finds the mode unchanged.
+// Failures are ignored: a user who may not write the Run value is not told, and a later save finds the mode
+// unchanged.
 void GeneralOptions::WriteStartupMode(Registry& registry) {
     for (const auto& [name, button] : m_modes) {
         if (!button.Value()) continue;

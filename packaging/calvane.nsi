@@ -155,7 +155,7 @@ FunctionEnd
 
 ; Ends a manager of this user that runs from $INSTDIR. COM keeps elevated clients and servers that are not elevated apart,
 ; so that the first attempt can miss the manager; the second one then comes from the user's side. A manager of another user,
-; or one that does not answer, stays: its files are put aside.
+; or one that does not reply, stays: its files are put aside.
 Function ${prefix}EndManager
     Call ${prefix}FindBusyFile
     ${IfThen} $R0 == "" ${|} Return ${|}
@@ -414,7 +414,7 @@ SectionEnd
 !insertmacro MUI_DESCRIPTION_TEXT ${kStartup} "Puts the icon into the notification area whenever somebody signs in."
 !insertmacro MUI_FUNCTION_DESCRIPTION_END
 
-; Chosen by the switch, or before: a value that starts the loader from a folder where it no longer is is written anew.
+; Chosen by the switch, or before: a value that starts the loader from a folder where it no longer is is written again.
 Function ChooseStartup
     ${GetParameters} $0
     ClearErrors

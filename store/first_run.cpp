@@ -13,8 +13,8 @@ void SaveSetting(const Registry& registry, const Schema::Setting& setting) {
     WriteValue(registry, Schema::kSettingsKey, setting.name, directory + setting.text);
 }
 
-// The mark counts by its presence: one that holds half a number is there, although reading it raises an
-// error.
+// Only the presence of the mark counts. One that is too short for its type is there, although reading it
+// raises an error.
 bool IsMarked(const Registry& registry) {
     try {
         Variant firstTime;

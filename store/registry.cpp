@@ -51,7 +51,7 @@ bool Registry::Read(HKEY hKey, const std::wstring& ItemKey, const std::wstring& 
                      nullptr, nullptr, nullptr);
     sClass = FromAnsi({keyClass, std::min<size_t>(classLength, kClassBuffer)});
 
-    // A query for a missing value does not touch the type: what the probe saw is not to pass for an answer.
+    // A query for a missing value does not touch the type: what the probe saw must not be taken for its type.
     type = 0;
     std::string data(size, '\0');
     const bool isRead = RegQueryValueExA(key, valueName.c_str(), nullptr, &type,

@@ -1,4 +1,5 @@
-// The door to the registry: values of any type go in and out as variants, as ANSI text or as numbers.
+// Reads, writes and deletes values of the registry. Callers have them as variants; they are stored as ANSI
+// text or numbers.
 #pragma once
 
 #include <windows.h>

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The life of an installation, from the installer alone: it is installed, used, brought up to date while it runs, and
-# removed, after which the machine is as it was before. Needs BUILD_DIR, WINEPREFIX, which it fills anew, and a screen.
+# removed, after which the machine is as it was before. Needs BUILD_DIR, WINEPREFIX, which it fills again, and a screen.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/wine.sh
@@ -60,7 +60,7 @@ Keep() {
     WaitFor 20 Holds
 }
 
-# HaltManager: loads a manager and halts it, so that it neither answers nor ends.
+# HaltManager: loads a manager and halts it, so that it neither replies nor ends.
 HaltManager() {
     Client 2
     halted=$(ProcessesOf SentrelConfig.exe | head -1)

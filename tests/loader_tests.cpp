@@ -76,7 +76,7 @@ private:
 
 }  // namespace
 
-TEST_CASE("Without a switch the loader loads the manager hidden and leaves it running") {
+TEST_CASE("without a switch the loader loads the manager hidden and leaves it running") {
     const NoManager none;
     CHECK(RunProgram(kLoader) == 0);
     CHECK(ProgramEnds(kLoader));
@@ -86,7 +86,7 @@ TEST_CASE("Without a switch the loader loads the manager hidden and leaves it ru
     CHECK_FALSE(IsWindowVisible(ManagerWindow()));
 }
 
-TEST_CASE("A switch shows the window of the running manager, in any letter case") {
+TEST_CASE("a switch shows the window of the running manager, in any letter case") {
     const NoManager none;
     CHECK(RunProgram(kLoader) == 0);
     const HWND window = ManagerWindow();
@@ -103,14 +103,14 @@ TEST_CASE("A switch shows the window of the running manager, in any letter case"
     CHECK(ProcessesOf(kManager).size() == 1);
 }
 
-TEST_CASE("The about switch shows the window on its About page") {
+TEST_CASE("the about switch shows the window on its About page") {
     const NoManager none;
     CHECK(RunProgram(kLoader, L"/about") == 0);
     CHECK(IsShown());
     CHECK(SelectedTab() == kAboutTab);
 }
 
-TEST_CASE("Loading again leaves a shown window shown") {
+TEST_CASE("loading again leaves a shown window shown") {
     const NoManager none;
     CHECK(RunProgram(kLoader, L"/show") == 0);
     REQUIRE(IsShown());
@@ -119,7 +119,7 @@ TEST_CASE("Loading again leaves a shown window shown") {
     CHECK(IsWindowVisible(ManagerWindow()));
 }
 
-TEST_CASE("The release switch ends a running manager, and one that does not run it does not start") {
+TEST_CASE("the release switch ends a running manager, and one that does not run it does not start") {
     const NoManager none;
     CHECK(RunProgram(kLoader, L"/release") == 0);
     CHECK(ProcessesOf(kManager).empty());
@@ -132,7 +132,7 @@ TEST_CASE("The release switch ends a running manager, and one that does not run 
     CHECK(ManagerWindow() != nullptr);
 }
 
-TEST_CASE("The release switch ends a manager whose window has another caption") {
+TEST_CASE("the release switch ends a manager whose window has another caption") {
     const NoManager none;
     CHECK(RunProgram(kLoader) == 0);
     REQUIRE(SetWindowTextW(ManagerWindow(), L"Renamed"));
@@ -140,7 +140,7 @@ TEST_CASE("The release switch ends a manager whose window has another caption") 
     CHECK(ProcessesOf(kManager).empty());
 }
 
-TEST_CASE("The release switch ends a manager that has no window yet") {
+TEST_CASE("the release switch ends a manager that has no window yet") {
     const NoManager none;
     StartServerAhead(kManager);
     REQUIRE(ManagerWindow() == nullptr);
@@ -149,7 +149,7 @@ TEST_CASE("The release switch ends a manager that has no window yet") {
     CHECK(ProcessesOf(kManager).empty());
 }
 
-TEST_CASE("The release switch takes no other program's window of the same caption for the manager") {
+TEST_CASE("the release switch takes no other program's window of the same caption for the manager") {
     const NoManager none;
     const NoClass unregistered;  // a manager that is asked for cannot be had
     const HWND foreign =
@@ -159,7 +159,7 @@ TEST_CASE("The release switch takes no other program's window of the same captio
     DestroyWindow(foreign);
 }
 
-TEST_CASE("The exit code tells that no manager is registered; only who waits for a window reads why") {
+TEST_CASE("the exit code tells that no manager is registered; only who waits for a window reads why") {
     const NoManager none;
     const NoClass unregistered;
     const MessageBoxes boxes;
@@ -178,7 +178,7 @@ TEST_CASE("The exit code tells that no manager is registered; only who waits for
         L"The configuration manager cannot be started. Installing Calvane again helps.\n\n0x80040154"));
 }
 
-TEST_CASE("The loader has the manager's icon") {
+TEST_CASE("the loader has the manager's icon") {
     const std::wstring above = L"\\..\\";
     CHECK(ExtractIconW(nullptr, (ServerDirectory() + above + kLoader).c_str(), 0) != nullptr);
 }

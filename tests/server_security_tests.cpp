@@ -14,10 +14,10 @@
 
 namespace {
 
-// What the server did, in its order, and how the steps answer.
+// What the server did, in its order, and what the steps return.
 struct Calls {
     std::vector<std::string> order;
-    HRESULT answer = S_OK;
+    HRESULT result = S_OK;
 
     // The arguments of CoInitializeSecurity.
     bool hasDescriptor = false;
@@ -83,7 +83,7 @@ HRESULT WINAPI TakeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG serviceCount,
     g_calls.authentication = authentication;
     g_calls.impersonation = impersonation;
     g_calls.capabilities = capabilities;
-    return g_calls.answer;
+    return g_calls.result;
 }
 
 HRESULT WINAPI RefuseClass(REFCLSID, IUnknown*, DWORD, DWORD, DWORD*) {
@@ -148,7 +148,7 @@ int Embed() {
 
 }  // namespace
 
-TEST_CASE("Own user, system and administrators are admitted from this machine, and nobody else") {
+TEST_CASE("own user, system and administrators are admitted from this machine, and nobody else") {
     const Recorder recorder;
     CHECK(AdmitOwnUserOnly() == S_OK);
     REQUIRE(g_calls.hasDescriptor);
@@ -160,7 +160,7 @@ TEST_CASE("Own user, system and administrators are admitted from this machine, a
     CHECK(own.starts_with("S-1-"));
 }
 
-TEST_CASE("The descriptor is in absolute form and has an owner and a group") {
+TEST_CASE("the descriptor is in absolute form and has an owner and a group") {
     const Recorder recorder;
     CHECK(AdmitOwnUserOnly() == S_OK);
     CHECK(g_calls.control == SE_DACL_PRESENT);
@@ -168,7 +168,7 @@ TEST_CASE("The descriptor is in absolute form and has an owner and a group") {
     CHECK(g_calls.group == OwnSid());
 }
 
-TEST_CASE("Callers must be authenticated, and servers called may identify the user and no more") {
+TEST_CASE("callers must be authenticated, and servers called may identify the user and no more") {
     const Recorder recorder;
     CHECK(AdmitOwnUserOnly() == S_OK);
     CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity"});
@@ -179,15 +179,15 @@ TEST_CASE("Callers must be authenticated, and servers called may identify the us
     CHECK(g_calls.othersAreNull);
 }
 
-TEST_CASE("What COM answers is passed on") {
+TEST_CASE("what COM returns is passed on") {
     const Recorder recorder;
-    for (const HRESULT answer : {RPC_E_TOO_LATE, E_OUTOFMEMORY, E_INVALIDARG}) {
-        g_calls.answer = answer;
-        CHECK(AdmitOwnUserOnly() == answer);
+    for (const HRESULT result : {RPC_E_TOO_LATE, E_OUTOFMEMORY, E_INVALIDARG}) {
+        g_calls.result = result;
+        CHECK(AdmitOwnUserOnly() == result);
     }
 }
 
-TEST_CASE("A user who cannot be found out is not replaced by everybody") {
+TEST_CASE("a user who cannot be found out is not replaced by everybody") {
     const Recorder recorder;
     SUBCASE("no token") {
         const ImportPatch patch("advapi32.dll", "OpenProcessToken", &NoToken);
@@ -208,21 +208,21 @@ TEST_CASE("A user who cannot be found out is not replaced by everybody") {
     CHECK(g_calls.order.empty());
 }
 
-TEST_CASE("The manager tells COM whom to admit before it offers its class") {
+TEST_CASE("the manager tells COM whom to admit before it offers its class") {
     const Recorder recorder;
     CHECK(Embed() == CO_E_OBJISREG);
     CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity", "CoRegisterClassObject"});
     CHECK(g_calls.hasDescriptor);
 }
 
-TEST_CASE("The manager serves nobody when COM does not take the list of those to admit") {
+TEST_CASE("the manager serves nobody when COM does not take the list of those to admit") {
     const Recorder recorder;
-    g_calls.answer = E_ACCESSDENIED;
+    g_calls.result = E_ACCESSDENIED;
     CHECK(Embed() == E_ACCESSDENIED);
     CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity"});
 }
 
-TEST_CASE("The manager serves nobody when its own user cannot be found out") {
+TEST_CASE("the manager serves nobody when its own user cannot be found out") {
     const Recorder recorder;
     const ImportPatch patch("advapi32.dll", "OpenProcessToken", &NoToken);
     CHECK(Embed() == E_ACCESSDENIED);
@@ -230,7 +230,7 @@ TEST_CASE("The manager serves nobody when its own user cannot be found out") {
 }
 
 // The first value that a registration writes is the description of the class.
-TEST_CASE("The manager registers its class under the name that administration tools show") {
+TEST_CASE("the manager registers its class under the name that administration tools show") {
     const ImportPatch patch("advapi32.dll", "RegSetValueExW", &TakeFirstText);
     g_firstText.clear();
     wchar_t command[] = L"/RegServer";

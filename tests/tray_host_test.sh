@@ -40,4 +40,4 @@ WaitFor $kSeconds OpenTrayMenu || Fail "The menu does not open a second time"
 xdotool key x
 WaitFor $kSeconds ManagerEnded || Fail "Exit does not end the manager"
 WaitFor $kSeconds TrayHasIcons 0 || Fail "The icon is still there"
-echo "The icon comes, answers the mouse and goes."
+echo "The icon comes, responds to the mouse and goes."

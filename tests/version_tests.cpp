@@ -61,7 +61,7 @@ std::string HelpString(const std::wstring& library) {
 
 }  // namespace
 
-TEST_CASE("The version resources of the manager, the loader and the installer tell the project's version") {
+TEST_CASE("the version resources of the manager, the loader and the installer tell the project's version") {
     for (const wchar_t* const program :
          {L"SentrelConfig.exe", L"CalvaneConfigLoader.exe", L"CalvaneSetup.exe"}) {
         CAPTURE(ToAnsi(program));
@@ -78,7 +78,7 @@ TEST_CASE("The version resources of the manager, the loader and the installer te
     }
 }
 
-TEST_CASE("The type libraries' help strings end with the first two numbers of the version") {
+TEST_CASE("the type libraries' help strings end with the first two numbers of the version") {
     const std::string version = CALVANE_VERSION;
     const std::string shortVersion = version.substr(0, version.rfind('.'));
     CHECK(HelpString(L"SentrelConfig.exe") == "Calvane configuration manager " + shortVersion);

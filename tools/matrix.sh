@@ -22,7 +22,7 @@ Mirror() {
 }
 
 # Attempt LOG COMMAND...: runs a command in process and mount namespaces of its own and sets `outcome`, "ok" or how it
-# failed. It runs in the background so that a signal is answered at once.
+# failed. It runs in the background so that a signal is served at once.
 Attempt() {
     local code=0
     unshare --mount --pid --fork --kill-child --propagation private "${@:2}" >>"$1" 2>&1 </dev/null &

@@ -52,7 +52,7 @@ LargeText() {
     done
 }
 
-# LogFont PIXELS FACE: the bytes of a LOGFONTW, in hexadecimal numbers separated by commas.
+# LogFont PIXELS FONT: the bytes of a LOGFONTW, in hexadecimal numbers separated by commas.
 LogFont() {
     {
         # Negative: the height of the letters, not of the line.

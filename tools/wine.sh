@@ -25,7 +25,7 @@ FindWine() {
 FindWine || true
 
 # Limited SECONDS COMMAND [ARGUMENT...]: runs a command and returns its exit code, or 124 when the time is over. It
-# runs in the background so that a signal to the script is answered at once.
+# runs in the background so that a signal to the script is served at once.
 Limited() {
     timeout -k 5 "$@" </dev/null &
     wait $!
@@ -131,9 +131,9 @@ UseWindowManager() {
     SetRegistryValue 'HKCU\Software\Wine\X11 Driver' Managed REG_SZ "$1"
 }
 
-# Unattended Y|N: whether there is nobody to hear or to answer. No sound card is looked for then, since libraries print
+# Unattended Y|N: whether there is nobody to hear or to reply. No sound card is looked for then, since libraries print
 # hundreds of lines about a missing one, and a program that crashes ends at once: Wine would ask whether to debug it, and
-# the program would wait for the answer. Prefixes are unattended from the start.
+# the program would wait for the reply. Prefixes are unattended from the start.
 Unattended() {
     local debugger='HKLM\Software\Microsoft\Windows NT\CurrentVersion\AeDebug'
     if [[ $1 == Y ]]; then

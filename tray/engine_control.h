@@ -41,7 +41,7 @@ public:
     void Disconnect(HWND configHwnd, LONG formReferenceAddress);
 
     // Tells the engine to read the store again. Every failure is ignored. done runs behind the engine's
-    // answer, before this returns; where the call is refused for now, it is made again for about ten seconds,
+    // reply, before this returns; where the call is refused for now, it is made again for about ten seconds,
     // and done runs behind the last try. It does not run once the engine has been released.
     void ReloadSettings(Event done);
 

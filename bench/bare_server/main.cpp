@@ -16,7 +16,7 @@ std::string Folder() {
     return program.substr(0, program.find_last_of('\\'));
 }
 
-// As the manager ends: at once, but not before the caller has its answer.
+// As the manager ends: at once, but not before the caller has its result.
 void CALLBACK End(HWND, UINT, UINT_PTR, DWORD) {
     ExitProcess(0);
 }

@@ -10,7 +10,7 @@ struct Side {
     std::function<void()> run;
     std::function<void()> prepare = [] {};  // before each run, not timed
     std::function<void()> finish = [] {};   // after each run, not timed
-    // Where set, it runs in place of run and answers its own milliseconds: what began and ended elsewhere.
+    // Where set, it runs in place of run and returns its own milliseconds: what began and ended elsewhere.
     std::function<double()> time = {};
 };
 

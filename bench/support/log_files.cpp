@@ -35,7 +35,7 @@ void Write(const FileHandle& file, const std::string& bytes) {
     }
 }
 
-// Answers how many bytes came.
+// Returns how many bytes came.
 size_t Read(const FileHandle& file, char* buffer, size_t count) {
     DWORD done = 0;
     if (!ReadFile(file.Get(), buffer, static_cast<DWORD>(count), &done, nullptr)) {

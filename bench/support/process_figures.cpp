@@ -17,7 +17,7 @@ namespace {
 constexpr wchar_t kProcessFiles[] = L"Z:\\proc\\";
 constexpr std::uint64_t kTickMilliseconds = 10;  // of the kernel's clock for processes
 
-// Such files say that they are empty. The answer is empty where there is none.
+// Such files say that they are empty. The result is empty where there is none.
 std::string Contents(const std::wstring& path) {
     const FileHandle file(CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                       OPEN_EXISTING, 0, nullptr));

@@ -58,7 +58,7 @@ ComPtr<IDispatch> StartEngine() {
     throw std::runtime_error("the engine does not start");
 }
 
-// It gives no answer.
+// It sends no reply.
 void EndEngine(IDispatch* control) {
     ResumeNext([&] { Call(control, L"Quit"); });
 }

@@ -30,7 +30,7 @@ public:
     ~NoEngineRegistered();
 };
 
-// Starts the stand-in engine and answers its own controls. Throws std::runtime_error when it does not start.
+// Starts the stand-in engine and returns its own controls. Throws std::runtime_error when it does not start.
 ComPtr<IDispatch> StartEngine();
 
 // Ends it.

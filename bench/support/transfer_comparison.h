@@ -15,5 +15,5 @@ struct Lengths {
 };
 
 // Writes two rows of the table for each: the load and the save. It is the work of a whole program, and
-// answers its exit code.
+// returns its exit code.
 int CompareTransfers(std::span<const Lengths> all);

@@ -25,9 +25,9 @@ bool HasUnixShell() {
 
 // Wine gives neither handles of such a process nor pipes to it, so that the time comes in a file.
 double TimeInUnixShell(const std::string& command, const std::wstring& output, const std::wstring& folder) {
-    const std::wstring answer = folder + L"time.txt";
-    const std::string name = UnixPath(answer);
-    DeleteFileW(answer.c_str());
+    const std::wstring timeFile = folder + L"time.txt";
+    const std::string name = UnixPath(timeFile);
+    DeleteFileW(timeFile.c_str());
     const std::string script = "start=${EPOCHREALTIME/./}; " + command + " >" + UnixPath(output) +
                                "; end=${EPOCHREALTIME/./}; echo $((end - start)) >" + name + ".new; mv " +
                                name + ".new " + name;
@@ -39,11 +39,11 @@ double TimeInUnixShell(const std::string& command, const std::wstring& output, c
                         &process)) {
         throw std::runtime_error("a shell cannot be started");
     }
-    for (const DWORD begin = GetTickCount(); !Exists(answer); Sleep(1)) {
+    for (const DWORD begin = GetTickCount(); !Exists(timeFile); Sleep(1)) {
         if (GetTickCount() - begin >= kMilliseconds) throw std::runtime_error("a shell does not end");
     }
-    const double microseconds = std::stod(Contents(answer));
-    DeleteFileW(answer.c_str());
+    const double microseconds = std::stod(Contents(timeFile));
+    DeleteFileW(timeFile.c_str());
     return microseconds / 1000;
 }
 

@@ -5,7 +5,7 @@
 
 bool HasUnixShell();
 
-// Runs a command by the shell, and answers its milliseconds without the shell's own start. What it prints
+// Runs a command by the shell, and returns its milliseconds without the shell's own start. What it prints
 // goes to the file output, and folder, with a trailing separator, gets a file for a moment. Both are on drive
 // Z:. Throws std::runtime_error when the shell does not start or does not end.
 double TimeInUnixShell(const std::string& command, const std::wstring& output, const std::wstring& folder);

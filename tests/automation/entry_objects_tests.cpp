@@ -291,7 +291,7 @@ TEST_CASE("a client that only creates the control and lets go leaves no process 
     CHECK(NoManagerIsLeft());
 }
 
-TEST_CASE("after the exit a client that still holds the manager gets a window made anew") {
+TEST_CASE("after the exit a client that still holds the manager gets a new window") {
     Manager manager;
     manager.Instance(FormHide);
     const HWND first = manager.Window();

@@ -12,7 +12,7 @@ namespace {
 constexpr DWORD kIdleMilliseconds = 2500;
 constexpr DWORD kQuietMilliseconds = 500;
 
-// Handles the messages that come within the time and answers their numbers.
+// Handles the messages that come within the time and returns their numbers.
 std::vector<UINT> MessagesWithin(DWORD milliseconds) {
     std::vector<UINT> messages;
     const DWORD start = GetTickCount();

@@ -21,7 +21,7 @@ public:
     ImportCounter& operator=(const ImportCounter&) = delete;
     ~ImportCounter();
 
-    // Runs the body, and from then on answers what it called.
+    // Runs the body, and keeps what it called.
     void Count(const std::function<void()>& body);
 
     // Of all libraries; of the registry, of files, of the notification area, of timers.

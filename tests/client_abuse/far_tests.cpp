@@ -34,7 +34,7 @@ BOOL CALLBACK TakeWindow(HWND window, LPARAM parameter) {
     return TRUE;
 }
 
-bool Answers(HWND window) {
+bool Responds(HWND window) {
     DWORD_PTR result = 0;
     return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, kPatience, &result) != 0;
 }
@@ -78,7 +78,7 @@ bool InThreads(int count, const std::function<void(int number)>& body, DWORD mil
 
 }  // namespace
 
-TEST_CASE("senseless calls and messages of another process leave the manager answering") {
+TEST_CASE("senseless calls and messages of another process leave the manager serving its clients") {
     const long callCount = Chance::Count("ABUSE_FAR_CALLS", 2000);
     const long messages = Chance::Count("ABUSE_FAR_MESSAGES", 20000);
     const QuietStart quiet;
@@ -112,12 +112,12 @@ TEST_CASE("senseless calls and messages of another process leave the manager ans
             slowest = std::max(slowest, GetTickCount() - before);
             if (i % 100 == 0) REQUIRE(manager.Running());
         }
-        long answered = 0;
+        long succeeded = 0;
         for (const auto& [result, count] : calls.Results()) {
-            if (SUCCEEDED(result)) answered += count;
+            if (SUCCEEDED(result)) succeeded += count;
         }
-        CHECK(answered > callCount / 20);
-        MESSAGE("across processes: " << callCount << " calls from seed " << seed << ", " << answered
+        CHECK(succeeded > callCount / 20);
+        MESSAGE("across processes: " << callCount << " calls from seed " << seed << ", " << succeeded
                                      << " carried out, " << calls.Results().size() << " different results, "
                                      << GetTickCount() - start << " ms, slowest " << slowest << " ms");
     }
@@ -140,7 +140,7 @@ TEST_CASE("senseless calls and messages of another process leave the manager ans
         // Before the queue is full.
         if (i % 1000 == 999) {
             CAPTURE(i);
-            REQUIRE(Answers(window));
+            REQUIRE(Responds(window));
             REQUIRE(ToLong(Get(config.Get(), L"ConfigHwnd")) == HandleToLong(window));
         }
     }
@@ -203,7 +203,7 @@ TEST_CASE("fifty clients at once get the same window, and the manager ends with 
         kAllPatience));
     CHECK(right == kClients * kCalls);
     CHECK(failed == 0);
-    MESSAGE(kClients << " clients at once: " << right << " right answers, " << failed << " failures, "
+    MESSAGE(kClients << " clients at once: " << right << " right results, " << failed << " failures, "
                      << GetTickCount() - start << " ms");
 
     // Unloaded by its exit entry the manager waits for its clients, and for nothing else.

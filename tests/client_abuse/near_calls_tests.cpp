@@ -29,7 +29,7 @@ TEST_CASE("senseless calls of every object leave the window as usable as before"
     const uint32_t seed = Chance::Seed();
     Chance chance(seed);
     const DWORD start = GetTickCount();
-    long answered = 0;
+    long succeeded = 0;
     {
         RandomCalls random(chance,
                            {{static_cast<IDispatch*>(inside.control.Get()), {0x60030000}, {0x60030001}},
@@ -51,16 +51,16 @@ TEST_CASE("senseless calls of every object leave the window as usable as before"
         }
         CHECK(slowest < 5000);
         for (const auto& [result, count] : random.Results()) {
-            if (SUCCEEDED(result)) answered += count;
+            if (SUCCEEDED(result)) succeeded += count;
         }
         // Sense among the nonsense: otherwise nothing but the first check of each call was tried.
-        CHECK(answered > calls / 20);
+        CHECK(succeeded > calls / 20);
         CHECK(random.Results().size() > 8);
-        MESSAGE("in process: " << random.Calls() << " calls from seed " << seed << ", " << answered
+        MESSAGE("in process: " << random.Calls() << " calls from seed " << seed << ", " << succeeded
                                << " carried out, " << random.Results().size() << " different results, "
                                << GetTickCount() - start << " ms, slowest " << slowest << " ms");
     }
-    // The caption and the rest are what the last caller made of them; the window itself answers.
+    // The caption and the rest are what the last caller made of them; the window itself still works.
     Put(form.Get(), L"b_OKtoUnload", false);
     CHECK(ToLong(Get(config.Get(), L"ConfigHwnd")) == window);
     Put(form.Get(), L"Caption", L"still here");
@@ -98,7 +98,7 @@ TEST_CASE(
             CAPTURE(count);
             CHECK(Invoke(form.Get(), kPopup, flags, {values, nullptr, count, 0}) == DISP_E_NOTACOLLECTION);
             CHECK(Invoke(form.Get(), kCaption, flags, {values, nullptr, count, 0}) == DISP_E_NOTACOLLECTION);
-            // The picture box answers, which has no default member.
+            // The picture box is called, which has no default member.
             CHECK(Invoke(form.Get(), kIconBox, flags, {values, nullptr, count, 0}) == DISP_E_MEMBERNOTFOUND);
         }
     }

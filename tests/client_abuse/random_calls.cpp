@@ -135,7 +135,7 @@ HRESULT RandomCalls::Invoke(const Target& target) {
     UINT badArgument = 0;
     const bool lacksPlaces = m_chance.OneIn(6);
     const IID id = m_chance.OneIn(40) ? IID_IDispatch : IID_NULL;
-    const HRESULT answer = target.object->Invoke(
+    const HRESULT outcome = target.object->Invoke(
         member, id, m_chance.OneIn(4) ? static_cast<LCID>(m_chance.Number()) : LOCALE_USER_DEFAULT, flags,
         m_isNear && m_chance.OneIn(50) ? nullptr : &arguments, lacksPlaces ? nullptr : &result,
         lacksPlaces && m_chance.OneIn(2) ? nullptr : &exception, lacksPlaces ? nullptr : &badArgument);
@@ -145,7 +145,7 @@ HRESULT RandomCalls::Invoke(const Target& target) {
     SysFreeString(exception.bstrHelpFile);
     for (VARIANT& value : values)
         VariantClear(&value);
-    return answer;
+    return outcome;
 }
 
 HRESULT RandomCalls::Ask(const Target& target) {
@@ -168,9 +168,9 @@ HRESULT RandomCalls::Ask(const Target& target) {
             if (m_chance.OneIn(2)) id.Data1 = m_chance.Below(0x200);
             // Whatever it is: its reference goes at once.
             void* other = nullptr;
-            const HRESULT answer = target.object->QueryInterface(id, &other);
+            const HRESULT outcome = target.object->QueryInterface(id, &other);
             if (other != nullptr) static_cast<IUnknown*>(other)->Release();
-            return answer;
+            return outcome;
         }
     }
 }

@@ -109,10 +109,10 @@ TEST_CASE_FIXTURE(LogPage, "the engine can write, rename and delete the log whil
         static BOOL WINAPI GetSize(HANDLE file, PLARGE_INTEGER size) {
             const auto original = reinterpret_cast<decltype(&GetFileSizeEx)>(
                 reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "GetFileSizeEx")));
-            const BOOL answer = original(file, size);
+            const BOOL result = original(file, size);
             Append(s_page->path, "C\r\n");
             CHECK(MoveFileW(s_page->path.c_str(), s_page->folder.Path(L"moved.log").c_str()));
-            return answer;
+            return result;
         }
     };
     const ImportPatch patch("kernel32.dll", "GetFileSizeEx", &Fake::GetSize);

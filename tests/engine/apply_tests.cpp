@@ -137,7 +137,7 @@ TEST_CASE("Cancel shows the stored values, hides, leaves the mark and tells the 
     CHECK_FALSE(session.Marked());
 }
 
-TEST_CASE("Closing the window keeps the edits, the mark, the engine and the icon") {
+TEST_CASE("closing the window keeps the edits, the mark, the engine and the icon") {
     Watched session;
     REQUIRE(WaitForIcon());
     session.Spin(L"udbSpeed", true);
@@ -156,7 +156,7 @@ TEST_CASE("Closing the window keeps the edits, the mark, the engine and the icon
     CHECK(session.Marked());
 }
 
-TEST_CASE("Every editing control marks a change, typing a speed or a pause does not") {
+TEST_CASE("every editing control marks a change, typing a speed or a pause does not") {
     Watched session;
     for (const wchar_t* const upDown : {L"udbSpeed", L"udbPause"}) {
         CAPTURE(ToAnsi(upDown));
@@ -187,7 +187,7 @@ TEST_CASE("Every editing control marks a change, typing a speed or a pause does 
     CHECK(session.engine.Calls() == Lines{});
 }
 
-TEST_CASE("Edits of the lists mark a change, a dialog that is cancelled too") {
+TEST_CASE("edits of the lists mark a change, a dialog that is cancelled too") {
     Watched session;
     for (const wchar_t* const list : {L"lvwBanners", L"lvwSearchURLs"}) {
         CAPTURE(ToAnsi(list));
@@ -229,7 +229,7 @@ TEST_CASE("Edits of the lists mark a change, a dialog that is cancelled too") {
     CHECK(session.engine.Count(L"ReloadSettings") == 1);
 }
 
-TEST_CASE("Loading never marks a change, whatever is stored") {
+TEST_CASE("loading never marks a change, whatever is stored") {
     Session first;
     first.Start();
     first.manager.Control()->ReleaseConfig();
@@ -256,7 +256,7 @@ TEST_CASE("Loading never marks a change, whatever is stored") {
 }
 
 TEST_CASE(
-    "The disabled Apply cannot be clicked; its handler saves everything and tells the engine all the same") {
+    "the disabled Apply cannot be clicked; its handler saves everything and tells the engine all the same") {
     Watched session;
     DeleteSettings();
     SetForegroundWindow(session.window);

@@ -36,7 +36,7 @@ void LogOff(Session& session) {
 
 }  // namespace
 
-TEST_CASE("The window's making creates one engine object, with the window's handle, a reference and mode 2") {
+TEST_CASE("the window's making creates one engine object, with the window's handle, a reference and mode 2") {
     Session session;
     session.window = session.manager.Window();
     const Lines calls = session.engine.Calls();
@@ -59,7 +59,7 @@ TEST_CASE("The window's making creates one engine object, with the window's hand
 }
 
 TEST_CASE(
-    "Unloading lets go of the engine object, then takes leave with the same arguments, and stops nothing") {
+    "unloading lets go of the engine object, then takes leave with the same arguments, and stops nothing") {
     Session session;
     void (*unload)(Session&) = nullptr;
     SUBCASE("ReleaseConfig") {
@@ -85,11 +85,11 @@ TEST_CASE(
     CHECK(IconStory() == "add rest, delete");
 }
 
-TEST_CASE("The engine object and its events are given up before the leave is taken") {
+TEST_CASE("the engine object and its events are given up before the leave is taken") {
     Session session;
     session.Start();
     // While the engine takes its time, what it is asked next waits in its queue, before anything that the
-    // manager could send after the answer.
+    // manager could send after the reply.
     const HeldCall held = session.engine.Hold(L"ReleasePopup");
     Put(session.manager.Form().Get(), L"b_OKtoUnload", true);
     PostMessageW(session.window, WM_CLOSE, 0, 0);
@@ -107,7 +107,7 @@ TEST_CASE("The engine object and its events are given up before the leave is tak
     CHECK(WaitUntil([&] { return !IsWindow(session.window); }));
 }
 
-TEST_CASE("A window made anew after Exit creates an engine object anew and has a working icon") {
+TEST_CASE("a window made again after Exit creates an engine object again and has a working icon") {
     Session session;
     session.Start();
     const HWND first = session.window;
@@ -131,7 +131,7 @@ TEST_CASE("A window made anew after Exit creates an engine object anew and has a
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
 }
 
-TEST_CASE("After Exit the process ends with its last client") {
+TEST_CASE("after Exit the process ends with its last client") {
     Session session;
     session.Start();
     Command(session.window, L'x');
@@ -142,7 +142,7 @@ TEST_CASE("After Exit the process ends with its last client") {
     CHECK(ShownIcons() == 0);
 }
 
-TEST_CASE("A session end that is called off changes nothing") {
+TEST_CASE("a session end that is called off changes nothing") {
     Session session;
     session.Start();
     CHECK(SendMessageW(session.window, WM_QUERYENDSESSION, 0, 0) != 0);

@@ -37,7 +37,7 @@ struct Commanded : Session {
 }  // namespace
 
 TEST_CASE(
-    "The engine's state at the start shows in the menu: 2 and 3 alike, an unknown one changes nothing") {
+    "the engine's state at the start shows in the menu: 2 and 3 alike, an unknown one changes nothing") {
     Commanded session;
     MenuLook expected = MenuLook::Other;
     SUBCASE("2") {
@@ -63,7 +63,7 @@ TEST_CASE(
     CHECK(LookOfMenu(session.window) == expected);
 }
 
-TEST_CASE("A command reaches the engine half a second after the menu has closed on it, not before") {
+TEST_CASE("a command reaches the engine half a second after the menu has closed on it, not before") {
     struct Row {
         wchar_t mnemonic;
         const wchar_t* call;
@@ -117,7 +117,7 @@ TEST_CASE("Pause leaves the menu alone until the engine reports it; the menu fol
     CHECK(WaitUntil([&] { return LookOfMenu(session.window) == MenuLook::Stopped; }));
 }
 
-TEST_CASE("A disabled item does nothing") {
+TEST_CASE("a disabled item does nothing") {
     Commanded session;
     session.engine.State(2);
     session.Start();
@@ -131,7 +131,7 @@ TEST_CASE("A disabled item does nothing") {
     CHECK(session.engine.Calls() == Lines{});
 }
 
-TEST_CASE("An event that comes while the menu is open is in it the next time, and Esc chooses nothing") {
+TEST_CASE("an event that comes while the menu is open is in it the next time, and Esc chooses nothing") {
     Commanded session;
     session.Start();
     PopUpMenu(session.window);
@@ -156,7 +156,7 @@ TEST_CASE("Open shows the hidden window in the foreground, and its close box hid
     CHECK(session.engine.Calls() == Lines{});
 }
 
-TEST_CASE("A command that waits when the window is left by Exit is never sent") {
+TEST_CASE("a command that waits when the window is left by Exit is never sent") {
     Commanded session;
     session.Start();
     Command(session.window, L't');

@@ -8,7 +8,7 @@
 #include "platform/com/variant.h"
 #include "tests/support/automation.h"
 
-// What another process answered is the first thing to know of a call that failed.
+// What another process returned is the first thing to know of a call that failed.
 REGISTER_EXCEPTION_TRANSLATOR(const AutomationError& error) {
     char text[40];
     std::snprintf(text, sizeof(text), "Automation error 0x%08lX", static_cast<unsigned long>(error.Code()));

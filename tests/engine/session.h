@@ -28,7 +28,7 @@ struct Session {
     // Enables cmdApply from outside and presses it.
     void Apply();
 
-    // Presses a button that opens a dialog, and answers that; null when none comes.
+    // Presses a button that opens a dialog, and returns that; null when none comes.
     HWND OpenDialog(const wchar_t* button);
     bool CancelDialog(HWND dialog);
 

@@ -39,7 +39,7 @@ public:
     long Popups() const;
     long Connections() const;
 
-    // Ends the process and waits until it is gone; the next StandIn starts one anew.
+    // Ends the process and waits until it is gone; the next StandIn starts another.
     enum class Death { ByOrder, ByForce };
     static void End(Death death = Death::ByOrder);
 

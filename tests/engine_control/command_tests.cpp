@@ -53,7 +53,7 @@ TEST_CASE_FIXTURE(EngineFixture,
     CHECK(Enabled() == kStoppedMenu);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "pausing leaves the menu until the engine answers with its event") {
+TEST_CASE_FIXTURE(EngineFixture, "pausing leaves the menu until the engine raises its event") {
     ConnectQuietly();
     engine.mnuPauseKiller_Click();
     REQUIRE(Tick());

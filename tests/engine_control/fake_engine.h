@@ -13,7 +13,7 @@
 #include "sentrel1.h"
 #include "tests/support/import_patch.h"
 
-// What the engine was asked, and what it answers.
+// What the engine was asked, and what it returns.
 struct EngineScript {
     // The calls in order: "CreateInstance", "CreatePopup", "Advise", "State", "Start", ..., "Popup gone".
     std::vector<std::string> calls;

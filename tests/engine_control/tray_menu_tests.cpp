@@ -147,7 +147,7 @@ TEST_CASE("the menu goes with its object") {
     CHECK_FALSE(IsMenu(handle));
 }
 
-TEST_CASE("the menu pops up at the cursor for either button and answers with the item") {
+TEST_CASE("the menu pops up at the cursor for either button and returns the item") {
     PlainWindow window;
     TrayMenu menu;
     MenuCalls calls;

@@ -59,7 +59,7 @@ bool HasEngine(Session& session) {
 
 }  // namespace
 
-TEST_CASE("Without a registered engine the manager works, and its menu stays as designed") {
+TEST_CASE("without a registered engine the manager works, and its menu stays as designed") {
     const NoEngineRegistered none;
     Manager manager(BeginTrayRecord());
     const DWORD start = GetTickCount();
@@ -93,7 +93,7 @@ TEST_CASE("Without a registered engine the manager works, and its menu stays as 
     CHECK(ShownIcons() == 0);
 }
 
-TEST_CASE("An engine object that cannot be created leaves a window that works") {
+TEST_CASE("an engine object that cannot be created leaves a window that works") {
     Session session;
     SUBCASE("CreatePopup fails") {
         session.engine.Fail(L"CreatePopup");
@@ -110,7 +110,7 @@ TEST_CASE("An engine object that cannot be created leaves a window that works") 
     CheckUsable(session);
 }
 
-TEST_CASE("A state or a log that cannot be read leaves everything else working") {
+TEST_CASE("a state or a log that cannot be read leaves everything else working") {
     Session session;
     session.engine.Fail(L"State");
     session.engine.Fail(L"LogFile");
@@ -125,7 +125,7 @@ TEST_CASE("A state or a log that cannot be read leaves everything else working")
     CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
 }
 
-TEST_CASE("A command that fails in the engine is done with, and the menu is as if it had succeeded") {
+TEST_CASE("a command that fails in the engine is done with, and the menu is as if it had succeeded") {
     Session session;
     session.engine.RaiseByItself(false);
     session.Start();
@@ -146,7 +146,7 @@ TEST_CASE("A command that fails in the engine is done with, and the menu is as i
     CHECK(WaitUntil([&] { return session.engine.Calls().back() == L"Stop"; }));
 }
 
-TEST_CASE("A leave that fails does not keep the window") {
+TEST_CASE("a leave that fails does not keep the window") {
     Session session;
     session.engine.Fail(L"ReleasePopup");
     session.Start();
@@ -159,7 +159,7 @@ TEST_CASE("A leave that fails does not keep the window") {
     CHECK(session.manager.WaitForEnd());
 }
 
-TEST_CASE("An engine that dies in a call leaves a manager that works") {
+TEST_CASE("an engine that dies in a call leaves a manager that works") {
     Session session;
     session.Start();
     SUBCASE("Stop") {
@@ -188,7 +188,7 @@ TEST_CASE("An engine that dies in a call leaves a manager that works") {
     CheckUsable(session);
 }
 
-TEST_CASE("An engine that dies in State or in Start leaves a manager that works") {
+TEST_CASE("an engine that dies in State or in Start leaves a manager that works") {
     Session session;
     SUBCASE("State") {
         session.engine.DieIn(L"State");
@@ -208,7 +208,7 @@ TEST_CASE("An engine that dies in State or in Start leaves a manager that works"
     CheckUsable(session);
 }
 
-TEST_CASE("The manager ends as ever when its engine dies in the leave or has died before") {
+TEST_CASE("the manager ends as ever when its engine dies in the leave or has died before") {
     Session session;
     session.Start();
     SUBCASE("In ReleasePopup") {
@@ -231,7 +231,7 @@ TEST_CASE("The manager ends as ever when its engine dies in the leave or has die
     CHECK(ShownIcons() == 0);
 }
 
-TEST_CASE("An engine killed between two calls is missed by nobody but its commands") {
+TEST_CASE("an engine killed between two calls is missed by nobody but its commands") {
     Session session;
     session.Start();
     session.engine.Raise(L"Killed");
@@ -246,7 +246,7 @@ TEST_CASE("An engine killed between two calls is missed by nobody but its comman
     CheckUsable(session);
 }
 
-TEST_CASE("A terminated engine that COM still takes for alive leaves a manager that starts and works") {
+TEST_CASE("a terminated engine that COM still takes for alive leaves a manager that starts and works") {
     Session session;
     StandIn::End(StandIn::Death::ByForce);
     const DWORD start = GetTickCount();
@@ -256,7 +256,7 @@ TEST_CASE("A terminated engine that COM still takes for alive leaves a manager t
     CheckUsable(session);
 }
 
-TEST_CASE("An engine killed while it is being called lets the manager go on") {
+TEST_CASE("an engine killed while it is being called lets the manager go on") {
     Session session;
     session.Start();
     const HeldCall held = session.engine.Hold(L"ReloadSettings");
@@ -270,7 +270,7 @@ TEST_CASE("An engine killed while it is being called lets the manager go on") {
     CheckUsable(session);
 }
 
-TEST_CASE("An engine that is slow with a command is not given it twice") {
+TEST_CASE("an engine that is slow with a command is not given it twice") {
     Session session;
     session.Start();
     const HeldCall held = session.engine.Hold(L"Stop");
@@ -284,7 +284,7 @@ TEST_CASE("An engine that is slow with a command is not given it twice") {
     CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
 }
 
-TEST_CASE("Events that come while a dialog is open do all that they do") {
+TEST_CASE("events that come while a dialog is open do all that they do") {
     Session session;
     session.manager.Instance(formShow);
     session.Start();

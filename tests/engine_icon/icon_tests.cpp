@@ -36,7 +36,7 @@ void CheckIntervals(size_t first, DWORD start) {
 
 }  // namespace
 
-TEST_CASE("The icon is there once the window is made, with the resting picture, once") {
+TEST_CASE("the icon is there once the window is made, with the resting picture, once") {
     Session session;
     session.Start();
     CHECK(WaitForIcon());
@@ -47,7 +47,7 @@ TEST_CASE("The icon is there once the window is made, with the resting picture, 
     CHECK_FALSE(session.Visible());
 }
 
-TEST_CASE("A closed pop-up runs the three frames a quarter of a second apart, then adds the icon again") {
+TEST_CASE("a closed pop-up runs the three frames a quarter of a second apart, then adds the icon again") {
     WithIcon session;
     const DWORD start = GetTickCount();
     session.engine.Raise(L"Killed");
@@ -59,7 +59,7 @@ TEST_CASE("A closed pop-up runs the three frames a quarter of a second apart, th
     CHECK(session.engine.Calls() == Lines{});
 }
 
-TEST_CASE("A second closed pop-up in the midst of the frames starts them over") {
+TEST_CASE("a second closed pop-up in the midst of the frames starts them over") {
     WithIcon session;
     session.engine.Raise(L"Killed");
     REQUIRE(WaitUntil([] { return IconStory(1).starts_with("frame 0"); }));
@@ -75,7 +75,7 @@ TEST_CASE("A second closed pop-up in the midst of the frames starts them over") 
     CHECK(IconsAdded() == 2);
 }
 
-TEST_CASE("A closed pop-up is shown whichever notice is chosen") {
+TEST_CASE("a closed pop-up is shown whichever notice is chosen") {
     WithIcon session;
     for (const wchar_t* const notice : {L"chkBeep", L"chkPlaySound"}) {
         session.Press(notice);
@@ -85,7 +85,7 @@ TEST_CASE("A closed pop-up is shown whichever notice is chosen") {
     }
 }
 
-TEST_CASE("The window going away in the middle of the frames leaves no icon") {
+TEST_CASE("the window going away in the middle of the frames leaves no icon") {
     WithIcon session;
     session.engine.Raise(L"Killed");
     REQUIRE(WaitUntil([] { return IconStory(1).starts_with("frame 0"); }));
@@ -109,7 +109,7 @@ TEST_CASE("The window going away in the middle of the frames leaves no icon") {
     CHECK_FALSE(ShellHasIcon(session.window));
 }
 
-TEST_CASE("A storm of closed pop-ups leaves one icon and a window that answers") {
+TEST_CASE("a storm of closed pop-ups leaves one icon and a window that responds") {
     WithIcon session;
     for (int i = 0; i < 200; ++i)
         session.engine.Raise(L"Killed");
@@ -119,7 +119,7 @@ TEST_CASE("A storm of closed pop-ups leaves one icon and a window that answers")
     CHECK(ShellHasIcon(session.window));
 }
 
-TEST_CASE("A double click opens the window; single clicks, presses and movements do nothing") {
+TEST_CASE("a double click opens the window; single clicks, presses and movements do nothing") {
     WithIcon session;
     for (const UINT message : {WM_MOUSEMOVE, WM_LBUTTONDOWN, WM_LBUTTONUP, WM_MBUTTONDOWN, WM_MBUTTONUP,
                                WM_RBUTTONDOWN, WM_RBUTTONDBLCLK, WM_MBUTTONDBLCLK, WM_CONTEXTMENU, WM_NULL})
@@ -135,7 +135,7 @@ TEST_CASE("A double click opens the window; single clicks, presses and movements
     CHECK(session.engine.Calls() == Lines{});
 }
 
-TEST_CASE("A right click brings the window to the front and opens the menu, Pause being its bold item") {
+TEST_CASE("a right click brings the window to the front and opens the menu, Pause being its bold item") {
     WithIcon session;
     PostGesture(session.window, WM_RBUTTONDOWN);
     session.Settle();
@@ -168,7 +168,7 @@ TEST_CASE("A right click brings the window to the front and opens the menu, Paus
     CHECK(session.engine.Calls() == Lines{});
 }
 
-TEST_CASE("An item of the menu is chosen by the real mouse and by the real keyboard") {
+TEST_CASE("an item of the menu is chosen by the real mouse and by the real keyboard") {
     WithIcon session;
     session.engine.RaiseByItself(false);
     session.engine.Raise(L"Stopped");
@@ -189,7 +189,7 @@ TEST_CASE("An item of the menu is chosen by the real mouse and by the real keybo
     CHECK(WaitUntil([&] { return session.Visible(); }));
 }
 
-TEST_CASE("An icon that a new taskbar does not know is added again") {
+TEST_CASE("an icon that a new taskbar does not know is added again") {
     WithIcon session;
     NOTIFYICONDATAW data{};
     data.cbSize = sizeof(data);

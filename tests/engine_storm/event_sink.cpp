@@ -19,7 +19,7 @@ EventSink::EventSink(IDispatch* form) {
     ThrowIfFailed(point->EnumConnections(&connections));
     CONNECTDATA connection{};
     ULONG fetched = 0;
-    // Between processes Wine answers any result and any count; the connection itself is right.
+    // Between processes Wine returns any result and any count; the connection itself is right.
     connections->Next(1, &connection, &fetched);
     if (connection.pUnk == nullptr) RaiseError(ErrorNumber::ObjectNotSet);
     const HRESULT result = connection.pUnk->QueryInterface(IID_PPV_ARGS(&m_sink));

@@ -11,7 +11,7 @@ public:
     // form: the window's object, connected to the engine. Throws AutomationError when it is not.
     explicit EventSink(IDispatch* form);
 
-    // Each answers what the manager answered, and notes how long that took.
+    // Each returns what the manager returned, and notes how long that took.
     HRESULT Killed();
     HRESULT Started() { return Raise(3); }
     HRESULT Stopped() { return Raise(4); }

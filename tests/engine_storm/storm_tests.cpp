@@ -1,4 +1,4 @@
-// Engines that answer late, and more events than any engine should raise.
+// Engines that return late, and more events than any engine should raise.
 #include <doctest.h>
 
 #include <psapi.h>
@@ -128,7 +128,7 @@ private:
 
 }  // namespace
 
-TEST_CASE("An Apply whose engine answers after 10 seconds is done when it does") {
+TEST_CASE("an Apply whose engine returns after 10 seconds is done when it does") {
     Session session;
     session.engine.State(2);
     session.Start();
@@ -149,7 +149,7 @@ TEST_CASE("An Apply whose engine answers after 10 seconds is done when it does")
     CheckOneIcon(session);
 }
 
-TEST_CASE("A log whose place the engine tells late is shown when it is told") {
+TEST_CASE("a log whose place the engine tells late is shown when it is told") {
     Session session;
     const std::wstring log = NewLog();
     Put(session.engine.Control(), L"LogFile", Variant(log));
@@ -177,7 +177,7 @@ TEST_CASE("A log whose place the engine tells late is shown when it is told") {
 }
 
 TEST_CASE(
-    "A start that the engine holds up ends with a window that works and a menu that follows the state") {
+    "a start that the engine holds up ends with a window that works and a menu that follows the state") {
     const wchar_t* member = nullptr;
     SUBCASE("CreatePopup") {
         member = L"CreatePopup";
@@ -209,11 +209,11 @@ TEST_CASE(
     CheckOneIcon(session);
 }
 
-TEST_CASE("A hundred Applies of the manager's own process leave the registry keys of their values, no more") {
+TEST_CASE("a hundred Applies of the manager's own process leave the registry keys of their values, no more") {
     const int applies = Times(100);
     Session session;
     session.Start();
-    // While the engine is called the manager serves its other clients: its answer does not mean that it is
+    // While the engine is called the manager serves its other clients: its reply does not mean that it is
     // done.
     const auto apply = [&] {
         session.Apply();
@@ -249,7 +249,7 @@ TEST_CASE("A hundred Applies of the manager's own process leave the registry key
                     << (after.privateBytes - before.privateBytes) / 1024 << " KB");
 }
 
-TEST_CASE("A thousand closed pop-ups in a burst leave one icon and a manager that answered all along") {
+TEST_CASE("a thousand closed pop-ups in a burst leave one icon and a manager that responded all along") {
     const int notices = Times(1000);
     Session session;
     session.Start();
@@ -268,7 +268,7 @@ TEST_CASE("A thousand closed pop-ups in a burst leave one icon and a manager tha
     // Many times in the course of the burst, and not only after it.
     CHECK(watcher.Asked() > 10);
     CHECK(watcher.Unanswered() == 0);
-    // The last animation adds the icon anew.
+    // The last animation adds the icon again.
     CheckOneIcon(session, 1);
     Held after;
     CHECK(WaitUntil([&] {
@@ -280,13 +280,13 @@ TEST_CASE("A thousand closed pop-ups in a burst leave one icon and a manager tha
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
     CheckWorks(session);
     MESSAGE(notices << " Killed in " << took << " ms; the window was asked " << watcher.Asked()
-                    << " times and answered within " << watcher.Longest() << " ms; kernel handles "
+                    << " times and responded within " << watcher.Longest() << " ms; kernel handles "
                     << after.handles - before.handles << ", private memory "
                     << (after.privateBytes - before.privateBytes) / 1024 << " KB");
 }
 
 TEST_CASE(
-    "Events that come while the engine is slow with an Apply are all served, the last one in the menu") {
+    "events that come while the engine is slow with an Apply are all served, the last one in the menu") {
     Session session;
     session.Start();
     REQUIRE(session.engine.Connections() == 1);
@@ -300,7 +300,7 @@ TEST_CASE(
         REQUIRE(events.Started() == S_OK);
         REQUIRE(events.Stopped() == S_OK);
     }
-    // All of them were served before the engine answered.
+    // All of them were served before the engine returned.
     CHECK(session.Marked());
     reload.LetGo();
     CHECK(WaitUntil([&] { return !session.Marked(); }));
@@ -314,7 +314,7 @@ TEST_CASE(
     MESSAGE(events.Raised() << " events during an Apply, each served within " << events.Longest() << " ms");
 }
 
-TEST_CASE("Events that come while the engine is slow with the leave change nothing and bring nothing back") {
+TEST_CASE("events that come while the engine is slow with the leave change nothing and bring nothing back") {
     Session session;
     session.Start();
     REQUIRE(session.engine.Connections() == 1);
@@ -355,6 +355,6 @@ TEST_CASE("Events that come while the engine is slow with the leave change nothi
     CHECK(GetExitCodeProcess(process.Get(), &code) != FALSE);
     CHECK(code == 0);
     CHECK(ShownIcons() == 0);
-    MESSAGE(events.Raised() << " events during the leave, " << served
-                            << " answered with success, each within " << events.Longest() << " ms");
+    MESSAGE(events.Raised() << " events during the leave, " << served << " returned success, each within "
+                            << events.Longest() << " ms");
 }

@@ -57,7 +57,7 @@ constexpr const char* kMoments[] = {"CreateInstance", "CreatePopup", "State", "L
 
 }  // namespace
 
-TEST_CASE("ReleaseConfig takes the window away and ends the process after its answer") {
+TEST_CASE("ReleaseConfig takes the window away and ends the process after its reply") {
     CheckInOwnProcess(L"alone: ReleaseConfig with a window");
 }
 

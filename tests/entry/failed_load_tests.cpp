@@ -26,7 +26,7 @@ bool IsShown() {
 
 }  // namespace
 
-TEST_CASE("an error while the defaults are written passes to the caller, and a later call starts anew") {
+TEST_CASE("an error while the defaults are written passes to the caller, and a later call starts again") {
     InsideWithoutEngine inside;
     const ULONG locks = Locks();
     {
@@ -47,7 +47,7 @@ TEST_CASE("an error while the defaults are written passes to the caller, and a l
     CHECK(inside.user.Text(kSettings, L"First Time") == L"True");
 }
 
-TEST_CASE("a window made anew whose load fails is loaded by the next call") {
+TEST_CASE("a window made again whose load fails is loaded by the next call") {
     InsideWithoutEngine inside;
     inside.Instance(FormHide);
     g_frmConfig->Unload();

@@ -61,7 +61,7 @@ TEST_CASE("a window or a page that cannot be made gives the caller an error, and
 }
 
 TEST_CASE(
-    "a window that cannot be made anew after its unloading gives the caller an error, and a later call "
+    "a window that cannot be made again after its unloading gives the caller an error, and a later call "
     "works") {
     for (const int dialog : {IDD_CONFIG, IDD_PAGE_LOG}) {
         CAPTURE(dialog);

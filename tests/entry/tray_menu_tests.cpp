@@ -28,7 +28,7 @@ std::string Menu() {
 
 }  // namespace
 
-TEST_CASE("a window made anew has the menu as designed where its engine tells no state") {
+TEST_CASE("a window made again has the menu as designed where its engine tells no state") {
     using Change = void (*)(EngineScript & engine);
     constexpr Change kChanges[] = {
         [](EngineScript& engine) { engine.results["CreateInstance"] = REGDB_E_CLASSNOTREG; },

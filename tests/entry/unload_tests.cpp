@@ -56,7 +56,7 @@ TEST_CASE(
         wasThere = IsWindow(Window()) != FALSE;
     };
 
-    SUBCASE("and the engine answers") {}
+    SUBCASE("and the engine returns") {}
     SUBCASE("and the engine fails") {
         journal.engine.script.results["ReleasePopup"] = E_FAIL;
     }

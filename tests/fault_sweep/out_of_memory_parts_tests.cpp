@@ -147,7 +147,7 @@ TEST_CASE("memory that runs out in a dialog's OK adds the whole row or none, and
 }
 
 TEST_CASE(
-    "memory that runs out when the icon is added or animated is answered, and the next call is not the worse "
+    "memory that runs out when the icon is added or animated is reported, and the next call is not the worse "
     "for it") {
     long faults = 0;
     {

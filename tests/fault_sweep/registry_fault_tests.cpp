@@ -89,7 +89,7 @@ struct Figures {
 };
 
 // Runs body under every fault that it meets: each call once and each call with all behind it, of all
-// functions and of each function by itself. body answers whether the fault happened.
+// functions and of each function by itself. body returns whether the fault happened.
 void Sweep(const std::function<bool(const Fault&)>& body, Figures& figures,
            const std::vector<LSTATUS>& errors = {std::begin(kErrors), std::end(kErrors)}) {
     std::vector<std::optional<RegistryCall>> functions{std::nullopt};
@@ -177,7 +177,7 @@ TEST_CASE(
             CHECK(counter.Calls() == model.Calls());
             figures.calls = std::max(figures.calls, counter.Calls());
 
-            // The mark is written last: where it is missing, the next start writes everything anew.
+            // The mark is written last: where it is missing, the next start writes everything again.
             const bool isMarked = registry.contents[kSettings].contains("First Time");
             registry.Fail({});
             WriteFirstRunDefaults();

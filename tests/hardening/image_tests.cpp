@@ -63,18 +63,18 @@ std::wstring Registered(const std::wstring& value) {
 
 }  // namespace
 
-TEST_CASE("The manager may be loaded at any address and executes no data") {
+TEST_CASE("the manager may be loaded at any address and executes no data") {
     const WORD flags = Manager().Header().DllCharacteristics;
     CHECK((flags & IMAGE_DLLCHARACTERISTICS_DYNAMIC_BASE) != 0);
     CHECK((flags & IMAGE_DLLCHARACTERISTICS_NX_COMPAT) != 0);
 }
 
-TEST_CASE("The manager's relocations are there, without which it could not be moved") {
+TEST_CASE("the manager's relocations are there, without which it could not be moved") {
     CHECK((Manager().Characteristics() & IMAGE_FILE_RELOCS_STRIPPED) == 0);
     CHECK(Manager().RelocationCount() > 1000);
 }
 
-TEST_CASE("No section of the manager is both writable and executable") {
+TEST_CASE("no section of the manager is both writable and executable") {
     size_t executable = 0;
     for (const IMAGE_SECTION_HEADER& section : Manager().Sections()) {
         const bool executes = (section.Characteristics & IMAGE_SCN_MEM_EXECUTE) != 0;
@@ -86,7 +86,7 @@ TEST_CASE("No section of the manager is both writable and executable") {
 
 // The handler of a smashed stack is found by the message that it prints: it is the function that is called
 // and lies closest before the place where the message's address is used.
-TEST_CASE("The manager's functions check their stack before they return") {
+TEST_CASE("the manager's functions check their stack before they return") {
     DWORD codeAddress = 0;
     const std::string code = Manager().Code(codeAddress);
     const auto wordAt = [&](size_t offset) {
@@ -114,7 +114,7 @@ TEST_CASE("The manager's functions check their stack before they return") {
 }
 
 TEST_CASE(
-    "The manager imports from Windows' own libraries alone, and plainly only from those that Windows never "
+    "the manager imports from Windows' own libraries alone, and plainly only from those that Windows never "
     "takes "
     "from the program's folder") {
     const std::vector<std::string> libraries = Manager().Libraries();
@@ -126,7 +126,7 @@ TEST_CASE(
     CHECK(std::set<std::string>(libraries.begin(), libraries.end()) == allowed);
 }
 
-TEST_CASE("The manager starts no process, so that nobody inherits what it has open") {
+TEST_CASE("the manager starts no process, so that nobody inherits what it has open") {
     const std::vector<std::string> functions = Manager().Functions();
     for (const char* const function :
          {"CreateProcessA", "CreateProcessW", "CreateProcessAsUserA", "CreateProcessAsUserW", "WinExec",
@@ -137,7 +137,7 @@ TEST_CASE("The manager starts no process, so that nobody inherits what it has op
     CHECK(Contains(functions, "ShellExecuteA"));
 }
 
-TEST_CASE("The manager does without the functions that write past a buffer" * doctest::skip(!IS_RELEASE)) {
+TEST_CASE("the manager does without the functions that write past a buffer" * doctest::skip(!IS_RELEASE)) {
     const std::vector<std::string> functions = Manager().Functions();
     for (const char* const function : {"strcpy", "strcat", "wcscpy", "wcscat", "sprintf", "swprintf",
                                        "vsprintf", "gets", "lstrcpyA", "lstrcpyW", "lstrcatA", "lstrcatW"}) {
@@ -146,7 +146,7 @@ TEST_CASE("The manager does without the functions that write past a buffer" * do
     }
 }
 
-TEST_CASE("The manager's file tells nothing of the machine that built it" * doctest::skip(!IS_RELEASE)) {
+TEST_CASE("the manager's file tells nothing of the machine that built it" * doctest::skip(!IS_RELEASE)) {
     for (const std::string& text :
          {std::string(SOURCE_DIR) + "/", std::string("C:\\Users\\"), std::string(".cpp")}) {
         CAPTURE(text);
@@ -157,11 +157,11 @@ TEST_CASE("The manager's file tells nothing of the machine that built it" * doct
     CHECK(Manager().Header().DataDirectory[IMAGE_DIRECTORY_ENTRY_DEBUG].Size == 0);
 }
 
-TEST_CASE("The manager's file is small" * doctest::skip(!IS_RELEASE)) {
+TEST_CASE("the manager's file is small" * doctest::skip(!IS_RELEASE)) {
     CHECK(Manager().Bytes().size() <= 480 * 1024);
 }
 
-TEST_CASE("The manager runs with its user's rights and with the themed common controls") {
+TEST_CASE("the manager runs with its user's rights and with the themed common controls") {
     const std::string manifest = LoadedData().Resource(1, RT_MANIFEST);
     CHECK(manifest.find("<requestedExecutionLevel level=\"asInvoker\" uiAccess=\"false\"/>") !=
           std::string::npos);
@@ -170,7 +170,7 @@ TEST_CASE("The manager runs with its user's rights and with the themed common co
     CHECK(manifest.find("processorArchitecture=\"x86\"") != std::string::npos);
 }
 
-TEST_CASE("The registered command line is quoted, and the program is named beside it as it stands") {
+TEST_CASE("the registered command line is quoted, and the program is named beside it as it stands") {
     CHECK(Registered(L"") == L'"' + Registered(L"ServerExecutable") + L'"');
     CHECK(CompareStringOrdinal(Registered(L"ServerExecutable").c_str(), -1, ManagerPath().c_str(), -1,
                                TRUE) == CSTR_EQUAL);

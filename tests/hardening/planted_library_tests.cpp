@@ -192,7 +192,7 @@ void CheckModules(Manager& manager, const PlantedFolder& planted) {
 
 }  // namespace
 
-TEST_CASE("A program that takes no care loads each of the planted libraries") {
+TEST_CASE("a program that takes no care loads each of the planted libraries") {
     const PlantedFolder planted(BesideTest(L"unguarded.exe"), L"unguarded.exe");
     std::wstring arguments;
     for (const std::wstring& library : planted.Libraries())
@@ -203,7 +203,7 @@ TEST_CASE("A program that takes no care loads each of the planted libraries") {
     CHECK(planted.Loaded().size() > 0);
 }
 
-TEST_CASE("The manager loads nothing from its own folder, whatever it does") {
+TEST_CASE("the manager loads nothing from its own folder, whatever it does") {
     const PlantedFolder planted(ManagerPath(), L"SentrelConfig.exe");
     REQUIRE(
         CopyFileW((ManagerFolder() + L"\\Arc.wav").c_str(), (planted.Folder() + L"\\Arc.wav").c_str(), TRUE));

@@ -203,7 +203,7 @@ TEST_CASE_FIXTURE(LogPage, "a single line of 100 MB is shown, or given up for wa
 }
 
 TEST_CASE_FIXTURE(
-    LogPage, "a line of more bytes than memory has room for is given up, and the lines behind it are shown") {
+    LogPage, "a line of more bytes than memory can hold is given up, and the lines behind it are shown") {
     SetSize(path, 5'000'000'000);
     Append(path, "\r\nnewer\r\nnewest\r\n");
     const DWORD start = GetTickCount();
@@ -267,7 +267,7 @@ TEST_CASE_FIXTURE(LogPage, "a pipe that announces bytes and never delivers them 
     const FileHandle server(CreateNamedPipeW(name.c_str(), PIPE_ACCESS_DUPLEX, PIPE_TYPE_BYTE | PIPE_WAIT, 1,
                                              4096, 4096, 0, nullptr));
     REQUIRE(server);
-    // Windows answers with the bytes that wait in the pipe, which somebody else may take.
+    // Windows returns the number of the bytes that wait in the pipe, which somebody else may take.
     struct Fake {
         static BOOL WINAPI Size(HANDLE, PLARGE_INTEGER size) {
             size->QuadPart = 100;

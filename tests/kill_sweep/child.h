@@ -18,7 +18,7 @@ public:
     // ends.
     Child(const std::string& testCase, long call);
 
-    // Waits until it has ended and answers its exit code; past ten seconds it is ended, and the answer is
+    // Waits until it has ended and returns its exit code; past ten seconds it is ended, and the result is
     // WAIT_TIMEOUT.
     DWORD Wait();
 

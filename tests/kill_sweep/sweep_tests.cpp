@@ -81,7 +81,7 @@ std::string ListsAndOptionsDiffer(WindowState actual, const WindowState& expecte
     return Difference(actual, expected);
 }
 
-// Presses Apply with what the window shows and starts anew until the new start shows just that; answers how
+// Presses Apply with what the window shows and starts again until the new start shows just that; returns how
 // often that took.
 int AppliesUntilWhole(SettingsWindow& page, MemoryRegistry& registry, const WindowState& wanted, int most) {
     for (int applies = 1; applies <= most; ++applies) {

@@ -22,15 +22,15 @@ struct DialogCall {
     DWORD flags;
 };
 
-struct Answer {
+struct Reply {
     bool chosen;
     std::wstring file;
     DWORD error;
 };
 
-// Answers GetOpenFileNameW from a list and notes how it was asked.
+// Serves GetOpenFileNameW from a list and notes how it was asked.
 struct DialogScript {
-    std::vector<Answer> answers;
+    std::vector<Reply> replies;
     std::vector<DialogCall> calls;
     DWORD error = 0;
 };
@@ -45,10 +45,10 @@ BOOL WINAPI FakeGetOpenFileName(LPOPENFILENAMEW dialog) {
     }
     g_script->calls.push_back(
         {dialog->hwndOwner, dialog->lpstrTitle, filter, dialog->lpstrFile, dialog->nMaxFile, dialog->Flags});
-    const Answer answer = g_script->answers.at(g_script->calls.size() - 1);
-    g_script->error = answer.error;
-    if (answer.chosen) lstrcpyW(dialog->lpstrFile, answer.file.c_str());
-    return answer.chosen;
+    const Reply reply = g_script->replies.at(g_script->calls.size() - 1);
+    g_script->error = reply.error;
+    if (reply.chosen) lstrcpyW(dialog->lpstrFile, reply.file.c_str());
+    return reply.chosen;
 }
 
 DWORD WINAPI FakeExtendedError() {
@@ -57,8 +57,8 @@ DWORD WINAPI FakeExtendedError() {
 
 class ScriptedDialog : public DialogScript {
 public:
-    explicit ScriptedDialog(std::vector<Answer> all) {
-        answers = std::move(all);
+    explicit ScriptedDialog(std::vector<Reply> all) {
+        replies = std::move(all);
         g_script = this;
     }
     ~ScriptedDialog() { g_script = nullptr; }
@@ -68,11 +68,11 @@ private:
     ImportPatch m_error{"comdlg32.dll", "CommDlgExtendedError", &FakeExtendedError};
 };
 
-const Answer kCancelled{false, L"", 0};
-const Answer kRefusedName{false, L"", FNERR_INVALIDFILENAME};
-const Answer kFailed{false, L"", CDERR_INITIALIZATION};
+const Reply kCancelled{false, L"", 0};
+const Reply kRefusedName{false, L"", FNERR_INVALIDFILENAME};
+const Reply kFailed{false, L"", CDERR_INITIALIZATION};
 
-Answer Chosen(const std::wstring& file) {
+Reply Chosen(const std::wstring& file) {
     return {true, file, 0};
 }
 
@@ -107,11 +107,11 @@ TEST_CASE("without a sound file the dialog starts with an empty name") {
     CHECK(page.popupNotice.m_strSoundFile.empty());
 }
 
-TEST_CASE("cancelling, an error of the dialog and an empty answer keep the old path") {
-    for (const Answer& answer : {kCancelled, kFailed, Chosen(L"")}) {
+TEST_CASE("cancelling, an error of the dialog and an empty result keep the old path") {
+    for (const Reply& reply : {kCancelled, kFailed, Chosen(L"")}) {
         SettingsWindow page;
         page.popupNotice.m_strSoundFile = L"C:\\Sounds\\old.wav";
-        ScriptedDialog dialog({answer});
+        ScriptedDialog dialog({reply});
         page.popupNotice.ChooseSoundFile();
         CHECK(dialog.calls.size() == 1);
         CHECK(page.popupNotice.m_strSoundFile == L"C:\\Sounds\\old.wav");
@@ -158,7 +158,7 @@ TEST_CASE("a path longer than any path starts the dialog with an empty name") {
 TEST_CASE("the file button enables the test button exactly when Play Sound is checked and there is a file") {
     struct Row {
         bool playSound;
-        Answer answer;
+        Reply reply;
         const wchar_t* before;
         bool testEnabled;
     };
@@ -170,14 +170,14 @@ TEST_CASE("the file button enables the test button exactly when Play Sound is ch
     for (const Row& row : rows) {
         for (const bool enabledBefore : {false, true}) {
             CAPTURE(row.playSound);
-            CAPTURE(row.answer.file);
+            CAPTURE(row.reply.file);
             CAPTURE(std::wstring(row.before));
             CAPTURE(enabledBefore);
             SettingsWindow page;
             SettingsWindow::Check(page.chkPlaySound, row.playSound);
             page.popupNotice.m_strSoundFile = row.before;
             page.cmdTestSound.Enabled(enabledBefore);
-            ScriptedDialog dialog({row.answer});
+            ScriptedDialog dialog({row.reply});
             page.popupNotice.cmdSoundFile_Click();
             CHECK(page.cmdTestSound.Enabled() == row.testEnabled);
             CHECK(page.cmdApply.Enabled());

@@ -107,7 +107,7 @@ TEST_CASE("the connections are enumerated as they stood when they were asked for
     CHECK(owner.references == 1);
 }
 
-TEST_CASE("connection points answer what makes no sense with an error") {
+TEST_CASE("connection points return an error for what makes no sense") {
     Owner owner;
     {
         const ComPtr<IConnectionPoint> point = owner.Point();

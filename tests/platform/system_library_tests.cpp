@@ -29,7 +29,7 @@ public:
     std::vector<Load> loads;
 
 private:
-    static HMODULE WINAPI Answer(LPCWSTR name, HANDLE file, DWORD flags) {
+    static HMODULE WINAPI Replacement(LPCWSTR name, HANDLE file, DWORD flags) {
         s_current->loads.push_back({name, flags});
         if (s_current->m_error != ERROR_INVALID_PARAMETER || (flags & LOAD_LIBRARY_SEARCH_SYSTEM32) != 0) {
             SetLastError(s_current->m_error);
@@ -41,7 +41,7 @@ private:
     static inline Loader* s_current = nullptr;
 
     const DWORD m_error;
-    const ImportPatch m_patch{"kernel32.dll", "LoadLibraryExW", &Answer};
+    const ImportPatch m_patch{"kernel32.dll", "LoadLibraryExW", &Replacement};
 };
 
 std::wstring SystemPath(const wchar_t* name) {
@@ -58,11 +58,11 @@ std::wstring PathOf(HMODULE library) {
 
 }  // namespace
 
-TEST_CASE("A library comes from the system's folder") {
+TEST_CASE("a library comes from the system's folder") {
     CHECK(UpperCase(PathOf(LoadSystemLibrary(L"winmm.dll"))) == UpperCase(SystemPath(L"winmm.dll")));
 }
 
-TEST_CASE("Where Windows 7 does not know the search flag, the library is loaded by its full path") {
+TEST_CASE("where Windows 7 does not know the search flag, the library is loaded by its full path") {
     const Loader windows7(ERROR_INVALID_PARAMETER);
     const HMODULE library = LoadSystemLibrary(L"winmm.dll");
     CHECK(windows7.loads == std::vector<Load>{{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32},
@@ -70,13 +70,13 @@ TEST_CASE("Where Windows 7 does not know the search flag, the library is loaded 
     CHECK(UpperCase(PathOf(library)) == UpperCase(SystemPath(L"winmm.dll")));
 }
 
-TEST_CASE("A library that is missing is not looked for anywhere else") {
+TEST_CASE("a library that is missing is not looked for anywhere else") {
     const Loader bare(ERROR_MOD_NOT_FOUND);
     CHECK(LoadSystemLibrary(L"winmm.dll") == nullptr);
     CHECK(bare.loads.size() == 1);
 }
 
-TEST_CASE("A function that is not there, or whose library is not, is null") {
+TEST_CASE("a function that is not there, or whose library is not, is null") {
     using Function = void WINAPI();
     CHECK((FunctionOf<Function>(nullptr, "sndPlaySoundA") == nullptr));
     CHECK((FunctionOf<Function>(GetModuleHandleW(L"kernel32.dll"), "no such function") == nullptr));

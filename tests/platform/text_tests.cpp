@@ -16,7 +16,7 @@ namespace {
 std::wstring g_path;
 
 DWORD WINAPI PathOf(HMODULE, LPWSTR path, DWORD size) {
-    // As Windows does it: what does not fit is cut, and the answer is then the whole buffer.
+    // As Windows does it: what does not fit is cut, and the result is then the whole buffer.
     const size_t length = g_path.copy(path, size);
     if (length == size) return size;
     path[length] = L'\0';
@@ -33,7 +33,7 @@ private:
 
 }  // namespace
 
-TEST_CASE("Plain text passes through the code page unchanged, NULs and all") {
+TEST_CASE("plain text passes through the code page unchanged, NULs and all") {
     std::wstring wide;
     std::string ansi;
     for (int code = 0; code < 128; ++code) {
@@ -46,13 +46,13 @@ TEST_CASE("Plain text passes through the code page unchanged, NULs and all") {
     CHECK(FromAnsi("\0"s) == L"\0"s);
 }
 
-TEST_CASE("Empty text stays empty") {
+TEST_CASE("empty text stays empty") {
     CHECK(ToAnsi(L"").empty());
     CHECK(FromAnsi("").empty());
     CHECK(UpperCase(L"").empty());
 }
 
-TEST_CASE("A character that the code page lacks becomes its default character") {
+TEST_CASE("a character that the code page lacks becomes its default character") {
     CPINFO codePage{};
     REQUIRE(GetCPInfo(CP_ACP, &codePage));
     BOOL isReplaced = FALSE;
@@ -63,13 +63,13 @@ TEST_CASE("A character that the code page lacks becomes its default character") 
     CHECK(ToAnsi(L"a\x1681z") == "a"s + static_cast<char>(codePage.DefaultChar[0]) + "z");
 }
 
-TEST_CASE("Long text is converted whole") {
+TEST_CASE("long text is converted whole") {
     const std::wstring wide(200000, L'x');
     CHECK(ToAnsi(wide) == std::string(200000, 'x'));
     CHECK(FromAnsi(std::string(200000, 'x')) == wide);
 }
 
-TEST_CASE("Upper case goes character by character and keeps the length") {
+TEST_CASE("upper case goes character by character and keeps the length") {
     CHECK(UpperCase(L"http://Example.com/a1") == L"HTTP://EXAMPLE.COM/A1");
     CHECK(UpperCase(L"\x00e9\x00e4\x0436") == L"\x00c9\x00c4\x0416");
     CHECK(UpperCase(L"stra\x00df"
@@ -79,7 +79,7 @@ TEST_CASE("Upper case goes character by character and keeps the length") {
     CHECK(UpperCase(L"a\0b"s) == L"A\0B"s);
 }
 
-TEST_CASE("The server's path is the running program's, its directory what lies before the last separator") {
+TEST_CASE("the server's path is the running program's, its directory what lies before the last separator") {
     const std::wstring path = ExecutablePath();
     CHECK(GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES);
     CHECK(path.ends_with(L"_tests.exe"));
@@ -87,7 +87,7 @@ TEST_CASE("The server's path is the running program's, its directory what lies b
     CHECK(path.find(L'\\', ServerDirectory().size() + 1) == std::wstring::npos);
 }
 
-TEST_CASE("The directory has no separator at its end, except where it is a drive's root") {
+TEST_CASE("the directory has no separator at its end, except where it is a drive's root") {
     struct Row {
         const wchar_t* path;
         const wchar_t* directory;
@@ -106,7 +106,7 @@ TEST_CASE("The directory has no separator at its end, except where it is a drive
     }
 }
 
-TEST_CASE("Paths longer than MAX_PATH are answered whole") {
+TEST_CASE("paths longer than MAX_PATH are returned whole") {
     for (const size_t length : {MAX_PATH - 1, MAX_PATH, MAX_PATH + 1, 2 * MAX_PATH, 3000}) {
         CAPTURE(length);
         const std::wstring directory = L"C:\\" + std::wstring(length - 3 - 2, L'd');

@@ -68,7 +68,7 @@ public:
 
 }  // namespace
 
-TEST_CASE("Halves round to the even number, from text and from real numbers") {
+TEST_CASE("halves round to the even number, from text and from real numbers") {
     struct Row {
         double number;
         const wchar_t* text;
@@ -89,7 +89,7 @@ TEST_CASE("Halves round to the even number, from text and from real numbers") {
     }
 }
 
-TEST_CASE("What is no number raises a type mismatch, error 13") {
+TEST_CASE("what is no number raises a type mismatch, error 13") {
     for (const wchar_t* const text : {L"", L"abc", L"12abc", L"1 2", L"--1", L"True and False"}) {
         const Variant value(text);
         CHECK(ErrorOf([&] { ToLong(value); }) == kTypeMismatch);
@@ -102,7 +102,7 @@ TEST_CASE("What is no number raises a type mismatch, error 13") {
     CHECK(ErrorOf([] { ToText(Nothing(VT_ERROR)); }) == kTypeMismatch);
 }
 
-TEST_CASE("A number too large for its type raises an overflow, error 6") {
+TEST_CASE("a number too large for its type raises an overflow, error 6") {
     CHECK(ToLong(Variant(L"2147483647")) == 2147483647);
     CHECK(ToLong(Variant(L"-2147483648")) == static_cast<long>(0x80000000));
     CHECK(ErrorOf([] { ToLong(Variant(L"2147483648")); }) == kOverflow);
@@ -117,7 +117,7 @@ TEST_CASE("A number too large for its type raises an overflow, error 6") {
     CHECK(ErrorOf([] { ToShort(Variant(40000L)); }) == kOverflow);
 }
 
-TEST_CASE("Text is read as a number around blanks, with sign, separators and exponent") {
+TEST_CASE("text is read as a number around blanks, with sign, separators and exponent") {
     CHECK(ToLong(Variant(L"  42 ")) == 42);
     CHECK(ToLong(Variant(L"+7")) == 7);
     CHECK(ToLong(Variant(L"1e3")) == 1000);
@@ -126,7 +126,7 @@ TEST_CASE("Text is read as a number around blanks, with sign, separators and exp
     CHECK(ToDouble(Variant(Local(L"-.5"))) == -0.5);
 }
 
-TEST_CASE("A Boolean is the text True or False, and text and numbers become Booleans") {
+TEST_CASE("a Boolean is the text True or False, and text and numbers become Booleans") {
     CHECK(ToText(Variant(true)) == L"True");
     CHECK(ToText(Variant(false)) == L"False");
     CHECK(ToLong(Variant(true)) == -1);
@@ -142,7 +142,7 @@ TEST_CASE("A Boolean is the text True or False, and text and numbers become Bool
     CHECK_FALSE(ToBool(Variant(0L)));
 }
 
-TEST_CASE("Numbers are written with the user's decimal separator and no more digits than they need") {
+TEST_CASE("numbers are written with the user's decimal separator and no more digits than they need") {
     CHECK(TextOf(2.5) == Local(L"2.5"));
     CHECK(TextOf(0.001) == Local(L"0.001"));
     CHECK(TextOf(5.0) == L"5");
@@ -155,14 +155,14 @@ TEST_CASE("Numbers are written with the user's decimal separator and no more dig
     CHECK(ToText(Real(1.5)) == Local(L"1.5"));
 }
 
-TEST_CASE("An empty value is no text, 0 and False") {
+TEST_CASE("an empty value is no text, 0 and False") {
     CHECK(ToText(Variant()).empty());
     CHECK(ToLong(Variant()) == 0);
     CHECK_FALSE(ToBool(Variant()));
     CHECK(ToText(Nothing(VT_BSTR)).empty());
 }
 
-TEST_CASE("Text is numeric with sign, digits, separators and exponent, and not otherwise") {
+TEST_CASE("text is numeric with sign, digits, separators and exponent, and not otherwise") {
     for (const wchar_t* const text : {L"0", L"1", L"007", L"-1", L"+1", L"1.5", L".5", L"5.", L"-1.5e10",
                                       L"1e5", L"1E-5", L"1E+5", L" 5", L"5 ", L"99999999999999"}) {
         CAPTURE(ToAnsi(text));
@@ -177,7 +177,7 @@ TEST_CASE("Text is numeric with sign, digits, separators and exponent, and not o
     CHECK_FALSE(IsNumeric(L"1e400"));
 }
 
-TEST_CASE("Text keeps its NULs and its length") {
+TEST_CASE("text keeps its NULs and its length") {
     const Variant value(L"a\0b\0"s);
     CHECK(value.Value().vt == VT_BSTR);
     CHECK(ToText(value) == L"a\0b\0"s);
@@ -185,7 +185,7 @@ TEST_CASE("Text keeps its NULs and its length") {
     CHECK(ToText(Variant(std::wstring(65536, L'x'))).size() == 65536);
 }
 
-TEST_CASE("Copies are deep, moves leave nothing behind") {
+TEST_CASE("copies are deep, moves leave nothing behind") {
     Variant first(L"text");
     const Variant copy(first);
     CHECK(copy.Value().bstrVal != first.Value().bstrVal);
@@ -202,7 +202,7 @@ TEST_CASE("Copies are deep, moves leave nothing behind") {
     CHECK(ToText(assigned) == L"text");
 }
 
-TEST_CASE("An object is referred to once by each value that holds it") {
+TEST_CASE("an object is referred to once by each value that holds it") {
     Counted object;
     {
         const Variant value(&object);

@@ -3,7 +3,7 @@
 #include "platform/com/registration.h"
 #include "platform/text.h"
 
-TEST_CASE("The command line names what the server is to do") {
+TEST_CASE("the command line names what the server is to do") {
     struct Row {
         const wchar_t* arguments;
         ServerCommand command;

@@ -7,7 +7,7 @@
 #include "tests/registration/faulty_registry.h"
 #include "tests/registration/test_server.h"
 
-TEST_CASE("Without rights to the machine's classes the server is registered for the user alone") {
+TEST_CASE("without rights to the machine's classes the server is registered for the user alone") {
     const CleanRegistry clean;
     {
         const FaultyRegistry denied({.denyMachine = true});
@@ -27,7 +27,7 @@ TEST_CASE("Without rights to the machine's classes the server is registered for 
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("Without rights to the machine's classes the user's own classes can be unregistered") {
+TEST_CASE("without rights to the machine's classes the user's own classes can be unregistered") {
     const CleanRegistry clean;
     ServerDescription classesOnly = TestServer();
     classesOnly.typeLibraries.clear();
@@ -38,7 +38,7 @@ TEST_CASE("Without rights to the machine's classes the user's own classes can be
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("What may not be removed is reported, and the user's own part is removed all the same") {
+TEST_CASE("what may not be removed is reported, and the user's own part is removed all the same") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const Export machineWide = ExportClasses();
@@ -51,7 +51,7 @@ TEST_CASE("What may not be removed is reported, and the user's own part is remov
     CHECK(Difference(machineWide, ExportClasses()) == "");
 }
 
-TEST_CASE("A registration for the machine replaces the user's own, which would hide it") {
+TEST_CASE("a registration for the machine replaces the user's own, which would hide it") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const Export machineWide = ExportClasses();
@@ -64,7 +64,7 @@ TEST_CASE("A registration for the machine replaces the user's own, which would h
     CHECK(Difference(machineWide, ExportClasses()) == "");
 }
 
-TEST_CASE("A registration that fails at any of its steps undoes what it wrote") {
+TEST_CASE("a registration that fails at any of its steps undoes what it wrote") {
     const CleanRegistry clean;
     Faults faults;
     SUBCASE("On a machine that knows nothing of the server") {}
@@ -101,7 +101,7 @@ TEST_CASE("A registration that fails at any of its steps undoes what it wrote") 
     CHECK(failures < 100);
 }
 
-TEST_CASE("A server without its type library is not registered at all") {
+TEST_CASE("a server without its type library is not registered at all") {
     const CleanRegistry clean;
     ServerDescription server = TestServer();
     constexpr int kNoSuchLibrary = 99;

@@ -5,7 +5,7 @@
 
 #include "tests/support/import_patch.h"
 
-// How the registry functions answer while a test runs.
+// What the registry functions return while a test runs.
 struct Faults {
     bool denyMachine = false;
     int failAt = 0;  // the number of the writing call that fails, from 1; 0 for none

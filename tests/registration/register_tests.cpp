@@ -5,7 +5,7 @@
 #include "tests/registration/test_server.h"
 
 TEST_CASE(
-    "A registered class names its server, quoted and as it stands, its program id and its type library") {
+    "a registered class names its server, quoted and as it stands, its program id and its type library") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const std::wstring key = kFirstKey;
@@ -25,7 +25,7 @@ TEST_CASE(
     CHECK(RegisteredLibraryPath() == ExecutablePath());
 }
 
-TEST_CASE("The marshaler finds the interfaces of a registered type library") {
+TEST_CASE("the marshaler finds the interfaces of a registered type library") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     // The interface of ConfigControl, and the marshaler for dual interfaces.
@@ -36,7 +36,7 @@ TEST_CASE("The marshaler finds the interfaces of a registered type library") {
           L"{00020424-0000-0000-C000-000000000046}");
 }
 
-TEST_CASE("Unregistering removes exactly what registering wrote") {
+TEST_CASE("unregistering removes exactly what registering wrote") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     CHECK(ExportClasses() != clean.before);
@@ -44,7 +44,7 @@ TEST_CASE("Unregistering removes exactly what registering wrote") {
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("Registering twice leaves what registering once leaves") {
+TEST_CASE("registering twice leaves what registering once leaves") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const Export once = ExportClasses();
@@ -55,7 +55,7 @@ TEST_CASE("Registering twice leaves what registering once leaves") {
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("Registering from another folder replaces the paths") {
+TEST_CASE("registering from another folder replaces the paths") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const Export here = ExportClasses();
@@ -69,7 +69,7 @@ TEST_CASE("Registering from another folder replaces the paths") {
     CHECK(Difference(here, ExportClasses()) == "");
 }
 
-TEST_CASE("A registration from a folder that is gone is removed all the same") {
+TEST_CASE("a registration from a folder that is gone is removed all the same") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     std::wstring other = kOtherServer;
@@ -78,7 +78,7 @@ TEST_CASE("A registration from a folder that is gone is removed all the same") {
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("A registration of which parts are missing is removed") {
+TEST_CASE("a registration of which parts are missing is removed") {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const std::wstring classes = L"Software\\Classes\\";
@@ -104,7 +104,7 @@ TEST_CASE("A registration of which parts are missing is removed") {
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("What somebody else keeps in the keys stays") {
+TEST_CASE("what somebody else keeps in the keys stays") {
     const CleanRegistry clean;
     const std::wstring progId = L"Software\\Classes\\RegistrationTests.First";
     REQUIRE(RegisterServer(TestServer()) == S_OK);

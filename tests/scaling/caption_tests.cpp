@@ -9,7 +9,7 @@
 #include "platform/text.h"
 #include "tests/accessibility/surfaces.h"
 #include "tests/scaling/faults.h"
-#include "tests/scaling/room.h"
+#include "tests/scaling/captions.h"
 
 namespace {
 
@@ -63,13 +63,13 @@ TEST_CASE("every text fits its control, and no control covers another or leaves 
 TEST_CASE("a text that is longer by two fifths would still fit") {
     ForEachSurface([](const Surface& surface) {
         const Caption title = TitleOf(Describe(surface, surface.window), surface.window, kLonger);
-        CHECK(title.needed.cx <= title.room.cx);
+        CHECK(title.needed.cx <= title.space.cx);
     });
     ForEachControl([](const std::string& where, HWND control) {
         for (const Caption& caption : CaptionsOf(where, control, kLonger)) {
             CAPTURE(caption.where);
-            CHECK(caption.needed.cx <= caption.room.cx);
-            CHECK(caption.needed.cy <= caption.room.cy);
+            CHECK(caption.needed.cx <= caption.space.cx);
+            CHECK(caption.needed.cy <= caption.space.cy);
         }
     });
 }

@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "tests/scaling/faults.h"
-#include "tests/scaling/room.h"
+#include "tests/scaling/captions.h"
 #include "tests/window/other_process.h"
 
 namespace {
@@ -45,10 +45,10 @@ private:
     RECT m_bounds;
 };
 
-// The text that has least room to spare.
+// The text that has least space to spare.
 const Caption& Tightest(const std::vector<Caption>& captions) {
     return *std::ranges::min_element(
-        captions, {}, [](const Caption& caption) { return caption.room.cx - caption.needed.cx; });
+        captions, {}, [](const Caption& caption) { return caption.space.cx - caption.needed.cx; });
 }
 
 }  // namespace
@@ -62,8 +62,8 @@ TEST_CASE("a text that lacks one pixel of width or height is reported as cut off
             if (captions.empty()) continue;
             CAPTURE(Describe(surface, control));
             const Caption caption = Tightest(captions);
-            const LONG spareWidth = caption.room.cx - caption.needed.cx;
-            const LONG spareHeight = caption.room.cy - caption.needed.cy;
+            const LONG spareWidth = caption.space.cx - caption.needed.cx;
+            const LONG spareHeight = caption.space.cy - caption.needed.cy;
             const Role role = RoleOf(control);
             if (ClassOf(control) == WC_LISTVIEWW) {
                 const int width = ListView_GetColumnWidth(control, 0);
@@ -75,7 +75,7 @@ TEST_CASE("a text that lacks one pixel of width or height is reported as cut off
             }
             const Place place(control);
             // A label of several lines breaks its text elsewhere first.
-            if (role != Role::Text || caption.room.cy < 2 * caption.needed.cy) {
+            if (role != Role::Text || caption.space.cy < 2 * caption.needed.cy) {
                 place.Shrink(spareWidth, 0);
                 CHECK_FALSE(IsReported(surface, control, kIsCutOff));
                 place.Shrink(spareWidth + 1, 0);

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "tests/scaling/room.h"
+#include "tests/scaling/captions.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ RECT ClientOf(HWND window) {
     return client;
 }
 
-// Where a tab control leaves its pages room, on the screen.
+// Where a tab control leaves space for its pages, on the screen.
 RECT PageAreaOf(HWND tabs) {
     RECT area = ClientOf(tabs);
     SendMessageW(tabs, TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&area));
@@ -68,7 +68,7 @@ std::string Text(SIZE size) {
 void AddCutOff(const Caption& caption, std::vector<std::string>& faults) {
     if (caption.Fits()) return;
     faults.push_back(caption.where + kIsCutOff + ": it takes " + Text(caption.needed) + " pixels and has " +
-                     Text(caption.room));
+                     Text(caption.space));
 }
 
 bool LeavesPage(const Surface& surface, HWND control) {

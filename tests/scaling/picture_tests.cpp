@@ -10,7 +10,7 @@
 #include "app/resource.h"
 #include "platform/controls/image_box.h"
 #include "tests/entry/inside.h"
-#include "tests/scaling/room.h"
+#include "tests/scaling/captions.h"
 
 namespace {
 
@@ -135,7 +135,7 @@ TEST_CASE("the logo is the one of the resolution, pixel by pixel") {
     }
     DestroyWindow(other);
     box.Attach(nullptr);
-    // As large as it was drawn, there is room for it without scaling.
+    // As large as it was drawn, there is space for it without scaling.
     const SIZE drawn{Scaled(96), Scaled(96)};
     const RECT bounds = PictureBounds(drawn, {client.right, client.bottom});
     CHECK(bounds.right - bounds.left == drawn.cx);

@@ -45,7 +45,7 @@ Check(config.ShellIconClass.ToolTip == "Calvane Sentrel", "ShellIconClass is the
 Check(ErrorOf(function () { form.ControlHwnd("cmdNone"); }) == 5, "an unknown control is error 5");
 Check(ErrorOf(function () { form.NoSuchMember(); }) != 0, "an unknown member is an error");
 
-Check(ErrorOf(function () { second.ReleaseConfig(); }) == 0, "ReleaseConfig answers");
+Check(ErrorOf(function () { second.ReleaseConfig(); }) == 0, "ReleaseConfig returns");
 Check(ErrorOf(function () { return config.ConfigHwnd; }) != 0, "the manager has ended for both");
 Check(ErrorOf(function () { first.ConfigInstance(kHide); }) != 0, "the first client's control has gone with it");
 WScript.Quit(0);

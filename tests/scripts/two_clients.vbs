@@ -55,7 +55,7 @@ Check Err.Number = 9, "a fourth tray picture is error 9, not " & Err.Number
 Err.Clear
 
 second.ReleaseConfig
-Check Err.Number = 0, "ReleaseConfig answers"
+Check Err.Number = 0, "ReleaseConfig returns"
 handle = config.ConfigHwnd
 Check Err.Number <> 0, "the manager has ended for both"
 Err.Clear

@@ -35,7 +35,7 @@ LONG WINAPI RegistryLog::Create(HKEY root, LPCSTR path, DWORD reserved, LPSTR ke
     return result;
 }
 
-// A value is queried twice, for its size and for its data: the key is opened anew for the next one.
+// A value is queried twice, for its size and for its data: the key is opened again for the next one.
 LONG WINAPI RegistryLog::Query(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
                                LPDWORD size) {
     if (key == g_log->m_unread) g_log->lines.push_back("read " + g_log->m_names[key] + "\\" + name);

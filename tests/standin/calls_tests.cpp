@@ -23,7 +23,7 @@ struct TestValue {
 
 }  // namespace
 
-TEST_CASE("The calls are written down in their order with their arguments") {
+TEST_CASE("the calls are written down in their order with their arguments") {
     const EngineProcess engine;
     const ComPtr<_SentrelApp> app = Create<_SentrelApp>(CLSID_SentrelApp);
     const ComPtr<_Popup> popup = CreatePopup();
@@ -47,7 +47,7 @@ TEST_CASE("CreatePopup leaves the mode as it was") {
     CHECK(engine.Calls() == L"CreatePopup hwnd=-1 form=-2 mode=3\r\n");
 }
 
-TEST_CASE("The members of the engine object stand in the order that its clients were built with") {
+TEST_CASE("the members of the engine object stand in the order that its clients were built with") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     CHECK(engine.control->ClearCalls() == S_OK);
@@ -66,7 +66,7 @@ TEST_CASE("The members of the engine object stand in the order that its clients 
     CHECK(engine.Calls() == L"State\r\nStart\r\nStop\r\nPause\r\nReloadSettings\r\nLogFile\r\n");
 }
 
-TEST_CASE("Scripts reach the controls by name") {
+TEST_CASE("scripts reach the controls by name") {
     const EngineProcess engine;
     CLSID classId{};
     REQUIRE(CLSIDFromProgID(L"SentrelStandin.Control", &classId) == S_OK);
@@ -92,13 +92,13 @@ TEST_CASE("Scripts reach the controls by name") {
                          nullptr, nullptr) == S_OK);
     CHECK(engine.State() == 3);
     DISPPARAMS none{};
-    Variant answer;
+    Variant state;
     CHECK(script->Invoke(idOf(L"State"), IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
-                         answer.Receive(), nullptr, nullptr) == S_OK);
-    CHECK(ToLong(answer) == 3);
+                         state.Receive(), nullptr, nullptr) == S_OK);
+    CHECK(ToLong(state) == 3);
 }
 
-TEST_CASE("Stamped lines start with the time of the call") {
+TEST_CASE("stamped lines start with the time of the call") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     CHECK(engine.control->ClearCalls() == S_OK);

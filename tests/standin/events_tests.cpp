@@ -19,7 +19,7 @@ TEST_CASE("Start, Stop and Pause change the state and raise their events") {
     CHECK(log.events == Events{L"Stopped", L"Paused", L"Started"});
 }
 
-TEST_CASE("An engine told not to raise by itself only changes its state") {
+TEST_CASE("an engine told not to raise by itself only changes its state") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     EventLog log(popup.Get());
@@ -34,7 +34,7 @@ TEST_CASE("An engine told not to raise by itself only changes its state") {
     CHECK(log.events.empty());
 }
 
-TEST_CASE("Setting the state raises nothing") {
+TEST_CASE("setting the state raises nothing") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     EventLog log(popup.Get());
@@ -46,7 +46,7 @@ TEST_CASE("Setting the state raises nothing") {
     CHECK(log.events.empty());
 }
 
-TEST_CASE("Each event can be raised by order, and changes nothing else") {
+TEST_CASE("each event can be raised by order, and changes nothing else") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     const TemporaryPath log;
@@ -63,7 +63,7 @@ TEST_CASE("Each event can be raised by order, and changes nothing else") {
     CHECK(GetFileAttributesW(log.path.c_str()) == INVALID_FILE_ATTRIBUTES);
 }
 
-TEST_CASE("Events reach every connected client and nobody who has disconnected") {
+TEST_CASE("events reach every connected client and nobody who has disconnected") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     ComPtr<_Popup> other = CreatePopup();

@@ -5,7 +5,7 @@
 #include "tests/standin/temporary_log.h"
 #include "tests/support/message_pump.h"
 
-TEST_CASE("The log lies in the user's own folder until told otherwise, and is not made by asking") {
+TEST_CASE("the log lies in the user's own folder until told otherwise, and is not made by asking") {
     const EngineProcess engine;
     const wchar_t* const folder = _wgetenv(L"APPDATA");
     REQUIRE(folder != nullptr);
@@ -21,7 +21,7 @@ TEST_CASE("The log lies in the user's own folder until told otherwise, and is no
     CHECK(GetFileAttributesW(other.path.c_str()) == INVALID_FILE_ATTRIBUTES);
 }
 
-TEST_CASE("A closed pop-up is appended to the log as an ANSI line, then reported") {
+TEST_CASE("a closed pop-up is appended to the log as an ANSI line, then reported") {
     const EngineProcess engine;
     const TemporaryPath log;
     const ComPtr<_Popup> popup = CreatePopup();
@@ -33,7 +33,7 @@ TEST_CASE("A closed pop-up is appended to the log as an ANSI line, then reported
     CHECK(events.events == Events{L"Killed 11 http://one.example/caf\xe9", L"Killed 12 http://two.example/"});
 }
 
-TEST_CASE("A log that cannot be written is an error, and nothing is reported") {
+TEST_CASE("a log that cannot be written is an error, and nothing is reported") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     EventLog events(popup.Get());

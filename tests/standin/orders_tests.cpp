@@ -8,7 +8,7 @@
 #include "tests/standin/engine_process.h"
 #include "tests/support/held_call.h"
 
-TEST_CASE("The next call of a member fails as ordered, the one after does not") {
+TEST_CASE("the next call of a member fails as ordered, the one after does not") {
     const EngineProcess engine;
     const ComPtr<_SentrelApp> app = Create<_SentrelApp>(CLSID_SentrelApp);
     const ComPtr<_Popup> popup = CreatePopup();
@@ -27,7 +27,7 @@ TEST_CASE("The next call of a member fails as ordered, the one after does not") 
     }
 }
 
-TEST_CASE("Orders take the member's name in any letter case and refuse what makes no sense") {
+TEST_CASE("orders take the member's name in any letter case and refuse what makes no sense") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     const HRESULT refused = HresultOf(ErrorNumber::InvalidProcedureCall);
@@ -41,7 +41,7 @@ TEST_CASE("Orders take the member's name in any letter case and refuse what make
     CHECK(popup->Start() == S_OK);
 }
 
-TEST_CASE("The next call of a member arrives and goes on when it is let go, the one after at once") {
+TEST_CASE("the next call of a member arrives and goes on when it is let go, the one after at once") {
     const EngineProcess engine;
     const ComPtr<_Popup> popup = CreatePopup();
     REQUIRE(engine.control->HoldNext(Text(L"start")) == S_OK);
@@ -62,7 +62,7 @@ TEST_CASE("The next call of a member arrives and goes on when it is let go, the 
     CHECK(popup->Start() == S_OK);
 }
 
-TEST_CASE("The engine dies inside the next call of a member, and a new one can be started") {
+TEST_CASE("the engine dies inside the next call of a member, and a new one can be started") {
     for (const Member& member : Members()) {
         CAPTURE(ToAnsi(member.name));
         {

@@ -3,7 +3,7 @@
 #include "tests/standin/engine_process.h"
 #include "tests/support/message_pump.h"
 
-TEST_CASE("A new engine runs, raises by itself, and has received nothing") {
+TEST_CASE("a new engine runs, raises by itself, and has received nothing") {
     SUBCASE("Just started") {
         EndEngine();
     }
@@ -33,7 +33,7 @@ TEST_CASE("A new engine runs, raises by itself, and has received nothing") {
     CHECK(engine.Calls() == L"CreatePopup hwnd=1234 form=5678 mode=2\r\nStart\r\nReloadSettings\r\n");
 }
 
-TEST_CASE("One process serves both classes to every client") {
+TEST_CASE("one process serves both classes to every client") {
     const EngineProcess engine;
     const ComPtr<_Popup> first = CreatePopup();
     const ComPtr<_Popup> second = CreatePopup();
@@ -46,7 +46,7 @@ TEST_CASE("One process serves both classes to every client") {
     CHECK(state == 77);
 }
 
-TEST_CASE("The engine ends when the last reference is let go") {
+TEST_CASE("the engine ends when the last reference is let go") {
     EndEngine();
     ComPtr<_Popup> popup = CreatePopup();
     ComPtr<_Control> control = Create<_Control>(CLSID_Control);

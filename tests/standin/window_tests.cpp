@@ -28,7 +28,7 @@ std::wstring ControlText(int id) {
 
 }  // namespace
 
-TEST_CASE("Started by hand, the engine that serves the clients opens its window") {
+TEST_CASE("started by hand, the engine that serves the clients opens its window") {
     const EngineProcess engine;
     const TemporaryPath log;
     const ComPtr<_Popup> popup = CreatePopup();
@@ -68,7 +68,7 @@ TEST_CASE("Started by hand, the engine that serves the clients opens its window"
     EndEngine();
 }
 
-TEST_CASE("An open window keeps the engine running, closing it ends it") {
+TEST_CASE("an open window keeps the engine running, closing it ends it") {
     EndEngine();
     CHECK(RunProgram(kEngineProgram) == 0);
     REQUIRE(EngineWindow() != nullptr);
@@ -86,7 +86,7 @@ TEST_CASE("An open window keeps the engine running, closing it ends it") {
     CHECK(EngineEnds());
 }
 
-TEST_CASE("Closing the window leaves an engine running that clients hold") {
+TEST_CASE("closing the window leaves an engine running that clients hold") {
     const EngineProcess engine;
     CHECK(engine.control->OpenWindow() == S_OK);
     REQUIRE(EngineWindow() != nullptr);

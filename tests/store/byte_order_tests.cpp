@@ -34,7 +34,7 @@ std::string Reversed(const std::string& bytes) {
 
 }  // namespace
 
-TEST_CASE("A number becomes four bytes in either order") {
+TEST_CASE("a number becomes four bytes in either order") {
     const Registry registry;
     for (const Row& row : kRows) {
         CAPTURE(row.number);
@@ -43,7 +43,7 @@ TEST_CASE("A number becomes four bytes in either order") {
     }
 }
 
-TEST_CASE("Four bytes become a signed number in either order, whatever follows them") {
+TEST_CASE("four bytes become a signed number in either order, whatever follows them") {
     const Registry registry;
     for (const Row& row : kRows) {
         CAPTURE(row.number);
@@ -54,7 +54,7 @@ TEST_CASE("Four bytes become a signed number in either order, whatever follows t
     }
 }
 
-TEST_CASE("Fewer than four bytes raise error 5") {
+TEST_CASE("fewer than four bytes raise error 5") {
     const Registry registry;
     for (const std::string& bytes : {""s, "\x01"s, "\x01\x02"s, "\x01\x02\x03"s}) {
         CAPTURE(bytes.size());
@@ -63,7 +63,7 @@ TEST_CASE("Fewer than four bytes raise error 5") {
     }
 }
 
-TEST_CASE("A number read as unsigned is itself, or lies above 2147483647") {
+TEST_CASE("a number read as unsigned is itself, or lies above 2147483647") {
     const Registry registry;
     CHECK(registry.UnsignedLong(0) == 0.0);
     CHECK(registry.UnsignedLong(1) == 1.0);
@@ -73,7 +73,7 @@ TEST_CASE("A number read as unsigned is itself, or lies above 2147483647") {
     CHECK(registry.UnsignedLong(-1) == 4294967295.0);
 }
 
-TEST_CASE("Text ends at its first NUL, or not at all") {
+TEST_CASE("text ends at its first NUL, or not at all") {
     const Registry registry;
     struct TextRow {
         std::wstring text;

@@ -13,7 +13,7 @@ struct ProcessEnd {};
 
 }  // namespace
 
-TEST_CASE("A run that ends at any write is repeated in full by the next start") {
+TEST_CASE("a run that ends at any write is repeated in full by the next start") {
     const std::vector<Default> defaults = Defaults();
     for (const char* const function : {"RegCreateKeyExA", "RegSetValueExA"}) {
         for (int k = 1; k <= kWrites; ++k) {
@@ -40,7 +40,7 @@ TEST_CASE("A run that ends at any write is repeated in full by the next start") 
     }
 }
 
-TEST_CASE("A store that stops taking writes at any point is filled by the next start") {
+TEST_CASE("a store that stops taking writes at any point is filled by the next start") {
     for (int k = 1; k <= kWrites; ++k) {
         CAPTURE(k);
         const TestHive hive(HKEY_CURRENT_USER);
@@ -57,7 +57,7 @@ TEST_CASE("A store that stops taking writes at any point is filled by the next s
     }
 }
 
-TEST_CASE("One write that fails is passed over, and the others are made") {
+TEST_CASE("one write that fails is passed over, and the others are made") {
     const std::vector<Default> defaults = Defaults();
     for (const char* const function : {"RegCreateKeyExA", "RegSetValueExA"}) {
         for (int k = 1; k <= kWrites; ++k) {
@@ -75,7 +75,7 @@ TEST_CASE("One write that fails is passed over, and the others are made") {
     }
 }
 
-TEST_CASE("A store that cannot be written at all is tried in full at every start") {
+TEST_CASE("a store that cannot be written at all is tried in full at every start") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     watch.FailFrom("RegCreateKeyExA", 1, ERROR_ACCESS_DENIED);
@@ -86,7 +86,7 @@ TEST_CASE("A store that cannot be written at all is tried in full at every start
     CHECK_FALSE(hive.Exists(L"Software\\Calvane"));
 }
 
-TEST_CASE("A mark that cannot be read is a missing one") {
+TEST_CASE("a mark that cannot be read is a missing one") {
     for (const LSTATUS error : {ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_NOT_ENOUGH_MEMORY,
                                 ERROR_MORE_DATA, ERROR_KEY_DELETED}) {
         CAPTURE(error);

@@ -11,13 +11,13 @@
 using namespace std::string_literals;
 using Lines = std::vector<std::string>;
 
-TEST_CASE("An empty store gets exactly the 46 defaults, and no exclude list") {
+TEST_CASE("an empty store gets exactly the 46 defaults, and no exclude list") {
     const TestHive hive(HKEY_CURRENT_USER);
     WriteFirstRunDefaults();
     CheckExactlyTheDefaults(hive);
 }
 
-TEST_CASE("The defaults are written one by one in their order, the mark last, each once") {
+TEST_CASE("the defaults are written one by one in their order, the mark last, each once") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     Lines expected{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Settings", 0, 0x19))"};
@@ -30,7 +30,7 @@ TEST_CASE("The defaults are written one by one in their order, the mark last, ea
     CHECK(watch.LinesOf("RegSetValueExA").size() == kWrites);
 }
 
-TEST_CASE("A second start reads the mark and writes nothing") {
+TEST_CASE("a second start reads the mark and writes nothing") {
     const TestHive hive(HKEY_CURRENT_USER);
     WriteFirstRunDefaults();
     hive.Delete(kSettings, L"txtPause");
@@ -49,7 +49,7 @@ TEST_CASE("A second start reads the mark and writes nothing") {
     CHECK(hive.Text(kBanners, L"1Use") == L"False");
 }
 
-TEST_CASE("The mark counts by its presence alone, whatever it holds") {
+TEST_CASE("the mark counts by its presence alone, whatever it holds") {
     struct Row {
         DWORD type;
         std::string bytes;
@@ -85,7 +85,7 @@ TEST_CASE("The mark counts by its presence alone, whatever it holds") {
     }
 }
 
-TEST_CASE("Without the mark every default is written over what is there, and further entries survive") {
+TEST_CASE("without the mark every default is written over what is there, and further entries survive") {
     const TestHive hive(HKEY_CURRENT_USER);
     for (const Default& row : Defaults())
         hive.Write(row.key, row.name, REG_DWORD, "\x01\x02\x03\x04");
@@ -108,7 +108,7 @@ TEST_CASE("Without the mark every default is written over what is there, and fur
     CHECK(hive.ValueCount(kExclude) == 1);
 }
 
-TEST_CASE("A settings key without the mark is a first run as well") {
+TEST_CASE("a settings key without the mark is a first run as well") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kSettings, L"chkBeep", L"1");
     RegistryWatch watch;
@@ -120,7 +120,7 @@ TEST_CASE("A settings key without the mark is a first run as well") {
     CheckExactlyTheDefaults(hive);
 }
 
-TEST_CASE("The first search address, written as 1Url, is found as 1URL") {
+TEST_CASE("the first search address, written as 1Url, is found as 1URL") {
     const TestHive hive(HKEY_CURRENT_USER);
     WriteFirstRunDefaults();
     Variant address;
@@ -140,7 +140,7 @@ DWORD WINAPI InRoot(HMODULE, LPWSTR path, DWORD size) {
 
 }  // namespace
 
-TEST_CASE("A server in a drive's root gets a sound file with a doubled separator") {
+TEST_CASE("a server in a drive's root gets a sound file with a doubled separator") {
     const TestHive hive(HKEY_CURRENT_USER);
     const ImportPatch patch("kernel32.dll", "GetModuleFileNameW", &InRoot);
     WriteFirstRunDefaults();

@@ -91,7 +91,7 @@ bool IsOpen(HANDLE handle) {
 
 }  // namespace
 
-TEST_CASE("A privilege is enabled whatever the caller asks for, and the token stays open") {
+TEST_CASE("a privilege is enabled whatever the caller asks for, and the token stays open") {
     for (const bool set : {true, false}) {
         CAPTURE(set);
         TokenWatch watch;
@@ -110,7 +110,7 @@ TEST_CASE("A privilege is enabled whatever the caller asks for, and the token st
     }
 }
 
-TEST_CASE("A privilege is not enabled when the token cannot be opened, and nothing else is tried") {
+TEST_CASE("a privilege is not enabled when the token cannot be opened, and nothing else is tried") {
     TokenWatch watch;
     watch.seen.openFails = true;
     CHECK_FALSE(Registry().AdjustPrivilege(kBackupPrivilege, true));
@@ -119,7 +119,7 @@ TEST_CASE("A privilege is not enabled when the token cannot be opened, and nothi
     CHECK(watch.seen.adjusted == 0);
 }
 
-TEST_CASE("A privilege that is not known is not enabled, and the token stays open") {
+TEST_CASE("a privilege that is not known is not enabled, and the token stays open") {
     TokenWatch watch;
     CHECK_FALSE(Registry().AdjustPrivilege(L"SeNoSuchPrivilege", true));
     CHECK(watch.seen.lookedUp == 1);
@@ -131,7 +131,7 @@ TEST_CASE("A privilege that is not known is not enabled, and the token stays ope
     CHECK(watch.seen.adjusted == 0);
 }
 
-TEST_CASE("A privilege whose enabling fails gives false, and the token stays open") {
+TEST_CASE("a privilege whose enabling fails gives false, and the token stays open") {
     TokenWatch watch;
     watch.seen.adjustFails = true;
     CHECK_FALSE(Registry().AdjustPrivilege(kBackupPrivilege, true));

@@ -1,4 +1,4 @@
-// Which registry calls a read makes, with which arguments, what it answers and which handles it leaves open.
+// Which registry calls a read makes, with which arguments, what it returns and which handles it leaves open.
 #include <doctest.h>
 
 #include "platform/handle.h"
@@ -33,7 +33,7 @@ bool IsUsable(HKEY key) {
 
 }  // namespace
 
-TEST_CASE("Reading a value probes its size, asks for the class, reads it and closes the key and the root") {
+TEST_CASE("reading a value probes its size, asks for the class, reads it and closes the key and the root") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -54,7 +54,7 @@ TEST_CASE("Reading a value probes its size, asks for the class, reads it and clo
     CHECK(watch.OpenHandles().empty());
 }
 
-TEST_CASE("Reading a missing value changes no more than the type, and leaves the key open but not the root") {
+TEST_CASE("reading a missing value changes no more than the type, and leaves the key open but not the root") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Other", L"abc");
     RegistryWatch watch;
@@ -74,7 +74,7 @@ TEST_CASE("Reading a missing value changes no more than the type, and leaves the
     CHECK(IsUsable(watch.Handle("key1")));
 }
 
-TEST_CASE("Reading under a missing key tries to open it and does nothing else") {
+TEST_CASE("reading under a missing key tries to open it and does nothing else") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     ReadBack read;
@@ -86,7 +86,7 @@ TEST_CASE("Reading under a missing key tries to open it and does nothing else") 
     CHECK(read.keyClass == L"class");
 }
 
-TEST_CASE("Reading an empty value makes the same calls, succeeds and keeps the caller's default") {
+TEST_CASE("reading an empty value makes the same calls, succeeds and keeps the caller's default") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"");
     RegistryWatch watch;
@@ -105,7 +105,7 @@ TEST_CASE("Reading an empty value makes the same calls, succeeds and keeps the c
     CHECK(read.type == REG_SZ);
 }
 
-TEST_CASE("A root that is no predefined one is closed by the read, unless the key could not be opened") {
+TEST_CASE("a root that is no predefined one is closed by the read, unless the key could not be opened") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     const auto openRoot = [] {
@@ -127,14 +127,14 @@ TEST_CASE("A root that is no predefined one is closed by the read, unless the ke
     RegCloseKey(root);
 }
 
-TEST_CASE("A predefined root can be read from again and again") {
+TEST_CASE("a predefined root can be read from again and again") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     for (int i = 0; i < 3; ++i)
         CHECK(ReadValue(HKEY_CURRENT_USER, kKey, L"Value").isRead);
 }
 
-TEST_CASE("The read answers the class that the key was created with") {
+TEST_CASE("the read returns the class that the key was created with") {
     const TestHive hive(HKEY_CURRENT_USER);
     const Registry registry;
     REQUIRE(registry.Save(HKEY_CURRENT_USER, kKey, L"Window settings", L"Value", L"abc", REG_SZ));
@@ -143,7 +143,7 @@ TEST_CASE("The read answers the class that the key was created with") {
     CHECK(ReadValue(HKEY_CURRENT_USER, kKey, L"Missing").keyClass == L"Window settings");
 }
 
-TEST_CASE("A class longer than the buffer is cut and does not hinder the read") {
+TEST_CASE("a class longer than the buffer is cut and does not hinder the read") {
     const TestHive hive(HKEY_CURRENT_USER);
     REQUIRE(Registry().Save(HKEY_CURRENT_USER, kKey, std::wstring(600, L'c'), L"Value", L"abc", REG_SZ));
     const ReadBack read = ReadValue(HKEY_CURRENT_USER, kKey, L"Value");
@@ -153,7 +153,7 @@ TEST_CASE("A class longer than the buffer is cut and does not hinder the read") 
     CHECK(read.keyClass.find_first_not_of(L"c\0"s) == std::wstring::npos);
 }
 
-TEST_CASE("Value names and keys are found in any case") {
+TEST_CASE("value names and keys are found in any case") {
     const TestHive hive(HKEY_CURRENT_USER);
     const Registry registry;
     REQUIRE(registry.Save(HKEY_CURRENT_USER, kKey, L"", L"1Url", L"address", REG_SZ));

@@ -38,7 +38,7 @@ std::vector<std::string> FunctionsOf(const Lines& lines) {
 
 }  // namespace
 
-TEST_CASE("A read whose key cannot be opened ends there and changes nothing") {
+TEST_CASE("a read whose key cannot be opened ends there and changes nothing") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -54,13 +54,13 @@ TEST_CASE("A read whose key cannot be opened ends there and changes nothing") {
     }
 }
 
-TEST_CASE("A size probe that fails counts for nothing: the query that follows decides") {
+TEST_CASE("a size probe that fails counts for nothing: the query that follows decides") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     for (const LSTATUS error : kErrors) {
         CAPTURE(error);
         watch.FailOnce("RegQueryValueExA", 1, error);
-        // An empty value fits the buffer of no length that a probe without an answer leaves.
+        // An empty value fits the buffer of no length that a probe without a result leaves.
         hive.Write(kKey, L"Value", L"");
         ReadBack read = ReadBack();
         watch.Calls([&] { read = ReadValue(); });
@@ -76,7 +76,7 @@ TEST_CASE("A size probe that fails counts for nothing: the query that follows de
     }
 }
 
-TEST_CASE("A query that fails leaves the value, the key open and the root closed") {
+TEST_CASE("a query that fails leaves the value, the key open and the root closed") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -93,13 +93,13 @@ TEST_CASE("A query that fails leaves the value, the key open and the root closed
         CHECK(watch.OpenHandles().size() == reads);
         CHECK_FALSE(read.isRead);
         CHECK(ToText(read.value) == L"default");
-        // What the probe had seen, REG_SZ, does not pass for the query's answer.
+        // What the probe had seen, REG_SZ, is not taken for the query's result.
         CHECK(read.type == 0);
         CHECK(read.keyClass.empty());
     }
 }
 
-TEST_CASE("A read goes on when the key does not tell its class, which is then the untouched buffer") {
+TEST_CASE("a read goes on when the key does not tell its class, which is then the untouched buffer") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -115,7 +115,7 @@ TEST_CASE("A read goes on when the key does not tell its class, which is then th
     }
 }
 
-TEST_CASE("A key that cannot be closed does not make the read or the deletion fail") {
+TEST_CASE("a key that cannot be closed does not make the read or the deletion fail") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     for (const LSTATUS error : kErrors) {
@@ -132,7 +132,7 @@ TEST_CASE("A key that cannot be closed does not make the read or the deletion fa
     }
 }
 
-TEST_CASE("A value that grows between the probe and the query fails the read") {
+TEST_CASE("a value that grows between the probe and the query fails the read") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -147,7 +147,7 @@ TEST_CASE("A value that grows between the probe and the query fails the read") {
     CHECK(watch.OpenHandles() == Lines{"key1"});
 }
 
-TEST_CASE("A value that shrinks, or changes its type, is read as the query finds it") {
+TEST_CASE("a value that shrinks, or changes its type, is read as the query finds it") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     ReadBack read;
@@ -179,7 +179,7 @@ TEST_CASE("A value that shrinks, or changes its type, is read as the query finds
     CHECK(ToText(emptied.value) == L"default");
 }
 
-TEST_CASE("A value that vanishes between the probe and the query is missing") {
+TEST_CASE("a value that vanishes between the probe and the query is missing") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -193,7 +193,7 @@ TEST_CASE("A value that vanishes between the probe and the query is missing") {
     CHECK(read.type == 0);
 }
 
-TEST_CASE("A save whose key cannot be created ends there, before the value is looked at") {
+TEST_CASE("a save whose key cannot be created ends there, before the value is looked at") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     for (const LSTATUS error : kErrors) {
@@ -213,7 +213,7 @@ TEST_CASE("A save whose key cannot be created ends there, before the value is lo
     CHECK_FALSE(hive.Exists(kKey));
 }
 
-TEST_CASE("A save whose value cannot be written answers false and leaves the key open") {
+TEST_CASE("a save whose value cannot be written returns false and leaves the key open") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     size_t saves = 0;
@@ -231,7 +231,7 @@ TEST_CASE("A save whose value cannot be written answers false and leaves the key
     CHECK_FALSE(hive.Exists(kKey, L"Value"));
 }
 
-TEST_CASE("A save that raises a type mismatch writes nothing and leaves the key open") {
+TEST_CASE("a save that raises a type mismatch writes nothing and leaves the key open") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     const auto save = [] {
@@ -242,7 +242,7 @@ TEST_CASE("A save that raises a type mismatch writes nothing and leaves the key 
     CHECK(watch.OpenHandles() == Lines{"key1"});
 }
 
-TEST_CASE("A deletion whose key cannot be opened ends there") {
+TEST_CASE("a deletion whose key cannot be opened ends there") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -257,7 +257,7 @@ TEST_CASE("A deletion whose key cannot be opened ends there") {
     CHECK(hive.Exists(kKey, L"Value"));
 }
 
-TEST_CASE("A deletion that fails answers false and closes the key") {
+TEST_CASE("a deletion that fails returns false and closes the key") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;

@@ -27,7 +27,7 @@ public:
     RegistryWatch& operator=(const RegistryWatch&) = delete;
     ~RegistryWatch();
 
-    // Runs the body, watches it and answers its lines. Calls outside of a body are not watched, nor counted,
+    // Runs the body, watches it and returns its lines. Calls outside of a body are not watched, nor counted,
     // nor failed.
     std::vector<std::string> Calls(const std::function<void()>& body);
     // The lines of the last body, also of one that threw.

@@ -7,7 +7,7 @@
 
 using namespace std::string_literals;
 
-TEST_CASE("The schema names the keys and values as they are stored") {
+TEST_CASE("the schema names the keys and values as they are stored") {
     CHECK(Schema::kSettingsKey == std::wstring(kSettings));
     CHECK(Schema::kExcludeKey == std::wstring(kExclude));
     CHECK(Schema::kBannersKey == std::wstring(kBanners));
@@ -21,7 +21,7 @@ TEST_CASE("The schema names the keys and values as they are stored") {
     CHECK(Schema::kStartupMode == L"Startup"s);
 }
 
-TEST_CASE("A numbered name is the number without leading zeros, and the word") {
+TEST_CASE("a numbered name is the number without leading zeros, and the word") {
     CHECK(Schema::Numbered(0, L"") == L"0");
     CHECK(Schema::Numbered(1, Schema::kName) == L"1Name");
     CHECK(Schema::Numbered(12, Schema::kWidth) == L"12Width");

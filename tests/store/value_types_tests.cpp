@@ -57,7 +57,7 @@ std::string AllBytes() {
 
 }  // namespace
 
-TEST_CASE("Each value type stores its own bytes and reads back as its own kind") {
+TEST_CASE("each value type stores its own bytes and reads back as its own kind") {
     const TestHive hive(HKEY_CURRENT_USER);
     struct Row {
         const char* meaning;
@@ -112,13 +112,13 @@ TEST_CASE("Each value type stores its own bytes and reads back as its own kind")
     }
 }
 
-TEST_CASE("The text \"abc\" takes exactly three bytes in the store") {
+TEST_CASE("the text \"abc\" takes exactly three bytes in the store") {
     const TestHive hive(HKEY_CURRENT_USER);
     REQUIRE(SaveValue(L"Value", L"abc", REG_SZ));
     CHECK(hive.Bytes(kKey, L"Value").size() == 3);
 }
 
-TEST_CASE("An empty text is stored as no bytes, and reading it keeps what the caller held") {
+TEST_CASE("an empty text is stored as no bytes, and reading it keeps what the caller held") {
     const TestHive hive(HKEY_CURRENT_USER);
     for (const long type : {REG_SZ, REG_EXPAND_SZ, REG_BINARY, REG_MULTI_SZ, REG_NONE, kQword}) {
         CAPTURE(type);
@@ -131,7 +131,7 @@ TEST_CASE("An empty text is stored as no bytes, and reading it keeps what the ca
     }
 }
 
-TEST_CASE("Text that another program stored with its terminator is read without it, even when it is empty") {
+TEST_CASE("text that another program stored with its terminator is read without it, even when it is empty") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", REG_SZ, "abc\0"s);
     CHECK(ToText(ReadValue(L"Value").value) == L"abc");
@@ -139,7 +139,7 @@ TEST_CASE("Text that another program stored with its terminator is read without 
     CHECK(ToText(ReadValue(L"Value").value).empty());
 }
 
-TEST_CASE("Binary data of every byte is read as its text in the code page and saved back unchanged") {
+TEST_CASE("binary data of every byte is read as its text in the code page and saved back unchanged") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", REG_BINARY, AllBytes());
     const ReadBack read = ReadValue(L"Value");
@@ -153,7 +153,7 @@ TEST_CASE("Binary data of every byte is read as its text in the code page and sa
     }
 }
 
-TEST_CASE("Numbers of every byte are read without loss, in both byte orders") {
+TEST_CASE("numbers of every byte are read without loss, in both byte orders") {
     const TestHive hive(HKEY_CURRENT_USER);
     for (uint32_t code = 0; code < 256; ++code) {
         const uint32_t number = code << 24 | (255 - code) << 16 | code << 8 | (code ^ 0x55);
@@ -167,7 +167,7 @@ TEST_CASE("Numbers of every byte are read without loss, in both byte orders") {
     }
 }
 
-TEST_CASE("Characters pass through the code page, and those that it lacks become its default character") {
+TEST_CASE("characters pass through the code page, and those that it lacks become its default character") {
     const TestHive hive(HKEY_CURRENT_USER);
     const std::wstring text = L"caf\x00e9 \x20ac \x0416 \x4e2d \xd83d\xde00";
     for (const long type : {REG_SZ, REG_EXPAND_SZ, REG_BINARY, REG_MULTI_SZ, kQword}) {
@@ -178,7 +178,7 @@ TEST_CASE("Characters pass through the code page, and those that it lacks become
     }
 }
 
-TEST_CASE("Key, value name and class pass through the code page as well") {
+TEST_CASE("key, value name and class pass through the code page as well") {
     const TestHive hive(HKEY_CURRENT_USER);
     const Registry registry;
     const std::wstring name = OutOfCodePage(InCodePage(L"caf\x00e9"));
@@ -198,7 +198,7 @@ TEST_CASE("Key, value name and class pass through the code page as well") {
     CHECK_FALSE(hive.Exists(path));
 }
 
-TEST_CASE("Texts of 64 KB go in and out whole") {
+TEST_CASE("texts of 64 KB go in and out whole") {
     const TestHive hive(HKEY_CURRENT_USER);
     std::wstring text;
     for (int i = 0; i < 65536; ++i)
@@ -211,7 +211,7 @@ TEST_CASE("Texts of 64 KB go in and out whole") {
     }
 }
 
-TEST_CASE("Saving what is no number under a number type raises a type mismatch, once the key is there") {
+TEST_CASE("saving what is no number under a number type raises a type mismatch, once the key is there") {
     for (const long type : {REG_DWORD, REG_DWORD_BIG_ENDIAN}) {
         CAPTURE(type);
         const TestHive hive(HKEY_CURRENT_USER);
@@ -239,7 +239,7 @@ TEST_CASE("Saving what is no number under a number type raises a type mismatch, 
     }
 }
 
-TEST_CASE("Reading a number type of fewer than four bytes raises error 5, of more takes the first four") {
+TEST_CASE("reading a number type of fewer than four bytes raises error 5, of more takes the first four") {
     const TestHive hive(HKEY_CURRENT_USER);
     for (const DWORD type : {REG_DWORD, REG_DWORD_BIG_ENDIAN}) {
         CAPTURE(type);
@@ -260,7 +260,7 @@ TEST_CASE("Reading a number type of fewer than four bytes raises error 5, of mor
     }
 }
 
-TEST_CASE("Text whose stored length is odd is read up to its last whole character") {
+TEST_CASE("text whose stored length is odd is read up to its last whole character") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Other", L"x");
     HKEY key = nullptr;

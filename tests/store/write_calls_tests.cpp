@@ -14,7 +14,7 @@ constexpr wchar_t kKey[] = L"Software\\Calvane\\Calls";
 
 }  // namespace
 
-TEST_CASE("Saving creates the key, writes the value with nothing behind it, and leaves the key open") {
+TEST_CASE("saving creates the key, writes the value with nothing behind it, and leaves the key open") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     bool isSaved = false;
@@ -31,7 +31,7 @@ TEST_CASE("Saving creates the key, writes the value with nothing behind it, and 
     CHECK(hive.Exists(kKey, L"More"));
 }
 
-TEST_CASE("Saving passes on the class, the root, the value name and the type") {
+TEST_CASE("saving passes on the class, the root, the value name and the type") {
     const TestHive hive(HKEY_LOCAL_MACHINE);
     RegistryWatch watch;
     CHECK(
@@ -45,7 +45,7 @@ TEST_CASE("Saving passes on the class, the root, the value name and the type") {
         });
 }
 
-TEST_CASE("No type has a NUL behind what it counts") {
+TEST_CASE("no type has a NUL behind what it counts") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     for (long type = 0; type <= 11; ++type) {
@@ -57,7 +57,7 @@ TEST_CASE("No type has a NUL behind what it counts") {
     }
 }
 
-TEST_CASE("Each save makes two calls and leaves one more key open") {
+TEST_CASE("each save makes two calls and leaves one more key open") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     const Lines lines = watch.Calls([&] {
@@ -70,7 +70,7 @@ TEST_CASE("Each save makes two calls and leaves one more key open") {
     CHECK(hive.ValueCount(kKey) == 100);
 }
 
-TEST_CASE("Deleting a value opens the key for writing, deletes the value and closes the key") {
+TEST_CASE("deleting a value opens the key for writing, deletes the value and closes the key") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -85,7 +85,7 @@ TEST_CASE("Deleting a value opens the key for writing, deletes the value and clo
     CHECK_FALSE(hive.Exists(kKey, L"Value"));
 }
 
-TEST_CASE("Deleting a missing value fails and closes the key") {
+TEST_CASE("deleting a missing value fails and closes the key") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Other", L"abc");
     RegistryWatch watch;
@@ -100,7 +100,7 @@ TEST_CASE("Deleting a missing value fails and closes the key") {
     CHECK(hive.Exists(kKey, L"Other"));
 }
 
-TEST_CASE("Deleting a value of a missing key fails after trying to open it, and creates no key") {
+TEST_CASE("deleting a value of a missing key fails after trying to open it, and creates no key") {
     const TestHive hive(HKEY_CURRENT_USER);
     RegistryWatch watch;
     bool isDeleted = true;
@@ -110,7 +110,7 @@ TEST_CASE("Deleting a value of a missing key fails after trying to open it, and 
     CHECK_FALSE(hive.Exists(kKey));
 }
 
-TEST_CASE("Deleting with an empty key path does nothing, with or without a value name") {
+TEST_CASE("deleting with an empty key path does nothing, with or without a value name") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(L"", L"Value", L"abc");
     RegistryWatch watch;
@@ -122,7 +122,7 @@ TEST_CASE("Deleting with an empty key path does nothing, with or without a value
     CHECK(hive.Exists(L"", L"Value"));
 }
 
-TEST_CASE("Deleting with an empty value name removes the key with its values") {
+TEST_CASE("deleting with an empty value name removes the key with its values") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(kKey, L"Value", L"abc");
     RegistryWatch watch;
@@ -135,7 +135,7 @@ TEST_CASE("Deleting with an empty value name removes the key with its values") {
     CHECK_FALSE(Registry().Delete(HKEY_CURRENT_USER, kKey, L""));
 }
 
-TEST_CASE("A key with subkeys is not deleted") {
+TEST_CASE("a key with subkeys is not deleted") {
     const TestHive hive(HKEY_CURRENT_USER);
     hive.Write(std::wstring(kKey) + L"\\Below", L"Value", L"abc");
     CHECK_FALSE(Registry().Delete(HKEY_CURRENT_USER, kKey, L""));

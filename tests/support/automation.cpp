@@ -24,12 +24,12 @@ Variant Invoke(IDispatch* object, const wchar_t* member, WORD flags, std::vector
 
     Variant result;
     EXCEPINFO exception{};
-    const HRESULT answer = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                                          result.Receive(), &exception, nullptr);
+    const HRESULT outcome = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
+                                           result.Receive(), &exception, nullptr);
     SysFreeString(exception.bstrSource);
     SysFreeString(exception.bstrDescription);
     SysFreeString(exception.bstrHelpFile);
-    ThrowIfFailed(answer == DISP_E_EXCEPTION && FAILED(exception.scode) ? exception.scode : answer);
+    ThrowIfFailed(outcome == DISP_E_EXCEPTION && FAILED(exception.scode) ? exception.scode : outcome);
     return result;
 }
 

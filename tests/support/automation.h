@@ -11,7 +11,7 @@
 #include "platform/com/com_ptr.h"
 #include "platform/com/variant.h"
 
-// Each throws AutomationError with what the object answered.
+// Each throws AutomationError with what the object returned.
 Variant Call(IDispatch* object, const wchar_t* member, std::vector<Variant> arguments = {});
 Variant Get(IDispatch* object, const wchar_t* property, std::vector<Variant> arguments = {});
 void Put(IDispatch* object, const wchar_t* property, const Variant& value);

@@ -97,10 +97,10 @@ LSTATUS WINAPI MemoryRegistry::Query(HKEY key, LPCSTR name, LPDWORD reserved, LP
     const auto value = stored->find(name);
     if (value == stored->end()) return ERROR_FILE_NOT_FOUND;
     const std::string& bytes = value->second.bytes;
-    const DWORD room = *size;
+    const DWORD capacity = *size;
     *type = value->second.type;
     *size = static_cast<DWORD>(bytes.size());
-    if (room < bytes.size()) return ERROR_MORE_DATA;
+    if (capacity < bytes.size()) return ERROR_MORE_DATA;
     std::copy(bytes.begin(), bytes.end(), data);
     return ERROR_SUCCESS;
 }

@@ -74,7 +74,7 @@ public:
 
     RegistryContents contents;
 
-    // From now on, counting anew.
+    // From now on, counting from 0.
     void Fail(const Fault& fault) { m_counter = FaultCounter(fault); }
     const FaultCounter& Counter() const noexcept { return m_counter; }
 

@@ -1,4 +1,4 @@
-// Answers message boxes at once and notes what they showed.
+// Closes message boxes at once and notes what they showed.
 #pragma once
 
 #include <windows.h>

@@ -14,7 +14,7 @@ public:
         LPARAM lParam;
     };
 
-    // What the procedure answers to messages from WM_USER on.
+    // What the procedure returns for messages from WM_USER on.
     static constexpr LRESULT kAnswer = 4711;
 
     PlainWindow();

@@ -14,7 +14,7 @@ std::vector<DWORD> ProcessesOf(const wchar_t* program);
 // Whether no process of the program is left within the time. Messages are dispatched meanwhile.
 bool ProgramEnds(const wchar_t* program, DWORD milliseconds = kPatience);
 
-// Runs a program from the folder above the test's own, where the build puts them, and answers its exit code;
+// Runs a program from the folder above the test's own, where the build puts them, and returns its exit code;
 // STILL_ACTIVE when it does not end in time. Messages are dispatched meanwhile. Throws std::runtime_error
 // when it cannot be started.
 DWORD RunProgram(const wchar_t* program, const std::wstring& arguments = {}, DWORD milliseconds = kPatience);

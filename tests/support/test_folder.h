@@ -14,7 +14,7 @@ public:
     ~TestFolder();
 
     std::wstring Path(const std::wstring& name) const { return m_path + L'\\' + name; }
-    std::wstring Write(const std::wstring& name, std::string_view bytes) const;  // answers the path
+    std::wstring Write(const std::wstring& name, std::string_view bytes) const;  // returns the path
     const std::wstring& Folder() const noexcept { return m_path; }
 
 private:

@@ -28,7 +28,7 @@ LONG HookProcedure() {
 
 TEST_CASE_FIXTURE(
     TrayIconFixture,
-    "frames 0, 1 and 2 come 250 ms apart, and a second after the start the resting icon is added anew") {
+    "frames 0, 1 and 2 come 250 ms apart, and a second after the start the resting icon is added again") {
     SetUp();
     const DWORD start = GetTickCount();
     REQUIRE(Animate(250) == S_OK);

@@ -15,13 +15,13 @@ public:
 
     LONG References() const noexcept { return m_references; }
 
-    // Called each time somebody asks for the picture, before the answer.
+    // Called each time somebody asks for the picture, before it is returned.
     std::function<void()> asked;
 
     // Called when the last reference goes.
     std::function<void()> gone;
 
-    // What asking for the picture answers.
+    // What asking for the picture returns.
     HRESULT result = S_OK;
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override;

@@ -310,7 +310,7 @@ TEST_CASE("the end of the configuration window itself is forwarded and unhooks n
     CHECK(config.window.Procedure() == HookProcedure());
 }
 
-TEST_CASE("a message for a window whose property is missing answers 0 and calls nobody") {
+TEST_CASE("a message for a window whose property is missing returns 0 and calls nobody") {
     HookedConfigWindow config;
     HookCalls hook;
     hook.failGetProp = true;

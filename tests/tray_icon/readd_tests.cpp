@@ -43,7 +43,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "an animation goes on across a new taskbar") 
 TEST_CASE_FIXTURE(TrayIconFixture,
                   "a new taskbar that arrives while the icon is being removed does not bring it back") {
     SetUp();
-    shell.answer = [this](DWORD action) {
+    shell.result = [this](DWORD action) {
         if (action == NIM_DELETE) icon->OnTaskbarCreated();
         return TRUE;
     };
@@ -78,7 +78,7 @@ TEST_CASE_FIXTURE(TrayIconFixture,
                   "a refused add is tried again every two seconds until the shell takes it") {
     TimerCalls timers;
     int refusals = 3;
-    shell.answer = [&](DWORD action) { return action == NIM_ADD && refusals-- <= 0 ? TRUE : FALSE; };
+    shell.result = [&](DWORD action) { return action == NIM_ADD && refusals-- <= 0 ? TRUE : FALSE; };
     SetUp();
     REQUIRE(PumpUntil([&] { return shell.calls.size() >= 7; }));
     PumpFor(80);
@@ -90,7 +90,7 @@ TEST_CASE_FIXTURE(TrayIconFixture,
 
 TEST_CASE_FIXTURE(TrayIconFixture, "an icon that the shell took without saying so is not added twice") {
     TimerCalls timers;
-    shell.answer = [](DWORD action) { return action == NIM_ADD ? FALSE : TRUE; };
+    shell.result = [](DWORD action) { return action == NIM_ADD ? FALSE : TRUE; };
     SetUp();
     REQUIRE(PumpUntil([&] { return shell.calls.size() >= 2; }));
     PumpFor(80);
@@ -99,7 +99,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "an icon that the shell took without saying s
 
 TEST_CASE_FIXTURE(TrayIconFixture, "a shell that always refuses is left alone after half a minute of tries") {
     TimerCalls timers;
-    shell.answer = [](DWORD) { return FALSE; };
+    shell.result = [](DWORD) { return FALSE; };
     SetUp();
     // 15 times 2 seconds, each a change and an add.
     REQUIRE(PumpUntil([&] { return shell.calls.size() >= 31; }));
@@ -118,7 +118,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "an icon that was taken at once is never trie
 
 TEST_CASE_FIXTURE(TrayIconFixture, "removing a refused icon ends the tries") {
     TimerCalls timers;
-    shell.answer = [](DWORD) { return FALSE; };
+    shell.result = [](DWORD) { return FALSE; };
     SetUp();
     icon->RemoveIcon();
     CHECK_FALSE(timers.AnyRuns());
@@ -128,7 +128,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "removing a refused icon ends the tries") {
 
 TEST_CASE_FIXTURE(TrayIconFixture, "the owner's release ends the tries") {
     TimerCalls timers;
-    shell.answer = [](DWORD) { return FALSE; };
+    shell.result = [](DWORD) { return FALSE; };
     SetUp();
     icon.Reset();
     CHECK_FALSE(timers.AnyRuns());
@@ -139,7 +139,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "the owner's release ends the tries") {
 TEST_CASE_FIXTURE(TrayIconFixture,
                   "the owner's release from within a try is survived, and the icon stays away") {
     TimerCalls timers;
-    shell.answer = [](DWORD) { return FALSE; };
+    shell.result = [](DWORD) { return FALSE; };
     SetUp();
     rest->asked = [this] {
         icon->Class_Terminate();
@@ -154,7 +154,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "a new taskbar that refuses the icon is tried
     TimerCalls timers;
     SetUp();
     int refusals = 1;
-    shell.answer = [&](DWORD action) { return action == NIM_ADD && refusals-- <= 0 ? TRUE : FALSE; };
+    shell.result = [&](DWORD action) { return action == NIM_ADD && refusals-- <= 0 ? TRUE : FALSE; };
     icon->OnTaskbarCreated();
     REQUIRE(PumpUntil([&] { return shell.calls.size() >= 4; }));
     PumpFor(80);
@@ -163,7 +163,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "a new taskbar that refuses the icon is tried
 
 TEST_CASE_FIXTURE(TrayIconFixture, "a refused add comes two seconds later in real time") {
     bool refused = false;
-    shell.answer = [&](DWORD action) {
+    shell.result = [&](DWORD action) {
         return action == NIM_ADD && std::exchange(refused, true) ? TRUE : FALSE;
     };
     SetUp();

@@ -73,12 +73,12 @@ TEST_CASE("a character that the ANSI code page lacks becomes its default charact
     CHECK(TipOf(L"\x2603!") == std::string("?!\0", 3) + std::string(61, ' '));
 }
 
-TEST_CASE("the shell gets a copy of the record and its answer is passed on") {
+TEST_CASE("the shell gets a copy of the record and its result is passed on") {
     ShellCalls shell;
     const NotifyIconRecord record =
         MakeNotifyIconRecord(reinterpret_cast<HWND>(0x10), 7, reinterpret_cast<HICON>(0x20), L"tip");
     CHECK(NotifyShell(NIM_ADD, record));
-    shell.answer = [](DWORD) { return FALSE; };
+    shell.result = [](DWORD) { return FALSE; };
     CHECK_FALSE(NotifyShell(NIM_DELETE, record));
 
     REQUIRE(shell.Actions() == std::vector<DWORD>{0, 2});

@@ -32,5 +32,5 @@ std::vector<DWORD> ShellCalls::Actions() const {
 BOOL WINAPI ShellCalls::Fake(DWORD action, NOTIFYICONDATAA* data) {
     current->calls.push_back(
         {action, std::string(reinterpret_cast<const char*>(data), data->cbSize), GetTickCount()});
-    return current->answer ? current->answer(action) : TRUE;
+    return current->result ? current->result(action) : TRUE;
 }

@@ -28,8 +28,8 @@ public:
     ShellCalls& operator=(const ShellCalls&) = delete;
     ~ShellCalls();
 
-    // What the shell answers; TRUE where nothing is set.
-    std::function<BOOL(DWORD action)> answer;
+    // What the shell returns; TRUE where nothing is set.
+    std::function<BOOL(DWORD action)> result;
 
     std::vector<ShellCall> calls;
     std::vector<DWORD> Actions() const;

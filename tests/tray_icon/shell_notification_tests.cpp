@@ -130,7 +130,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "removing what was never added does nothing")
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "a refused add and a refused removal count as done") {
-    shell.answer = [](DWORD) { return FALSE; };
+    shell.result = [](DWORD) { return FALSE; };
     SetUp();
     CHECK(icon->AddIcon(rest.Get()) == S_OK);
     CHECK(shell.Actions() == Actions{NIM_ADD});
@@ -206,7 +206,7 @@ TEST_CASE_FIXTURE(TrayIconFixture,
     SetUp();
     HookCalls hook;
     bool wasHookedAtRemoval = false;
-    shell.answer = [&](DWORD action) {
+    shell.result = [&](DWORD action) {
         if (action == NIM_DELETE) wasHookedAtRemoval = hook.calls.empty();
         return TRUE;
     };

@@ -164,7 +164,7 @@ void User::Type(HWND dialog, int id, const std::wstring& text) {
 void User::Close(HWND dialog, int button) {
     PostMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
     WaitUntilGone(dialog);
-    // What the manager does behind the dialog is done by the time that its window answers again.
+    // What the manager does behind the dialog is done by the time that its window responds again.
     SendMessageW(m_manager->Window(), WM_NULL, 0, 0);
 }
 

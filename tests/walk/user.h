@@ -56,10 +56,10 @@ public:
     // sight or disabled.
     void Press(const wchar_t* name);
 
-    // A button that opens a dialog; answers the dialog.
+    // A button that opens a dialog; returns the dialog.
     HWND Open(const wchar_t* name, const wchar_t* title);
 
-    // A button that opens a message; answers what the message said, after its button was pressed.
+    // A button that opens a message; returns what the message said, after its button was pressed.
     std::wstring PressAndRead(const wchar_t* name);
 
     // In a dialog. Close presses the button and waits until the dialog is gone.

@@ -34,7 +34,7 @@ long EnginesHeld() {
     return popups;
 }
 
-// Clicks a button that opens a dialog; answers the dialog when it is there.
+// Clicks a button that opens a dialog; returns the dialog when it is there.
 HWND OpenDialog(Manager& manager, const wchar_t* button, const wchar_t* title) {
     PostMessageW(manager.Control(button), BM_CLICK, 0, 0);
     HWND dialog = nullptr;

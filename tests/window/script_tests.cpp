@@ -23,7 +23,7 @@ std::wstring ScriptPath(const std::wstring& name) {
     return path.front() == L'\\' ? L"Z:" + path : path;
 }
 
-// Runs a script to its end; answers its exit code, and what it wrote. A server that the script's process
+// Runs a script to its end; returns its exit code, and what it wrote. A server that the script's process
 // starts inherits its output, so that this must be a file.
 DWORD RunScript(const std::wstring& name, std::string& output) {
     const TestFolder folder;

@@ -43,12 +43,12 @@ HWND ConfigWindow() {
     return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
 }
 
-long dialogsAnswered = 0;
+long dialogsServed = 0;
 Chance* dialogChance = nullptr;
 
 // Plays the user of whatever waits for one: a menu is closed; a dialog gets messages of its own and is
 // cancelled.
-void CALLBACK Answer(HWND, UINT, UINT_PTR, DWORD) {
+void CALLBACK PlayUser(HWND, UINT, UINT_PTR, DWORD) {
     GUITHREADINFO info{};
     info.cbSize = sizeof(info);
     GetGUIThreadInfo(GetCurrentThreadId(), &info);
@@ -66,13 +66,13 @@ void CALLBACK Answer(HWND, UINT, UINT_PTR, DWORD) {
             SendMessageW(message.hwnd, message.message, message.wParam, message.lParam);
         }
         if (IsWindow(window)) PostMessageW(window, WM_COMMAND, IDCANCEL, 0);
-        ++dialogsAnswered;
+        ++dialogsServed;
     }
 }
 
 }  // namespace
 
-TEST_CASE("senseless messages to every window leave them answering") {
+TEST_CASE("senseless messages to every window leave them working") {
     const long messages = Chance::Count("ABUSE_MESSAGES", 1000000);
     const QuietSystem quiet;
     InsideWithoutEngine inside;
@@ -85,8 +85,8 @@ TEST_CASE("senseless messages to every window leave them answering") {
     const uint32_t seed = Chance::Seed();
     Chance chance(seed);
     dialogChance = &chance;
-    dialogsAnswered = 0;
-    const UINT_PTR user = SetTimer(nullptr, 0, 20, Answer);
+    dialogsServed = 0;
+    const UINT_PTR user = SetTimer(nullptr, 0, 20, PlayUser);
     const DWORD start = GetTickCount();
     DWORD slowest = 0;
     UINT slowestMessage = 0;
@@ -130,7 +130,7 @@ TEST_CASE("senseless messages to every window leave them answering") {
     CHECK(g_frmConfig->get_b_OKtoUnload(&isLeaving) == S_OK);
     CHECK(isLeaving == VARIANT_FALSE);
     MESSAGE("in process: " << messages << " messages from seed " << seed << " (" << keys
-                           << " through the message loop's keyboard handling), " << dialogsAnswered
+                           << " through the message loop's keyboard handling), " << dialogsServed
                            << " dialogs opened on the way, " << GetTickCount() - start << " ms, slowest "
                            << slowest << " ms (message " << slowestMessage << ")");
 }

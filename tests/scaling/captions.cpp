@@ -1,4 +1,4 @@
-#include "tests/scaling/room.h"
+#include "tests/scaling/captions.h"
 
 #include <commctrl.h>
 
@@ -79,8 +79,8 @@ Caption WithAccessKey(const std::string& where, HWND control, const std::wstring
 
 // A label breaks its text between words.
 Caption LabelOf(const std::string& where, HWND label, const std::wstring& text) {
-    const SIZE room = ClientSize(label);
-    return {where, FontMeter(label).Measure(text, DT_WORDBREAK, room.cx), room};
+    const SIZE space = ClientSize(label);
+    return {where, FontMeter(label).Measure(text, DT_WORDBREAK, space.cx), space};
 }
 
 std::vector<Caption> Items(const std::string& where, HWND combo, int longer) {
@@ -100,14 +100,14 @@ std::vector<Caption> HeadingsOf(const std::string& where, HWND list, int longer)
     for (size_t column = 0; column < headings.size(); ++column) {
         Caption caption =
             OneLine(where, header, Lengthened(headings[column], longer), {2 * Scaled(kHeadingMargin), 0});
-        caption.room.cx = ListView_GetColumnWidth(list, static_cast<int>(column));
+        caption.space.cx = ListView_GetColumnWidth(list, static_cast<int>(column));
         captions.push_back(caption);
     }
     return captions;
 }
 
 // The row of tabs is as wide as its texts and a fixed amount for each tab. Where that is too much it
-// scrolls, and a tab out of sight has an empty rectangle and no room at all.
+// scrolls, and a tab out of sight has an empty rectangle and no space at all.
 Caption TabsOf(const std::string& where, HWND tabs, int longer) {
     Caption caption{where, {2 * kTabStripMargin, 0}, ClientSize(tabs)};
     const FontMeter meter(tabs);
@@ -115,7 +115,7 @@ Caption TabsOf(const std::string& where, HWND tabs, int longer) {
     for (int tab = 0; tab < count; ++tab) {
         RECT item{};
         SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(tab), reinterpret_cast<LPARAM>(&item));
-        if (IsRectEmpty(&item)) item.right = caption.room.cx + 1;
+        if (IsRectEmpty(&item)) item.right = caption.space.cx + 1;
         const std::wstring text = TabText(tabs, tab);
         caption.needed.cx += item.right - item.left +
                              meter.Measure(Lengthened(text, longer), DT_SINGLELINE).cx -
@@ -125,16 +125,16 @@ Caption TabsOf(const std::string& where, HWND tabs, int longer) {
     return caption;
 }
 
-// Room for what is in it, or for the longest number that makes sense.
+// Space for what is in it, or for the longest number that makes sense.
 Caption TextBoxOf(const std::string& where, HWND box) {
-    RECT room{};
-    SendMessageW(box, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&room));
+    RECT space{};
+    SendMessageW(box, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&space));
     const std::wstring text = ShownText(box);
     const HWND next = GetWindow(box, GW_HWNDNEXT);
     const bool hasSpin = next != nullptr && ClassOf(next) == UPDOWN_CLASSW;
     Caption caption =
         OneLine(where, box, text.empty() ? L"1024" : text, {hasSpin ? ClientSize(next).cx : 0, 0});
-    caption.room = {room.right - room.left, room.bottom - room.top};
+    caption.space = {space.right - space.left, space.bottom - space.top};
     return caption;
 }
 

@@ -1,4 +1,4 @@
-// How wide and high the texts of a control are, and how much room it has for them.
+// How wide and high the texts of a control are, and how much space it has for them.
 #pragma once
 
 #include <windows.h>
@@ -10,9 +10,9 @@
 struct Caption {
     std::string where;
     SIZE needed;  // the text and what the control draws round it
-    SIZE room;
+    SIZE space;
 
-    bool Fits() const noexcept { return needed.cx <= room.cx && needed.cy <= room.cy; }
+    bool Fits() const noexcept { return needed.cx <= space.cx && needed.cy <= space.cy; }
 };
 
 // Of one control: most have one text, lists one for each heading, combo boxes one for each item. Each text is
