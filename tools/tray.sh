@@ -15,7 +15,7 @@ WaitFor() {
 # desktops is what tint2 waits a quarter of a minute for, since a window manager would tell it.
 StartTrayHost() {
     xprop -root -f _NET_NUMBER_OF_DESKTOPS 32c -set _NET_NUMBER_OF_DESKTOPS 1
-    tint2 -c "$kRoot/tools/tray.tint2rc" >/dev/null 2>&1 &
+    tint2 -c "$(dirname "${BASH_SOURCE[0]}")/tray.tint2rc" >/dev/null 2>&1 &
     WaitFor 30 FindTray || { echo "tint2 did not start" >&2; return 1; }
 }
 
