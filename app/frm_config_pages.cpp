@@ -41,10 +41,13 @@ void frmConfig::MakeImageList1() {
 }
 
 void frmConfig::SelectPage() {
+    const HWND focus = GetFocus();
     const int selected = m_controls.tab.Selected();
     for (int page = 0; page < static_cast<int>(m_pages.size()); ++page) {
         m_pages[static_cast<size_t>(page)].Show(page == selected);
     }
+    // Windows leaves the focus in a control whose page is hidden.
+    if (IsOnHiddenPage(focus)) m_controls.tab.SetFocus();
 }
 
 void frmConfig::SelectAbout() {
@@ -81,9 +84,14 @@ bool frmConfig::IsFormMessage(MSG& message) {
                 break;
         }
     }
-    // From a control of a hidden page, which only another program addresses, the dialog manager's search for
-    // an accelerator would never come back to where it began.
-    if (isOurs && IsOnHiddenPage(message.hwnd)) return false;
+    // The dialog manager gives an activated window back the focus that it had, be the control's page hidden
+    // by now. It may not look for an accelerator from there: its search would never come back to where it
+    // began.
+    if (isOurs && IsOnHiddenPage(message.hwnd)) {
+        if (message.message < WM_KEYFIRST || message.message > WM_KEYLAST) return false;
+        m_controls.tab.SetFocus();
+        message.hwnd = m_controls.tab.Hwnd();
+    }
     // Fixed captions share letters. Not every system's dialog manager goes on from one button to the other.
     if (isOurs && message.message == WM_SYSCHAR &&
         FocusNextOfAccessKey(Hwnd(), static_cast<wchar_t>(message.wParam))) {

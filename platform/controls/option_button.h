@@ -15,15 +15,18 @@ public:
 
     // Changes this button alone; the group's others are the caller's to clear.
     void Value(bool selected) {
-        if (selected == Value()) return;
+        const bool isChange = selected != Value();
+        // Changed or not: the message also gives the selected button the group's tab stop, and takes it from
+        // any other, which the dialog resource may have given one.
         Send(BM_SETCHECK, selected ? BST_CHECKED : BST_UNCHECKED);
-        // The tab key stops at the selected button of a group, which is the one with the tab stop.
-        const LONG style = GetWindowLongW(Hwnd(), GWL_STYLE);
-        SetWindowLongW(Hwnd(), GWL_STYLE, selected ? style | WS_TABSTOP : style & ~WS_TABSTOP);
-        if (selected) Raise(Click);
+        if (isChange && selected) Raise(Click);
     }
 
     void OnCommand(WORD code) override {
         if (code == BN_CLICKED) Raise(Click);
     }
+
+protected:
+    // Otherwise a button that is not selected takes the focus for a click.
+    void OnAttached() override { Send(BM_SETDONTCLICK, TRUE); }
 };

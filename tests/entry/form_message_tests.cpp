@@ -1,50 +1,8 @@
 // Which messages of the main loop are the window's.
 #include <doctest.h>
 
-#include "app/resource.h"
-#include "tests/entry/inside.h"
+#include "tests/entry/window_inside.h"
 #include "tests/support/plain_window.h"
-
-namespace {
-
-HWND Window() {
-    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
-}
-
-MSG Key(HWND window, WPARAM key) {
-    MSG message{};
-    message.hwnd = window;
-    message.message = WM_KEYDOWN;
-    message.wParam = key;
-    message.lParam = 1;
-    return message;
-}
-
-// The state of the keyboard as this thread sees it.
-struct HeldKeys {
-    explicit HeldKeys(std::initializer_list<int> keys) {
-        GetKeyboardState(before);
-        BYTE state[256]{};
-        for (const int key : keys)
-            state[key] = 0x80;
-        SetKeyboardState(state);
-    }
-    HeldKeys(const HeldKeys&) = delete;
-    HeldKeys& operator=(const HeldKeys&) = delete;
-    ~HeldKeys() { SetKeyboardState(before); }
-
-    BYTE before[256]{};
-};
-
-int SelectedTab() {
-    return static_cast<int>(SendDlgItemMessageW(Window(), IDC_TAB, TCM_GETCURSEL, 0, 0));
-}
-
-bool IsFormMessage(MSG message) {
-    return g_frmConfig->IsFormMessage(message);
-}
-
-}  // namespace
 
 TEST_CASE("without a window no message is the window's") {
     InsideWithoutEngine inside;

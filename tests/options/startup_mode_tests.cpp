@@ -1,3 +1,6 @@
+#include <windows.h>
+#include <commctrl.h>
+
 #include <string>
 
 #include "store/settings_schema.h"
@@ -73,7 +76,39 @@ void PutStored(SettingsWindow& page, const wchar_t* text) {
     if (text != nullptr) page.Store(L"Startup", text);
 }
 
+// On Windows BM_SETCHECK changes the button that it is sent to, and no other of its group.
+LRESULT CALLBACK CheckAlone(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR flag) {
+    if (message != BM_SETCHECK) return DefSubclassProc(hwnd, message, wParam, lParam);
+    bool& isChecking = *reinterpret_cast<bool*>(flag);
+    if (isChecking) return 0;
+    isChecking = true;
+    const LRESULT result = DefSubclassProc(hwnd, message, wParam, lParam);
+    isChecking = false;
+    return result;
+}
+
 }  // namespace
+
+TEST_CASE("reading the startup mode leaves a tab stop to the selected button alone") {
+    for (const wchar_t* const stored : kModes) {
+        CAPTURE(std::wstring(stored));
+        bool isChecking = false;
+        SettingsWindow page;
+        for (const wchar_t* const mode : kModes) {
+            const HWND button = ButtonOf(page, mode).Hwnd();
+            SetWindowSubclass(button, CheckAlone, 0, reinterpret_cast<DWORD_PTR>(&isChecking));
+            REQUIRE((GetWindowLongW(button, GWL_STYLE) & WS_TABSTOP) != 0);
+        }
+        PutStored(page, stored);
+        Registry registry;
+        page.generalOptions.ReadStartupMode(registry);
+        for (const wchar_t* const mode : kModes) {
+            CAPTURE(std::wstring(mode));
+            const bool isStop = (GetWindowLongW(ButtonOf(page, mode).Hwnd(), GWL_STYLE) & WS_TABSTOP) != 0;
+            CHECK(isStop == (std::wstring(mode) == stored));
+        }
+    }
+}
 
 TEST_CASE("reading the startup mode selects its button and remembers it; an unknown text changes neither") {
     SettingsWindow page;
