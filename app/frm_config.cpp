@@ -169,6 +169,8 @@ LONG frmConfig::Reference() noexcept {
 
 bool frmConfig::OnInit() {
     SetWindowIcons(Hwnd(), IDI_CALVANE);
+    // Explorer has fewer rights than an elevated manager, to which Windows would not deliver what it sends.
+    ChangeWindowMessageFilterEx(Hwnd(), m_taskbarCreated, MSGFLT_ALLOW, nullptr);
     return true;
 }
 
