@@ -24,6 +24,8 @@ void SettingsLoader::Load(Control& control) {
                 return LoadCheckBox(static_cast<CheckBox&>(control));
             case ControlKind::TextBox:
                 return LoadTextBox(static_cast<TextBox&>(control));
+            case ControlKind::UpDown:
+                return static_cast<UpDown&>(control).FollowBuddy();
             case ControlKind::ListBox:
                 if (control.Name() == kExcludeControl) LoadRows(static_cast<ListBox&>(control));
                 return;

@@ -8,6 +8,7 @@
 #include "platform/controls/control.h"
 #include "platform/controls/list_box.h"
 #include "platform/controls/text_box.h"
+#include "platform/controls/up_down.h"
 #include "platform/com/variant.h"
 #include "store/registry.h"
 

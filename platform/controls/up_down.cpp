@@ -13,6 +13,10 @@ void UpDown::OnAttached() {
     Send(UDM_SETACCEL, 1, reinterpret_cast<LPARAM>(&step));
 }
 
+void UpDown::FollowBuddy() {
+    ResumeNext([&] { Send(UDM_SETPOS32, 0, ToLong(Variant(m_buddy.Text()))); });
+}
+
 LRESULT UpDown::OnNotify(const NMHDR& header) {
     if (header.code != static_cast<UINT>(UDN_DELTAPOS)) return 0;
     const auto& move = reinterpret_cast<const NMUPDOWN&>(header);

@@ -13,6 +13,10 @@ public:
     // Raised after the user has changed the value with the arrows. Typing in the buddy raises nothing.
     Event Change;
 
+    // Takes the value that the text box shows, from which a step goes on where the box has been emptied. To
+    // be called when a value has been set from code; a text that is no number changes nothing.
+    void FollowBuddy();
+
     LRESULT OnNotify(const NMHDR& header) override;
 
 protected:

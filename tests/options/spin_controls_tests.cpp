@@ -104,6 +104,38 @@ TEST_CASE("after letters or an empty box a step goes on from the last one") {
     }
 }
 
+TEST_CASE("after a load an emptied box goes on from the loaded value, and the load is no change") {
+    SettingsWindow page;
+    ShowWindow(page.window.Hwnd(), SW_SHOW);
+    int changes = 0;
+    page.udbPause.Change = [&] { ++changes; };
+    page.udbSpeed.Change = [&] { ++changes; };
+    page.Store(L"txtPause", L"12000");
+    page.Store(L"txtSpeed", L"1000");
+    page.transfer.LoadSettings();
+    CHECK(changes == 0);
+    const long speed = ToLong(Variant(page.txtSpeed.Text()));
+    for (TextBox* const box : {&page.txtPause, &page.txtSpeed})
+        Type(*box, L"");
+    ClickArrow(page.udbPause, Arrow::Up);
+    CHECK(page.txtPause.Text() == L"13");
+    ClickArrow(page.udbSpeed, Arrow::Down);
+    CHECK(page.txtSpeed.Text() == std::to_wstring(speed - 1));
+    CHECK(changes == 2);
+    // The next load counts as much as the first.
+    page.transfer.LoadSettings();
+    Type(page.txtPause, L"");
+    ClickArrow(page.udbPause, Arrow::Down);
+    CHECK(page.txtPause.Text() == L"11");
+    // From beyond the range the end of the range.
+    page.Store(L"txtPause", L"90000");
+    page.transfer.LoadSettings();
+    CHECK(page.txtPause.Text() == L"90");
+    Type(page.txtPause, L"");
+    ClickArrow(page.udbPause, Arrow::Down);
+    CHECK(page.txtPause.Text() == L"29");
+}
+
 TEST_CASE("the pause takes no more than 3 typed characters") {
     SettingsWindow page;
     Type(page.txtPause, L"12345");
