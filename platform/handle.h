@@ -72,9 +72,19 @@ struct ImageListTraits : NullHandleTraits<HIMAGELIST> {
     static void Close(Type handle) noexcept { ImageList_Destroy(handle); }
 };
 
+struct DeviceContextTraits : NullHandleTraits<HDC> {
+    static void Close(Type handle) noexcept { DeleteDC(handle); }
+};
+
+struct GlobalMemoryTraits : NullHandleTraits<HGLOBAL> {
+    static void Close(Type handle) noexcept { GlobalFree(handle); }
+};
+
 using FileHandle = UniqueHandle<FileHandleTraits>;
 using TokenHandle = UniqueHandle<TokenTraits>;
 using RegistryKey = UniqueHandle<RegistryKeyTraits>;
 using IconHandle = UniqueHandle<IconTraits>;
 using MenuHandle = UniqueHandle<MenuTraits>;
 using ImageListHandle = UniqueHandle<ImageListTraits>;
+using DeviceContext = UniqueHandle<DeviceContextTraits>;
+using GlobalMemory = UniqueHandle<GlobalMemoryTraits>;

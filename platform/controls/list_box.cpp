@@ -1,6 +1,20 @@
 #include "platform/controls/list_box.h"
 
+#include <algorithm>
+
 #include "platform/automation_error.h"
+#include "platform/clipboard.h"
+#include "platform/guard.h"
+
+namespace {
+
+constexpr WPARAM kCtrlC = 3;
+
+}  // namespace
+
+ListBox::~ListBox() {
+    RemoveWindowSubclass(Hwnd(), Procedure, 0);
+}
 
 std::wstring ListBox::List(int row) const {
     std::wstring text;
@@ -23,12 +37,24 @@ void ListBox::AddItem(const std::wstring& text, int row) {
     if (Send(LB_INSERTSTRING, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(text.c_str())) < 0) {
         RaiseError(ErrorNumber::InvalidProcedureCall);
     }
+    const int width = WidthOf(text);
+    if (width <= m_widest) return;
+    m_widest = width;
+    Send(LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(m_widest));
 }
 
 void ListBox::RemoveItem(int row) {
     if (row < 0 || row >= ListCount()) RaiseError(ErrorNumber::InvalidProcedureCall);
     if (row == ListIndex()) Send(LB_SETCURSEL, static_cast<WPARAM>(-1));
+    const int width = WidthOf(List(row));
     Send(LB_DELETESTRING, static_cast<WPARAM>(row));
+    if (width == m_widest) MeasureRows();
+}
+
+void ListBox::Clear() noexcept {
+    Send(LB_RESETCONTENT);
+    m_widest = 0;
+    Send(LB_SETHORIZONTALEXTENT, 0);
 }
 
 void ListBox::ListIndex(int row) {
@@ -36,4 +62,48 @@ void ListBox::ListIndex(int row) {
     if (row == ListIndex()) return;
     Send(LB_SETCURSEL, static_cast<WPARAM>(row));
     Raise(Click);
+}
+
+void ListBox::OnAttached() {
+    m_canvas.Reset(CreateCompatibleDC(nullptr));
+    MeasureRows();
+    SetWindowSubclass(Hwnd(), Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
+}
+
+// With a little air behind the text.
+int ListBox::WidthOf(const std::wstring& text) const noexcept {
+    SIZE size{};
+    GetTextExtentPoint32W(m_canvas.Get(), text.c_str(), static_cast<int>(text.size()), &size);
+    return size.cx + 2 * GetSystemMetrics(SM_CXEDGE);
+}
+
+void ListBox::MeasureRows() {
+    const auto font = reinterpret_cast<HFONT>(Send(WM_GETFONT));
+    SelectObject(m_canvas.Get(), font != nullptr ? font : GetStockObject(SYSTEM_FONT));
+    m_widest = 0;
+    const int count = ListCount();
+    for (int row = 0; row < count; ++row)
+        m_widest = std::max(m_widest, WidthOf(List(row)));
+    Send(LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(m_widest));
+}
+
+void ListBox::CopyRow() const {
+    const int row = ListIndex();
+    if (row != -1) CopyToClipboard(Hwnd(), List(row));
+}
+
+LRESULT CALLBACK ListBox::Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                    DWORD_PTR self) {
+    auto& list = *reinterpret_cast<ListBox*>(self);
+    if (message == WM_CHAR && wParam == kCtrlC) {
+        Guarded([&] { list.CopyRow(); });
+        return 0;
+    }
+    const LRESULT result = DefSubclassProc(hwnd, message, wParam, lParam);
+    if (message == WM_SETFONT) Guarded([&] { list.MeasureRows(); });
+    if (message == WM_NCDESTROY) {
+        list.m_canvas.Reset();  // the font goes with the dialog
+        RemoveWindowSubclass(hwnd, Procedure, 0);
+    }
+    return result;
 }

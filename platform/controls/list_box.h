@@ -1,11 +1,14 @@
 #pragma once
 
 #include "platform/controls/control.h"
+#include "platform/handle.h"
 
-// A single-selection list box. Rows count from 0.
+// A single-selection list box. Rows count from 0. It scrolls sideways as far as its widest row needs, and
+// Ctrl+C copies the selected row.
 class ListBox final : public Control {
 public:
     ListBox(const wchar_t* name, int id) : Control(ControlKind::ListBox, name, id) {}
+    ~ListBox() override;
 
     // Raised when the user selects a row, and when ListIndex changes the selection: Windows itself is silent
     // then.
@@ -27,7 +30,7 @@ public:
 
     // A removed row is no longer selected, and the click event is not raised for it.
     void RemoveItem(int row);
-    void Clear() noexcept { Send(LB_RESETCONTENT); }
+    void Clear() noexcept;
 
     // The selected row; -1 when none is.
     int ListIndex() const noexcept { return static_cast<int>(Send(LB_GETCURSEL)); }
@@ -38,4 +41,18 @@ public:
     void OnCommand(WORD code) override {
         if (code == LBN_SELCHANGE) Raise(Click);
     }
+
+protected:
+    void OnAttached() override;
+
+private:
+    static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
+                                      DWORD_PTR self);
+    int WidthOf(const std::wstring& text) const noexcept;
+    void MeasureRows();
+    void CopyRow() const;
+
+    // Holds the list's font, so that a row is measured without a message to the window.
+    DeviceContext m_canvas;
+    int m_widest = 0;
 };

@@ -1,0 +1,177 @@
+// What a list box does for rows that are wider than it is, and for whoever wants a row elsewhere.
+#include "platform/controls/list_box.h"
+
+#include <doctest.h>
+
+#include <string>
+
+#include "tests/support/import_patch.h"
+#include "tests/support/shown_text.h"
+#include "tests/support/test_window.h"
+
+namespace {
+
+struct ListPage {
+    ListPage() { ShowWindow(window.Hwnd(), SW_SHOW); }
+
+    // How far the list scrolls sideways.
+    int Extent() const { return static_cast<int>(SendMessageW(list.Hwnd(), LB_GETHORIZONTALEXTENT, 0, 0)); }
+
+    // The width of a text in the list's font.
+    int WidthOf(const std::wstring& text) const {
+        const HDC screen = GetDC(list.Hwnd());
+        const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(list.Hwnd(), WM_GETFONT, 0, 0));
+        const HGDIOBJ before = SelectObject(screen, font != nullptr ? font : GetStockObject(SYSTEM_FONT));
+        SIZE size{};
+        GetTextExtentPoint32W(screen, text.c_str(), static_cast<int>(text.size()), &size);
+        SelectObject(screen, before);
+        ReleaseDC(list.Hwnd(), screen);
+        return size.cx;
+    }
+
+    // Whether the whole text comes into sight and little else does.
+    bool Fits(const std::wstring& text) const {
+        const int width = WidthOf(text);
+        return Extent() > width && Extent() < width + 50;
+    }
+
+    void Key(wchar_t character) const { SendMessageW(list.Hwnd(), WM_CHAR, character, 1); }
+
+    ListBox list{L"list", 100};
+    TestWindow window{{&list}};
+};
+
+int messages = 0;
+
+LRESULT CALLBACK Count(int code, WPARAM wParam, LPARAM lParam) {
+    ++messages;
+    return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+constexpr wchar_t kCopy = 3;  // what Ctrl+C types
+
+void SetClipboard(HWND owner, const std::wstring& text) {
+    REQUIRE(OpenClipboard(owner));
+    EmptyClipboard();
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t));
+    lstrcpyW(static_cast<wchar_t*>(GlobalLock(memory)), text.c_str());
+    GlobalUnlock(memory);
+    SetClipboardData(CF_UNICODETEXT, memory);
+    CloseClipboard();
+}
+
+std::wstring Clipboard(HWND owner) {
+    REQUIRE(OpenClipboard(owner));
+    std::wstring text;
+    if (const HANDLE memory = GetClipboardData(CF_UNICODETEXT)) {
+        text = static_cast<const wchar_t*>(GlobalLock(memory));
+        GlobalUnlock(memory);
+    }
+    CloseClipboard();
+    return text;
+}
+
+const std::wstring kLong = L"http://www.example.com/" + std::wstring(300, L'a');
+const std::wstring kLonger = kLong + std::wstring(100, L'W');
+
+}  // namespace
+
+TEST_CASE_FIXTURE(ListPage, "a list scrolls sideways as far as its widest row is wide") {
+    list.AddItem(kLong);
+    CHECK(Fits(kLong));
+    list.AddItem(L"short");
+    CHECK(Fits(kLong));
+    list.AddItem(kLonger, 0);
+    CHECK(Fits(kLonger));
+    list.RemoveItem(0);
+    CHECK(Fits(kLong));
+    list.RemoveItem(1);
+    CHECK(Fits(kLong));
+    list.RemoveItem(0);
+    CHECK(Extent() == 0);
+    list.AddItem(kLonger);
+    list.Clear();
+    CHECK(Extent() == 0);
+    list.AddItem(kLong);
+    CHECK(Fits(kLong));
+}
+
+TEST_CASE_FIXTURE(ListPage, "a larger font scrolls further") {
+    list.AddItem(kLong);
+    list.AddItem(kLonger);
+    const int before = Extent();
+    LOGFONTW description{};
+    description.lfHeight = -40;
+    lstrcpyW(description.lfFaceName, L"Tahoma");
+    const HFONT large = CreateFontIndirectW(&description);
+    SendMessageW(list.Hwnd(), WM_SETFONT, reinterpret_cast<WPARAM>(large), TRUE);
+    CHECK(Extent() > before * 3 / 2);
+    CHECK(Extent() > WidthOf(kLonger));
+    window.Destroy();
+    DeleteObject(large);
+}
+
+TEST_CASE_FIXTURE(ListPage, "a list of many rows is measured without asking the window for each") {
+    const HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, Count, nullptr, GetCurrentThreadId());
+    {
+        const RedrawPause pause(list);
+        list.AddItem(kLonger);
+        messages = 0;
+        for (int i = 0; i < 1000; ++i)
+            list.AddItem(kLong + std::to_wstring(i));
+        CHECK(messages == 1000);
+    }
+    UnhookWindowsHookEx(hook);
+    CHECK(Fits(kLonger));
+}
+
+TEST_CASE_FIXTURE(ListPage, "Ctrl+C copies the selected row as it stands") {
+    const std::wstring text = L"http://\x43f\x440\x438\x43c\x435\x440.example/\x4e00";
+    list.AddItem(L"other");
+    list.AddItem(text);
+    SetClipboard(window.Hwnd(), L"before");
+    SUBCASE("and nothing where none is selected") {
+        Key(kCopy);
+        CHECK(Clipboard(window.Hwnd()) == L"before");
+    }
+    SUBCASE("the second") {
+        list.ListIndex(1);
+        Key(kCopy);
+        CHECK(Clipboard(window.Hwnd()) == text);
+        CHECK(list.ListIndex() == 1);
+    }
+    SUBCASE("and no other key does") {
+        list.ListIndex(1);
+        Key(L'c');
+        CHECK(Clipboard(window.Hwnd()) == L"before");
+    }
+}
+
+namespace {
+
+bool isEmptied = false;
+
+BOOL WINAPI RefuseToOpen(HWND) {
+    return FALSE;
+}
+
+BOOL WINAPI NoteEmptying() {
+    isEmptied = true;
+    return TRUE;
+}
+
+}  // namespace
+
+TEST_CASE_FIXTURE(ListPage, "a clipboard that another program holds stays as it is") {
+    list.AddItem(L"row");
+    list.ListIndex(0);
+    SetClipboard(window.Hwnd(), L"before");
+    isEmptied = false;
+    {
+        const ImportPatch held("user32.dll", "OpenClipboard", &RefuseToOpen);
+        const ImportPatch emptied("user32.dll", "EmptyClipboard", &NoteEmptying);
+        Key(kCopy);
+    }
+    CHECK_FALSE(isEmptied);
+    CHECK(Clipboard(window.Hwnd()) == L"before");
+}
