@@ -42,7 +42,7 @@ void PopupNotice::ChooseSoundFile() {
         cdlg.CancelError(true);
         cdlg.Filter(L"WAV File|*.WAV");
         cdlg.ShowOpen(GetAncestor(m_controls.cmdSoundFile.Hwnd(), GA_ROOT));
-        if (!cdlg.FileName().empty()) m_strSoundFile = cdlg.FileName();
+        if (!cdlg.FileName().empty()) m_strSoundFile = PlayablePath(cdlg.FileName());
     });
 }
 

@@ -7,9 +7,11 @@
 
 #include "platform/automation_error.h"
 #include "platform/controls/common_dialog.h"
+#include "platform/text.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
+#include "tests/support/test_folder.h"
 
 namespace {
 
@@ -183,6 +185,67 @@ TEST_CASE("the file button enables the test button exactly when Play Sound is ch
             CHECK(page.cmdApply.Enabled());
         }
     }
+}
+
+namespace {
+
+// A name that no code page but Unicode holds whole.
+constexpr wchar_t kForeign[] = L"C:\\Sounds\\\x4e00\x44f\x3b1.wav";
+
+const wchar_t* g_shortPath = nullptr;
+
+// As on a volume with short names, or, where there is no g_shortPath, without.
+DWORD WINAPI FakeShortPath(LPCWSTR path, LPWSTR buffer, DWORD capacity) {
+    const std::wstring name = g_shortPath != nullptr ? g_shortPath : path;
+    if (capacity <= name.size()) return static_cast<DWORD>(name.size() + 1);
+    lstrcpyW(buffer, name.c_str());
+    return static_cast<DWORD>(name.size());
+}
+
+DWORD WINAPI NoShortPath(LPCWSTR, LPWSTR, DWORD) {
+    SetLastError(ERROR_FILE_NOT_FOUND);
+    return 0;
+}
+
+std::wstring PathAfterChoosing(const std::wstring& file) {
+    SettingsWindow page;
+    ScriptedDialog dialog({Chosen(file)});
+    page.popupNotice.ChooseSoundFile();
+    return page.popupNotice.m_strSoundFile;
+}
+
+}  // namespace
+
+TEST_CASE("a sound whose path the code page cannot hold is chosen by its short path") {
+    const ImportPatch patch("kernel32.dll", "GetShortPathNameW", &FakeShortPath);
+    g_shortPath = L"C:\\Sounds\\5F3A~1.WAV";
+    CHECK(PathAfterChoosing(kForeign) == g_shortPath);
+    // What the code page holds stays as it was chosen, long as it is.
+    CHECK(PathAfterChoosing(L"C:\\Sounds\\a long name \xe9.wav") == L"C:\\Sounds\\a long name \xe9.wav");
+}
+
+TEST_CASE("a sound whose short path the code page cannot hold either, or that has none, keeps its path") {
+    {
+        const ImportPatch patch("kernel32.dll", "GetShortPathNameW", &FakeShortPath);
+        g_shortPath = nullptr;
+        CHECK(PathAfterChoosing(kForeign) == kForeign);
+        g_shortPath = L"C:\\\x4e00\\5F3A~1.WAV";
+        CHECK(PathAfterChoosing(kForeign) == kForeign);
+    }
+    const ImportPatch patch("kernel32.dll", "GetShortPathNameW", &NoShortPath);
+    CHECK(PathAfterChoosing(kForeign) == kForeign);
+}
+
+TEST_CASE("the short path of a chosen sound is stored, loaded and leads to the file") {
+    const TestFolder folder;
+    const std::wstring chosen = folder.Write(L"\x4e00\x44f\x3b1.wav", "RIFF");
+    SettingsWindow page;
+    ScriptedDialog dialog({Chosen(chosen)});
+    page.popupNotice.ChooseSoundFile();
+    page.transfer.SaveSettings();
+    page.transfer.LoadSettings();
+    CHECK(page.popupNotice.m_strSoundFile != chosen);
+    CHECK(GetFileAttributesA(ToAnsi(page.popupNotice.m_strSoundFile).c_str()) != INVALID_FILE_ATTRIBUTES);
 }
 
 TEST_CASE("the file button is pressed like any other button") {
