@@ -19,6 +19,13 @@ Variant Converted(const VARIANT& value, VARTYPE type) {
     return result;
 }
 
+// Not every system's conversion of text to a whole number rounds right (Wine makes 1 of ".06"); that of real
+// numbers does.
+Variant WholeNumber(const VARIANT& value, VARTYPE type) {
+    if ((value.vt & ~VT_BYREF) != VT_BSTR) return Converted(value, type);
+    return Converted(Converted(value, VT_R8).Value(), type);
+}
+
 }  // namespace
 
 Variant::Variant(std::wstring_view text) {
@@ -82,11 +89,11 @@ std::wstring ToText(const VARIANT& value) {
 }
 
 long ToLong(const VARIANT& value) {
-    return Converted(value, VT_I4).Value().lVal;
+    return WholeNumber(value, VT_I4).Value().lVal;
 }
 
 short ToShort(const VARIANT& value) {
-    return Converted(value, VT_I2).Value().iVal;
+    return WholeNumber(value, VT_I2).Value().iVal;
 }
 
 bool ToBool(const VARIANT& value) {
