@@ -140,8 +140,15 @@ void ShellNotification::RefillRecord() {
     });
 }
 
+// The icon may be removed while the shell is asked, before the shell has it.
+bool ShellNotification::Ask(DWORD action) noexcept {
+    const bool taken = NotifyShell(action, m_record);
+    if (taken && !m_bIconAdded) NotifyShell(NIM_DELETE, m_record);
+    return taken || !m_bIconAdded;
+}
+
 void ShellNotification::Add() {
-    if (NotifyShell(NIM_ADD, m_record)) return;
+    if (Ask(NIM_ADD)) return;
     m_triesLeft = kAddTries;
     m_tmrAdd.Start(m_lgHwnd);
 }
@@ -152,7 +159,7 @@ void ShellNotification::AddAgain() {
     if (--m_triesLeft <= 0) m_tmrAdd.Stop();
     RefillRecord();
     if (!m_bIconAdded) return;
-    if (NotifyShell(NIM_MODIFY, m_record) || NotifyShell(NIM_ADD, m_record)) m_tmrAdd.Stop();
+    if (Ask(NIM_MODIFY) || Ask(NIM_ADD)) m_tmrAdd.Stop();
 }
 
 void ShellNotification::OnTaskbarCreated() {

@@ -67,6 +67,8 @@ private:
     void AddPicture(IDispatch* pPic);
     void RefillRecord();
     void FillRecord(HICON icon);
+    // Returns whether there is nothing left to ask.
+    bool Ask(DWORD action) noexcept;
     void Add();
     void AddAgain();
     void Remove() noexcept;

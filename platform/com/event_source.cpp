@@ -83,15 +83,16 @@ STDMETHODIMP EventSource::Point::QueryInterface(REFIID id, void** object) {
 
 STDMETHODIMP EventSource::Point::GetConnectionInterface(IID* id) {
     if (id == nullptr) return E_POINTER;
-    *id = events;
-    return S_OK;
+    return ComMethod([&] { *id = events; });
 }
 
 STDMETHODIMP EventSource::Point::GetConnectionPointContainer(IConnectionPointContainer** container) {
     if (container == nullptr) return E_POINTER;
-    *container = source.Container();
-    AddRef();
-    return S_OK;
+    *container = nullptr;
+    return ComMethod([&] {
+        *container = source.Container();
+        AddRef();
+    });
 }
 
 STDMETHODIMP EventSource::Point::Advise(IUnknown* sink, DWORD* cookie) {
@@ -108,7 +109,9 @@ STDMETHODIMP EventSource::Point::Advise(IUnknown* sink, DWORD* cookie) {
 }
 
 STDMETHODIMP EventSource::Point::Unadvise(DWORD cookie) {
-    return sinks.erase(cookie) == 0 ? CONNECT_E_NOCONNECTION : S_OK;
+    return ComMethod([&] {
+        if (sinks.erase(cookie) == 0) throw AutomationError(CONNECT_E_NOCONNECTION);
+    });
 }
 
 STDMETHODIMP EventSource::Point::EnumConnections(IEnumConnections** connections) {

@@ -1,5 +1,7 @@
 #include "tests/engine_control/fake_engine.h"
 
+#include <olectl.h>
+
 #include <algorithm>
 
 namespace {
@@ -35,13 +37,27 @@ private:
 
 }  // namespace
 
-class FakePopup final : public DualObject<_Popup> {
+// Runs what is to run behind a call when the call's result is there.
+class BehindCall {
 public:
-    explicit FakePopup(FakeEngine& engine)
-        : m_engine(engine), events(*static_cast<_Popup*>(this), __uuidof(__Popup)) {}
+    BehindCall(EngineScript& script, const char* name) : m_script(script), m_name(name) {}
+    BehindCall(const BehindCall&) = delete;
+    BehindCall& operator=(const BehindCall&) = delete;
+    ~BehindCall() { m_script.Run(m_script.behind, m_name); }
+
+private:
+    EngineScript& m_script;
+    const char* const m_name;
+};
+
+class FakePopup final : public DualObject<_Popup>,
+                        private IConnectionPointContainer,
+                        private IConnectionPoint {
+public:
+    explicit FakePopup(FakeEngine& engine) : m_engine(engine) {}
     ~FakePopup() override {
-        m_engine.script.Call(events.ConnectionCount() == 0 ? "Popup gone" : "Popup gone with its events");
-        m_engine.popup = nullptr;
+        m_engine.script.Call(sinks.empty() ? "Popup gone" : "Popup gone with its events");
+        if (m_engine.popup == this) m_engine.popup = nullptr;
     }
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
@@ -49,7 +65,7 @@ public:
         if (IsEqualIID(id, IID_IConnectionPointContainer)) {
             const HRESULT result = m_engine.script.Call("Advise");
             if (FAILED(result)) return result;
-            *object = events.Container();
+            *object = static_cast<IConnectionPointContainer*>(this);
         } else if (IsEqualIID(id, IID_IUnknown) || IsEqualIID(id, IID_IDispatch) ||
                    IsEqualIID(id, __uuidof(_Popup))) {
             *object = static_cast<_Popup*>(this);
@@ -60,15 +76,20 @@ public:
         return S_OK;
     }
 
+    STDMETHODIMP_(ULONG) AddRef() override { return DualObject::AddRef(); }
+    STDMETHODIMP_(ULONG) Release() override { return DualObject::Release(); }
+
     STDMETHODIMP get_State(LONG* value) override {
+        const BehindCall behind(m_engine.script, "State");
         *value = m_engine.script.state;
         return m_engine.script.Call("State");
     }
-    STDMETHODIMP Start() override { return m_engine.script.Call("Start"); }
-    STDMETHODIMP Stop() override { return m_engine.script.Call("Stop"); }
-    STDMETHODIMP Pause() override { return m_engine.script.Call("Pause"); }
-    STDMETHODIMP ReloadSettings() override { return m_engine.script.Call("ReloadSettings"); }
+    STDMETHODIMP Start() override { return Call("Start"); }
+    STDMETHODIMP Stop() override { return Call("Stop"); }
+    STDMETHODIMP Pause() override { return Call("Pause"); }
+    STDMETHODIMP ReloadSettings() override { return Call("ReloadSettings"); }
     STDMETHODIMP get_LogFile(BSTR* value) override {
+        const BehindCall behind(m_engine.script, "LogFile");
         *value = nullptr;
         const HRESULT result = m_engine.script.Call("LogFile");
         if (SUCCEEDED(result)) *value = SysAllocString(m_engine.script.logFile.c_str());
@@ -76,10 +97,44 @@ public:
     }
 
 private:
+    HRESULT Call(const char* name) {
+        const BehindCall behind(m_engine.script, name);
+        return m_engine.script.Call(name);
+    }
+
+    STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints**) override { return E_NOTIMPL; }
+    STDMETHODIMP FindConnectionPoint(REFIID id, IConnectionPoint** point) override {
+        *point = nullptr;
+        if (!IsEqualIID(id, __uuidof(__Popup))) return CONNECT_E_NOCONNECTION;
+        *point = this;
+        AddRef();
+        return S_OK;
+    }
+    STDMETHODIMP GetConnectionInterface(IID*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer**) override { return E_NOTIMPL; }
+    STDMETHODIMP Advise(IUnknown* sink, DWORD* cookie) override {
+        const BehindCall behind(m_engine.script, "Advise");
+        ComPtr<IDispatch> dispatch;
+        *cookie = 0;
+        if (FAILED(sink->QueryInterface(IID_PPV_ARGS(&dispatch)))) return CONNECT_E_CANNOTCONNECT;
+        *cookie = ++m_lastCookie;
+        sinks.emplace(*cookie, dispatch);
+        return S_OK;
+    }
+    STDMETHODIMP Unadvise(DWORD cookie) override {
+        const ComPtr<_Popup> self(this);
+        const BehindCall behind(m_engine.script, "Unadvise");
+        m_engine.script.Run(m_engine.script.within, "Unadvise");
+        return sinks.erase(cookie) == 0 ? CONNECT_E_NOCONNECTION : S_OK;
+    }
+    STDMETHODIMP EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
+
     FakeEngine& m_engine;
+    DWORD m_lastCookie = 0;
 
 public:
-    EventSource events;
+    // Another process's business: the end of this one refuses no call of it.
+    std::map<DWORD, ComPtr<IDispatch>> sinks;
 };
 
 namespace {
@@ -98,6 +153,7 @@ public:
     }
 
     STDMETHODIMP CreatePopup(LONG configHwnd, LONG configForm, LONG* mode, _Popup** popup) override {
+        const BehindCall behind(m_engine.script, "CreatePopup");
         *popup = nullptr;
         m_engine.script.configHwnd = configHwnd;
         m_engine.script.configForm = configForm;
@@ -112,6 +168,7 @@ public:
     STDMETHODIMP ReleasePopup(LONG configHwnd, LONG configForm) override {
         m_engine.script.configHwnd = configHwnd;
         m_engine.script.configForm = configForm;
+        const BehindCall behind(m_engine.script, "ReleasePopup");
         return m_engine.script.Call("ReleasePopup");
     }
 
@@ -123,9 +180,14 @@ private:
 
 HRESULT EngineScript::Call(const std::string& name) {
     calls.push_back(name);
-    if (const auto body = within.find(name); body != within.end()) body->second();
+    Run(within, name);
     const auto result = results.find(name);
     return result == results.end() ? S_OK : result->second;
+}
+
+void EngineScript::Run(const std::map<std::string, std::function<void()>>& bodies,
+                       const std::string& name) const {
+    if (const auto body = bodies.find(name); body != bodies.end()) body->second();
 }
 
 int EngineScript::Count(const std::string& name) const {
@@ -141,14 +203,26 @@ FakeEngine::~FakeEngine() {
 }
 
 void FakeEngine::Raise(DISPID event, std::vector<Variant> arguments) {
-    popup->events.Raise(event, std::move(arguments));
+    const ComPtr<FakePopup> held(popup);
+    // DISPPARAMS holds the arguments last to first.
+    std::reverse(arguments.begin(), arguments.end());
+    std::vector<VARIANT> values;
+    for (const Variant& argument : arguments)
+        values.push_back(argument.Value());
+    DISPPARAMS parameters{values.data(), nullptr, static_cast<UINT>(values.size()), 0};
+    const auto sinks = held->sinks;
+    for (const auto& [cookie, sink] : sinks) {
+        sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, nullptr, nullptr,
+                     nullptr);
+    }
 }
 
 size_t FakeEngine::ConnectionCount() const {
-    return popup->events.ConnectionCount();
+    return popup->sinks.size();
 }
 
 HRESULT WINAPI FakeEngine::Create(REFCLSID classId, IUnknown*, DWORD context, REFIID id, void** object) {
+    const BehindCall behind(current->script, "CreateInstance");
     *object = nullptr;
     current->classId = classId;
     current->context = context;

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/com/com_ptr.h"
-#include "platform/com/event_source.h"
+#include "platform/com/variant.h"
 #include "sentrel1.h"
 #include "tests/support/import_patch.h"
 
@@ -24,6 +24,10 @@ struct EngineScript {
     // What runs within each call of that name.
     std::map<std::string, std::function<void()>> within;
 
+    // What runs when a call of that name has its result and has not returned yet. "Advise" and "Unadvise":
+    // the connection is made or gone by then.
+    std::map<std::string, std::function<void()>> behind;
+
     LONG state = 1;
     std::wstring logFile = L"C:\\Sentrel\\closed.log";
     bool createsNothing = false;
@@ -34,6 +38,7 @@ struct EngineScript {
     LONG mode = 0;
 
     HRESULT Call(const std::string& name);
+    void Run(const std::map<std::string, std::function<void()>>& bodies, const std::string& name) const;
     int Count(const std::string& name) const;
 };
 

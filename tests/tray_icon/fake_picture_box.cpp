@@ -44,5 +44,6 @@ STDMETHODIMP FakePictureBox::Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAM
     if (member != DISPID_VALUE) return DISP_E_MEMBERNOTFOUND;
     value->vt = VT_I4;
     value->lVal = m_handle;
+    if (answered) answered();
     return S_OK;
 }

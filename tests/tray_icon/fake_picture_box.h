@@ -18,6 +18,9 @@ public:
     // Called each time somebody asks for the picture, before it is returned.
     std::function<void()> asked;
 
+    // Called when the handle of the picture has been given, before that call returns.
+    std::function<void()> answered;
+
     // Called when the last reference goes.
     std::function<void()> gone;
 

@@ -1,0 +1,281 @@
+#include "tests/pairs/case.h"
+
+#include <commctrl.h>
+
+#include "app/resource.h"
+#include "lists/resource.h"
+#include "options/resource.h"
+#include "platform/handle.h"
+#include "store/first_run.h"
+#include "store/settings_schema.h"
+#include "tests/support/plain_log.h"
+#include "tray/picture_array.h"
+
+namespace {
+
+constexpr int kLogLines = 40;
+
+BOOL CALLBACK Collect(HWND hwnd, LPARAM windows) {
+    wchar_t name[16] = L"";
+    GetClassNameW(hwnd, name, 16);
+    if (GetWindow(hwnd, GW_OWNER) == nullptr && lstrcmpW(name, L"#32770") == 0)
+        reinterpret_cast<std::vector<HWND>*>(windows)->push_back(hwnd);
+    return TRUE;
+}
+
+std::vector<HWND> ConfigWindows() {
+    std::vector<HWND> windows;
+    EnumThreadWindows(GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+struct Search {
+    int id;
+    HWND found;
+};
+
+BOOL CALLBACK HasId(HWND hwnd, LPARAM search) {
+    auto& wanted = *reinterpret_cast<Search*>(search);
+    if (GetDlgCtrlID(hwnd) != wanted.id) return TRUE;
+    wanted.found = hwnd;
+    return FALSE;
+}
+
+const std::wstring& LogPath() {
+    static const std::wstring path = [] {
+        wchar_t folder[MAX_PATH] = L"";
+        GetTempPathW(MAX_PATH, folder);
+        return std::wstring(folder) + L"pairs_tests." + std::to_wstring(GetCurrentProcessId()) + L".log";
+    }();
+    return path;
+}
+
+// Every third line is equal to an earlier one.
+std::string LogText() {
+    std::string text;
+    for (int i = 0; i < kLogLines; ++i)
+        text += "http://site" + std::to_string(i % 3 == 0 ? i / 2 : i) + ".example/page\r\n";
+    return text;
+}
+
+ULONG ReferencesOf(IUnknown* object) {
+    if (object == nullptr) return 0;
+    object->AddRef();
+    return object->Release();
+}
+
+}  // namespace
+
+Case::Case() : locks(Locks()) {
+    FillStore();
+    const std::string text = LogText();
+    {
+        const FileHandle file(
+            CreateFileW(LogPath().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
+        DWORD written = 0;
+        WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    }
+    outside.engine.script.logFile = LogPath();
+    for (const std::string& line : PlainNewestLines(text, 25))
+        newestLines.emplace_back(line.begin(), line.end());
+}
+
+Case::~Case() {
+    DeleteFileW(LogPath().c_str());
+}
+
+void Case::FillStore() const {
+    user.DeleteTree(L"Software\\Calvane");
+    WriteFirstRunDefaults();
+    for (int i = 0; i < 3; ++i)
+        user.Write(Schema::kExcludeKey, std::to_wstring(i), L"excluded" + std::to_wstring(i) + L".example");
+    for (const wchar_t* const field : {L"5Name", L"5Width", L"5Height"})
+        user.Write(Schema::kBannersKey, field, L"55");
+    user.Write(Schema::kBannersKey, L"5Use", L"True");
+}
+
+void Case::HaveWindow() {
+    if (Window() != nullptr) return;
+    ComPtr<IDispatch> config;
+    if (g_frmConfig == nullptr) {
+        Instance(FormHide, config);
+    } else {
+        LONG window = 0;
+        Form()->get_hWnd(&window);
+    }
+}
+
+void Case::LetGo() {
+    g_oConfig.Reset();
+    g_frmConfig.Reset();
+    g_lngConfigHwnd = 0;
+    outside.engine.script.calls.clear();
+}
+
+void Case::Restore(bool reloads, bool hasCommands) {
+    // One command a tick: what another one has left waits for the next.
+    for (int i = 0; hasCommands && i < 3; ++i) {
+        Choose(mnuPauseKiller);
+        outside.clock.Tick(kCommandTick);
+    }
+    outside.engine.script.results.clear();
+    Form()->put_b_OKtoUnload(VARIANT_FALSE);
+    if (IsWindowVisible(Window())) Form()->Hide();
+    if (reloads) Press(IDCANCEL);
+    if (IsEnabled(IDC_CMDAPPLY)) EnableWindow(Child(IDC_CMDAPPLY), FALSE);
+    if (SendMessageW(Child(IDC_TAB), TCM_GETCURSEL, 0, 0) != 0)
+        SendMessageW(Child(IDC_TAB), TCM_SETCURFOCUS, 0, 0);
+    if (outside.icons.empty() || outside.pictureBoxes != 0) {
+        ComPtr<IDispatch> picture;
+        Form()->get_picShellIcon(&picture);
+        Icon()->RemoveIcon();
+        Icon()->AddIcon(picture.Get());
+    }
+    PumpPosted();
+}
+
+Case::References Case::Held() const {
+    ComPtr<_ShellNotification> icon = Icon();
+    const ULONG iconReferences = ReferencesOf(icon.Get());
+    icon.Reset();
+    return {Locks(), ReferencesOf(static_cast<_frmConfig*>(g_frmConfig.Get())), iconReferences};
+}
+
+HWND Case::Window() const {
+    const auto windows = ConfigWindows();
+    return windows.empty() ? nullptr : windows.front();
+}
+
+size_t Case::Windows() const {
+    return ConfigWindows().size();
+}
+
+HWND Case::Child(int id) const {
+    Search search{id, nullptr};
+    if (const HWND window = Window()) EnumChildWindows(window, HasId, reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+ComPtr<_ShellNotification> Case::Icon() const {
+    ComPtr<_ShellNotification> icon;
+    ComPtr<IDispatch> object;
+    if (g_frmConfig != nullptr) Form()->get_m_oShellIcon(&object);
+    if (object != nullptr) object->QueryInterface(IID_PPV_ARGS(&icon));
+    return icon;
+}
+
+bool Case::Press(int id) const {
+    const HWND button = Child(id);
+    if (button == nullptr) return false;
+    SendMessageW(button, BM_CLICK, 0, 0);
+    return true;
+}
+
+bool Case::Select(int list, int row) const {
+    const HWND hwnd = Child(list);
+    if (hwnd == nullptr || SendMessageW(hwnd, LB_GETCOUNT, 0, 0) <= row) return false;
+    SendMessageW(hwnd, LB_SETCURSEL, static_cast<WPARAM>(row), 0);
+    SendMessageW(GetParent(hwnd), WM_COMMAND, MAKEWPARAM(list, LBN_SELCHANGE),
+                 reinterpret_cast<LPARAM>(hwnd));
+    return true;
+}
+
+bool Case::SelectItem(int listView, int row) const {
+    const HWND hwnd = Child(listView);
+    if (hwnd == nullptr || SendMessageW(hwnd, LVM_GETITEMCOUNT, 0, 0) <= row) return false;
+    LVITEMW item{};
+    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
+    item.state = item.stateMask;
+    SendMessageW(hwnd, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+    return true;
+}
+
+// The icon knows the window only once it has been loaded.
+bool Case::Gesture(LPARAM gesture) const {
+    const HWND window = Window();
+    if (window == nullptr || HandleToLong(window) != g_lngConfigHwnd ||
+        GetPropA(window, "OldWndProc") == nullptr) {
+        return false;
+    }
+    SendMessageW(window, kTrayCallback, 1, gesture);
+    return true;
+}
+
+bool Case::Choose(UINT item) {
+    const int menus = outside.menus;
+    outside.chosen = item;
+    return Gesture(WM_RBUTTONUP) && outside.menus > menus;
+}
+
+void Case::EnableApply() const {
+    EnableWindow(Child(IDC_CMDAPPLY), TRUE);
+}
+
+bool Case::Raise(DISPID event, std::vector<Variant> arguments) {
+    if (outside.engine.popup == nullptr || outside.engine.ConnectionCount() == 0) return false;
+    outside.engine.Raise(event, std::move(arguments));
+    return true;
+}
+
+HRESULT Case::Animate() const {
+    const auto icon = Icon();
+    if (icon == nullptr) return E_FAIL;
+    PictureArray pictures(0, 3);
+    for (LONG i = 0; i < 3; ++i) {
+        ComPtr<IDispatch> picture;
+        ThrowIfFailed(Form()->get_picTray(static_cast<short>(i), &picture));
+        pictures.Item(i, picture.Get());
+    }
+    return icon->AnimateIcon(pictures.Reference(), kFrameTick, 1, HandleToLong(Window()));
+}
+
+void PumpPosted() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+void Case::Settle() {
+    constexpr int kRounds = 300;
+    for (int round = 0; round < kRounds; ++round) {
+        PumpPosted();
+        if (outside.clock.Tick() == 0) break;
+    }
+    PumpPosted();
+    outside.clock.TickLate();
+    PumpPosted();
+}
+
+std::vector<std::wstring> Case::Rows(int list) const {
+    std::vector<std::wstring> rows;
+    const HWND hwnd = Child(list);
+    const auto count = static_cast<WPARAM>(SendMessageW(hwnd, LB_GETCOUNT, 0, 0));
+    for (WPARAM row = 0; hwnd != nullptr && row < count; ++row) {
+        std::wstring text(static_cast<size_t>(SendMessageW(hwnd, LB_GETTEXTLEN, row, 0)) + 1, L'\0');
+        text.resize(
+            static_cast<size_t>(SendMessageW(hwnd, LB_GETTEXT, row, reinterpret_cast<LPARAM>(text.data()))));
+        rows.push_back(text);
+    }
+    return rows;
+}
+
+int Case::ItemCount(int listView) const {
+    return static_cast<int>(SendMessageW(Child(listView), LVM_GETITEMCOUNT, 0, 0));
+}
+
+size_t Case::StoredRows(const wchar_t* key, const wchar_t* first, const wchar_t* field) const {
+    size_t rows = 0;
+    for (size_t number = first[0] == L'0' ? 0 : 1; user.Exists(key, std::to_wstring(number) + field);
+         ++number)
+        ++rows;
+    return rows;
+}
+
+std::vector<std::wstring> Case::StoredAddresses() const {
+    std::vector<std::wstring> addresses;
+    for (size_t number = 0; user.Exists(Schema::kExcludeKey, std::to_wstring(number)); ++number)
+        addresses.push_back(user.Text(Schema::kExcludeKey, std::to_wstring(number)));
+    return addresses;
+}

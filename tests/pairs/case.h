@@ -1,0 +1,91 @@
+// The manager with its outside, for pairs of a call that it makes and what comes in meanwhile.
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+#include <vector>
+
+#include "tests/entry/inside.h"
+#include "tests/pairs/outside.h"
+#include "tray/tray_menu.h"
+
+inline constexpr DISPID kKilled = 1;
+inline constexpr DISPID kPaused = 2;
+inline constexpr DISPID kStarted = 3;
+inline constexpr DISPID kStopped = 4;
+
+// The periods that tell the manager's timers apart, in milliseconds.
+inline constexpr UINT kCommandTick = 500;
+inline constexpr UINT kFrameTick = 250;
+inline constexpr UINT kIconAgainTick = 2000;
+inline constexpr UINT kEngineAgainTick = 100;
+
+class Case : public Inside {
+public:
+    Case();
+    ~Case();
+
+    // The configuration window; null where there is none. More than one is counted by Windows().
+    HWND Window() const;
+    size_t Windows() const;
+    HWND Child(int id) const;
+    bool IsEnabled(int id) const { return IsWindowEnabled(Child(id)) != FALSE; }
+
+    // Makes the window where there is none.
+    void HaveWindow();
+
+    // Everybody lets go: the next window is that of a new Config.
+    void LetGo();
+
+    // As the store and the window were at first.
+    void FillStore() const;
+    void Restore(bool reloads, bool hasCommands);
+
+    // References of the test's own, as a client holds them.
+    ComPtr<frmConfig> Form() const { return g_frmConfig; }
+    ComPtr<_ShellNotification> Icon() const;
+
+    // As the user does it. Each returns false where there is no such window.
+    bool Press(int id) const;  // a button
+    bool Select(int list, int row) const;
+    bool SelectItem(int listView, int row) const;
+    bool Gesture(LPARAM gesture) const;  // over the icon
+    bool Choose(UINT item);              // in the tray menu; one that is open keeps others from opening
+    void EnableApply() const;
+
+    bool Raise(DISPID event, std::vector<Variant> arguments = {});
+    HRESULT Animate() const;  // with the window's own pictures
+
+    // Until nothing is left to be done: messages, ticks.
+    void Settle();
+
+    std::vector<std::wstring> Rows(int list) const;
+    int ItemCount(int listView) const;
+
+    // What the store holds, in rows.
+    size_t StoredRows(const wchar_t* key, const wchar_t* first, const wchar_t* field) const;
+    std::vector<std::wstring> StoredAddresses() const;
+
+    Outside outside;
+
+    // The process's locks when nobody but the test's ConfigControl needs it.
+    ULONG locks = 0;
+
+    // Who holds what, as long as the window lives.
+    struct References {
+        ULONG locks;
+        ULONG form;
+        ULONG icon;
+        bool operator==(const References&) const = default;
+    };
+    References Held() const;
+
+    // What the log must show.
+    std::vector<std::wstring> newestLines;
+
+private:
+    TestHive m_machine{HKEY_LOCAL_MACHINE};
+};
+
+void PumpPosted();

@@ -1,0 +1,109 @@
+// Each allocation ends at the end of its own pages, behind which lies one that was never made accessible. The
+// pages of a released one are taken back, and come into use again only when the whole range has been gone
+// through.
+#include "tests/pairs/guarded_memory.h"
+
+#include <windows.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+constexpr std::size_t kPage = 4096;
+constexpr std::size_t kPages = 96 * 1024;
+constexpr std::size_t kAlignment = 16;
+
+bool guards = false;
+unsigned long allocations = 0;
+std::byte* base = nullptr;
+std::size_t next = 0;
+
+// How many pages the allocation has that begins at a page; 0xFFFF within one, 0 where none is.
+std::uint16_t used[kPages];
+constexpr std::uint16_t kWithin = 0xFFFF;
+
+bool AreFree(std::size_t page, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (used[page + i] != 0) return false;
+    }
+    return true;
+}
+
+// count pages to use and one that stays inaccessible.
+std::size_t FindPages(std::size_t count) {
+    for (std::size_t tried = 0; tried < kPages; ++tried) {
+        if (next + count + 1 > kPages) next = 0;
+        const std::size_t page = next;
+        if (AreFree(page, count + 1)) {
+            next = page + count + 1;
+            return page;
+        }
+        ++next;
+    }
+    throw std::bad_alloc();
+}
+
+void* Allocate(std::size_t size) {
+    if (size == 0) size = 1;
+    const std::size_t count = (size + kPage - 1) / kPage;
+    const std::size_t page = FindPages(count);
+    std::byte* const memory = base + page * kPage;
+    if (VirtualAlloc(memory, count * kPage, MEM_COMMIT, PAGE_READWRITE) == nullptr) throw std::bad_alloc();
+    used[page] = static_cast<std::uint16_t>(count);
+    // The guard page counts as part of the allocation: the next one begins behind it.
+    for (std::size_t i = 1; i <= count; ++i)
+        used[page + i] = kWithin;
+    ++allocations;
+    return memory + (count * kPage - size) / kAlignment * kAlignment;
+}
+
+bool IsGuarded(const void* memory) {
+    const auto* const address = static_cast<const std::byte*>(memory);
+    return base != nullptr && address >= base && address < base + kPages * kPage;
+}
+
+void Release(void* memory) {
+    if (!IsGuarded(memory)) return std::free(memory);
+    const std::size_t page = static_cast<std::size_t>(static_cast<std::byte*>(memory) - base) / kPage;
+    const std::size_t count = used[page];
+    // Released twice, or not where it was allocated.
+    if (count == 0 || count == kWithin) RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
+    VirtualFree(base + page * kPage, count * kPage, MEM_DECOMMIT);
+    for (std::size_t i = 0; i <= count; ++i)
+        used[page + i] = 0;
+}
+
+}  // namespace
+
+GuardedMemory::GuardedMemory() {
+    if (base == nullptr) {
+        base = static_cast<std::byte*>(VirtualAlloc(nullptr, kPages * kPage, MEM_RESERVE, PAGE_NOACCESS));
+    }
+    if (base == nullptr) throw std::bad_alloc();
+    guards = true;
+}
+
+GuardedMemory::~GuardedMemory() {
+    guards = false;
+}
+
+unsigned long GuardedMemory::Allocations() noexcept {
+    return allocations;
+}
+
+void* operator new(std::size_t size) {
+    if (guards) return Allocate(size);
+    if (void* const memory = std::malloc(size == 0 ? 1 : size)) return memory;
+    throw std::bad_alloc();
+}
+
+void operator delete(void* memory) noexcept {
+    Release(memory);
+}
+
+void operator delete(void* memory, std::size_t) noexcept {
+    Release(memory);
+}

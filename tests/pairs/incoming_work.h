@@ -1,0 +1,28 @@
+// The columns of the table: everything that can come in while the manager waits for a call.
+#pragma once
+
+#include <span>
+
+#include "tests/pairs/outgoing_calls.h"
+
+// What came of it.
+enum class Came {
+    In,
+    NotPossible,  // nothing is there yet, or any more, that it could come through
+};
+
+struct IncomingWork {
+    const char* name;
+    Came (*come)(Case&);
+    Mark mark = Mark::Untouched;
+
+    bool takesWindow = false;     // the window is unloaded
+    bool showsWindow = false;     // the window is made, if need be, and shown
+    bool takesIcon = false;       // the icon may be removed, or another may be shown
+    bool leavesCommands = false;  // to the engine
+    int editsExclude = 0;         // rows more or less than the store has
+    int editsBanners = 0;
+    int editsSearch = 0;
+};
+
+std::span<const IncomingWork> IncomingWorks();

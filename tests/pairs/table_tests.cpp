@@ -1,0 +1,226 @@
+// Every call that the manager makes out of its own code, paired with everything that can come in meanwhile.
+#include <doctest.h>
+
+#include <cstdio>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "lists/resource.h"
+#include "options/resource.h"
+#include "store/settings_schema.h"
+#include "tests/pairs/guarded_memory.h"
+#include "tests/pairs/incoming_work.h"
+
+namespace {
+
+constexpr IncomingWork kTheSame{.name = "the same once more", .come = nullptr};
+
+struct Problems {
+    std::vector<std::string> texts;
+
+    void Check(bool holds, const std::string& text) {
+        if (!holds) texts.push_back(text);
+    }
+};
+
+bool IsMarked(Mark outer, Mark inner, bool isLoad) {
+    if (outer == Mark::Cleared) return false;
+    if (outer == Mark::Set) return true;
+    return inner == Mark::SetEvenWhileLoading || (inner == Mark::Set && !isLoad);
+}
+
+void CheckList(Problems& problems, const char* list, size_t shown, size_t stored, int edit) {
+    const auto edited = static_cast<size_t>(static_cast<long>(stored) + edit);
+    problems.Check(shown == stored || shown == edited, std::string(list) + ": " + std::to_string(shown) +
+                                                           " rows, stored " + std::to_string(stored));
+}
+
+void CheckWindow(Problems& problems, const Case& manager, const OutgoingCall& row, const IncomingWork& column,
+                 bool hasComeIn) {
+    const size_t windows = manager.Windows();
+    problems.Check(windows <= 1, std::to_string(windows) + " windows");
+    const bool takes = hasComeIn && column.takesWindow;
+    const bool shows = hasComeIn && column.showsWindow;
+    if (row.isUnload) {
+        problems.Check((windows == 1) == shows,
+                       shows ? "no window although one was asked for" : "a window came back");
+    } else if (!takes) {
+        problems.Check(windows == 1, "the window is gone");
+    } else if (!row.isStart) {
+        problems.Check(windows == 0, "the window is still there");
+    }
+    if (windows == 0) {
+        problems.Check(manager.outside.icons.empty(), "an icon without a window");
+        problems.Check(manager.outside.engine.popup == nullptr, "an engine without a window");
+        return;
+    }
+    if (shows && row.isUnload)
+        problems.Check(IsWindowVisible(manager.Window()) != FALSE, "the window is not shown");
+    problems.Check(IsWindowEnabled(manager.Window()) != FALSE, "the window is disabled");
+    problems.Check(g_lngConfigHwnd == HandleToLong(manager.Window()), "g_lngConfigHwnd is not the window");
+    problems.Check(manager.outside.engine.popup != nullptr && manager.outside.engine.ConnectionCount() == 1,
+                   "no engine, or not one connection");
+    const size_t icons = manager.outside.icons.size();
+    problems.Check(icons == 1 || (hasComeIn && column.takesIcon && icons == 0) ||
+                       (row.call == std::string("NIM_DELETE") && icons == 0),
+                   std::to_string(icons) + " icons");
+    problems.Check(manager.Gesture(WM_MOUSEMOVE), "the icon takes no gestures");
+}
+
+void CheckContents(Problems& problems, const Case& manager, const OutgoingCall& row,
+                   const IncomingWork& column, Mark mark, bool isFresh) {
+    if (manager.Window() == nullptr) return;
+    const auto rows = manager.Rows(IDC_LSTCLOSEDWND);
+    problems.Check(rows.size() <= 25, std::to_string(rows.size()) + " rows in the log");
+    problems.Check(std::set(rows.begin(), rows.end()).size() == rows.size(), "equal rows in the log");
+    problems.Check(rows == manager.newestLines,
+                   "the log is not shown as it is: " + std::to_string(rows.size()) + " rows");
+    if (!isFresh) {
+        const bool marked = IsMarked(row.mark, mark, row.isLoad);
+        problems.Check(manager.IsEnabled(IDC_CMDAPPLY) == marked,
+                       marked ? "a change is not marked" : "a mark without a change");
+    }
+    CheckList(problems, "lstExclude", manager.Rows(IDC_LSTEXCLUDE).size(), manager.StoredAddresses().size(),
+              column.editsExclude);
+    CheckList(problems, "lvwBanners", static_cast<size_t>(manager.ItemCount(IDC_LVWBANNERS)),
+              manager.StoredRows(Schema::kBannersKey, L"1", L"Name"), column.editsBanners);
+    CheckList(problems, "lvwSearchURLs", static_cast<size_t>(manager.ItemCount(IDC_LVWSEARCHURLS)),
+              manager.StoredRows(Schema::kSearchKey, L"1", L"Name"), column.editsSearch);
+}
+
+// When the window goes and everybody lets go, nothing is left.
+void CheckEnd(Problems& problems, Case& manager) {
+    if (const auto form = manager.Form()) form->Unload();
+    manager.Settle();
+    problems.Check(manager.Windows() == 0, "a window after the unload");
+    problems.Check(manager.outside.icons.empty(), "an icon after the unload");
+    problems.Check(manager.outside.clock.Running() == 0, "a timer after the unload");
+    const auto& script = manager.outside.engine.script;
+    problems.Check(script.Count("Popup gone with its events") == 0, "an engine released with its events");
+    problems.Check(script.Count("SentrelApp gone") == script.Count("CreateInstance"), "an engine is kept");
+    problems.Check(script.Count("ReleasePopup") == script.Count("CreatePopup"),
+                   "a leave not taken, or twice");
+    problems.Check(manager.outside.pictureBoxes == 0, "a picture box is kept");
+    problems.Check(Locks() == manager.locks, "the process is kept");
+    manager.LetGo();
+    manager.outside.icons.clear();
+    problems.Check(Locks() == manager.locks, "the process is kept by what is gone");
+}
+
+struct Counts {
+    int pairs = 0;
+    int passed = 0;
+    int notPossible = 0;
+};
+
+// The window is made again only where the pair takes it: making it is most of the work.
+Problems RunPair(Case& manager, const OutgoingCall& row, const IncomingWork& column, Moment moment,
+                 Counts& counts) {
+    Problems problems;
+    Case::References held{};
+    if (!row.isStart) {
+        manager.HaveWindow();
+        held = manager.Held();
+    }
+    manager.outside.mostIcons = 0;
+    row.prepare(manager);
+    const HWND before = manager.Window();
+    std::optional<Came> came;
+    HWND within = nullptr;
+    manager.outside.LetIn(row.call, moment, [&] {
+        within = manager.Window();
+        if (column.come != nullptr) {
+            came = column.come(manager);
+        } else {
+            row.make(manager);
+            came = Came::In;
+        }
+    });
+    row.make(manager);
+    manager.Settle();
+    problems.Check(came.has_value(), "the call did not come");
+    manager.outside.LetNothingIn();
+    const bool hasComeIn = came == Came::In;
+    if (came == Came::NotPossible) ++counts.notPossible;
+    CheckWindow(problems, manager, row, column, hasComeIn);
+    const bool isFresh = manager.Window() != (row.isStart ? within : before);
+    CheckContents(problems, manager, row, column, hasComeIn ? column.mark : Mark::Untouched, isFresh);
+    problems.Check(manager.outside.mostIcons <= 1, "more than one icon at a time");
+    if (row.isStart || isFresh || manager.Window() == nullptr) {
+        CheckEnd(problems, manager);
+        if (row.isStart && column.mark == Mark::Cleared) manager.FillStore();
+    } else {
+        manager.Restore(row.mark != Mark::Untouched || column.mark != Mark::Untouched ||
+                            column.name == std::string("txtSpeed"),
+                        column.leavesCommands || row.leavesCommands);
+        problems.Check(manager.Held() == held, "a reference is kept");
+        problems.Check(manager.outside.clock.Running() == 0, "a timer is kept");
+        problems.Check(manager.outside.pictureBoxes == 0, "a picture box is kept");
+    }
+    return problems;
+}
+
+void Run(Case& manager, const OutgoingCall& row, const IncomingWork& column, Moment moment, Counts& counts) {
+    const char* const when = moment == Moment::BeforeReply ? "before" : "behind";
+    const std::string pair = std::string(row.name) + " x " + column.name + ", " + when + " the reply";
+    const Problems problems = RunPair(manager, row, column, moment, counts);
+    ++counts.pairs;
+    if (problems.texts.empty()) {
+        ++counts.passed;
+        return;
+    }
+    std::string texts;
+    for (const std::string& text : problems.texts)
+        texts += "\n  " + text;
+    FAIL_CHECK(pair << texts);
+}
+
+void RunRow(const OutgoingCall& row, Counts& counts) {
+    Case manager;
+    for (const Moment moment : {Moment::BeforeReply, Moment::AfterReply}) {
+        if (moment == Moment::AfterReply && row.hasOneMoment) continue;
+        for (const IncomingWork& column : IncomingWorks())
+            Run(manager, row, column, moment, counts);
+        Run(manager, row, kTheSame, moment, counts);
+    }
+    Problems last;
+    CheckEnd(last, manager);
+    CHECK_MESSAGE(last.texts.empty(), row.name << ", when the window goes");
+}
+
+void RunRows(bool (*isWanted)(const OutgoingCall&)) {
+    const GuardedMemory memory;
+    Counts counts;
+    int rows = 0;
+    for (const OutgoingCall& row : OutgoingCalls()) {
+        if (!isWanted(row)) continue;
+        ++rows;
+        RunRow(row, counts);
+    }
+    std::printf(
+        "%d calls x %d kinds of work: %d pairs, %d passed; in %d there was nothing that the work could "
+        "come through\n",
+        rows, static_cast<int>(IncomingWorks().size()) + 1, counts.pairs, counts.passed, counts.notPossible);
+    CHECK(counts.passed == counts.pairs);
+    CHECK(GuardedMemory::Allocations() > 0);
+}
+
+}  // namespace
+
+TEST_CASE("whatever comes in while the window is made breaks nothing") {
+    RunRows([](const OutgoingCall& row) { return row.isStart; });
+}
+
+TEST_CASE("whatever comes in while the engine is called breaks nothing") {
+    RunRows([](const OutgoingCall& row) { return row.isEngine && !row.isStart && !row.isUnload; });
+}
+
+TEST_CASE("whatever comes in while the shell, a picture or the user is waited for breaks nothing") {
+    RunRows([](const OutgoingCall& row) { return !row.isEngine && !row.isStart && !row.isUnload; });
+}
+
+TEST_CASE("whatever comes in while the window goes breaks nothing") {
+    RunRows([](const OutgoingCall& row) { return row.isUnload; });
+}
