@@ -1,5 +1,7 @@
 #include <doctest.h>
 
+#include <utility>
+
 #include "platform/automation_error.h"
 #include "lists/message.h"
 #include "tests/closed_log/log_page.h"
@@ -178,4 +180,19 @@ TEST_CASE_FIXTURE(LogPage, "nothing enables Clear List") {
     lstClosedWnd.ListIndex(0);
     Click(cmdAddTo);
     CHECK_FALSE(cmdClearList.Enabled());
+}
+
+TEST_CASE_FIXTURE(LogPage,
+                  "a refresh that comes in while another one asks for the path leaves each line once") {
+    std::string bytes;
+    for (int i = 1; i <= 30; ++i)
+        bytes += "http://site" + std::to_string(i) + "/\r\n";
+    const Rows once = Show(bytes);
+    onPathAsked = [this, isFirst = true]() mutable {
+        if (std::exchange(isFirst, false)) log.ReadClosedLog();
+    };
+    pathAsked = 0;
+    Click(cmdRefreshLog);
+    CHECK(pathAsked == 2);
+    CHECK(RowsOf(lstClosedWnd) == once);
 }

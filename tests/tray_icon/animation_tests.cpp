@@ -1,5 +1,7 @@
 #include <doctest.h>
 
+#include <utility>
+
 #include "platform/automation_error.h"
 #include "tests/support/message_pump.h"
 #include "tests/tray_icon/timer_calls.h"
@@ -272,4 +274,31 @@ TEST_CASE_FIXTURE(TrayIconFixture, "an animation does not outlive its owner's wi
     owner.Destroy();
     PumpFor(120);
     CHECK(shell.calls.size() == 1);
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture, "a start from within a tick begins with frame 0 and a fresh timer") {
+    TimerCalls timers;
+    SetUp();
+    frames[0]->asked = [this, isFirst = true]() mutable {
+        if (std::exchange(isFirst, false)) REQUIRE(Animate(10) == S_OK);
+    };
+    REQUIRE(Animate(10) == S_OK);
+    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    CHECK(timers.periods.size() == 2);
+    CHECK(IconsFrom(shell.calls, 1) == std::vector<DWORD>{200, 201, 202, 202, 100});
+}
+
+TEST_CASE_FIXTURE(TrayIconFixture,
+                  "a picture that fails does not end the animation that was started meanwhile") {
+    SetUp();
+    frames[0]->asked = [this, isFirst = true]() mutable {
+        frames[0]->result = isFirst ? RPC_E_DISCONNECTED : S_OK;
+        if (std::exchange(isFirst, false)) {
+            REQUIRE(Animate(10) == S_OK);
+            CHECK(icon->Animating());
+        }
+    };
+    REQUIRE(Animate(10) == S_OK);
+    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    CHECK(IconsFrom(shell.calls, 1) == std::vector<DWORD>{200, 201, 202, 202, 100});
 }
