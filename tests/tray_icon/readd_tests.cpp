@@ -175,20 +175,20 @@ TEST_CASE_FIXTURE(TrayIconFixture, "a refused add comes two seconds later in rea
 TEST_CASE_FIXTURE(TrayIconFixture, "an icon that is removed before the shell has taken it does not stay") {
     const auto removeOnce = [this](DWORD action) {
         if (action == NIM_ADD) {
-            shell.answer = nullptr;
+            shell.result = nullptr;
             icon->RemoveIcon();
         }
         return TRUE;
     };
     SUBCASE("when it is added") {
-        shell.answer = removeOnce;
+        shell.result = removeOnce;
         SetUp();
         CHECK(shell.Actions() == std::vector<DWORD>{NIM_ADD, NIM_DELETE, NIM_DELETE});
     }
     SUBCASE("when the taskbar is new") {
         SetUp();
         shell.calls.clear();
-        shell.answer = removeOnce;
+        shell.result = removeOnce;
         icon->OnTaskbarCreated();
         CHECK(shell.Actions() == std::vector<DWORD>{NIM_ADD, NIM_DELETE, NIM_DELETE});
     }
