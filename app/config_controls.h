@@ -27,7 +27,6 @@ public:
     // In the window's control order, the order in which settings are loaded and saved: the frame, then page
     // by page.
     ControlTable All() const noexcept { return m_all; }
-    ControlTable Frame() const noexcept { return All().first(1 + commands.all.size()); }
 
     // Gives the controls of the pages what no dialog template holds. To be called when their windows have
     // just been made.

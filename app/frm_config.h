@@ -66,7 +66,8 @@ public:
 private:
     enum class State { None, Initialising, Initialised, Loading, Loaded, Unloading };
 
-    ControlTable Controls() override { return m_controls.Frame(); }
+    // Those of the pages too: where Enter presses a button, the dialog manager tells the outermost dialog.
+    ControlTable Controls() override { return m_controls.All(); }
     bool OnInit() override;
     bool OnMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
     void PopupTrayMenu(bool pauseIsDefault) override;

@@ -88,6 +88,8 @@ bool frmConfig::IsFormMessage(MSG& message) {
     // by now. It may not look for an accelerator from there: its search would never come back to where it
     // began.
     if (isOurs && IsOnHiddenPage(message.hwnd)) {
+        // Messages that another program posts there are not the user's keys.
+        if (GetFocus() != message.hwnd) return false;
         if (message.message < WM_KEYFIRST || message.message > WM_KEYLAST) return false;
         m_controls.tab.SetFocus();
         message.hwnd = m_controls.tab.Hwnd();

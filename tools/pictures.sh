@@ -140,8 +140,6 @@ else
 fi
 export SCREEN_SIZE=1280x1024x24
 
-convert "$tools/../app/res/tray_rest.ico[3]" -strip -define png:exclude-chunks=date,time "$output/tray-icon.png"
-
 workers=()
 failed=0
 while read -r folder dpi setup; do
@@ -160,4 +158,6 @@ for worker in "${workers[@]}"; do
     wait "$worker" || failed=1
 done
 ((!failed)) || exit 1
+# Not before: the folder of each look is emptied first.
+convert "$tools/../app/res/tray_rest.ico[3]" -strip -define png:exclude-chunks=date,time "$output/tray-icon.png"
 find "$output" -name '*.png' | sort

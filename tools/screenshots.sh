@@ -25,7 +25,7 @@ kDpi=${2:-96}
 
 # Two pages differ in more pixels than this, a blinking caret or a focus rectangle in fewer.
 kPixelsOfAnotherPage=300
-kSeconds=30
+kSeconds=60
 
 # Beside everything that is taken.
 kPointerPlace=(1 700)
@@ -59,7 +59,11 @@ PageIsDrawn() {
 
 # TakePage PAGE: its picture is in the scratch folder then, as that of the page before the next one.
 TakePage() {
-    WaitFor $kSeconds PageIsDrawn || Fail "The page $1 did not appear"
+    # A key is lost where the screen has not given the window the focus yet.
+    WaitFor 15 PageIsDrawn || {
+        [[ ! -e $scratch/before.ppm ]] || NextPage
+        WaitFor $kSeconds PageIsDrawn || Fail "The page $1 did not appear"
+    }
     mv "$scratch/page.ppm" "$scratch/before.ppm"
 }
 
