@@ -68,7 +68,7 @@ STDMETHODIMP ShellNotification::RemoveIcon() {
     return ComMethod([&] { Remove(); });
 }
 
-void ShellNotification::Remove() noexcept {
+void ShellNotification::Remove() {
     m_tmrAdd.Stop();
     // The shell may let a message in meanwhile that tells of a new taskbar: the icon must not come back.
     if (std::exchange(m_bIconAdded, false)) NotifyShell(NIM_DELETE, m_record);
@@ -141,7 +141,7 @@ void ShellNotification::RefillRecord() {
 }
 
 // The icon may be removed while the shell is asked, before the shell has it.
-bool ShellNotification::Ask(DWORD action) noexcept {
+bool ShellNotification::Ask(DWORD action) {
     const bool taken = NotifyShell(action, m_record);
     if (taken && !m_bIconAdded) NotifyShell(NIM_DELETE, m_record);
     return taken || !m_bIconAdded;

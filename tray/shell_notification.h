@@ -68,10 +68,10 @@ private:
     void RefillRecord();
     void FillRecord(HICON icon);
     // Returns whether there is nothing left to ask.
-    bool Ask(DWORD action) noexcept;
+    bool Ask(DWORD action);
     void Add();
     void AddAgain();
-    void Remove() noexcept;
+    void Remove();
 
     // Nothing is shown where the tick that asks for it is no longer the newest work.
     void ModifyIcon(IDispatch* pPic, const Generation::Mark& shown);
