@@ -57,11 +57,17 @@ PageIsDrawn() {
     ! Differ "$scratch/page.ppm" "$scratch/again.ppm"
 }
 
+# Activate: a busy screen may give the window the focus before Wine takes any; then it takes a click on the title.
+Activate() {
+    xdotool mousemove --window "$window" $((kDpi * 2 / 3)) $((kDpi / 8)) click 1
+    xdotool mousemove "${kPointerPlace[@]}" windowfocus "$window"
+    sleep 0.5
+}
+
 # TakePage PAGE: its picture is in the scratch folder then, as that of the page before the next one.
 TakePage() {
-    # A key is lost where the screen has not given the window the focus yet.
-    WaitFor 15 PageIsDrawn || {
-        [[ ! -e $scratch/before.ppm ]] || NextPage
+    WaitFor 10 PageIsDrawn || {
+        [[ ! -e $scratch/before.ppm ]] || { Activate; NextPage; }
         WaitFor $kSeconds PageIsDrawn || Fail "The page $1 did not appear"
     }
     mv "$scratch/page.ppm" "$scratch/before.ppm"
