@@ -66,10 +66,11 @@ Activate() {
 
 # TakePage PAGE: its picture is in the scratch folder then, as that of the page before the next one.
 TakePage() {
-    WaitFor 10 PageIsDrawn || {
+    local tries=0
+    until WaitFor 10 PageIsDrawn; do
+        ((++tries < 6)) || Fail "The page $1 did not appear"
         [[ ! -e $scratch/before.ppm ]] || { Activate; NextPage; }
-        WaitFor $kSeconds PageIsDrawn || Fail "The page $1 did not appear"
-    }
+    done
     mv "$scratch/page.ppm" "$scratch/before.ppm"
 }
 
