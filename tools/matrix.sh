@@ -46,7 +46,7 @@ AttemptInside() {
     ' - "$system" "$packages" "$kRoot" "$2"
 }
 
-# MakeSystem RELEASE LOG: makes what every Debian has, git, and a clone in /root/calvane. Names of hosts are found there
+# MakeSystem RELEASE LOG: makes what every Debian has, git, and a clone in /srv/calvane. Names of hosts are found there
 # as they are here.
 MakeSystem() {
     system=$(mktemp -d "${TMPDIR:-/tmp}/calvane-$1.XXXXXX")
@@ -55,7 +55,7 @@ MakeSystem() {
         "$1" "$system" "$mirror"
     [[ $outcome == ok ]] || return 0
     cp /etc/resolv.conf /etc/hosts "$system/etc/"
-    AttemptInside "$2" 'git config --global --add safe.directory "*"; git clone -q /mnt /root/calvane'
+    AttemptInside "$2" 'git config --global --add safe.directory "*"; git clone -q /mnt /srv/calvane'
 }
 
 RemoveSystem() {
@@ -75,18 +75,18 @@ TryRelease() {
     row="| $1 | | | no system: $outcome | | | |"
     if [[ $outcome == ok ]]; then
         start=$SECONDS
-        AttemptInside "$log/run.log" 'cd /root/calvane; ./run.sh --headless'
+        AttemptInside "$log/run.log" 'cd /srv/calvane; ./run.sh --headless'
         run=$outcome
-        AttemptInside "$log/test.log" 'cd /root/calvane; ./test.sh'
+        AttemptInside "$log/test.log" 'cd /srv/calvane; ./test.sh'
         tests=$outcome
         start=$((SECONDS - start))
         # After both there is nothing left to build, unless that failed.
-        AttemptInside "$log/build.log" 'cd /root/calvane; cmake --build --preset release'
+        AttemptInside "$log/build.log" 'cd /srv/calvane; cmake --build --preset release'
         build=$outcome
         AttemptInside "$log/versions" 'echo "GCC $(i686-w64-mingw32-g++-posix -dumpfullversion) | $(wine --version)"'
         versions=$(tail -1 "$log/versions")
         counts=$(grep -E '^[0-9]+ passed, [0-9]+ failed$' "$log/test.log" | tail -1) || counts=$tests
-        cp -r "$system/root/calvane/build/release/test-output" "$log/" 2>/dev/null || true
+        cp -r "$system/srv/calvane/build/release/test-output" "$log/" 2>/dev/null || true
         row="| $1 | $versions | $build | $run | $counts | $(((start + 30) / 60)) |"
         [[ "$build $run $tests" != 'ok ok ok' ]] || ((++green))
     fi
