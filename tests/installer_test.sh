@@ -112,6 +112,30 @@ WithoutSettings() {
     mv "$kWork/user" "$kWork/$1.user"
 }
 
+# Page TEXT: the page of the installer or uninstaller that is open shows this text.
+Page() {
+    Wine 20 "$BUILD_DIR/tests/window_texts.exe" Calvane >"$kWork/page" 2>/dev/null
+    tr -d '\r&' <"$kWork/page" | grep -qF "$1"
+}
+
+# Next TEXT: goes on to the page that shows this text, and to no further one.
+Next() {
+    xdotool key Return
+    WaitFor 30 Page "$1"
+}
+
+# Described TEXT: the mouse goes down over the components until the page describes one in these words.
+Described() {
+    local x y top
+    eval "$(xdotool search --onlyvisible --name '^Calvane Uninstall' getwindowgeometry --shell | sed 's/^/local /')"
+    x=$((X + WIDTH / 2)) top=$((Y + HEIGHT / 3))
+    for ((y = top; y < Y + HEIGHT; y += 8)); do
+        xdotool mousemove $x $y
+        ! Page "$1" || return 0
+    done
+    return 1
+}
+
 # Client SHOW_TYPE: a script that loads the manager prints its window's handle.
 Client() {
     cat >"$kWork/client.vbs" <<VBS
@@ -138,6 +162,8 @@ UsePrefix "$WINEPREFIX"
 mkdir -p "$kWork"
 UseWindowManager N
 Exits 1 reg query 'HKCR\SentrelConfig.ConfigControl'
+kViews=(32)
+[[ ! -d $WINEPREFIX/drive_c/windows/syswow64 ]] || kViews+=(64)
 # What Wine itself stores with the first script and the first window.
 echo 'WScript.Echo "ready"' >"$kWork/ready.vbs"
 Exits 0 cscript //nologo "Z:${kWork//\//\\}\\ready.vbs"
@@ -313,6 +339,32 @@ Snapshot purged
 SameAsBefore purged
 echo "ok: removed with the settings"
 
+# --- With its pages
+"$wineCommand" "$kSetup" </dev/null >/dev/null 2>&1 &
+setup=$!
+WaitFor 30 Page "Setup installs Calvane for everybody who uses this computer."
+Next "$kInstalled"
+Next "Check the components you want to install"
+Next "Completing Calvane Setup"
+Page "Open the configuration window" || Fail "the last page does not offer the window"
+Page "Read the user's guide" || Fail "the last page does not offer the guide"
+WindowShows && Fail "the window came before it was asked for"
+xdotool key Return
+wait "$setup"
+WaitFor 30 WindowShows
+"$wineCommand" "$kInstalled\\Uninstall.exe" "_?=$kInstalled" </dev/null >/dev/null 2>&1 &
+setup=$!
+WaitFor 30 Page "Calvane will be uninstalled from the following folder."
+Next "Check the components you want to uninstall"
+WaitFor 30 Described "The lists and options of the user whose account the uninstaller runs under."
+Next "Uninstallation Complete"
+xdotool key Return
+wait "$setup"
+ManagerEnded || Fail "the manager runs on after its removal"
+IsGone "$kFolder/SentrelConfig.exe" || Fail "the manager's file is still there"
+rm -rf "$kFolder"
+echo "ok: installed and removed page by page"
+
 # --- Folders that users may change are refused; an empty one is protected
 mkdir -p "$WINEPREFIX/drive_c/Open/Calvane" "$WINEPREFIX/drive_c/Closed/Used" "$WINEPREFIX/drive_c/Closed/Empty"
 chmod 777 "$WINEPREFIX/drive_c/Open" "$WINEPREFIX/drive_c/Closed/"{Used,Empty}
@@ -327,9 +379,13 @@ for folder in 'Closed\Empty' 'Closed\New\Calvane'; do
     unix=$WINEPREFIX/drive_c/${folder//\\//}
     [[ -e $unix/SentrelConfig.exe ]] || Fail "$folder was not taken"
     [[ $(stat -c %A "$unix") != ????????w? ]] || Fail "$folder is not protected"
-    # A policy's value is in quotes; it goes too.
-    SetRegistryValue "$kRunKey" "$kRunValue" REG_SZ "\"C:\\$folder\\CalvaneConfigLoader.exe\""
+    # A policy's value is in quotes, and on a 64-bit system not in the view that the manager writes; it goes too.
+    for view in "${kViews[@]}"; do
+        Exits 0 reg add "$kRunKey" /v "$kRunValue" /d "\"C:\\$folder\\CalvaneConfigLoader.exe\"" /f "/reg:$view"
+    done
     Exits 0 "C:\\$folder\\Uninstall.exe" /S "_?=C:\\$folder"
-    Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" ''
+    for view in "${kViews[@]}"; do
+        Exits 1 reg query "$kRunKey" /v "$kRunValue" "/reg:$view"
+    done
 done
 echo "ok: folders that users may change are refused or protected"
