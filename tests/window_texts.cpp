@@ -1,4 +1,5 @@
-// window_texts CAPTION: prints the text of each visible control of the dialogs whose caption begins like this.
+// window_texts CAPTION: prints the text of each visible control of the dialogs whose caption begins like
+// this.
 #include <windows.h>
 
 #include <cstdio>
@@ -25,7 +26,7 @@ BOOL CALLBACK PrintDialog(HWND window, LPARAM caption) {
     return TRUE;
 }
 
-} // namespace
+}  // namespace
 
 int wmain(int count, wchar_t** arguments) {
     if (count != 2) return 2;
