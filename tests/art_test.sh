@@ -12,8 +12,8 @@ failed=0
 
 tools/make_art.sh "$made" >"$made/log" 2>&1 </dev/null || { cat "$made/log"; exit 1; }
 
-# Different FILE: the number of pixels, from ImageMagick 7.1.2 on the sum of their differences and one more figure; a text
-# where the sizes differ.
+# Different FILE: the number of pixels, from ImageMagick 7.1.2 on the sum of their differences and one more; a text where
+# the sizes differ.
 Different() {
     local said
     convert "$kCommitted/$1" -background none +append "png32:$made/committed.png"
