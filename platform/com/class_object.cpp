@@ -16,13 +16,11 @@ public:
     STDMETHODIMP CreateInstance(IUnknown* outer, REFIID id, void** object) override {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
-        if (outer != nullptr) return CLASS_E_NOAGGREGATION;
-        return ComMethod([&] { ThrowIfFailed(m_maker(id, object)); });
+        return ComMethod([&] { return outer == nullptr ? m_maker(id, object) : CLASS_E_NOAGGREGATION; });
     }
 
     STDMETHODIMP LockServer(BOOL lock) override {
-        lock ? ServerProcess::Lock() : ServerProcess::Unlock();
-        return S_OK;
+        return ComMethod([&] { lock ? ServerProcess::Lock() : ServerProcess::Unlock(); });
     }
 
 private:

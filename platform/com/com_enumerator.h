@@ -18,22 +18,25 @@ public:
 
     STDMETHODIMP Next(ULONG count, Item* items, ULONG* fetched) override {
         if (items == nullptr || (fetched == nullptr && count != 1)) return E_POINTER;
-        ULONG done = 0;
-        while (done < count && m_position < m_items.size())
-            items[done++] = Copy(m_items[m_position++]);
-        if (fetched != nullptr) *fetched = done;
-        return done == count ? S_OK : S_FALSE;
+        return ComMethod([&] {
+            ULONG done = 0;
+            while (done < count && m_position < m_items.size())
+                items[done++] = Copy(m_items[m_position++]);
+            if (fetched != nullptr) *fetched = done;
+            return done == count ? S_OK : S_FALSE;
+        });
     }
 
     STDMETHODIMP Skip(ULONG count) override {
-        const size_t left = m_items.size() - m_position;
-        m_position += count < left ? count : left;
-        return count <= left ? S_OK : S_FALSE;
+        return ComMethod([&] {
+            const size_t left = m_items.size() - m_position;
+            m_position += count < left ? count : left;
+            return count <= left ? S_OK : S_FALSE;
+        });
     }
 
     STDMETHODIMP Reset() override {
-        m_position = 0;
-        return S_OK;
+        return ComMethod([&] { m_position = 0; });
     }
 
     STDMETHODIMP Clone(Interface** clone) override {

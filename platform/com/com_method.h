@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include <new>
+#include <type_traits>
 #include <utility>
 
 #include "platform/automation_error.h"
@@ -12,12 +13,16 @@
 // Leaves the description of code for the caller (IErrorInfo; EXCEPINFO through IDispatch) and returns code.
 HRESULT ReportError(HRESULT code) noexcept;
 
-// Runs body and returns how it ended.
+// Runs body and returns how it ended; what body itself returns, where that is more than nothing.
 template <class Body>
 HRESULT ResultOf(Body&& body) noexcept {
     try {
-        body();
-        return S_OK;
+        if constexpr (std::is_void_v<decltype(body())>) {
+            body();
+            return S_OK;
+        } else {
+            return body();
+        }
     } catch (const AutomationError& error) {
         return ReportError(error.Code());
     } catch (const std::bad_alloc&) {
@@ -27,8 +32,8 @@ HRESULT ResultOf(Body&& body) noexcept {
     }
 }
 
-// Runs the body of an object's member. While the process is about to end, every member returns
-// CO_E_SERVER_STOPPING and does nothing.
+// Runs the body of an object's member. While the process is about to end, every member but those of IUnknown
+// returns CO_E_SERVER_STOPPING and does nothing.
 template <class Body>
 HRESULT ComMethod(Body&& body) noexcept {
     if (ServerProcess::Stopping()) return ReportError(CO_E_SERVER_STOPPING);

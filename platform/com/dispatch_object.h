@@ -53,31 +53,32 @@ public:
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
-        *count = 1;
-        return S_OK;
+        *count = 0;
+        return ComMethod([&] { *count = 1; });
     }
 
     STDMETHODIMP GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
         if (info == nullptr) return E_POINTER;
         *info = nullptr;
-        if (index != 0) return DISP_E_BADINDEX;
-        return m_typeInfo.CopyTo(info);
+        return ComMethod([&] { return index == 0 ? m_typeInfo.CopyTo(info) : DISP_E_BADINDEX; });
     }
 
     STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
         if (names == nullptr || ids == nullptr) return E_POINTER;
-        return m_typeInfo->GetIDsOfNames(names, count, ids);
+        return ComMethod([&] { return m_typeInfo->GetIDsOfNames(names, count, ids); });
     }
 
     STDMETHODIMP Invoke(DISPID member, REFIID id, LCID, WORD flags, DISPPARAMS* arguments, VARIANT* result,
                         EXCEPINFO* exception, UINT* badArgument) override {
-        if (!IsEqualIID(id, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
-        return InvokeMember(m_typeInfo.Get(), static_cast<Interface*>(this), member, flags, arguments, result,
-                            exception, badArgument);
+        return ComMethod([&] {
+            if (!IsEqualIID(id, IID_NULL)) return DISP_E_UNKNOWNINTERFACE;
+            return InvokeMember(m_typeInfo.Get(), static_cast<Interface*>(this), member, flags, arguments,
+                                result, exception, badArgument);
+        });
     }
 
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override {
-        return IsEqualIID(id, __uuidof(Interface)) ? S_OK : S_FALSE;
+        return ComMethod([&] { return IsEqualIID(id, __uuidof(Interface)) ? S_OK : S_FALSE; });
     }
 
 protected:

@@ -13,22 +13,27 @@ public:
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
-        *count = 0;
-        return S_OK;
+        return ComMethod([&] { *count = 0; });
     }
 
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override {
+        return ComMethod([] { return E_NOTIMPL; });
+    }
 
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return DISP_E_UNKNOWNNAME; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override {
+        return ComMethod([] { return DISP_E_UNKNOWNNAME; });
+    }
 
     STDMETHODIMP Invoke(DISPID event, REFIID, LCID, WORD, DISPPARAMS* arguments, VARIANT*, EXCEPINFO*,
                         UINT*) override {
         if (arguments == nullptr) return E_POINTER;
-        if (arguments->cArgs != 0 && arguments->rgvarg == nullptr) return E_INVALIDARG;
-        const auto handler = m_handlers.find(event);
-        if (handler == m_handlers.end()) return DISP_E_MEMBERNOTFOUND;
-        if (m_silent) return S_OK;
-        return ComMethod([&] { handler->second(*arguments); });
+        return ComMethod([&] {
+            if (arguments->cArgs != 0 && arguments->rgvarg == nullptr) return E_INVALIDARG;
+            const auto handler = m_handlers.find(event);
+            if (handler == m_handlers.end()) return DISP_E_MEMBERNOTFOUND;
+            if (!m_silent) handler->second(*arguments);
+            return S_OK;
+        });
     }
 
 private:

@@ -2,56 +2,11 @@
 // each of these cases runs in a process of its own.
 #include <doctest.h>
 
-#include <string>
-
-#include "platform/handle.h"
 #include "platform/text.h"
-#include "tests/entry/inside.h"
+#include "tests/entry/alone.h"
 #include "tests/entry/start_journal.h"
-#include "tests/support/program.h"
 
 namespace {
-
-TIMERPROC endProcess = nullptr;
-UINT endDelay = 0;
-bool timersFail = false;
-int exits = 0;
-
-UINT_PTR WINAPI TakeTimer(HWND window, UINT_PTR, UINT delay, TIMERPROC procedure) {
-    if (timersFail) return 0;
-    CHECK(window == nullptr);
-    endProcess = procedure;
-    endDelay = delay;
-    return 1;
-}
-
-struct Exit {};
-
-[[noreturn]] void WINAPI TakeExit(UINT code) {
-    CHECK(code == 0);
-    ++exits;
-    throw Exit();
-}
-
-constexpr wchar_t kRanEvent[] = L"CalvaneEndingTestRan";
-
-// Ends nothing, but notes that the process would have ended. Tells the process that started this one that a
-// case has begun: a filter that matches none would pass as well.
-struct NotedEnd {
-    NotedEnd() { SetEvent(FileHandle(OpenEventW(EVENT_MODIFY_STATE, FALSE, kRanEvent)).Get()); }
-
-    ImportPatch timer{"user32.dll", "SetTimer", &TakeTimer};
-    ImportPatch exit{"kernel32.dll", "ExitProcess", &TakeExit};
-};
-
-// Runs one of the cases below in a process of its own.
-void CheckInOwnProcess(const std::wstring& name, const std::wstring& subcase = L"*") {
-    CAPTURE(ToAnsi(subcase));
-    const FileHandle ran(CreateEventW(nullptr, TRUE, FALSE, kRanEvent));
-    CHECK(RunProgram(L"tests\\entry_tests.exe", L"--no-skip --minimal \"--test-case=" + name +
-                                                    L"\" \"--subcase=" + subcase + L"\"") == 0);
-    CHECK(WaitForSingleObject(ran.Get(), 0) == WAIT_OBJECT_0);
-}
 
 constexpr const char* kMoments[] = {"CreateInstance", "CreatePopup", "State", "LogFile"};
 
