@@ -1,5 +1,7 @@
 #include "app/config_control.h"
 
+#include <commctrl.h>
+
 #include <climits>
 
 #include "app/config.h"
@@ -38,14 +40,31 @@ private:
     bool m_made = false;
 };
 
-void CALLBACK EndProcess(HWND, UINT, UINT_PTR, DWORD) {
-    ExitProcess(0);
+// COM's own threads take less, on a busy machine too, to send the caller its result.
+constexpr DWORD kReplyTime = 50;  // milliseconds
+
+// COM's threads may be in the midst of other clients' calls. ExitProcess would stop them there and then let
+// the libraries end, which wait for locks that nobody gives up any more.
+void EndProcess() {
+    TerminateProcess(GetCurrentProcess(), 0);
 }
 
-// The process ends as soon as the caller has its result: a timer is served by whichever message loop is
-// running, also that of a dialog or menu, and only after the present call has returned.
+LRESULT CALLBACK EndBehindCall(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_APP) return DefWindowProcW(hwnd, message, wParam, lParam);
+    Sleep(kReplyTime);
+    EndProcess();
+    return 0;
+}
+
+// The process ends as soon as the caller has its result. A posted message is served by whichever message loop
+// is running, also that of a dialog or menu, only after the present call has returned, and in its turn among
+// the calls of clients, where a timer would wait until there are none.
 void EndProcessSoon() {
-    if (SetTimer(nullptr, 0, USER_TIMER_MINIMUM, EndProcess) == 0) ExitProcess(0);
+    const HWND window =
+        CreateWindowExW(0, WC_STATICW, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    if (window == nullptr) return EndProcess();
+    SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&EndBehindCall));
+    if (!PostMessageW(window, WM_APP, 0, 0)) EndProcess();
 }
 
 }  // namespace

@@ -10,6 +10,7 @@
 
 #include "platform/automation_error.h"
 #include "platform/com/variant.h"
+#include "tests/client_abuse/client.h"
 #include "tests/client_abuse/messages.h"
 #include "tests/client_abuse/random_calls.h"
 #include "tests/engine/stand_in.h"
@@ -38,29 +39,6 @@ bool Responds(HWND window) {
     DWORD_PTR result = 0;
     return SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, kPatience, &result) != 0;
 }
-
-// A client with an apartment of its own.
-struct Client {
-    Client() {
-        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
-        ThrowIfFailed(
-            CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&control)));
-        long showType = FormHide;
-        ThrowIfFailed(control->ConfigInstance(&showType, &config));
-    }
-    Client(const Client&) = delete;
-    Client& operator=(const Client&) = delete;
-    ~Client() {
-        config.Reset();
-        control.Reset();
-        CoUninitialize();
-    }
-
-    LONG Window() { return ToLong(Get(config.Get(), L"ConfigHwnd")); }
-
-    ComPtr<_ConfigControl> control;
-    ComPtr<IDispatch> config;
-};
 
 // Runs the body in that many threads at once; false when not all of them come to an end in time.
 bool InThreads(int count, const std::function<void(int number)>& body, DWORD milliseconds,
@@ -215,50 +193,6 @@ TEST_CASE("fifty clients at once get the same window, and the manager ends with 
     CHECK(manager.WaitForEnd());
 }
 
-TEST_CASE(
-    "when one client calls ReleaseConfig while others call, those get errors and nobody waits for ever") {
-    constexpr int kClients = 8;
-    const QuietStart quiet;
-    Manager manager(false, Manager::Start::Ahead);
-    manager.Window();
-    LONG ready = 0;
-    LONG refused = 0;
-    LONG calls = 0;
-    DWORD slowest = 0;
-    DWORD start = 0;
-    CHECK(InThreads(
-        kClients,
-        [&](int) {
-            bool isReady = false;
-            if (!ResumeNext([&] {
-                    Client client;
-                    InterlockedIncrement(&ready);
-                    isReady = true;
-                    for (;;) {
-                        client.Window();
-                        InterlockedIncrement(&calls);
-                    }
-                }) &&
-                isReady) {
-                InterlockedIncrement(&refused);
-            }
-        },
-        kAllPatience,
-        [&] {
-            CHECK(PumpUntil([&] { return InterlockedCompareExchange(&ready, 0, 0) == kClients; }));
-            PumpFor(200);
-            start = GetTickCount();
-            manager.Control()->ReleaseConfig();
-        }));
-    slowest = GetTickCount() - start;
-    CHECK(refused == kClients);
-    CHECK(calls > kClients);
-    CHECK(manager.WaitForEnd());
-    manager.LetGo();
-    MESSAGE("ReleaseConfig among " << kClients << " calling clients: " << calls << " calls before, "
-                                   << refused << " refused after, all within " << slowest << " ms");
-}
-
 TEST_CASE("client: holds references" * doctest::skip()) {
     Client client;
     client.Window();
@@ -272,17 +206,7 @@ namespace {
 // Starts a client in a process of its own and ends it by force while it holds its references.
 bool KillAClient() {
     const ProcessHandle holds(CreateEventW(nullptr, TRUE, FALSE, kHoldsEvent));
-    wchar_t program[MAX_PATH]{};
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    std::wstring command =
-        L'"' + std::wstring(program) + L"\" --no-skip --out=NUL --test-case=\"client: holds references\"";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    REQUIRE(CreateProcessW(program, command.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr,
-                           nullptr, &startup, &process));
-    CloseHandle(process.hThread);
-    const ProcessHandle client(process.hProcess);
+    const ProcessHandle client = StartClient("client: holds references");
     const bool held = PumpUntil([&] { return WaitForSingleObject(holds.Get(), 0) == WAIT_OBJECT_0; });
     TerminateProcess(client.Get(), 1);
     return held && PumpUntil([&] { return WaitForSingleObject(client.Get(), 0) == WAIT_OBJECT_0; });

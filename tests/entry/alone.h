@@ -10,25 +10,13 @@
 #include "tests/entry/inside.h"
 #include "tests/support/program.h"
 
-inline TIMERPROC endProcess = nullptr;
-inline UINT endDelay = 0;
-inline bool timersFail = false;
-inline int exits = 0;
+inline int ends = 0;
 
-inline UINT_PTR WINAPI TakeTimer(HWND window, UINT_PTR, UINT delay, TIMERPROC procedure) {
-    if (timersFail) return 0;
-    CHECK(window == nullptr);
-    endProcess = procedure;
-    endDelay = delay;
-    return 1;
-}
-
-struct Exit {};
-
-[[noreturn]] inline void WINAPI TakeExit(UINT code) {
+inline BOOL WINAPI TakeEnd(HANDLE process, UINT code) {
+    CHECK(process == GetCurrentProcess());
     CHECK(code == 0);
-    ++exits;
-    throw Exit();
+    ++ends;
+    return TRUE;
 }
 
 inline constexpr wchar_t kRanEvent[] = L"CalvaneEndingTestRan";
@@ -38,8 +26,7 @@ inline constexpr wchar_t kRanEvent[] = L"CalvaneEndingTestRan";
 struct NotedEnd {
     NotedEnd() { SetEvent(FileHandle(OpenEventW(EVENT_MODIFY_STATE, FALSE, kRanEvent)).Get()); }
 
-    ImportPatch timer{"user32.dll", "SetTimer", &TakeTimer};
-    ImportPatch exit{"kernel32.dll", "ExitProcess", &TakeExit};
+    ImportPatch end{"kernel32.dll", "TerminateProcess", &TakeEnd};
 };
 
 // Runs a case of this suite in a process of its own.

@@ -4,21 +4,17 @@
 #include <climits>
 
 #include "tests/entry/inside.h"
+#include "tests/support/message_pump.h"
 
 namespace {
 
 constexpr HRESULT kOverflow = static_cast<HRESULT>(0x800A0006);
 
-int timersSet = 0;
+bool hasEnded = false;
 
-// A process that ReleaseConfig would end is ended by a timer.
-UINT_PTR WINAPI NoteTimer(HWND, UINT_PTR, UINT, TIMERPROC) {
-    ++timersSet;
-    return 1;
-}
-
-[[noreturn]] void WINAPI NeverExit(UINT) {
-    throw AutomationError(E_ABORT);
+BOOL WINAPI NoteEnd(HANDLE, UINT) {
+    hasEnded = true;
+    return TRUE;
 }
 
 }  // namespace
@@ -66,12 +62,11 @@ TEST_CASE("a count that cannot fall lets ReleaseConfig fail with overflow, and t
     inside.Instance(FormHide);
     g_lngClientCount = LONG_MIN;
     {
-        timersSet = 0;
-        const ImportPatch timer("user32.dll", "SetTimer", &NoteTimer);
-        const ImportPatch exit("kernel32.dll", "ExitProcess", &NeverExit);
+        const ImportPatch end("kernel32.dll", "TerminateProcess", &NoteEnd);
         CHECK(inside.control->ReleaseConfig() == kOverflow);
+        PumpFor(50);
     }
-    CHECK(timersSet == 0);
+    CHECK_FALSE(hasEnded);
     CHECK(g_lngClientCount == LONG_MIN);
     REQUIRE(g_frmConfig != nullptr);
     CHECK(g_frmConfig->Handle() == g_lngConfigHwnd);

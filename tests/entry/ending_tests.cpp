@@ -2,13 +2,27 @@
 // each of these cases runs in a process of its own.
 #include <doctest.h>
 
+#include <commctrl.h>
+
 #include "platform/text.h"
 #include "tests/entry/alone.h"
 #include "tests/entry/start_journal.h"
+#include "tests/support/message_pump.h"
 
 namespace {
 
 constexpr const char* kMoments[] = {"CreateInstance", "CreatePopup", "State", "LogFile"};
+
+// Calls as clients' calls come, the next as soon as there is a result.
+LRESULT CALLBACK CallAgain(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_APP) return DefWindowProcW(hwnd, message, wParam, lParam);
+    PostMessageW(hwnd, WM_APP, 0, 0);
+    return 0;
+}
+
+BOOL WINAPI PostNothing(HWND, UINT, WPARAM, LPARAM) {
+    return FALSE;
+}
 
 }  // namespace
 
@@ -25,9 +39,7 @@ TEST_CASE("alone: ReleaseConfig with a window" * doctest::skip(true)) {
     CHECK_FALSE(IsWindow(window));
     CHECK(g_frmConfig == nullptr);
     CHECK(g_lngClientCount == 0);
-    CHECK(exits == 0);
-    REQUIRE(static_cast<bool>(endProcess));
-    CHECK(endDelay == USER_TIMER_MINIMUM);
+    CHECK(ends == 0);
 
     SUBCASE("clients that come late get an error") {
         ComPtr<IDispatch> late;
@@ -40,21 +52,39 @@ TEST_CASE("alone: ReleaseConfig with a window" * doctest::skip(true)) {
         CHECK(g_oConfig->get_ShellIconClass(&value) == CO_E_SERVER_STOPPING);
         CHECK(g_lngClientCount == 0);
     }
-    CHECK_THROWS_AS(endProcess(nullptr, WM_TIMER, 0, 0), Exit);
-    CHECK(exits == 1);
+    CHECK(ends == 0);
+    CHECK(PumpUntil([] { return ends == 1; }));
 }
 
-TEST_CASE("ReleaseConfig ends the process at once where there is no timer") {
-    CheckInOwnProcess(L"alone: ReleaseConfig without a timer");
+TEST_CASE("ReleaseConfig ends the process however many messages clients' calls leave in its queue") {
+    CheckInOwnProcess(L"alone: ReleaseConfig with a full queue");
 }
 
-TEST_CASE("alone: ReleaseConfig without a timer" * doctest::skip(true)) {
-    timersFail = true;
+TEST_CASE("alone: ReleaseConfig with a full queue" * doctest::skip(true)) {
     const NotedEnd end;
     InsideWithoutEngine inside;
     inside.Instance(FormHide);
+    const HWND client =
+        CreateWindowExW(0, WC_STATICW, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    SetWindowLongPtrW(client, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CallAgain));
+    for (int i = 0; i < 3; ++i)
+        PostMessageW(client, WM_APP, 0, 0);
     inside.control->ReleaseConfig();
-    CHECK(exits == 1);
+    CHECK(PumpUntil([] { return ends == 1; }, 5000));
+    DestroyWindow(client);
+}
+
+TEST_CASE("ReleaseConfig ends the process at once where no message can be posted") {
+    CheckInOwnProcess(L"alone: ReleaseConfig without a message");
+}
+
+TEST_CASE("alone: ReleaseConfig without a message" * doctest::skip(true)) {
+    const NotedEnd end;
+    const ImportPatch post("user32.dll", "PostMessageW", &PostNothing);
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    inside.control->ReleaseConfig();
+    CHECK(ends == 1);
     CHECK(g_frmConfig == nullptr);
 }
 
@@ -71,7 +101,7 @@ TEST_CASE("alone: ReleaseConfig without a window" * doctest::skip(true)) {
     CHECK(inside.control->ReleaseConfig() == S_OK);
     CHECK(g_frmConfig == nullptr);
     CHECK(g_lngClientCount == 1);
-    CHECK(static_cast<bool>(endProcess));
+    CHECK(PumpUntil([] { return ends == 1; }));
 }
 
 TEST_CASE("ReleaseConfig that comes in while the engine is being connected ends the start with an error") {
@@ -97,8 +127,8 @@ TEST_CASE("alone: ReleaseConfig while the engine is called" * doctest::skip(true
             CHECK(g_frmConfig == nullptr);
             CHECK(journal.Count("window") == 1);
             CHECK(FindWindowW(L"#32770", L"Calvane") == nullptr);
-            CHECK(static_cast<bool>(endProcess));
-            CHECK(exits == 0);
+            CHECK(ends == 0);
+            CHECK(PumpUntil([] { return ends == 1; }));
         }
     }
 }

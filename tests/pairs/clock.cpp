@@ -18,11 +18,6 @@ Clock::~Clock() {
 }
 
 UINT_PTR WINAPI Clock::Start(HWND owner, UINT_PTR id, UINT interval, TIMERPROC procedure) {
-    if (owner == nullptr) {
-        current->endProcess = procedure;
-        ++current->ends;
-        return 1;
-    }
     if (!IsWindow(owner)) return 0;
     Stop(owner, id);
     current->m_running.push_back({owner, id, interval, procedure});

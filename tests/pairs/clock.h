@@ -25,10 +25,6 @@ public:
 
     size_t Running() const;
 
-    // The timer without a window, with which the process ends.
-    TIMERPROC endProcess = nullptr;
-    int ends = 0;  // how often it was started
-
 private:
     struct Set {
         HWND owner;
