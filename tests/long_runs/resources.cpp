@@ -30,26 +30,15 @@ void CountHeap(Resources& held) {
     }
 }
 
-// The table of GDI objects that each process sees: its address stands in the process environment block.
-struct GdiEntry {
-    ULONGLONG object;
-    ULONG owner;
-    USHORT unique;
-    BYTE type;
-    BYTE flags;
-    ULONGLONG userPointer;
-};
-
+// Windows tells how many there are. Wine does not everywhere, but tells what lies behind the lower half of a
+// handle.
 long GdiObjects() {
-    constexpr size_t kTableOffset = 0x94;
-    using Block = const BYTE*(WINAPI*)();
-    const auto current = reinterpret_cast<Block>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")));
-    const BYTE* const block = current();
-    const auto* const table = *reinterpret_cast<const GdiEntry* const*>(block + kTableOffset);
+    if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS))
+        return static_cast<long>(count);
+    constexpr ULONG_PTR kIndexes = 0x4000;
     long count = 0;
-    for (size_t i = 0; i < 0x4000; ++i)
-        count += table[i].type != 0 ? 1 : 0;
+    for (ULONG_PTR index = 0; index < kIndexes; ++index)
+        count += GetObjectType(reinterpret_cast<HGDIOBJ>(index)) != 0 ? 1 : 0;
     return count;
 }
 
