@@ -4,21 +4,7 @@
 #   cmake -DVERSION=... -DSOURCE_DIR=... -DBUILD_DIR=... -DOUTPUT=... -DZIP=... [-DCHECK_KIT=...] -P dist.cmake
 cmake_minimum_required(VERSION 3.25)
 
-# Zip keeps times without a zone: a fixed one, as this zone shows it.
-set(ENV{TZ} UTC)
-set(kTime 202601010000.00)
-
-function(make_zip name folder)
-  file(GLOB_RECURSE files RELATIVE ${folder} ${folder}/*)
-  list(SORT files)
-  foreach(file ${files})
-    file(CHMOD ${folder}/${file} PERMISSIONS OWNER_READ OWNER_WRITE GROUP_READ WORLD_READ)
-    execute_process(COMMAND touch -t ${kTime} ${folder}/${file} COMMAND_ERROR_IS_FATAL ANY)
-  endforeach()
-  # -X leaves the owner out, -D the folders.
-  execute_process(COMMAND ${ZIP} -q -9 -X -D ${OUTPUT}/${name} ${files} WORKING_DIRECTORY ${folder}
-                  COMMAND_ERROR_IS_FATAL ANY)
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/make_zip.cmake)
 
 file(REMOVE_RECURSE ${OUTPUT})
 file(MAKE_DIRECTORY ${OUTPUT})
@@ -35,10 +21,10 @@ file(COPY ${BUILD_DIR}/documents/ DESTINATION ${work}/portable)
 file(GLOB pictures ${SOURCE_DIR}/docs/pictures/*.png)
 file(COPY ${pictures} DESTINATION ${work}/portable/docs/pictures)
 file(COPY ${SOURCE_DIR}/packaging/policy/ DESTINATION ${work}/portable/policy FILES_MATCHING PATTERN *.adm?)
-make_zip(Calvane-${VERSION}-portable.zip ${work}/portable)
+make_zip(${OUTPUT}/Calvane-${VERSION}-portable.zip ${work}/portable)
 file(COPY ${BUILD_DIR}/symbols/SentrelConfig.exe.debug ${BUILD_DIR}/symbols/CalvaneConfigLoader.exe.debug
      DESTINATION ${work}/symbols)
-make_zip(Calvane-${VERSION}-symbols.zip ${work}/symbols)
+make_zip(${OUTPUT}/Calvane-${VERSION}-symbols.zip ${work}/symbols)
 file(REMOVE_RECURSE ${work})
 
 file(GLOB files RELATIVE ${OUTPUT} ${OUTPUT}/*)

@@ -185,7 +185,7 @@ bytes=$(find "$kFolder" -type f -printf '%s\n' | awk '{ sum += $1 } END { print 
 for file in SentrelConfig.exe CalvaneConfigLoader.exe Arc.wav; do
     cmp "$BUILD_DIR/$file" "$kFolder/$file" || Fail "$file is another one"
 done
-for page in users-guide deployment settings-schema automation; do
+for page in users-guide deployment settings-schema automation windows-check; do
     file=$kFolder/docs/$page.html
     xmllint --html --noout "$file" 2>"$kWork/complaints" || Fail "$page.html is not there"
     [[ ! -s $kWork/complaints ]] || { cat "$kWork/complaints" >&2; Fail "$page.html is no proper page"; }

@@ -1,5 +1,5 @@
-// The entry of every suite: a single-threaded apartment, common controls, and the name of the running test
-// where a time-out can find it.
+// The entry of every suite: a single-threaded apartment, common controls, the name of the running test where
+// a time-out can find it, and what is not tested here.
 #define DOCTEST_CONFIG_IMPLEMENT
 #include <doctest.h>
 
@@ -32,6 +32,12 @@ struct CurrentTest : doctest::IReporter {
         }
     }
 
+    // Those that have a reason not to run here.
+    void test_case_skipped(const doctest::TestCaseData& test) override {
+        if (test.m_skip && test.m_description != nullptr)
+            std::printf("[skipped] %s: %s\n", test.m_name, test.m_description);
+    }
+
     void report_query(const doctest::QueryData&) override {}
     void test_run_start() override {}
     void test_run_end(const doctest::TestRunStats&) override {}
@@ -42,7 +48,6 @@ struct CurrentTest : doctest::IReporter {
     void subcase_end() override {}
     void log_assert(const doctest::AssertData&) override {}
     void log_message(const doctest::MessageData&) override {}
-    void test_case_skipped(const doctest::TestCaseData&) override {}
 };
 
 REGISTER_LISTENER("current", 1, CurrentTest);

@@ -7,7 +7,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 kFiles=(SentrelConfig.exe CalvaneConfigLoader.exe SentrelStandin.exe CalvaneSetup.exe
-    dist/SHA256SUMS dist/Calvane-*-portable.zip dist/Calvane-*-symbols.zip
+    dist/SHA256SUMS dist/Calvane-*-portable.zip dist/Calvane-*-symbols.zip dist/Calvane-*-check.zip
     idl/sentrel_config.tlb idl/calvane_forms.tlb idl/sentrel1.tlb idl/standin.tlb)
 
 commit=$(git rev-parse --verify "${1:-HEAD}^{commit}")

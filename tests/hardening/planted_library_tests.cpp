@@ -19,6 +19,7 @@
 #include "tests/support/message_pump.h"
 #include "tests/support/program.h"
 #include "tests/support/test_folder.h"
+#include "tests/support/wine.h"
 
 namespace {
 
@@ -46,10 +47,6 @@ void AddSystemLibrary(const std::string& name, std::set<std::string>& names) {
         AddSystemLibrary(imported, names);
 }
 
-bool OnWine() {
-    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
-}
-
 std::vector<std::wstring> LibrariesToPlant() {
     std::set<std::string> known;
     for (const char* const name : {"ADVAPI32.DLL", "COMDLG32.DLL", "GDI32.DLL", "KERNEL32.DLL", "MSVCRT.DLL",
@@ -58,7 +55,7 @@ std::vector<std::wstring> LibrariesToPlant() {
     }
     // Wine's user32.dll loads themes while it is being loaded itself, before the first instruction of the
     // program.
-    if (OnWine()) known.insert({"UXTHEME.DLL", "MSIMG32.DLL"});
+    if (RunsUnderWine()) known.insert({"UXTHEME.DLL", "MSIMG32.DLL"});
     std::vector<std::wstring> names;
     std::wistringstream words(kLoadedSometime);
     for (std::wstring name; words >> name;) {

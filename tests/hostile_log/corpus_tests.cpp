@@ -6,14 +6,8 @@
 
 namespace {
 
-// Wine shows the file system of its host as a drive.
-std::wstring CorpusFolder() {
-    const std::wstring folder = FromAnsi(CORPUS_DIR);
-    return folder.starts_with(L'/') ? L"Z:" + folder : folder;
-}
-
 long Replay(const wchar_t* name, bool (*agrees)(const std::uint8_t*, std::size_t)) {
-    const std::wstring folder = CorpusFolder() + L'\\' + name;
+    const std::wstring folder = DataFile(L"tests\\fuzz\\corpus\\") + name;
     WIN32_FIND_DATAW entry{};
     const HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &entry);
     REQUIRE(search != INVALID_HANDLE_VALUE);

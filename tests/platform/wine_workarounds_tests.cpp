@@ -11,6 +11,7 @@
 #include "platform/com/com_ptr.h"
 #include "platform/com/wine_workarounds.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/only_under_wine.h"
 
 namespace {
 
@@ -42,7 +43,8 @@ FARPROC WINAPI FindNothingOfWine(HMODULE, LPCSTR) {
 
 }  // namespace
 
-TEST_CASE("under Wine interfaces are kept until COM goes, by an object that has no other") {
+TEST_CASE("under Wine interfaces are kept until COM goes, by an object that has no other" *
+          OnlyUnderWine{"Windows needs nothing of the kind"}) {
     std::vector<Shown> shown;
     ULONG referencesWhileKept = 0;
     ULONG referencesAtEnd = 1;

@@ -6,6 +6,7 @@
 #include "tray/type_libraries.h"
 #include "tests/registration/faulty_registry.h"
 #include "tests/registration/test_server.h"
+#include "tests/support/only_under_wine.h"
 
 TEST_CASE("without rights to the machine's classes the server is registered for the user alone") {
     const CleanRegistry clean;
@@ -38,7 +39,8 @@ TEST_CASE("without rights to the machine's classes the user's own classes can be
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("what may not be removed is reported, and the user's own part is removed all the same") {
+TEST_CASE("what may not be removed is reported, and the user's own part is removed all the same" *
+          kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const Export machineWide = ExportClasses();
@@ -51,7 +53,7 @@ TEST_CASE("what may not be removed is reported, and the user's own part is remov
     CHECK(Difference(machineWide, ExportClasses()) == "");
 }
 
-TEST_CASE("a registration for the machine replaces the user's own, which would hide it") {
+TEST_CASE("a registration for the machine replaces the user's own, which would hide it" * kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const Export machineWide = ExportClasses();
@@ -64,7 +66,7 @@ TEST_CASE("a registration for the machine replaces the user's own, which would h
     CHECK(Difference(machineWide, ExportClasses()) == "");
 }
 
-TEST_CASE("a registration that fails at any of its steps undoes what it wrote") {
+TEST_CASE("a registration that fails at any of its steps undoes what it wrote" * kAsAdministrator) {
     const CleanRegistry clean;
     Faults faults;
     SUBCASE("On a machine that knows nothing of the server") {}

@@ -3,9 +3,11 @@
 
 #include "platform/executable_path.h"
 #include "tests/registration/test_server.h"
+#include "tests/support/only_under_wine.h"
 
 TEST_CASE(
-    "a registered class names its server, quoted and as it stands, its program id and its type library") {
+    "a registered class names its server, quoted and as it stands, its program id and its type library" *
+    kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const std::wstring key = kFirstKey;
@@ -25,7 +27,7 @@ TEST_CASE(
     CHECK(RegisteredLibraryPath() == ExecutablePath());
 }
 
-TEST_CASE("the marshaler finds the interfaces of a registered type library") {
+TEST_CASE("the marshaler finds the interfaces of a registered type library" * kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     // The interface of ConfigControl, and the marshaler for dual interfaces.
@@ -36,7 +38,7 @@ TEST_CASE("the marshaler finds the interfaces of a registered type library") {
           L"{00020424-0000-0000-C000-000000000046}");
 }
 
-TEST_CASE("unregistering removes exactly what registering wrote") {
+TEST_CASE("unregistering removes exactly what registering wrote" * kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     CHECK(ExportClasses() != clean.before);
@@ -44,7 +46,7 @@ TEST_CASE("unregistering removes exactly what registering wrote") {
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("registering twice leaves what registering once leaves") {
+TEST_CASE("registering twice leaves what registering once leaves" * kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const Export once = ExportClasses();
@@ -55,7 +57,7 @@ TEST_CASE("registering twice leaves what registering once leaves") {
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("registering from another folder replaces the paths") {
+TEST_CASE("registering from another folder replaces the paths" * kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const Export here = ExportClasses();
@@ -69,7 +71,7 @@ TEST_CASE("registering from another folder replaces the paths") {
     CHECK(Difference(here, ExportClasses()) == "");
 }
 
-TEST_CASE("a registration from a folder that is gone is removed all the same") {
+TEST_CASE("a registration from a folder that is gone is removed all the same" * kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     std::wstring other = kOtherServer;
@@ -78,7 +80,7 @@ TEST_CASE("a registration from a folder that is gone is removed all the same") {
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("a registration of which parts are missing is removed") {
+TEST_CASE("a registration of which parts are missing is removed" * kAsAdministrator) {
     const CleanRegistry clean;
     REQUIRE(RegisterServer(TestServer()) == S_OK);
     const std::wstring classes = L"Software\\Classes\\";
@@ -104,7 +106,7 @@ TEST_CASE("a registration of which parts are missing is removed") {
     CHECK(Difference(clean.before, ExportClasses()) == "");
 }
 
-TEST_CASE("what somebody else keeps in the keys stays") {
+TEST_CASE("what somebody else keeps in the keys stays" * kAsAdministrator) {
     const CleanRegistry clean;
     const std::wstring progId = L"Software\\Classes\\RegistrationTests.First";
     REQUIRE(RegisterServer(TestServer()) == S_OK);

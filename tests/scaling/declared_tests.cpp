@@ -6,14 +6,12 @@
 
 #include <cstdlib>
 #include <fstream>
-#include <sstream>
 
 #include "tests/accessibility/surfaces.h"
+#include "tests/support/test_folder.h"
 #include "tests/window/other_process.h"
 
 namespace {
-
-constexpr char kDeclared[] = "Z:" SOURCE_DIR "/docs/pictures/layout.txt";
 
 // A spin control takes part of its text box, as much as the system's scroll bars need: the two count as one.
 RECT WithSpin(HWND control) {
@@ -55,8 +53,8 @@ std::string Layout() {
         text += Utf8(surface.name) + '\n';
         for (const HWND control : surface.controls) {
             if (RoleOf(control) == Role::Spin) continue;
-            text +=
-                "    " + Utf8(ClassOf(control) + L" \"" + CaptionOf(control)) + "\": " + PlaceOf(control) + '\n';
+            text += "    " + Utf8(ClassOf(control) + L" \"" + CaptionOf(control)) +
+                    "\": " + PlaceOf(control) + '\n';
         }
     });
     return text;
@@ -68,7 +66,5 @@ TEST_CASE("the controls and their places are those of the pictures") {
     const std::string layout = Layout();
     if (const char* const copy = std::getenv("LAYOUT_COPY"); copy != nullptr)
         std::ofstream(copy, std::ios::binary) << layout;
-    std::ostringstream declared;
-    declared << std::ifstream(kDeclared, std::ios::binary).rdbuf();
-    CHECK(layout == declared.str());
+    CHECK(layout == BytesOf(DataFile(L"docs\\pictures\\layout.txt")));
 }

@@ -2,7 +2,6 @@
 // life of the process, so that each of these cases runs in a process of its own.
 #include <doctest.h>
 
-#include <iterator>
 #include <string>
 
 #include "platform/handle.h"
@@ -11,32 +10,9 @@
 #include "tests/support/program.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
+#include "tests/support/user_locale.h"
 
 namespace {
-
-// One entry of the user's locale, until the test ends.
-class LocaleEntry {
-public:
-    LocaleEntry(LCTYPE what, const wchar_t* text) : m_what(what) {
-        GetLocaleInfoW(LOCALE_USER_DEFAULT, m_what, m_before, static_cast<int>(std::size(m_before)));
-        REQUIRE(SetLocaleInfoW(LOCALE_USER_DEFAULT, m_what, text));
-    }
-    LocaleEntry(const LocaleEntry&) = delete;
-    LocaleEntry& operator=(const LocaleEntry&) = delete;
-    ~LocaleEntry() { SetLocaleInfoW(LOCALE_USER_DEFAULT, m_what, m_before); }
-
-private:
-    const LCTYPE m_what;
-    wchar_t m_before[8] = {};
-};
-
-// A conversion takes the separators of sums of money as well.
-struct CommaLocale {
-    const LocaleEntry decimal{LOCALE_SDECIMAL, L","};
-    const LocaleEntry thousand{LOCALE_STHOUSAND, L"."};
-    const LocaleEntry decimalOfMoney{LOCALE_SMONDECIMALSEP, L","};
-    const LocaleEntry thousandOfMoney{LOCALE_SMONTHOUSANDSEP, L"."};
-};
 
 constexpr wchar_t kRanEvent[] = L"CalvaneDecimalCommaTestRan";
 
@@ -47,7 +23,7 @@ struct NotedStart {
 };
 
 void CheckWithComma(const std::wstring& name) {
-    const CommaLocale locale;
+    const Separators comma(L",", L".");
     const FileHandle ran(CreateEventW(nullptr, TRUE, FALSE, kRanEvent));
     CHECK(RunProgram(L"tests\\settings_transfer_tests.exe",
                      L"--no-skip --minimal \"--test-case=" + name + L"\"") == 0);

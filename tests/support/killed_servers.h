@@ -2,5 +2,5 @@
 #pragma once
 
 // COM itself notices that a server has ended. Wine's does not, and would send every later client to the dead
-// one: there its service, which Windows refuses to stop, is stopped and started again.
+// one: there its service is stopped and started again.
 void ForgetKilledServers();

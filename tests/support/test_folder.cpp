@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "platform/handle.h"
+#include "store/server_directory.h"
 
 namespace {
 
@@ -61,6 +62,10 @@ std::wstring TestFolder::Write(const std::wstring& name, std::string_view bytes)
     const std::wstring path = Path(name);
     WriteAll(Open(path, GENERIC_WRITE, CREATE_ALWAYS).Get(), bytes);
     return path;
+}
+
+std::wstring DataFile(const std::wstring& path) {
+    return ServerDirectory() + L"\\data\\" + path;
 }
 
 bool FileExists(const std::wstring& path) {

@@ -21,6 +21,9 @@ private:
     std::wstring m_path;
 };
 
+// The path of a file of the source tree that was put beside the test programs.
+std::wstring DataFile(const std::wstring& path);
+
 bool FileExists(const std::wstring& path);
 std::string BytesOf(const std::wstring& path);
 void Append(const std::wstring& path, std::string_view bytes);

@@ -11,6 +11,7 @@
 #include "tests/support/automation.h"
 #include "tests/support/manager.h"
 #include "tests/support/shown_text.h"
+#include "tests/support/wine.h"
 #include "tests/window/other_process.h"
 #include "tests/window/test_manager.h"
 
@@ -31,18 +32,20 @@ public:
     ~NoRegisteredEngine() { Move(m_hidden, m_server); }
 
 private:
+    // Under Wine classes are registered for the machine, on Windows for the user.
     static void Move(const std::wstring& from, const std::wstring& to) {
+        const HKEY hive = RunsUnderWine() ? HKEY_LOCAL_MACHINE : HKEY_CURRENT_USER;
         const std::wstring classes = L"Software\\Classes\\CLSID\\";
         HKEY created = nullptr;
-        if (RegCreateKeyExW(HKEY_LOCAL_MACHINE, (classes + to).c_str(), 0, nullptr, 0, KEY_ALL_ACCESS,
-                            nullptr, &created, nullptr) != ERROR_SUCCESS) {
+        if (RegCreateKeyExW(hive, (classes + to).c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &created,
+                            nullptr) != ERROR_SUCCESS) {
             throw std::runtime_error("the engine's registration cannot be written");
         }
         const RegistryKey key(created);
-        if (RegCopyTreeW(HKEY_LOCAL_MACHINE, (classes + from).c_str(), key.Get()) != ERROR_SUCCESS) {
+        if (RegCopyTreeW(hive, (classes + from).c_str(), key.Get()) != ERROR_SUCCESS) {
             throw std::runtime_error("the engine is not registered");
         }
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (classes + from).c_str());
+        RegDeleteTreeW(hive, (classes + from).c_str());
     }
 
     const std::wstring m_server = GuidText(__uuidof(SentrelApp));

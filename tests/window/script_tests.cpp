@@ -3,7 +3,6 @@
 
 #include <windows.h>
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "platform/handle.h"
@@ -15,14 +14,6 @@
 
 namespace {
 
-// The path of a script of the source folder, as Windows spells it.
-std::wstring ScriptPath(const std::wstring& name) {
-    std::wstring path = FromAnsi(TEST_SOURCE_DIR "/scripts/") + name;
-    std::replace(path.begin(), path.end(), L'/', L'\\');
-    // Under Wine the drive Z is the root of the file system.
-    return path.front() == L'\\' ? L"Z:" + path : path;
-}
-
 // Runs a script to its end; returns its exit code, and what it wrote. A server that the script's process
 // starts inherits its output, so that this must be a file.
 DWORD RunScript(const std::wstring& name, std::string& output) {
@@ -32,7 +23,7 @@ DWORD RunScript(const std::wstring& name, std::string& output) {
     FileHandle file(CreateFileW(outputPath.c_str(), GENERIC_WRITE,
                                 FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, &inheritable,
                                 CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    std::wstring commandLine = L"cscript.exe //nologo \"" + ScriptPath(name) + L'"';
+    std::wstring commandLine = L"cscript.exe //nologo \"" + DataFile(L"tests\\scripts\\" + name) + L'"';
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
