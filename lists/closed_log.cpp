@@ -15,6 +15,7 @@
 namespace {
 
 constexpr size_t kMaxEntries = 25;
+constexpr UINT kAgainInterval = 100;  // milliseconds
 
 // Whether different lines of this kind are different texts in every ANSI code page, and none ends early.
 bool IsPlain(std::string_view line) {
@@ -29,17 +30,20 @@ ClosedLog::ClosedLog(LogControls& controls, ListBox& lstExclude, std::function<s
     : m_controls(controls),
       m_lstExclude(lstExclude),
       m_logFile(std::move(logFile)),
-      m_markChanged(std::move(markChanged)) {
+      m_markChanged(std::move(markChanged)),
+      m_tmAgain(kAgainInterval) {
     m_controls.cmdRefreshLog.Click = [this] { cmdRefreshLog_Click(); };
     m_controls.cmdAddTo.Click = [this] { cmdAddTo_Click(); };
     m_controls.cmdClearList.Click = [this] { cmdClearList_Click(); };
+    m_tmAgain.Tick = [this] { ResumeNext([this] { ReadClosedLog(); }); };
 }
 
 void ClosedLog::ReadClosedLog() {
+    m_tmAgain.Stop();
     const Generation::Mark reading = m_readings.Begin();
     const RedrawPause pause(m_controls.lstClosedWnd);
     m_controls.lstClosedWnd.Clear();
-    const LogFile log(m_logFile());
+    const ::LogFile log(LogFile());
     if (!reading.IsCurrent()) return;
     try {
         bool arePlain = true;
@@ -53,6 +57,16 @@ void ClosedLog::ReadClosedLog() {
             kMaxEntries);
     } catch (const std::bad_alloc&) {
         throw AutomationError(E_OUTOFMEMORY);
+    }
+}
+
+std::wstring ClosedLog::LogFile() {
+    try {
+        return m_logFile();
+    } catch (const AutomationError& error) {
+        if (error.Code() == RPC_E_CANTCALLOUT_ININPUTSYNCCALL)
+            m_tmAgain.Start(m_controls.lstClosedWnd.Hwnd());
+        throw;
     }
 }
 

@@ -11,6 +11,7 @@
 #include "platform/controls/label.h"
 #include "platform/controls/list_box.h"
 #include "platform/generation.h"
+#include "platform/timer.h"
 
 struct LogControls {
     Label Label6{L"Label6", IDC_LABEL6};
@@ -32,9 +33,10 @@ public:
     ClosedLog& operator=(const ClosedLog&) = delete;
 
     // Fills the list with the 25 newest distinct lines of the log, newest first. A missing log is created
-    // empty. A reading that comes in while the engine is asked for the path takes the place of the one under way.
-    // Throws AutomationError when the path is not to be had or the log cannot be read: the list then
-    // holds the lines that were read before.
+    // empty. A reading that comes in while the engine is asked for the path takes the place of the one under
+    // way. Throws AutomationError when the path is not to be had or the log cannot be read: the list then
+    // holds the lines that were read before. Where Windows lets no call out to the engine, since this thread
+    // handles a message that another program has sent, the log is read again soon afterwards.
     void ReadClosedLog();
 
     // The first row that equals text exactly; -1 when none does.
@@ -45,6 +47,8 @@ public:
     void cmdClearList_Click();
 
 private:
+    std::wstring LogFile();
+
     // arePlain: no two of the lines so far can be the same text. Returns whether the line became a row.
     bool AddEntry(std::string_view line, bool arePlain);
 
@@ -53,4 +57,5 @@ private:
     const std::function<std::wstring()> m_logFile;
     const Event m_markChanged;
     Generation m_readings;
+    Timer m_tmAgain;
 };

@@ -56,6 +56,10 @@ struct TokenTraits : NullHandleTraits<HANDLE> {
     static void Close(Type handle) noexcept { CloseHandle(handle); }
 };
 
+struct EventTraits : NullHandleTraits<HANDLE> {
+    static void Close(Type handle) noexcept { CloseHandle(handle); }
+};
+
 struct RegistryKeyTraits : NullHandleTraits<HKEY> {
     static void Close(Type handle) noexcept { RegCloseKey(handle); }
 };
@@ -82,6 +86,7 @@ struct GlobalMemoryTraits : NullHandleTraits<HGLOBAL> {
 
 using FileHandle = UniqueHandle<FileHandleTraits>;
 using TokenHandle = UniqueHandle<TokenTraits>;
+using EventHandle = UniqueHandle<EventTraits>;
 using RegistryKey = UniqueHandle<RegistryKeyTraits>;
 using IconHandle = UniqueHandle<IconTraits>;
 using MenuHandle = UniqueHandle<MenuTraits>;

@@ -7,12 +7,11 @@
 #include "platform/automation_error.h"
 #include "platform/com/bstr.h"
 #include "platform/com/variant.h"
+#include "tray/patient_calls.h"
 
 namespace {
 
 constexpr UINT kMenuInterval = 500;
-constexpr UINT kAgainInterval = 100;
-constexpr int kTriesAgain = 100;
 constexpr LONG kManagerMode = 2;
 
 enum EngineState : LONG {
@@ -48,25 +47,30 @@ EngineControl::EngineControl(TrayMenu& menu, Event animate, Event announce)
 void EngineControl::Connect(HWND configHwnd, LONG formReferenceAddress) {
     const Generation::Mark connection = m_connections.Begin();
     m_configHwnd = configHwnd;
+    PatientCalls calls(connection);
     ComPtr<_SentrelApp> application;
     ResumeNext([&] {
-        ThrowIfFailed(
-            CoCreateInstance(__uuidof(SentrelApp), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&application)));
+        calls.Make([&] {
+            ThrowIfFailed(CoCreateInstance(__uuidof(SentrelApp), nullptr, CLSCTX_LOCAL_SERVER,
+                                           IID_PPV_ARGS(&application)));
+        });
     });
     if (!connection.IsCurrent()) return;
     m_application = application;
     ComPtr<_Popup> popup;
     ResumeNext([&] {
         if (!application) RaiseError(ErrorNumber::ObjectNotSet);
-        LONG mode = kManagerMode;
-        ThrowIfFailed(
-            application->CreatePopup(HandleToLong(configHwnd), formReferenceAddress, &mode, &popup));
+        calls.Make([&] {
+            LONG mode = kManagerMode;
+            ThrowIfFailed(
+                application->CreatePopup(HandleToLong(configHwnd), formReferenceAddress, &mode, &popup));
+        });
     });
     if (!connection.IsCurrent()) return;
     m_oPopup = popup;
-    ResumeNext([&] { ConnectEvents(); });
+    ResumeNext([&] { calls.Make([&] { ConnectEvents(); }); });
     if (!connection.IsCurrent()) return;
-    ResumeNext([&] { ReadState(); });
+    ResumeNext([&] { calls.Make([&] { ReadState(); }); });
 }
 
 void EngineControl::ConnectEvents() {
@@ -81,7 +85,8 @@ void EngineControl::ConnectEvents() {
     handlers[kStoppedEvent] = [this](const DISPPARAMS&) { m_oPopup_Stopped(); };
     auto popupEvents =
         std::make_unique<EventConnection>(Engine().Get(), __uuidof(__Popup), std::move(handlers));
-    if (connection.IsCurrent()) m_popupEvents = std::move(popupEvents);
+    if (!connection.IsCurrent()) return m_leave.Release(std::move(popupEvents), nullptr);
+    m_popupEvents = std::move(popupEvents);
 }
 
 void EngineControl::ReadState() {
@@ -156,7 +161,7 @@ bool EngineControl::HasGiven(Order& order) {
 
 std::wstring EngineControl::LogFile() {
     BstrHandle path;
-    ThrowIfFailed(Engine()->get_LogFile(path.Put()));
+    PatientCalls(m_connections.Current()).Make([&] { ThrowIfFailed(Engine()->get_LogFile(path.Put())); });
     return std::wstring(ViewOf(path.Get()));
 }
 

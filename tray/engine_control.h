@@ -26,10 +26,10 @@ public:
     EngineControl(const EngineControl&) = delete;
     EngineControl& operator=(const EngineControl&) = delete;
 
-    // Creates the engine and puts its state into the menu. Every failure is ignored: without an engine the
-    // menu stays as it is. configHwnd: the configuration window, which also owns the timer of the commands.
-    // formReferenceAddress: the address of a variable that holds a reference to the window's object, valid
-    // during the call.
+    // Creates the engine and puts its state into the menu. Waits for one that is busy, for about ten seconds
+    // at most. Every failure is ignored: without an engine the menu stays as it is. configHwnd: the
+    // configuration window, which also owns the timer of the commands. formReferenceAddress: the address of a
+    // variable that holds a reference to the window's object, valid during the call.
     void Connect(HWND configHwnd, LONG formReferenceAddress);
 
     // Disconnects the events and lets go of the engine, in this order; the engine is not stopped. What is
@@ -45,7 +45,7 @@ public:
     // and done runs behind the last try. It does not run once the engine has been released.
     void ReloadSettings(Event done);
 
-    // Throws AutomationError when there is no engine (91) or it fails.
+    // Waits likewise. Throws AutomationError when there is no engine (91) or it fails.
     std::wstring LogFile();
 
     // The engine; null when there is none.

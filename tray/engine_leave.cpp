@@ -4,18 +4,7 @@
 
 #include "platform/automation_error.h"
 #include "platform/com/server_process.h"
-
-namespace {
-
-constexpr UINT kAgainInterval = 100;
-constexpr int kTriesAgain = 100;
-
-}  // namespace
-
-bool IsRefusedForNow(HRESULT result) {
-    return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER ||
-           result == RPC_E_CANTCALLOUT_ININPUTSYNCCALL;
-}
+#include "tray/patient_calls.h"
 
 EngineLeave::EngineLeave() : m_tmAgain(kAgainInterval) {
     m_tmAgain.Tick = [this] { TakeAgain(); };

@@ -11,10 +11,6 @@
 #include "platform/timer.h"
 #include "sentrel1.h"
 
-// A busy engine may refuse to be called, and so may Windows while this thread handles a message that another
-// program has sent: an engine's call with this result is worth another try a message later.
-bool IsRefusedForNow(HRESULT result);
-
 // The window may be gone already when a refused leave is taken; the process waits for it. After about ten
 // seconds the engine is left without.
 class EngineLeave {

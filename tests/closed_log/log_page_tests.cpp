@@ -5,6 +5,7 @@
 #include "platform/automation_error.h"
 #include "lists/message.h"
 #include "tests/closed_log/log_page.h"
+#include "tests/support/message_pump.h"
 #include "tests/support/plain_log.h"
 #include "tests/support/shown_text.h"
 
@@ -103,6 +104,31 @@ TEST_CASE_FIXTURE(LogPage, "the path is asked for at every reading, after the li
     };
     log.ReadClosedLog();
     CHECK(RowsOf(lstClosedWnd) == Rows{L"C"});
+}
+
+TEST_CASE_FIXTURE(LogPage, "a log that is asked for in a message from another program is read behind that") {
+    Show("A\r\n");
+    int refused = 0;
+    onPathAsked = [&] {
+        if (refused < 2) {
+            ++refused;
+            throw AutomationError(RPC_E_CANTCALLOUT_ININPUTSYNCCALL);
+        }
+    };
+    pathAsked = 0;
+    Click(cmdRefreshLog);
+    CHECK(RowsOf(lstClosedWnd).empty());
+    CHECK(PumpUntil([&] { return RowsOf(lstClosedWnd) == Rows{L"A"}; }));
+    PumpFor(300);
+    CHECK(pathAsked == 3);
+    CHECK(changes == 0);
+}
+
+TEST_CASE_FIXTURE(LogPage, "a log that the engine cannot tell of is asked for once") {
+    onPathAsked = [] { throw AutomationError(RPC_E_DISCONNECTED); };
+    Click(cmdRefreshLog);
+    PumpFor(300);
+    CHECK(pathAsked == 1);
 }
 
 TEST_CASE_FIXTURE(LogPage, "the log itself is never changed") {

@@ -231,8 +231,9 @@ TEST_CASE_FIXTURE(EngineFixture, "what a missing engine is asked fails with numb
     CHECK(engine.Popup() == nullptr);
 }
 
-TEST_CASE_FIXTURE(EngineFixture,
-                  "a failing engine's error is passed on where it is asked for its log, and ignored elsewhere") {
+TEST_CASE_FIXTURE(
+    EngineFixture,
+    "a failing engine's error is passed on where it is asked for its log, and ignored elsewhere") {
     Connect();
     for (const HRESULT failure : kFailures) {
         CAPTURE(failure);

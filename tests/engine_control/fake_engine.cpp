@@ -125,6 +125,8 @@ private:
         const ComPtr<_Popup> self(this);
         const BehindCall behind(m_engine.script, "Unadvise");
         m_engine.script.Run(m_engine.script.within, "Unadvise");
+        const auto refused = m_engine.script.results.find("Unadvise");
+        if (refused != m_engine.script.results.end()) return refused->second;
         return sinks.erase(cookie) == 0 ? CONNECT_E_NOCONNECTION : S_OK;
     }
     STDMETHODIMP EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }

@@ -9,6 +9,13 @@ namespace {
 const HRESULT kRefusals[] = {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER,
                              RPC_E_CANTCALLOUT_ININPUTSYNCCALL};
 
+DWORD waited = 0;  // milliseconds
+
+HRESULT WINAPI NoteWait(DWORD, DWORD milliseconds, ULONG, HANDLE*, DWORD*) {
+    waited += milliseconds;
+    return RPC_S_CALLPENDING;
+}
+
 struct RefusingEngine : EngineFixture {
     // Refuses the next calls of the member.
     void Refuse(const std::string& member, HRESULT refusal, int times) {
@@ -123,6 +130,99 @@ TEST_CASE_FIXTURE(RefusingEngine, "an engine that stays busy is given up after a
     Reload();
     REQUIRE(PumpUntil([&] { return done == 1; }, 60000));
     CHECK(server.script.calls == Calls(101, "ReloadSettings"));
+}
+
+// Counted from the call that is refused: those before it are made once.
+TEST_CASE_FIXTURE(RefusingEngine,
+                  "each call that connects to a busy engine is made until the engine takes it") {
+    const Calls kConnecting{"CreateInstance", "CreatePopup", "Advise", "State"};
+    for (const HRESULT refusal : {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER}) {
+        for (const std::string& member : kConnecting) {
+            CAPTURE(refusal);
+            CAPTURE(member);
+            server.script.calls.clear();
+            Refuse(member, refusal, 3);
+            menu.EnableStoppedMenu();
+            Connect();
+            Calls expected;
+            for (const std::string& call : kConnecting)
+                expected.insert(expected.end(), call == member ? 4 : 1, call);
+            CHECK(server.script.calls == expected);
+            CHECK(server.ConnectionCount() == 1);
+            CHECK(Enabled() == kRunning);
+            engine.Disconnect(window.Hwnd(), 0x1234);
+            CHECK(server.popup == nullptr);
+        }
+    }
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "the path of the log is asked for until a busy engine tells it") {
+    ConnectQuietly();
+    Refuse("LogFile", RPC_E_CALL_REJECTED, 3);
+    CHECK(engine.LogFile() == server.script.logFile);
+    CHECK(server.script.calls == Calls(4, "LogFile"));
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "an engine that stays busy holds the window up for a bounded time in all") {
+    // Of the hundred tries, creating takes up one half.
+    Refuse("CreateInstance", RPC_E_CALL_REJECTED, 50);
+    server.script.results["CreatePopup"] = RPC_E_SERVERCALL_RETRYLATER;
+    waited = 0;
+    const ImportPatch wait("ole32.dll", "CoWaitForMultipleHandles", &NoteWait);
+    Connect();
+    CHECK(waited == 10000);
+    CHECK(server.script.Count("CreateInstance") == 51);
+    CHECK(server.script.Count("CreatePopup") == 51);
+    CHECK(engine.Popup() == nullptr);
+}
+
+TEST_CASE_FIXTURE(RefusingEngine,
+                  "while a busy engine is waited for, calls and paint messages come in, and no clicks") {
+    ConnectQuietly();
+    Refuse("LogFile", RPC_E_CALL_REJECTED, 10);
+    InvalidateRect(window.Hwnd(), nullptr, TRUE);
+    PostMessageW(window.Hwnd(), WM_LBUTTONDOWN, 0, 0);
+    engine.LogFile();
+    MSG message;
+    CHECK_FALSE(GetUpdateRect(window.Hwnd(), nullptr, FALSE));
+    CHECK(PeekMessageW(&message, window.Hwnd(), WM_LBUTTONDOWN, WM_LBUTTONDOWN, PM_REMOVE));
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "a wait for a busy engine ends when the engine is released") {
+    for (const std::string member : {"CreateInstance", "CreatePopup", "Advise", "State"}) {
+        CAPTURE(member);
+        server.script.calls.clear();
+        server.script.results[member] = RPC_E_CALL_REJECTED;
+        server.script.within[member] = [&] {
+            if (server.script.Count(member) == 3) engine.Disconnect(window.Hwnd(), 0x1234);
+        };
+        Connect();
+        CHECK(server.script.Count(member) == 3);
+        CHECK(engine.Popup() == nullptr);
+        CHECK(server.popup == nullptr);
+        server.script.results.clear();
+        server.script.within.clear();
+    }
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "in a sent message no call of the engine is waited for") {
+    server.script.results["CreateInstance"] = RPC_E_CANTCALLOUT_ININPUTSYNCCALL;
+    Connect();
+    CHECK(server.script.calls == Calls{"CreateInstance"});
+}
+
+TEST_CASE_FIXTURE(RefusingEngine,
+                  "events that are connected too late are disconnected even where that is refused") {
+    server.script.behind["Advise"] = [&] {
+        engine.Disconnect(window.Hwnd(), 0x1234);
+        server.script.results["Unadvise"] = RPC_E_CALL_REJECTED;
+    };
+    server.script.within["Unadvise"] = [this, times = 2]() mutable {
+        if (times-- == 0) server.script.results.erase("Unadvise");
+    };
+    Connect();
+    CHECK(PumpUntil([&] { return server.popup == nullptr; }));
+    CHECK(server.script.Count("Popup gone") == 1);
 }
 
 TEST_CASE_FIXTURE(RefusingEngine,
