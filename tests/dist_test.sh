@@ -9,6 +9,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 kWork=$WINEPREFIX/work
 kTarget=i686-w64-mingw32
 kSigned="$kWork/signed build"
+kInstalled="$WINEPREFIX/drive_c/Program Files/Calvane"
+! Is64Bit || kInstalled="$WINEPREFIX/drive_c/Program Files (x86)/Calvane"
 
 Fail() {
     echo "FAILED: $*" >&2
@@ -47,7 +49,7 @@ Runs cmake -S . -B "$kSigned" -G Ninja --toolchain cmake/mingw-i686.cmake -DCMAK
 Runs cmake --build "$kSigned" --target dist
 Runs Wine 60 "$kSigned/CalvaneSetup.exe" /S
 for file in "$kSigned"/{SentrelConfig,CalvaneConfigLoader,CalvaneSetup}.exe "$kSigned"/dist/CalvaneSetup-*.exe \
-    "$WINEPREFIX/drive_c/Program Files/Calvane"/{SentrelConfig,CalvaneConfigLoader,Uninstall}.exe; do
+    "$kInstalled"/{SentrelConfig,CalvaneConfigLoader,Uninstall}.exe; do
     Runs osslsigncode verify -CAfile "$kWork/certificate.pem" -in "$file"
     grep -q '^Signature verification: ok' "$kWork/output" || Fail "$file bears no valid signature"
 done
@@ -69,7 +71,7 @@ for program in SentrelConfig CalvaneConfigLoader; do
     cmp <(unzip -p "Calvane-$version-portable.zip" $program.exe) "$kSigned/$program.exe" || Fail "$program.exe is another one"
 done
 SameLines "the portable zip has not what is installed" \
-    <(cd "$WINEPREFIX/drive_c/Program Files/Calvane" && find . -type f ! -name Uninstall.exe -printf '%P\n' | sort) \
+    <(cd "$kInstalled" && find . -type f ! -name Uninstall.exe -printf '%P\n' | sort) \
     <(Names "Calvane-$version-portable.zip" | sort)
 SameLines "the symbols" <(printf '%s.exe.debug\n' CalvaneConfigLoader SentrelConfig) <(Names "Calvane-$version-symbols.zip")
 echo "ok: the folder is complete"

@@ -7,8 +7,19 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . tools/wine.sh
 
 kSetup=$BUILD_DIR/CalvaneSetup.exe
-kInstalled='C:\Program Files\Calvane'
-kFolder=$WINEPREFIX/drive_c/Program\ Files/Calvane
+# The installer, the manager and what looks at their work are programs of 32 bits.
+kPrograms='Program Files'
+kSystem='C:\windows\system32'
+kViews=(32)
+if Is64Bit; then
+    kPrograms='Program Files (x86)'
+    kSystem='C:\windows\syswow64'
+    kViews=(32 64)
+fi
+kInstalled="C:\\$kPrograms\\Calvane"
+kFolder=$WINEPREFIX/drive_c/$kPrograms/Calvane
+kReg=$kSystem\\reg.exe
+kCScript=$kSystem\\cscript.exe
 kStartMenu=$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start\ Menu/Programs
 kUninstallKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Calvane'
 kSettingsKey='HKCU\Software\Calvane\Settings'
@@ -45,7 +56,7 @@ WaitFor() {
 
 # Stored KEY VALUE: its data; nothing when there is none.
 Stored() {
-    Wine 60 reg query "$1" /v "$2" >"$kWork/query" 2>/dev/null || return 0
+    Wine 60 "$kReg" query "$1" /v "$2" >"$kWork/query" 2>/dev/null || return 0
     tr -d '\r' <"$kWork/query" | sed -n "s/^ *$2 *REG_[A-Z]* *//p"
 }
 
@@ -143,7 +154,7 @@ Set control = CreateObject("SentrelConfig.ConfigControl")
 Set config = control.ConfigInstance(CLng($1))
 WScript.Echo "handle " & config.ConfigHwnd
 VBS
-    Exits 0 cscript //nologo "Z:${kWork//\//\\}\\client.vbs"
+    Exits 0 "$kCScript" //nologo "Z:${kWork//\//\\}\\client.vbs"
     grep -Eq '^handle [1-9][0-9]*' "$kWork/output" || { cat "$kWork/output"; Fail "the script client got no window"; }
 }
 
@@ -154,19 +165,17 @@ WriteRunValue() {
         printf '"%s"=hex(1):%s\r\n' "$kRunValue" \
             "$(printf '%s' "$1" | od -An -v -tx1 | tr -s ' \n' ',' | sed 's/^,//; s/,$//')"
     } >"$kWork/run.reg"
-    Exits 0 reg import "Z:${kWork//\//\\}\\run.reg"
+    Exits 0 "$kReg" import "Z:${kWork//\//\\}\\run.reg"
 }
 
 MakePrefix "$WINEPREFIX"
 UsePrefix "$WINEPREFIX"
 mkdir -p "$kWork"
 UseWindowManager N
-Exits 1 reg query 'HKCR\SentrelConfig.ConfigControl'
-kViews=(32)
-[[ ! -d $WINEPREFIX/drive_c/windows/syswow64 ]] || kViews+=(64)
+Exits 1 "$kReg" query 'HKCR\SentrelConfig.ConfigControl'
 # What Wine itself stores with the first script and the first window.
 echo 'WScript.Echo "ready"' >"$kWork/ready.vbs"
-Exits 0 cscript //nologo "Z:${kWork//\//\\}\\ready.vbs"
+Exits 0 "$kCScript" //nologo "Z:${kWork//\//\\}\\ready.vbs"
 Exits 0 "$BUILD_DIR/CalvaneConfigLoader.exe" /release
 Snapshot before
 
@@ -333,7 +342,7 @@ WaitFor 20 UninstallerEnded
 Equal "the rest of the folder" "$(ls "$kFolder")" mine.txt
 rm -r "$kFolder"
 Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" 'C:\Other\CalvaneConfigLoader.exe'
-Exits 0 reg delete "$kRunKey" /v "$kRunValue" /f
+Exits 0 "$kReg" delete "$kRunKey" /v "$kRunValue" /f
 rm -r "$WINEPREFIX/drive_c/Other"
 Snapshot purged
 SameAsBefore purged
@@ -381,11 +390,11 @@ for folder in 'Closed\Empty' 'Closed\New\Calvane'; do
     [[ $(stat -c %A "$unix") != ????????w? ]] || Fail "$folder is not protected"
     # A policy's value is in quotes, and on a 64-bit system not in the view that the manager writes; it goes too.
     for view in "${kViews[@]}"; do
-        Exits 0 reg add "$kRunKey" /v "$kRunValue" /d "\"C:\\$folder\\CalvaneConfigLoader.exe\"" /f "/reg:$view"
+        Exits 0 "$kReg" add "$kRunKey" /v "$kRunValue" /d "\"C:\\$folder\\CalvaneConfigLoader.exe\"" /f "/reg:$view"
     done
     Exits 0 "C:\\$folder\\Uninstall.exe" /S "_?=C:\\$folder"
     for view in "${kViews[@]}"; do
-        Exits 1 reg query "$kRunKey" /v "$kRunValue" "/reg:$view"
+        Exits 1 "$kReg" query "$kRunKey" /v "$kRunValue" "/reg:$view"
     done
 done
 echo "ok: folders that users may change are refused or protected"

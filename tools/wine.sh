@@ -51,11 +51,15 @@ UsePrefix() {
     prefixesInUse+=("$1")
 }
 
+# Is64Bit: whether the Windows in $WINEPREFIX has 64 bits. Programs of 32 bits have folders and registry keys of their own
+# there.
+Is64Bit() { [[ -d $WINEPREFIX/drive_c/windows/syswow64 ]]; }
+
 # Fills $WINEPREFIX and says whether a 32-bit program runs in it.
 FillPrefix() {
     local system=system32 code=0
     Wine 180 wineboot -i || true
-    [[ ! -d $WINEPREFIX/drive_c/windows/syswow64 ]] || system=syswow64
+    ! Is64Bit || system=syswow64
     Wine 60 "C:\\windows\\$system\\cmd.exe" /c exit 42 || code=$?
     ((code != 42)) || Unattended Y
     StopWine
@@ -66,7 +70,7 @@ FillPrefix() {
 TemplateState() {
     "$wineCommand" --version 2>/dev/null || true
     stat -Lc '%n %s %Y' "${kFonts[@]}" 2>/dev/null || true
-    declare -f MakeTemplate FillPrefix Unattended SetRegistryValue OwnUserFolders OwnFonts | cksum
+    declare -f MakeTemplate FillPrefix Is64Bit Unattended SetRegistryValue OwnUserFolders OwnFonts | cksum
 }
 
 # Makes the template that prefixes are copied from, unless there is one from the same Wine and fonts. Wine without a
