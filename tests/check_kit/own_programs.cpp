@@ -1,6 +1,7 @@
 #include "tests/check_kit/own_programs.h"
 
 #include <windows.h>
+#include <process.h>
 #include <tlhelp32.h>
 
 #include <iterator>
@@ -37,14 +38,24 @@ std::wstring PathOf(HANDLE process) {
     return QueryFullProcessImageNameW(process, 0, path, &length) ? std::wstring(path, length) : L"";
 }
 
-// This program lies in the folder of the suites, which is one of the kit's folder.
 bool IsOwn(HANDLE process) {
-    const std::wstring suites = ServerDirectory();
-    const std::wstring kit = suites.substr(0, suites.find_last_of(L'\\') + 1);
-    return UpperCase(PathOf(process)).starts_with(UpperCase(kit));
+    return UpperCase(PathOf(process)).starts_with(UpperCase(KitFolder()));
 }
 
 }  // namespace
+
+std::wstring KitFolder() {
+    const std::wstring suites = ServerDirectory();
+    return suites.substr(0, suites.find_last_of(L'\\') + 1);
+}
+
+std::string RegisterOwnServers() {
+    for (const wchar_t* const server : {L"SentrelConfig.exe", L"SentrelStandin.exe"}) {
+        const auto code = _wspawnl(_P_WAIT, (KitFolder() + server).c_str(), server, L"/RegServer", nullptr);
+        if (code != 0) return ToAnsi(server) + " /RegServer ended with " + std::to_string(code);
+    }
+    return {};
+}
 
 void EndOwnPrograms() {
     constexpr DWORD kTimeToEnd = 10000;  // milliseconds

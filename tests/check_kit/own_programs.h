@@ -4,6 +4,12 @@
 #include <string>
 #include <vector>
 
+// With a separator at its end. This program lies in a folder of it.
+std::wstring KitFolder();
+
+// Registers the manager and the stand-in engine; returns what went wrong, empty where nothing did.
+std::string RegisterOwnServers();
+
 // Waits a while for the kit's own programs to end, and then ends them; not this one.
 void EndOwnPrograms();
 
