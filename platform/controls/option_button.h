@@ -22,11 +22,12 @@ public:
         if (isChange && selected) Raise(Click);
     }
 
+    // A click has selected the button; systems that do not know BM_SETDONTCLICK report one for the focus too.
     void OnCommand(WORD code) override {
-        if (code == BN_CLICKED) Raise(Click);
+        if (code == BN_CLICKED && Value()) Raise(Click);
     }
 
 protected:
-    // Otherwise a button that is not selected takes the focus for a click.
+    // Otherwise a button that is not selected takes the focus for a click, and selects itself.
     void OnAttached() override { Send(BM_SETDONTCLICK, TRUE); }
 };
