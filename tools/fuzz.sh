@@ -1,14 +1,14 @@
 #!/usr/bin/env bash
-# Fuzzes the parts that need no Windows, for SECONDS (60) each, with AddressSanitizer and the undefined-behaviour
+# Fuzzes the parts that need no Windows, for SECONDS (180), with AddressSanitizer and the undefined-behaviour
 # sanitizer; the last line reads "N inputs, N failures".
 #
 #   tools/fuzz.sh [SECONDS]
 #
-# Starts from tests/fuzz/corpus/ and works in build/fuzz/, where an input that fails is kept.
+# Works in build/fuzz/, where an input that fails is kept.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
-seconds=${1:-60}
+seconds=${1:-180}
 build=build/fuzz
 compiler=$(command -v clang++-14 || command -v clang++ || true)
 
@@ -29,20 +29,13 @@ if ! HasRuntime; then
     HasRuntime
 fi
 
-inputs=0
+"$compiler" -std=c++20 -O1 -g -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=undefined -I. \
+    tests/fuzz/fuzz.cpp tests/fuzz/targets.cpp tests/support/plain_log.cpp lists/newest_lines.cpp \
+    lists/site_of_address.cpp store/byte_order.cpp -o "$build/fuzz"
+mkdir -p "$build/corpus"
 failures=0
-for name in newest_lines site_of_address byte_order; do
-    "$compiler" -std=c++20 -O1 -g -fsanitize=fuzzer,address,undefined -fno-sanitize-recover=undefined -I. \
-        "tests/fuzz/${name}_fuzz.cpp" tests/fuzz/targets.cpp tests/support/plain_log.cpp lists/newest_lines.cpp \
-        lists/site_of_address.cpp store/byte_order.cpp -o "$build/$name"
-    mkdir -p "$build/$name.corpus"
-    log=$build/$name.log
-    "$build/$name" -max_total_time="$seconds" -max_len=4096 -timeout=10 -print_final_stats=1 \
-        -artifact_prefix="$build/$name." "$build/$name.corpus" "tests/fuzz/corpus/$name" >"$log" 2>&1 ||
-        { ((++failures)); tail -20 "$log"; }
-    count=$(sed -n 's/^stat::number_of_executed_units: *//p' "$log")
-    echo "$name: ${count:-0} inputs"
-    ((inputs += ${count:-0})) || true
-done
-echo "$inputs inputs, $failures failures"
+"$build/fuzz" -max_total_time="$seconds" -max_len=4096 -timeout=10 -print_final_stats=1 -artifact_prefix="$build/" \
+    "$build/corpus" >"$build/fuzz.log" 2>&1 || { failures=1; tail -20 "$build/fuzz.log"; }
+inputs=$(sed -n 's/^stat::number_of_executed_units: *//p' "$build/fuzz.log")
+echo "${inputs:-0} inputs, $failures failures"
 ((failures == 0))

@@ -4,34 +4,54 @@
 #include <winioctl.h>
 
 #include "platform/automation_error.h"
+#include "lists/newest_lines.h"
 #include "platform/handle.h"
-#include "tests/closed_log/log_page.h"
+#include "tests/closed_log/file_faults.h"
+#include "tests/lists/list_pages.h"
 #include "tests/support/automation.h"
 #include "tests/support/error_of.h"
-#include "tests/support/import_patch.h"
 #include "tests/support/plain_log.h"
-#include "tests/support/shown_text.h"
 
 using namespace std::string_literals;
 
 namespace {
 
-using Rows = std::vector<std::wstring>;
+Texts PlainRows(const std::string& log) {
+    Texts rows;
+    for (const std::string& line : PlainNewestLines(log, 25))
+        rows.push_back(FromAnsi(line));
+    return rows;
+}
 
-// Serves some reads and fails the next one.
-int g_readsServed = 0;
-DWORD g_readError = ERROR_SUCCESS;
+FileHandle OpenToWrite(const std::wstring& path, DWORD disposition) {
+    return FileHandle(CreateFileW(path.c_str(), GENERIC_WRITE,
+                                  FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                  disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
+}
 
-BOOL WINAPI FailingReadFile(HANDLE file, LPVOID buffer, DWORD count, LPDWORD done, LPOVERLAPPED position) {
-    if (g_readsServed-- > 0) {
-        // A file system may deliver less than was asked for.
-        const auto read = reinterpret_cast<decltype(&ReadFile)>(
-            reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "ReadFile")));
-        return read(file, buffer, count > 7 ? count / 2 : count, done, position);
-    }
-    if (done != nullptr) *done = 0;
-    SetLastError(g_readError);
-    return g_readError == ERROR_SUCCESS;
+void Replace(const std::wstring& path, const std::string& bytes) {
+    DWORD done = 0;
+    WriteFile(OpenToWrite(path, CREATE_ALWAYS).Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &done,
+              nullptr);
+}
+
+void SetSize(const std::wstring& path, long long bytes) {
+    const FileHandle file = OpenToWrite(path, OPEN_ALWAYS);
+    DWORD done = 0;
+    // Where the file system has no sparse files this fails, and the test takes its time.
+    DeviceIoControl(file.Get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &done, nullptr);
+    LARGE_INTEGER size{};
+    size.QuadPart = bytes;
+    SetFilePointerEx(file.Get(), size, nullptr, FILE_BEGIN);
+    SetEndOfFile(file.Get());
+}
+
+// Four blocks of different lines.
+std::string LongLog() {
+    std::string bytes;
+    for (int i = 1; i <= 24; ++i)
+        bytes += std::to_string(i) + std::string(9998, 'x') + "\r\n";
+    return bytes;
 }
 
 }  // namespace
@@ -84,20 +104,18 @@ TEST_CASE_FIXTURE(LogPage,
     CHECK(lstClosedWnd.ListCount() == 0);
 }
 
-TEST_CASE_FIXTURE(LogPage, "a log that the engine holds open for appending is read") {
+TEST_CASE_FIXTURE(LogPage, "a log that is read-only, or that the engine holds open for appending, is read") {
     folder.Write(L"closed.log", "A\r\n");
-    const FileHandle engine(CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr,
-                                        OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-    REQUIRE(engine);
-    log.ReadClosedLog();
-    CHECK(RowsOf(lstClosedWnd) == Rows{L"A"});
-}
-
-TEST_CASE_FIXTURE(LogPage, "a read-only log is read") {
-    folder.Write(L"closed.log", "A\r\n");
+    {
+        const FileHandle engine(CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ, nullptr,
+                                            OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+        REQUIRE(engine);
+        log.ReadClosedLog();
+        CHECK(RowsOf(lstClosedWnd) == Texts{L"A"});
+    }
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
     log.ReadClosedLog();
-    CHECK(RowsOf(lstClosedWnd) == Rows{L"A"});
+    CHECK(RowsOf(lstClosedWnd) == Texts{L"A"});
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
 }
 
@@ -118,52 +136,125 @@ TEST_CASE_FIXTURE(LogPage, "the engine can write, rename and delete the log whil
     const ImportPatch patch("kernel32.dll", "GetFileSizeEx", &Fake::GetSize);
     log.ReadClosedLog();
     // Appended after the opening, C belongs to the next reading.
-    CHECK(RowsOf(lstClosedWnd) == Rows{L"B", L"A"});
+    CHECK(RowsOf(lstClosedWnd) == Texts{L"B", L"A"});
+}
+
+TEST_CASE_FIXTURE(
+    LogPage,
+    "a call of a file function that fails passes to the caller, and the list holds what was read before") {
+    folder.Write(L"closed.log", LongLog());
+    const Texts all = PlainRows(LongLog());
+    FileFaults faults;
+    for (const int function :
+         {FileFaults::Create, FileFaults::Type, FileFaults::Size, FileFaults::Position, FileFaults::Read}) {
+        // A read without an error and without bytes finds the end of a file that has become shorter.
+        for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_LOCK_VIOLATION, ERROR_SUCCESS}) {
+            if (error == ERROR_SUCCESS && function != FileFaults::Read) continue;
+            // The calls that work on a block come once for each of the four.
+            const long calls = function == FileFaults::Position || function == FileFaults::Read ? 4 : 1;
+            for (long k = 1; k <= calls; ++k) {
+                INFO("function " << function << " call " << k << " error " << error);
+                faults.Fail(function, k, error);
+                // A file of an unknown kind is no file on a disk.
+                const DWORD told = function == FileFaults::Type ? ERROR_NOT_SUPPORTED
+                                   : error == ERROR_SUCCESS     ? ERROR_HANDLE_EOF
+                                                                : error;
+                CHECK(faults.Reading(log) == HRESULT_FROM_WIN32(told));
+                const Texts rows = RowsOf(lstClosedWnd);
+                CHECK(rows.size() / 6 == static_cast<size_t>(k - 1));
+                CHECK((std::equal(rows.begin(), rows.end(), all.begin())));
+                // The file is not kept open.
+                CHECK(static_cast<bool>(FileHandle(
+                    CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr))));
+            }
+        }
+    }
+    faults.Fail(FileFaults::Read, 0, ERROR_SUCCESS);
+    CHECK(faults.Reading(log) == S_OK);
+    CHECK((RowsOf(lstClosedWnd) == all));
+}
+
+TEST_CASE_FIXTURE(
+    LogPage,
+    "a reading opens the log once and reads its last block, or each block once, however long it is") {
+    FileFaults faults;
+    std::string equal;
+    while (equal.size() < 5 * kLogBlockSize)
+        equal += "A\n";
+    std::string distinct;
+    for (int n = 0; n < 100000; ++n)
+        distinct += "http://ads" + std::to_string(n) + ".example.com/popup.html\r\n";
+    const std::pair<std::string, long> logs[] = {
+        {"", 0}, {"A", 1}, {distinct, 1}, {equal, 5}, {equal + "A\n", 6}};
+    for (const auto& [bytes, blocks] : logs) {
+        CAPTURE(bytes.size());
+        folder.Write(L"closed.log", bytes);
+        CHECK(faults.Reading(log) == S_OK);
+        for (const int function : {FileFaults::Create, FileFaults::Type, FileFaults::Size})
+            CHECK(faults.Calls(function) == 1);
+        for (const int function : {FileFaults::Position, FileFaults::Read})
+            CHECK(faults.Calls(function) == blocks);
+    }
+}
+
+TEST_CASE_FIXTURE(LogPage, "reads that deliver less than was asked for are put together") {
+    FileFaults faults;
+    for (const DWORD most : {1UL, 7UL, 4096UL, 65535UL}) {
+        const std::string bytes = LongLog().substr(most == 1 ? 230000 : 0);
+        folder.Write(L"closed.log", bytes);
+        faults.longestRead = most;
+        CHECK(faults.Reading(log) == S_OK);
+        CHECK((RowsOf(lstClosedWnd) == PlainRows(bytes)));
+    }
 }
 
 TEST_CASE_FIXTURE(LogPage,
-                  "a read that fails passes to the caller, and the list holds the lines read before") {
-    std::string bytes;
-    for (int i = 1; i <= 12; ++i)
-        bytes += std::to_string(i) + std::string(9998, 'x') + "\n";
-    folder.Write(L"closed.log", bytes);
-    lstClosedWnd.AddItem(L"old");
-    g_readError = ERROR_CRC;
-    HRESULT expected = HRESULT_FROM_WIN32(ERROR_CRC);
-    int rows = 0;
-    SUBCASE("at once") {
-        g_readsServed = 0;
+                  "a log that grows, shrinks or is replaced between two blocks is read or given up") {
+    const std::string bytes = LongLog();
+    const Texts all = PlainRows(bytes);
+    const std::function<void()> deeds[] = {[&] { Append(path, "appended\r\n"); }, [&] { SetSize(path, 0); },
+                                           [&] { SetSize(path, 100); },
+                                           [&] { Replace(path, std::string(bytes.size(), '\n')); },
+                                           [&] {
+                                               DeleteFileW(path.c_str());
+                                               Replace(path, "new\r\n");
+                                           }};
+    for (const long call : {1L, 2L, 4L}) {
+        for (const auto& change : deeds) {
+            INFO("change " << &change - deeds << " before block " << call);
+            folder.Write(L"closed.log", bytes);
+            FileFaults faults;
+            faults.beforeRead = [&](long read) {
+                if (read == call) change();
+            };
+            const HRESULT result = faults.Reading(log);
+            const Texts rows = RowsOf(lstClosedWnd);
+            CHECK((result == S_OK || result == HRESULT_FROM_WIN32(ERROR_HANDLE_EOF)));
+            CHECK(rows.size() <= 25);
+            // What had been read before the change is there.
+            const size_t before = std::min<size_t>(rows.size(), static_cast<size_t>(call - 1) * 6);
+            CHECK((std::equal(rows.begin(), rows.begin() + static_cast<int>(before), all.begin())));
+            if (&change == &deeds[0]) CHECK((rows == all));
+            if (&change == &deeds[1]) CHECK(result == HRESULT_FROM_WIN32(ERROR_HANDLE_EOF));
+        }
     }
-    SUBCASE("after the first block, which came in pieces") {
-        // 32768, 16384, 8192 ... and in the end whole: 15 calls for the 65536 bytes.
-        g_readsServed = 15;
-        rows = 6;
-    }
-    SUBCASE("because another process has locked a part of it") {
-        g_readsServed = 0;
-        g_readError = ERROR_LOCK_VIOLATION;
-        expected = HRESULT_FROM_WIN32(ERROR_LOCK_VIOLATION);
-    }
-    SUBCASE("because the file has become shorter") {
-        g_readsServed = 0;
-        g_readError = ERROR_SUCCESS;
-        expected = HRESULT_FROM_WIN32(ERROR_HANDLE_EOF);
-    }
-    const ImportPatch patch("kernel32.dll", "ReadFile", &FailingReadFile);
-    CHECK(ErrorOf([&] { log.ReadClosedLog(); }) == expected);
-    REQUIRE(lstClosedWnd.ListCount() == rows);
-    for (int i = 0; i < rows; ++i)
-        CHECK(lstClosedWnd.List(i).starts_with(std::to_wstring(12 - i) + L"x"));
 }
 
-TEST_CASE_FIXTURE(LogPage, "memory that runs out while the log is read passes to the caller as an error") {
-    folder.Write(L"closed.log", "A\r\n");
-    struct Fake {
-        static BOOL WINAPI Read(HANDLE, LPVOID, DWORD, LPDWORD, LPOVERLAPPED) { throw std::bad_alloc(); }
-    };
-    const ImportPatch patch("kernel32.dll", "ReadFile", &Fake::Read);
-    CHECK(ErrorOf([&] { log.ReadClosedLog(); }) == E_OUTOFMEMORY);
-    CHECK(lstClosedWnd.ListCount() == 0);
+TEST_CASE_FIXTURE(LogPage, "what is no file is not waited for") {
+    for (const wchar_t* const name :
+         {L"NUL", L"CON", L"CONIN$", L"COM1", L"LPT1", L"AUX", L"\\\\.\\NUL", L"\\\\.\\PhysicalDrive0",
+          L"\\\\.\\C:", L"\\\\.\\pipe\\no such pipe", L"\\\\.\\mailslot\\x", L"C:\\", L".", L"\\", L"\\\\?\\",
+          L"::", L"a<b", L"*", L"http://host/log"}) {
+        INFO(ToAnsi(name));
+        path = name;
+        ErrorOf([&] { log.ReadClosedLog(); });
+        CHECK(lstClosedWnd.ListCount() == 0);
+    }
+    for (const std::wstring& name :
+         {std::wstring(40000, L'x'), folder.Folder() + L"\\" + std::wstring(300, L'x')}) {
+        path = name;
+        CHECK(FAILED(ErrorOf([&] { log.ReadClosedLog(); })));
+    }
 }
 
 TEST_CASE_FIXTURE(LogPage, "the list is drawn once, after the reading, also when it fails") {
@@ -197,20 +288,13 @@ TEST_CASE_FIXTURE(LogPage, "the list is drawn once, after the reading, also when
     RemoveWindowSubclass(lstClosedWnd.Hwnd(), Watch::Procedure, 1);
 }
 
-TEST_CASE_FIXTURE(LogPage, "a log of more than four gigabytes shows its newest lines") {
-    folder.Write(L"closed.log", "old\r\n");
-    {
-        const FileHandle file(CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
-                                          FILE_ATTRIBUTE_NORMAL, nullptr));
-        DWORD done = 0;
-        // Where the file system has no sparse files this fails, and the test takes its time.
-        DeviceIoControl(file.Get(), FSCTL_SET_SPARSE, nullptr, 0, nullptr, 0, &done, nullptr);
-        LARGE_INTEGER size{};
-        size.QuadPart = 5'000'000'000;
-        REQUIRE(SetFilePointerEx(file.Get(), size, nullptr, FILE_BEGIN));
-        REQUIRE(SetEndOfFile(file.Get()));
-    }
-    std::string lines = "\r\n";
+TEST_CASE_FIXTURE(
+    LogPage, "a log of more than four gigabytes shows its newest lines; a line of that size is given up") {
+    SetSize(path, 5'000'000'000);
+    Append(path, "\r\nnewer\r\nnewest\r\n");
+    CHECK(ErrorOf([&] { log.ReadClosedLog(); }) == E_OUTOFMEMORY);
+    CHECK(RowsOf(lstClosedWnd) == Texts{L"newest", L"newer"});
+    std::string lines;
     for (int i = 1; i <= 30; ++i)
         lines += "line " + std::to_string(i) + "\r\n";
     Append(path, lines);
@@ -218,13 +302,6 @@ TEST_CASE_FIXTURE(LogPage, "a log of more than four gigabytes shows its newest l
     REQUIRE(lstClosedWnd.ListCount() == 25);
     CHECK(lstClosedWnd.List(0) == L"line 30");
     CHECK(lstClosedWnd.List(24) == L"line 6");
-}
-
-TEST_CASE_FIXTURE(LogPage, "a log that grows between two readings shows the new lines at the next one") {
-    CHECK(Show("A\r\nB") == Rows{L"B", L"A"});
-    Append(path, "C\r\n");
-    log.ReadClosedLog();
-    CHECK(RowsOf(lstClosedWnd) == Rows{L"BC", L"A"});
 }
 
 TEST_CASE_FIXTURE(LogPage, "a log at a path of 300 characters is read") {
@@ -236,14 +313,7 @@ TEST_CASE_FIXTURE(LogPage, "a log at a path of 300 characters is read") {
     path = deep + L"\\closed.log";
     Append(path, "A\r\n");
     log.ReadClosedLog();
-    CHECK(RowsOf(lstClosedWnd) == Rows{L"A"});
-}
-
-TEST_CASE_FIXTURE(LogPage, "a file whose lines are one and the same is one row, however large") {
-    std::string bytes;
-    for (int i = 0; i < 400000; ++i)
-        bytes += "http://www.example.com/popup.htm\r\n";
-    CHECK(Show(bytes) == Rows{L"http://www.example.com/popup.htm"});
+    CHECK(RowsOf(lstClosedWnd) == Texts{L"A"});
 }
 
 // What the system's own text stream makes of a file is the measure of the plain reading that the other tests

@@ -1,9 +1,7 @@
 #include <doctest.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
-#include <random>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -49,50 +47,11 @@ std::vector<std::string> Newest(const std::string& bytes, size_t limit = kLimit,
 }
 
 using Rows = std::vector<std::string>;
-using Random = std::mt19937;
-
-size_t Below(Random& random, size_t limit) {
-    return std::uniform_int_distribution<size_t>(0, limit - 1)(random);
-}
-
-std::string RandomBytes(Random& random, size_t size) {
-    static constexpr std::string_view kAlphabet{"abA\r\n\0\xE9\n", 8};
-    std::string bytes;
-    for (size_t i = 0; i < size; ++i)
-        bytes += kAlphabet[Below(random, kAlphabet.size())];
-    return bytes;
-}
-
-// A log as an engine writes it: lines out of a stock, some of them often in a row, some of them long.
-std::string RandomLog(Random& random) {
-    std::vector<std::string> stock;
-    for (size_t count = 1 + Below(random, 40); count != 0; --count) {
-        std::string line = "http://site" + std::to_string(Below(random, 20));
-        line.append(Below(random, 8) == 0 ? Below(random, 300) : Below(random, 12), 'x');
-        if (Below(random, 20) == 0) line = RandomBytes(random, Below(random, 6));
-        stock.push_back(line);
-    }
-    std::string log;
-    for (size_t count = Below(random, 120); count != 0; --count) {
-        const std::string& line = stock[Below(random, stock.size())];
-        const char* const end = Below(random, 4) == 0 ? "\n" : "\r\n";
-        for (size_t repeats = Below(random, 6) == 0 ? 1 + Below(random, 9) : 1; repeats != 0; --repeats)
-            log += line + end;
-    }
-    if (Below(random, 3) == 0) log += stock.front();
-    if (Below(random, 10) == 0) log += '\r';
-    return log;
-}
-
-unsigned NewSeed() {
-    return static_cast<unsigned>(std::chrono::steady_clock::now().time_since_epoch().count());
-}
-
 constexpr size_t kBlockSizes[] = {1, 2, 3, 4, 5, 7, 8, 16, 61, 64, 100, 1000, kLogBlockSize};
 
 }  // namespace
 
-TEST_CASE("the newest line comes first, and thirty lines leave the newest twenty-five") {
+TEST_CASE("thirty lines leave the newest twenty-five, the newest first") {
     std::string log;
     for (int i = 1; i <= 30; ++i)
         log += "line " + std::to_string(i) + "\r\n";
@@ -100,47 +59,37 @@ TEST_CASE("the newest line comes first, and thirty lines leave the newest twenty
     REQUIRE(rows.size() == 25);
     for (int i = 0; i < 25; ++i)
         CHECK(rows[static_cast<size_t>(i)] == "line " + std::to_string(30 - i));
+    CHECK(Newest(log, 0).empty());
 }
 
-TEST_CASE("a repeated line stands at the place of its latest occurrence") {
-    CHECK(Newest("A\r\nB\r\nA\r\n") == Rows{"A", "B"});
-    CHECK(Newest("A\nB\nB\nC\nB\nC\nC\n") == Rows{"C", "B", "A"});
-}
-
-TEST_CASE("lines that differ in letter case, in blanks or in length are different") {
-    CHECK(Newest("a\nA\na \n a\naa\n") == Rows{"aa", " a", "a ", "A", "a"});
-}
-
-TEST_CASE("an empty log has no lines, and a line end at its end begins none") {
-    CHECK(Newest("").empty());
-    CHECK(Newest("A") == Rows{"A"});
-    CHECK(Newest("A\n") == Rows{"A"});
-    CHECK(Newest("A\r\n") == Rows{"A"});
-}
-
-TEST_CASE("empty lines are one entry") {
-    CHECK(Newest("\n") == Rows{""});
-    CHECK(Newest("\r\n\n\r\n") == Rows{""});
-    CHECK(Newest("\nA\n\n") == Rows{"", "A"});
-    CHECK(Newest("\n\nA") == Rows{"A", ""});
-}
-
-TEST_CASE("a CR belongs to the line end only directly before an LF") {
-    CHECK(Newest("a\rb\r\nc\r") == Rows{"c\r", "a\rb"});
-    CHECK(Newest("a\r\r\nb\n\rc\n\n\r\n") == Rows{"", "\rc", "b", "a\r"});
-    CHECK(Newest("\r") == Rows{"\r"});
-    CHECK(Newest("\r\n\r") == Rows{"\r", ""});
-}
-
-TEST_CASE("an unfinished line that ends with a CR is not the finished line before it") {
-    CHECK(Newest("abc\r\nabc\r") == Rows{"abc\r", "abc"});
-    CHECK(Newest("abc\r\nabc\r\nabc\r") == Rows{"abc\r", "abc"});
-    CHECK(Newest("abc\r\r\nabc\r\nabc\r") == Rows{"abc\r", "abc"});
-}
-
-TEST_CASE("NULs, control characters and bytes beyond ASCII belong to the line") {
-    CHECK(Newest("a\0b\na\0c\n\x1a\n\xE9\n\xFF\xFE\n"s) ==
-          Rows{"\xFF\xFE"s, "\xE9", "\x1a", "a\0c"s, "a\0b"s});
+TEST_CASE("a line is what stands before an LF or a CR LF, and two lines are equal byte by byte") {
+    const std::tuple<const char*, std::string, Rows> rows[] = {
+        {"an empty log has no lines", "", {}},
+        {"a line end at the end begins none", "A", {"A"}},
+        {"nor an LF", "A\n", {"A"}},
+        {"nor a CR LF", "A\r\n", {"A"}},
+        {"a repeated line stands at its latest place", "A\r\nB\r\nA\r\n", {"A", "B"}},
+        {"also among others that repeat", "A\nB\nB\nC\nB\nC\nC\n", {"C", "B", "A"}},
+        {"case, blanks and length tell lines apart", "a\nA\na \n a\naa\n", {"aa", " a", "a ", "A", "a"}},
+        {"an empty line is an entry", "\n", {""}},
+        {"all of them one", "\r\n\n\r\n", {""}},
+        {"at its latest place", "\nA\n\n", {"", "A"}},
+        {"or before the others", "\n\nA", {"A", ""}},
+        {"a CR belongs to the line end only before an LF", "a\rb\r\nc\r", {"c\r", "a\rb"}},
+        {"and directly before it", "a\r\r\nb\n\rc\n\n\r\n", {"", "\rc", "b", "a\r"}},
+        {"a CR alone is a line", "\r", {"\r"}},
+        {"behind an empty one too", "\r\n\r", {"\r", ""}},
+        {"an unfinished line with a CR is not the one before it", "abc\r\nabc\r", {"abc\r", "abc"}},
+        {"nor the two before it", "abc\r\nabc\r\nabc\r", {"abc\r", "abc"}},
+        {"nor one that ends with a CR", "abc\r\r\nabc\r\nabc\r", {"abc\r", "abc"}},
+        {"NULs, control characters and bytes beyond ASCII belong to the line",
+         "a\0b\na\0c\n\x1a\n\xE9\n\xFF\xFE\n"s,
+         {"\xFF\xFE"s, "\xE9", "\x1a", "a\0c"s, "a\0b"s}},
+    };
+    for (const auto& [meaning, log, lines] : rows) {
+        CAPTURE(meaning);
+        CHECK(Newest(log) == lines);
+    }
 }
 
 TEST_CASE("lines longer than a block are put together, also when they repeat") {
@@ -154,66 +103,6 @@ TEST_CASE("lines longer than a block are put together, also when they repeat") {
     }
 }
 
-TEST_CASE("thousands of generated logs read from the end give what reading from the beginning gives") {
-    const unsigned seed = NewSeed();
-    MESSAGE("seed " << seed);
-    CAPTURE(seed);
-    Random random(seed);
-    for (int n = 0; n < 6000; ++n) {
-        const std::string log = n % 3 == 0 ? RandomBytes(random, Below(random, 200)) : RandomLog(random);
-        const size_t blockSize = kBlockSizes[Below(random, std::size(kBlockSizes))];
-        const size_t limit = Below(random, 4) == 0 ? Below(random, 4) : kLimit;
-        CAPTURE(n);
-        CAPTURE(blockSize);
-        CAPTURE(limit);
-        REQUIRE(Newest(log, limit, blockSize) == PlainNewestLines(log, limit));
-    }
-}
-
-TEST_CASE("every short log of the bytes that matter is read as from the beginning") {
-    static constexpr std::string_view kAlphabet = "a\r\n";
-    for (size_t size = 0; size <= 8; ++size) {
-        size_t count = 1;
-        for (size_t i = 0; i < size; ++i)
-            count *= kAlphabet.size();
-        for (size_t number = 0; number < count; ++number) {
-            std::string log;
-            for (size_t i = 0, rest = number; i < size; ++i, rest /= kAlphabet.size())
-                log += kAlphabet[rest % kAlphabet.size()];
-            const Rows expected = PlainNewestLines(log, kLimit);
-            for (const size_t blockSize : {1, 2, 3, 100})
-                REQUIRE(Newest(log, kLimit, static_cast<size_t>(blockSize)) == expected);
-        }
-    }
-}
-
-// Different bytes can be the same text in the ANSI code page.
-TEST_CASE("lines that their keeper takes for equal are kept once, as reading from the beginning keeps them") {
-    const auto fold = [](const std::string& line) {
-        std::string text = line;
-        std::transform(text.begin(), text.end(), text.begin(),
-                       [](char c) { return c == 'b' || c == 'A' ? 'a' : c; });
-        return text;
-    };
-    const unsigned seed = NewSeed();
-    MESSAGE("seed " << seed);
-    CAPTURE(seed);
-    Random random(seed);
-    for (int n = 0; n < 2000; ++n) {
-        TextLog log(RandomBytes(random, Below(random, 200)));
-        Rows rows;
-        const auto keep = [&](std::string_view line) {
-            const std::string text = fold(std::string(line));
-            if (std::find(rows.begin(), rows.end(), text) != rows.end()) return false;
-            rows.push_back(text);
-            return true;
-        };
-        ReadNewestLines(log.bytes.size(), log.Reader(), keep, kLimit, 1 + Below(random, 9));
-        CAPTURE(n);
-        REQUIRE(rows == PlainNewestLines(log.bytes, kLimit, fold));
-    }
-}
-
 TEST_CASE("reading stops as soon as the list is full") {
     std::string bytes;
     for (int i = 0; i < 100000; ++i)
@@ -224,35 +113,6 @@ TEST_CASE("reading stops as soon as the list is full") {
         bytes.size(), log.Reader(), [&](std::string_view) { return ++offered > 0; }, kLimit);
     CHECK(offered == 25);
     CHECK(log.bytesRead == kLogBlockSize);
-}
-
-TEST_CASE("a log of more than four gigabytes is read at its end") {
-    constexpr std::uint64_t kSize = 5'000'000'000;
-    constexpr std::uint64_t kLine = 10;  // nine digits of the line's number and an LF
-    std::uint64_t lowest = kSize;
-    const auto read = [&](std::uint64_t offset, char* buffer, size_t count) {
-        REQUIRE(offset + count <= kSize);
-        lowest = std::min(lowest, offset);
-        for (size_t i = 0; i < count; ++i) {
-            const std::uint64_t at = offset + i;
-            const std::string number = std::to_string(100'000'000 + at / kLine);
-            buffer[i] = at % kLine == kLine - 1 ? '\n' : number[static_cast<size_t>(at % kLine)];
-        }
-    };
-    Rows rows;
-    const auto keep = [&](std::string_view line) {
-        rows.emplace_back(line);
-        return true;
-    };
-    ReadNewestLines(kSize, read, keep, kLimit, 100);
-    REQUIRE(rows.size() == 25);
-    CHECK(rows.front() == "599999999");
-    CHECK(rows.back() == "599999975");
-    CHECK(lowest > 4'294'967'296);
-}
-
-TEST_CASE("a limit of nothing offers nothing") {
-    CHECK(Newest("A\nB\n", 0).empty());
 }
 
 TEST_CASE("a log of one repeated line is read once, in blocks, and offered once") {

@@ -3,32 +3,30 @@
 #include "lists/site_of_address.h"
 #include "tests/support/shown_text.h"
 
-TEST_CASE("the site of an address ends before the first slash behind the host") {
-    CHECK(SiteOfAddress(L"http://www.example.com/path/page.htm") == L"http://www.example.com");
-    CHECK(SiteOfAddress(L"http://www.example.com/") == L"http://www.example.com");
-    CHECK(SiteOfAddress(L"http://h//") == L"http://h");
-}
-
-TEST_CASE("an address without a further slash is its own site") {
-    CHECK(SiteOfAddress(L"http://www.example.com") == L"http://www.example.com");
-    CHECK(SiteOfAddress(L"www.example.com") == L"www.example.com");
-    CHECK(SiteOfAddress(L"http://") == L"http://");
-}
-
-TEST_CASE("an https address is cut after its first slash") {
-    CHECK(SiteOfAddress(L"https://www.example.com/path") == L"https:/");
-    CHECK(SiteOfAddress(L"https://") == L"https:/");
-}
-
-TEST_CASE("slashes among the first seven characters are passed over") {
-    CHECK(SiteOfAddress(L"a/b/c/d/e") == L"a/b/c/d");
-    CHECK(SiteOfAddress(L"///////") == L"///////");
-    CHECK(SiteOfAddress(L"////////") == L"///////");
-    CHECK(SiteOfAddress(L"http:///path") == L"http://");
-}
-
-TEST_CASE("an address shorter than eight characters is its own site") {
-    CHECK(SiteOfAddress(L"").empty());
-    CHECK(SiteOfAddress(L"/") == L"/");
-    CHECK(SiteOfAddress(L"ftp://a") == L"ftp://a");
+TEST_CASE("the site of an address ends before the first slash at or behind its eighth character") {
+    struct Row {
+        const char* meaning;
+        const wchar_t* address;
+        const wchar_t* site;
+    };
+    for (const Row& row : {
+             Row{"before the path", L"http://www.example.com/path/page.htm", L"http://www.example.com"},
+             Row{"before a last slash", L"http://www.example.com/", L"http://www.example.com"},
+             Row{"before the first of two", L"http://h//", L"http://h"},
+             Row{"a host alone is its own site", L"http://www.example.com", L"http://www.example.com"},
+             Row{"so is one without a scheme", L"www.example.com", L"www.example.com"},
+             Row{"an https address is cut after its first slash", L"https://www.example.com/path",
+                 L"https:/"},
+             Row{"also without a host", L"https://", L"https:/"},
+             Row{"slashes among the first seven characters are passed over", L"a/b/c/d/e", L"a/b/c/d"},
+             Row{"seven of them are the whole", L"///////", L"///////"},
+             Row{"the eighth counts", L"////////", L"///////"},
+             Row{"also behind the scheme", L"http:///path", L"http://"},
+             Row{"an address shorter than eight characters is its own site", L"ftp://a", L"ftp://a"},
+             Row{"a slash", L"/", L"/"},
+             Row{"the empty text", L"", L""},
+         }) {
+        CAPTURE(row.meaning);
+        CHECK(SiteOfAddress(row.address) == row.site);
+    }
 }

@@ -1,4 +1,4 @@
-// What the fuzzers and the replay of their corpus check: each returns whether the program and the plain way
+// What the fuzzer and the generated tests check: each returns whether the program and the plain way
 // agree.
 #pragma once
 

@@ -1,50 +1,65 @@
+// The Banners page and its dialog.
 #include <doctest.h>
 
-#include "lists/message.h"
-#include "tests/lists/banner_page.h"
-#include "tests/support/shown_text.h"
+#include "tests/lists/list_pages.h"
 
-TEST_CASE_FIXTURE(BannerPage, "setting up the columns empties the list and shares its width out") {
+namespace {
+
+constexpr int kHeight = IDC_ADD_BANNER_SIZE_HEIGHT;
+constexpr int kWidth = IDC_ADD_BANNER_SIZE_WIDTH;
+
+}  // namespace
+
+TEST_CASE_FIXTURE(BannerPage,
+                  "setting up the columns empties the list, shares its width out and marks no change") {
     for (const int width : {200, 300, 333, 1000}) {
         CAPTURE(width);
         SetWindowPos(lvwBanners.Hwnd(), nullptr, 0, 0, width, 100, SWP_NOMOVE | SWP_NOZORDER);
         AddRow(L"a", L"1", L"2", false);
         SetupBannerColumns(lvwBanners);
         CHECK(lvwBanners.Count() == 0);
-        CHECK(ListView_GetColumnWidth(lvwBanners.Hwnd(), 0) == doctest::Approx(0.5 * width).epsilon(0.01));
-        CHECK(ListView_GetColumnWidth(lvwBanners.Hwnd(), 1) == doctest::Approx(0.24 * width).epsilon(0.01));
-        CHECK(ListView_GetColumnWidth(lvwBanners.Hwnd(), 2) == doctest::Approx(0.24 * width).epsilon(0.01));
+        for (const auto& [column, share] : {std::pair(0, 0.5), std::pair(1, 0.24), std::pair(2, 0.24)})
+            CHECK(ListView_GetColumnWidth(lvwBanners.Hwnd(), column) ==
+                  doctest::Approx(share * width).epsilon(0.01));
     }
     CHECK(changes == 0);
 }
 
-TEST_CASE_FIXTURE(BannerPage, "added sizes are checked rows at the end, named and numbered from 0") {
+TEST_CASE_FIXTURE(
+    BannerPage, "added to the four defaults, 90 by 728 is the checked row User Banner 0, the next number 1") {
     AddSize(L"90", L"728");
     REQUIRE(lvwBanners.Count() == 5);
     CHECK(Row(5) == L"User Banner 0|728|90|True");
     CHECK(changes == 1);
     AddSize(L"1", L"2");
-    REQUIRE(lvwBanners.Count() == 6);
     CHECK(Row(6) == L"User Banner 1|2|1|True");
     CHECK(changes == 2);
     CHECK(Row(1) == L"Full Banner|468|60|True");
 }
 
-TEST_CASE_FIXTURE(BannerPage, "after a deletion a name can come a second time") {
+TEST_CASE_FIXTURE(BannerPage, "after deleting row 5 of 6 a second row is named User Banner 1") {
     AddSize(L"1", L"1");
     AddSize(L"2", L"2");
     lvwBanners.Select(5);
+    changes = 0;
     Click(cmdRemoveSize);
     CHECK(lvwBanners.Count() == 5);
+    CHECK(changes == 1);
+    CHECK(recorder.messages.empty());
     AddSize(L"3", L"3");
     CHECK(Row(5) == L"User Banner 1|2|2|True");
     CHECK(Row(6) == L"User Banner 1|3|3|True");
 }
 
-TEST_CASE_FIXTURE(BannerPage, "a list of fewer than four rows counts on below 0") {
+TEST_CASE_FIXTURE(BannerPage,
+                  "a list of fewer than four rows counts on below 0, and its rows are protected as well") {
     lvwBanners.Clear();
     AddSize(L"1", L"2");
     CHECK(Row(1) == L"User Banner -4|2|1|True");
+    lvwBanners.Select(1);
+    Click(cmdRemoveSize);
+    CHECK(lvwBanners.Count() == 1);
+    CHECK(recorder.messages.size() == 1);
 }
 
 TEST_CASE_FIXTURE(BannerPage, "the rows at the first four positions cannot be deleted") {
@@ -55,34 +70,9 @@ TEST_CASE_FIXTURE(BannerPage, "the rows at the first four positions cannot be de
         lvwBanners.Select(position);
         Click(cmdRemoveSize);
         CHECK(lvwBanners.Count() == 5);
-        REQUIRE(recorder.messages.size() == 1);
-        CHECK(recorder.messages[0].text == L"This default setting cannot be deleted.");
-        CHECK(recorder.messages[0].title == kApplicationTitle);
-        CHECK(recorder.messages[0].type == (MB_OK | MB_ICONINFORMATION));
-        CHECK(recorder.messages[0].owner == window.Hwnd());
+        CheckMessage(L"This default setting cannot be deleted.", MB_ICONINFORMATION, window.Hwnd());
     }
     CHECK(changes == 0);
-}
-
-TEST_CASE_FIXTURE(BannerPage, "the protection is by position, whatever stands there") {
-    lvwBanners.Clear();
-    AddRow(L"mine", L"1", L"2", true);
-    lvwBanners.Select(1);
-    Click(cmdRemoveSize);
-    CHECK(lvwBanners.Count() == 1);
-    CHECK(recorder.messages.size() == 1);
-}
-
-TEST_CASE_FIXTURE(BannerPage, "a row behind the fourth is removed and marks a change") {
-    AddRow(L"fifth", L"1", L"2", true);
-    AddRow(L"sixth", L"1", L"2", true);
-    lvwBanners.Select(5);
-    changes = 0;
-    Click(cmdRemoveSize);
-    CHECK(lvwBanners.Count() == 5);
-    CHECK(lvwBanners.Text(5) == L"sixth");
-    CHECK(changes == 1);
-    CHECK(recorder.messages.empty());
 }
 
 TEST_CASE_FIXTURE(BannerPage, "Remove Size without a selected row does nothing") {
@@ -93,8 +83,8 @@ TEST_CASE_FIXTURE(BannerPage, "Remove Size without a selected row does nothing")
     CHECK(recorder.messages.empty());
 }
 
-TEST_CASE_FIXTURE(BannerPage,
-                  "ticking and clearing a row's box marks a change, with the keyboard and the mouse") {
+TEST_CASE_FIXTURE(
+    BannerPage, "ticking and clearing a default row's box marks a change, with the keyboard and the mouse") {
     REQUIRE(changes == 0);
     lvwBanners.Select(2);
     CHECK(changes == 0);
@@ -110,15 +100,120 @@ TEST_CASE_FIXTURE(BannerPage,
     CHECK(changes == 2);
 }
 
-TEST_CASE_FIXTURE(BannerPage, "filling the list from code marks no change") {
-    AddRow(L"fifth", L"1", L"2", true);
+TEST_CASE_FIXTURE(BannerPage,
+                  "filling the list from code marks no change, and keeps a name of a thousand characters") {
+    const std::wstring name(1000, L'n');
+    AddRow(name, name, L"1", true);
     lvwBanners.Checked(5, false);
-    SetupBannerColumns(lvwBanners);
+    CHECK(Row(5) == name + L'|' + name + L"|1|False");
     CHECK(changes == 0);
 }
 
-TEST_CASE_FIXTURE(BannerPage, "a name of a thousand characters is kept whole") {
-    const std::wstring name(1000, L'n');
-    AddRow(name.c_str(), name.c_str(), L"1", false);
-    CHECK(Row(5) == name + L'|' + name + L"|1|False");
+TEST_CASE_FIXTURE(BannerPage, "sizes that are not numbers, and the height 0, are refused in a fixed order") {
+    struct Refusal {
+        const wchar_t* height;
+        const wchar_t* width;
+        const wchar_t* message;
+        int focus;
+    };
+    constexpr Refusal kRefusals[] = {
+        {L"", L"", L"Height must be a number.", kHeight},
+        {L"", L"5", L"Height must be a number.", kHeight},
+        {L"5", L"", L"Width must be a number.", kWidth},
+        {L"5", L"x", L"Width must be a number.", kWidth},
+        {L"0", L"", L"Width must be a number.", kWidth},
+        {L"0", L"5", L"Height must be a number between 1 and 999.", kHeight},
+        {L"0.0", L"5", L"Height must be a number between 1 and 999.", kHeight},
+        {L"-0", L"0", L"Height must be a number between 1 and 999.", kHeight},
+        {L"0e5", L"5", L"Height must be a number between 1 and 999.", kHeight},
+    };
+    for (const Refusal& refusal : kRefusals) {
+        CAPTURE(std::wstring(refusal.height));
+        CAPTURE(std::wstring(refusal.width));
+        recorder.messages.clear();
+        Play(cmdAddSize, {[&](HWND dialog) {
+                              TypeText(dialog, kHeight, refusal.height);
+                              TypeText(dialog, kWidth, refusal.width);
+                              SetFocus(GetDlgItem(dialog, IDCANCEL));
+                              ClickButton(dialog, IDOK);
+                              CheckMessage(refusal.message, 0, dialog);
+                              CHECK(FocusedId() == refusal.focus);
+                          },
+                          kCancel});
+    }
+    CHECK(lvwBanners.Count() == 4);
+    // What is mended is accepted.
+    Play(cmdAddSize, {[](HWND dialog) {
+                          TypeText(dialog, kHeight, L"0");
+                          TypeText(dialog, kWidth, L"0");
+                          ClickButton(dialog, IDOK);
+                          TypeText(dialog, kHeight, L"10");
+                      },
+                      kOK});
+    CHECK(Row(5) == L"User Banner 0|0|10|True");
+}
+
+TEST_CASE_FIXTURE(
+    BannerPage,
+    "the bounds that the messages name are not enforced: a height of 1500 or -20, a width of 0 are "
+    "accepted as typed") {
+    recorder.messages.clear();
+    for (const wchar_t* const height : {L"1500", L"-20", L"0.5", L"1e3", L" 7 "}) {
+        for (const wchar_t* const width : {L"0", L"-1", L"12345", L"0.25"}) {
+            AddSize(height, width);
+            CHECK(lvwBanners.SubItem(lvwBanners.Count(), 2) == height);
+            CHECK(lvwBanners.SubItem(lvwBanners.Count(), 1) == width);
+        }
+    }
+    CHECK(lvwBanners.Count() == 24);
+    CHECK(recorder.messages.empty());
+}
+
+TEST_CASE_FIXTURE(BannerPage, "a letter typed into the height empties the box at once") {
+    Play(cmdAddSize, {[](HWND dialog) {
+                          TypeKeys(dialog, kHeight, L"12");
+                          CHECK(TextIn(dialog, kHeight) == L"12");
+                          SendDlgItemMessageW(dialog, kHeight, WM_CHAR, L'x', 1);
+                          CHECK(TextIn(dialog, kHeight).empty());
+                          TypeKeys(dialog, kHeight, L"7");
+                          CHECK(TextIn(dialog, kHeight) == L"7");
+                      },
+                      kCancel});
+}
+
+TEST_CASE_FIXTURE(BannerPage, "a letter typed into the width empties the box when the key is released") {
+    Play(cmdAddSize, {[](HWND dialog) {
+                          TypeKeys(dialog, kWidth, L"12");
+                          CHECK(TextIn(dialog, kWidth) == L"12");
+                          SendDlgItemMessageW(dialog, kWidth, WM_KEYDOWN, 'X', 1);
+                          SendDlgItemMessageW(dialog, kWidth, WM_CHAR, L'x', 1);
+                          CHECK(TextIn(dialog, kWidth) == L"12x");
+                          SendDlgItemMessageW(dialog, kWidth, WM_KEYUP, 'X', 1);
+                          CHECK(TextIn(dialog, kWidth).empty());
+                      },
+                      kCancel});
+}
+
+TEST_CASE_FIXTURE(BannerPage,
+                  "the height looks at every change of its text, the width at keys alone; numbers stay") {
+    Play(cmdAddSize, {[](HWND dialog) {
+                          TypeText(dialog, kHeight, L"pasted");
+                          CHECK(TextIn(dialog, kHeight).empty());
+                          SetDlgItemTextW(dialog, kHeight, L"set");
+                          CHECK(TextIn(dialog, kHeight).empty());
+                          TypeText(dialog, kWidth, L"pasted");
+                          SendDlgItemMessageW(dialog, kHeight, WM_KEYUP, VK_LEFT, 1);
+                          CHECK(TextIn(dialog, kWidth) == L"pasted");
+                          SendDlgItemMessageW(dialog, kWidth, WM_KEYUP, VK_LEFT, 1);
+                          CHECK(TextIn(dialog, kWidth).empty());
+                          TypeText(dialog, kWidth, L"again");
+                          SendDlgItemMessageW(dialog, kWidth, WM_SYSKEYUP, VK_F10, 1);
+                          CHECK(TextIn(dialog, kWidth).empty());
+                          TypeText(dialog, kHeight, L"-1.5e2");
+                          TypeText(dialog, kWidth, L"-1.5e2");
+                          SendDlgItemMessageW(dialog, kWidth, WM_KEYUP, VK_LEFT, 1);
+                          CHECK(TextIn(dialog, kHeight) == L"-1.5e2");
+                          CHECK(TextIn(dialog, kWidth) == L"-1.5e2");
+                      },
+                      kCancel});
 }

@@ -1,49 +1,160 @@
+// The Exclude page, its dialog, and what counts as a duplicate in the list.
 #include <doctest.h>
 
-#include "tests/lists/exclude_page.h"
-#include "tests/support/shown_text.h"
-
-using Texts = std::vector<std::wstring>;
+#include "lists/is_in_list.h"
+#include "tests/lists/list_pages.h"
 
 namespace {
 
-struct RemovalPage : ExcludePage {
-    RemovalPage() { cmdApply.Enabled(false); }
+constexpr int kAddress = IDC_ADD_URL_ADDRESS;
+
+struct FilledPage : ExcludePage {
+    FilledPage() { cmdApply.Enabled(false); }
+
+    void Fill(int count) {
+        for (int i = 0; i < count; ++i)
+            lstExclude.AddItem(L"row" + std::to_wstring(i));
+    }
 
     void RemoveRow(int row) {
         lstExclude.ListIndex(row);
         Click(cmdRemoveURL);
     }
+
+    // Enters an address that must be accepted.
+    void AddAddress(const std::wstring& address) {
+        Play(cmdAddURL, {[=](HWND dialog) { TypeText(dialog, kAddress, address); }, kOK});
+    }
+
+    // Enters an address that is refused with the message, and runs look in the dialog that stays open.
+    void CheckRefused(const std::wstring& address, const wchar_t* message, const DialogScript::Step& look) {
+        recorder.messages.clear();
+        Play(cmdAddURL, {[&](HWND dialog) {
+                             TypeText(dialog, kAddress, address);
+                             SetFocus(GetDlgItem(dialog, IDCANCEL));
+                             ClickButton(dialog, IDOK);
+                             CheckMessage(message, MB_ICONINFORMATION, dialog);
+                             CHECK(FocusedId() == kAddress);
+                             CHECK(TextIn(dialog, kAddress) == address);
+                             look(dialog);
+                         },
+                         kCancel});
+    }
 };
 
 }  // namespace
 
-TEST_CASE_FIXTURE(RemovalPage, "removing a row selects the row above it") {
-    Fill(6);
-    RemoveRow(3);
-    CHECK(Rows() == Texts{L"row0", L"row1", L"row2", L"row4", L"row5"});
-    CHECK(lstExclude.ListIndex() == 2);
-    CHECK(cmdApply.Enabled());
-    CHECK(cmdRemoveURL.Enabled());
+TEST_CASE_FIXTURE(FilledPage,
+                  "the dialog opens with the caret behind http://, where the typed address follows") {
+    Play(cmdAddURL, {[](HWND dialog) {
+                         CHECK(SelectionIn(dialog, kAddress) == TextSelection{7, 7});
+                         TypeKeys(dialog, kAddress, L"www.example.com");
+                     },
+                     kOK});
+    CHECK(Rows() == Texts{L"http://www.example.com"});
 }
 
-TEST_CASE_FIXTURE(RemovalPage, "removing the first row selects the new first row") {
-    Fill(3);
-    RemoveRow(0);
-    CHECK(Rows() == Texts{L"row1", L"row2"});
-    CHECK(lstExclude.ListIndex() == 0);
-    CHECK(cmdApply.Enabled());
+TEST_CASE_FIXTURE(FilledPage, "OK appends the address exactly as typed as the last row, blanks alone too") {
+    lstExclude.AddItem(L"zzz");
+    AddAddress(L" HTTP://Www.Example.com/A b ");
+    AddAddress(L"  ");
+    CHECK(Rows() == Texts{L"zzz", L" HTTP://Www.Example.com/A b ", L"  "});
+    CHECK(changes == 2);
+    CHECK(recorder.messages.empty());
 }
 
-TEST_CASE_FIXTURE(RemovalPage, "removing the last row selects the new last row") {
-    Fill(3);
-    RemoveRow(2);
-    CHECK(Rows() == Texts{L"row0", L"row1"});
-    CHECK(lstExclude.ListIndex() == 1);
-    CHECK(cmdApply.Enabled());
+TEST_CASE_FIXTURE(FilledPage, "OK on the untouched dialog adds http://, a second time it is a duplicate") {
+    Play(cmdAddURL, {kOK});
+    Play(cmdAddURL, {kOK, kCancel});
+    CHECK(Rows() == Texts{L"http://"});
+    CHECK(recorder.messages.size() == 1);
+    CHECK(changes == 2);
 }
 
-TEST_CASE_FIXTURE(RemovalPage,
+TEST_CASE_FIXTURE(FilledPage, "an empty address is refused, and the focus goes to the address") {
+    CheckRefused(L"", L"Please enter the web site address to exclude.", [](HWND) {});
+    CHECK(Rows().empty());
+}
+
+TEST_CASE_FIXTURE(
+    FilledPage,
+    "a duplicate but for letter case is refused; what follows http:// is selected to be overtyped, or "
+    "else the whole") {
+    struct Row {
+        const wchar_t* listed;
+        const wchar_t* typed;
+        TextSelection selection;
+    };
+    for (const Row& row : {Row{L"http://Example.com", L"http://eXAMPLE.COM", {7, 18}},
+                           Row{L"x http://a", L"x http://a", {7, 10}},
+                           Row{L"https://example.com", L"https://example.com", {0, 19}},
+                           Row{L"http://b", L"HTTP://b", {0, 8}}, Row{L"a", L"a", {0, 1}}}) {
+        CAPTURE(std::wstring(row.typed));
+        lstExclude.Clear();
+        lstExclude.AddItem(L"http://other");
+        lstExclude.AddItem(row.listed);
+        CheckRefused(row.typed, L"The URL you entered already exists in the list, please enter another",
+                     [&](HWND dialog) {
+                         CHECK(SelectionIn(dialog, kAddress) == row.selection);
+                         TypeKeys(dialog, kAddress, L"new");
+                         CHECK(TextIn(dialog, kAddress) ==
+                               std::wstring(row.typed).substr(0, row.selection.start) + L"new");
+                     });
+        CHECK(Rows() == Texts{L"http://other", row.listed});
+    }
+}
+
+TEST_CASE_FIXTURE(FilledPage,
+                  "addresses that differ in more than letter case, as by a trailing blank, are different") {
+    const Texts addresses{L"http://example.com", L"http://example.com ", L"example.com",
+                          L"http://example.com/"};
+    for (const std::wstring& address : addresses)
+        AddAddress(address);
+    CHECK(Rows() == addresses);
+    CHECK(recorder.messages.empty());
+}
+
+TEST_CASE_FIXTURE(FilledPage,
+                  "a text is in a list when a row equals it as a whole, without regard to letter case") {
+    CHECK_FALSE(IsInList(L"", lstExclude));
+    for (const wchar_t* const row : {L"http://one", L"http://Caf\u00E9", L"a"})
+        lstExclude.AddItem(row);
+    for (const wchar_t* const text : {L"HTTP://ONE", L"http://one", L"http://caf\u00C9"})
+        CHECK(IsInList(text, lstExclude));
+    for (const wchar_t* const text :
+         {L"http://on", L"http://one ", L" http://one", L"one", L"http://onf", L""})
+        CHECK_FALSE(IsInList(text, lstExclude));
+    lstExclude.AddItem(L"");
+    CHECK(IsInList(L"", lstExclude));
+}
+
+TEST_CASE_FIXTURE(
+    FilledPage,
+    "a removal selects the row above, of row 0 the new row 0, of the last row the new last row; it "
+    "enables Apply by itself, not through the change mark") {
+    struct Row {
+        int count;
+        int removed;
+        int selected;
+    };
+    for (const Row& row : {Row{6, 3, 2}, Row{3, 0, 0}, Row{3, 2, 1}, Row{2, 1, 0}, Row{3, 1, 0}}) {
+        CAPTURE(row.count);
+        CAPTURE(row.removed);
+        lstExclude.Clear();
+        Fill(row.count);
+        Texts expected = Rows();
+        expected.erase(expected.begin() + row.removed);
+        cmdApply.Enabled(false);
+        RemoveRow(row.removed);
+        CHECK(Rows() == expected);
+        CHECK(lstExclude.ListIndex() == row.selected);
+        CHECK(cmdApply.Enabled());
+        CHECK(cmdRemoveURL.Enabled());
+    }
+    CHECK(changes == 0);
+}
+
+TEST_CASE_FIXTURE(FilledPage,
                   "removing the only row leaves an empty list, Remove Url disabled and Apply enabled") {
     Fill(1);
     RemoveRow(0);
@@ -53,72 +164,42 @@ TEST_CASE_FIXTURE(RemovalPage,
     CHECK(cmdApply.Enabled());
 }
 
-TEST_CASE_FIXTURE(RemovalPage, "a removal enables Apply by itself, not through the change mark") {
-    Fill(2);
-    RemoveRow(1);
-    CHECK(changes == 0);
-    CHECK(cmdApply.Enabled());
-}
-
-TEST_CASE_FIXTURE(RemovalPage, "Remove Url without a selected row changes nothing while there are rows") {
-    Fill(2);
-    page.cmdRemoveURL_Click();
-    CHECK(lstExclude.ListCount() == 2);
-    CHECK(lstExclude.ListIndex() == -1);
-    CHECK(cmdRemoveURL.Enabled());
-    CHECK_FALSE(cmdApply.Enabled());
-    CHECK(changes == 0);
-}
-
-TEST_CASE_FIXTURE(RemovalPage, "Remove Url on an empty list only disables itself") {
-    page.cmdRemoveURL_Click();
-    CHECK_FALSE(cmdRemoveURL.Enabled());
-    CHECK_FALSE(cmdApply.Enabled());
+TEST_CASE_FIXTURE(FilledPage,
+                  "Remove Url without a selected row changes nothing, except that it disables itself "
+                  "where the list is empty") {
+    for (const int count : {2, 0}) {
+        CAPTURE(count);
+        lstExclude.Clear();
+        Fill(count);
+        page.cmdRemoveURL_Click();
+        CHECK(lstExclude.ListCount() == count);
+        CHECK(lstExclude.ListIndex() == -1);
+        CHECK(cmdRemoveURL.Enabled() == (count != 0));
+        CHECK_FALSE(cmdApply.Enabled());
+    }
     CHECK(changes == 0);
 }
 
-TEST_CASE_FIXTURE(RemovalPage, "selecting a row enables Remove Url, selecting none disables it") {
-    Fill(2);
+TEST_CASE_FIXTURE(
+    FilledPage,
+    "selecting a row, by code, by a click or by a removal, enables Remove Url; none disables it") {
+    Fill(3);
     cmdRemoveURL.Enabled(false);
     lstExclude.ListIndex(1);
     CHECK(cmdRemoveURL.Enabled());
+    cmdRemoveURL.Enabled(false);
+    lstExclude.ListIndex(1);  // it is selected already, which raises no click
+    CHECK_FALSE(cmdRemoveURL.Enabled());
+    lstExclude.ListIndex(2);
     lstExclude.ListIndex(-1);
     CHECK_FALSE(cmdRemoveURL.Enabled());
-    CHECK(changes == 0);
-    CHECK_FALSE(cmdApply.Enabled());
-}
-
-TEST_CASE_FIXTURE(RemovalPage, "selecting from code what is selected already raises no click") {
-    Fill(2);
-    lstExclude.ListIndex(1);
-    cmdRemoveURL.Enabled(false);
-    lstExclude.ListIndex(1);
-    CHECK_FALSE(cmdRemoveURL.Enabled());
-}
-
-TEST_CASE_FIXTURE(RemovalPage, "a row that the user clicks enables Remove Url") {
-    Fill(2);
-    cmdRemoveURL.Enabled(false);
-    SendMessageW(lstExclude.Hwnd(), LB_SETCURSEL, 0, 0);
+    SendMessageW(lstExclude.Hwnd(), LB_SETCURSEL, 2, 0);
     SendMessageW(window.Hwnd(), WM_COMMAND, MAKEWPARAM(lstExclude.Id(), LBN_SELCHANGE),
                  reinterpret_cast<LPARAM>(lstExclude.Hwnd()));
     CHECK(cmdRemoveURL.Enabled());
-}
-
-TEST_CASE_FIXTURE(RemovalPage, "the selection that a removal sets raises the list's click") {
-    Fill(3);
-    lstExclude.ListIndex(2);
+    CHECK_FALSE(cmdApply.Enabled());
     cmdRemoveURL.Enabled(false);
     page.cmdRemoveURL_Click();
     CHECK(cmdRemoveURL.Enabled());
-}
-
-TEST_CASE_FIXTURE(RemovalPage, "rows can be removed until none is left") {
-    Fill(200);
-    lstExclude.ListIndex(120);
-    for (int left = 199; left >= 0; --left) {
-        Click(cmdRemoveURL);
-        REQUIRE(lstExclude.ListCount() == left);
-    }
-    CHECK_FALSE(cmdRemoveURL.Enabled());
+    CHECK(changes == 0);
 }

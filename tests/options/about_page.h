@@ -1,4 +1,5 @@
-// What the tests of the link and of the logo share: the shell that opens addresses, and what a control draws.
+// What the tests of the link and of the logo share: the About page with a shell that opens addresses, and
+// what a control draws.
 #pragma once
 
 #include <windows.h>
@@ -7,25 +8,28 @@
 #include <string>
 #include <vector>
 
-#include "platform/controls/control.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/settings_window.h"
 
-struct Opened {
-    HWND owner;
-    std::string verb;
-    std::string file;
-    bool hasParameters;
-    bool hasDirectory;
-    int show;
-};
+// A window whose link shows an address. The shell has no program for any.
+struct AboutPageFixture : SettingsWindow {
+    struct Opened {
+        HWND owner;
+        std::string verb;
+        std::string file;
+        bool hasParameters;
+        bool hasDirectory;
+        int show;
+    };
 
-// Takes the place of the shell while it exists, and has no program for any address.
-class Browser {
-public:
-    Browser() { s_opened = &opened; }
-    Browser(const Browser&) = delete;
-    Browser& operator=(const Browser&) = delete;
-    ~Browser() { s_opened = nullptr; }
+    AboutPageFixture() {
+        s_opened = &opened;
+        lblNavSite.Caption(L"http://www.calvane.example/");
+    }
+
+    static void Resize(const Control& control, int width, int height) {
+        SetWindowPos(control.Hwnd(), nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
+    }
 
     std::vector<Opened> opened;
 
@@ -40,29 +44,23 @@ private:
     const ImportPatch m_patch{"shell32.dll", "ShellExecuteA", &Execute};
 };
 
-inline constexpr wchar_t kAddress[] = L"http://www.calvane.example/";
-
-inline LPARAM MiddleOf(HWND window) {
-    RECT bounds;
-    GetClientRect(window, &bounds);
-    return MAKELPARAM(bounds.right / 2, bounds.bottom / 2);
-}
-
-// What a control draws into its client area.
+// What a control draws into its client area, over a colour of its own.
 class Drawing {
 public:
-    Drawing(HWND window, COLORREF before) {
+    static constexpr COLORREF kBefore = RGB(1, 254, 3);
+
+    explicit Drawing(const Control& control) {
         RECT bounds;
-        GetClientRect(window, &bounds);
+        GetClientRect(control.Hwnd(), &bounds);
         const HDC screen = GetDC(nullptr);
         m_dc = CreateCompatibleDC(screen);
         m_bitmap = CreateCompatibleBitmap(screen, bounds.right, bounds.bottom);
         ReleaseDC(nullptr, screen);
         m_old = SelectObject(m_dc, m_bitmap);
-        const HBRUSH brush = CreateSolidBrush(before);
+        const HBRUSH brush = CreateSolidBrush(kBefore);
         FillRect(m_dc, &bounds, brush);
         DeleteObject(brush);
-        SendMessageW(window, WM_PRINTCLIENT, reinterpret_cast<WPARAM>(m_dc), PRF_CLIENT);
+        SendMessageW(control.Hwnd(), WM_PRINTCLIENT, reinterpret_cast<WPARAM>(m_dc), PRF_CLIENT);
     }
     Drawing(const Drawing&) = delete;
     Drawing& operator=(const Drawing&) = delete;
@@ -79,9 +77,3 @@ private:
     HBITMAP m_bitmap;
     HGDIOBJ m_old;
 };
-
-inline constexpr COLORREF kBefore = RGB(1, 254, 3);
-
-inline void Resize(const Control& control, int width, int height) {
-    SetWindowPos(control.Hwnd(), nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
-}

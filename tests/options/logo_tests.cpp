@@ -1,3 +1,4 @@
+// The logo of the About
 #include <windows.h>
 #include <olectl.h>
 
@@ -7,8 +8,6 @@
 #include "app/resource.h"
 #include "platform/automation_error.h"
 #include "tests/options/about_page.h"
-#include "tests/support/import_patch.h"
-#include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
 
 namespace {
@@ -34,63 +33,40 @@ private:
     ImportPatch m_patch{"oleaut32.dll", "OleLoadPicture", &Load};
 };
 
-// The smallest rectangle around everything that is not background.
-RECT InkOf(const Drawing& drawing, SIZE size, COLORREF background) {
-    RECT ink{size.cx, size.cy, 0, 0};
-    for (LONG y = 0; y < size.cy; ++y) {
-        for (LONG x = 0; x < size.cx; ++x) {
-            if (drawing.At(x, y) == background) continue;
-            ink.left = std::min(ink.left, x);
-            ink.top = std::min(ink.top, y);
-            ink.right = std::max(ink.right, x + 1);
-            ink.bottom = std::max(ink.bottom, y + 1);
-        }
-    }
-    return ink;
-}
-
 }  // namespace
 
-TEST_CASE("a click on the logo opens the page, and the pointer over it is a hand") {
-    SettingsWindow page;
-    Browser browser;
-    page.lblNavSite.Caption(kAddress);
-    SendMessageW(page.imgLogo.Hwnd(), WM_LBUTTONDOWN, MK_LBUTTON, MiddleOf(page.imgLogo.Hwnd()));
-    SendMessageW(page.imgLogo.Hwnd(), WM_LBUTTONUP, 0, MiddleOf(page.imgLogo.Hwnd()));
-    REQUIRE(browser.opened.size() == 1);
-    CHECK(browser.opened[0].file == "http://www.calvane.example/");
-
+TEST_CASE_FIXTURE(AboutPageFixture, "the pointer over the logo is a hand") {
     SetCursor(LoadCursorW(nullptr, IDC_ARROW));
-    CHECK(SendMessageW(page.imgLogo.Hwnd(), WM_SETCURSOR, reinterpret_cast<WPARAM>(page.imgLogo.Hwnd()),
+    CHECK(SendMessageW(imgLogo.Hwnd(), WM_SETCURSOR, reinterpret_cast<WPARAM>(imgLogo.Hwnd()),
                        MAKELPARAM(HTCLIENT, WM_MOUSEMOVE)) != 0);
     CHECK(GetCursor() == LoadCursorW(nullptr, IDC_HAND));
 }
 
-TEST_CASE("without a picture the logo shows the background of its parent") {
-    SettingsWindow page;
-    Resize(page.imgLogo, 96, 96);
-    const Drawing drawing(page.imgLogo.Hwnd(), kBefore);
+TEST_CASE_FIXTURE(AboutPageFixture, "without a picture the logo shows the background of its parent") {
+    Resize(imgLogo, 96, 96);
+    const Drawing drawing(imgLogo);
     const COLORREF background = GetSysColor(COLOR_3DFACE);
     CHECK(drawing.At(0, 0) == background);
     CHECK(drawing.At(95, 95) == background);
     CHECK(drawing.At(48, 48) == background);
 }
 
-TEST_CASE("a logo of the control's size is drawn in its own pixels, with the parent's background behind it") {
-    SettingsWindow page;
+TEST_CASE_FIXTURE(
+    AboutPageFixture,
+    "a logo of the control's size is drawn in its own pixels, with the parent's background behind it") {
     const COLORREF background = GetSysColor(COLOR_3DFACE);
-    page.imgLogo.Picture(IDG_LOGO_96);
-    Resize(page.imgLogo, 96, 96);
-    const Drawing exact(page.imgLogo.Hwnd(), kBefore);
-    Resize(page.imgLogo, 104, 100);
-    const Drawing roomy(page.imgLogo.Hwnd(), kBefore);
+    imgLogo.Picture(IDG_LOGO_96);
+    Resize(imgLogo, 96, 96);
+    const Drawing exact(imgLogo);
+    Resize(imgLogo, 104, 100);
+    const Drawing roomy(imgLogo);
     int ink = 0;
     int same = 0;
     for (int y = 0; y < 96; ++y) {
         for (int x = 0; x < 96; ++x) {
             if (exact.At(x, y) != background) ++ink;
             if (exact.At(x, y) == roomy.At(x + 4, y + 2)) ++same;
-            REQUIRE(exact.At(x, y) != kBefore);
+            REQUIRE(exact.At(x, y) != Drawing::kBefore);
         }
     }
     CHECK(ink > 1000);
@@ -98,51 +74,28 @@ TEST_CASE("a logo of the control's size is drawn in its own pixels, with the par
     CHECK(exact.At(0, 0) == background);  // a transparent corner
 }
 
-TEST_CASE("a logo of another size is scaled to fill the control in its proportions") {
-    SettingsWindow page;
-    const COLORREF background = GetSysColor(COLOR_3DFACE);
-    page.imgLogo.Picture(IDG_LOGO_192);
-    Resize(page.imgLogo, 200, 192);
-    const RECT full = InkOf(Drawing(page.imgLogo.Hwnd(), kBefore), {200, 192}, background);
-    Resize(page.imgLogo, 100, 48);
-    const RECT quarter = InkOf(Drawing(page.imgLogo.Hwnd(), kBefore), {100, 48}, background);
-    CHECK(std::abs((full.right - full.left) / 4 - (quarter.right - quarter.left)) <= 2);
-    CHECK(std::abs((full.bottom - full.top) / 4 - (quarter.bottom - quarter.top)) <= 2);
-    CHECK(std::abs((quarter.left + quarter.right) / 2 - 50) <= 2);
-}
-
-TEST_CASE("a picture is decoded once, and not before it is drawn") {
-    SettingsWindow page;
-    Resize(page.imgLogo, 96, 96);
-    const Decoder decoder;
-    page.imgLogo.Picture(IDG_LOGO_192);
-    page.imgLogo.Picture(IDG_LOGO_96);
-    CHECK(decoder.count == 0);
-    const COLORREF middle = Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48);
-    CHECK(decoder.count == 1);
-    CHECK(Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48) == middle);
-    CHECK(decoder.count == 1);
-    CHECK(middle != GetSysColor(COLOR_3DFACE));
-}
-
-TEST_CASE("a picture that cannot be decoded leaves the background, and is not tried again") {
-    SettingsWindow page;
-    Resize(page.imgLogo, 96, 96);
+TEST_CASE_FIXTURE(
+    AboutPageFixture,
+    "a picture is decoded once, not before it is drawn; one that cannot be decoded leaves the background; "
+    "one that is not there is an error and leaves the one before it") {
+    Resize(imgLogo, 96, 96);
     Decoder decoder;
-    decoder.refuses = true;
-    page.imgLogo.Picture(IDG_LOGO_96);
-    for (int drawings = 0; drawings < 3; ++drawings)
-        CHECK(Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48) == GetSysColor(COLOR_3DFACE));
+    SUBCASE("one that can be decoded") {
+        imgLogo.Picture(IDG_LOGO_192);
+        imgLogo.Picture(IDG_LOGO_96);
+        CHECK(decoder.count == 0);
+        const COLORREF middle = Drawing(imgLogo).At(48, 48);
+        CHECK(middle != GetSysColor(COLOR_3DFACE));
+        CHECK_THROWS_AS(imgLogo.Picture(9999), AutomationError);
+        CHECK(Drawing(imgLogo).At(48, 48) == middle);
+    }
+    SUBCASE("one that cannot") {
+        decoder.refuses = true;
+        imgLogo.Picture(IDG_LOGO_96);
+        for (int drawings = 0; drawings < 3; ++drawings)
+            CHECK(Drawing(imgLogo).At(48, 48) == GetSysColor(COLOR_3DFACE));
+    }
     CHECK(decoder.count == 1);
-}
-
-TEST_CASE("a picture that is not there is an error and leaves the one before it") {
-    SettingsWindow page;
-    Resize(page.imgLogo, 96, 96);
-    page.imgLogo.Picture(IDG_LOGO_96);
-    const COLORREF middle = Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48);
-    CHECK_THROWS_AS(page.imgLogo.Picture(9999), AutomationError);
-    CHECK(Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48) == middle);
 }
 
 TEST_CASE("the place of a picture in its box") {
@@ -178,11 +131,10 @@ TEST_CASE("the logo is taken that was drawn for the screen, else the next finer,
     CHECK(ResourceForDpi(resources, 288) == 4);
 }
 
-TEST_CASE("the logo of the screen's resolution is the one that is shown") {
-    SettingsWindow page;
-    Resize(page.imgLogo, 96, 96);
-    page.imgLogo.Picture(IDG_LOGO_96);
-    const COLORREF middle = Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48);
-    page.imgLogo.Picture({{96, IDG_LOGO_96}, {192, IDG_LOGO_192}});
-    CHECK(Drawing(page.imgLogo.Hwnd(), kBefore).At(48, 48) == middle);
+TEST_CASE_FIXTURE(AboutPageFixture, "the logo of the screen's resolution is the one that is shown") {
+    Resize(imgLogo, 96, 96);
+    imgLogo.Picture(IDG_LOGO_96);
+    const COLORREF middle = Drawing(imgLogo).At(48, 48);
+    imgLogo.Picture({{96, IDG_LOGO_96}, {192, IDG_LOGO_192}});
+    CHECK(Drawing(imgLogo).At(48, 48) == middle);
 }

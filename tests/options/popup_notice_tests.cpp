@@ -1,3 +1,4 @@
+// The notice of a closed window, and the buttons for it.
 #include <windows.h>
 #include <mmsystem.h>
 
@@ -15,31 +16,29 @@
 
 namespace {
 
-std::vector<std::string>* g_sounds = nullptr;
-
-BOOL WINAPI FakePlaySound(LPCSTR path, UINT flags) {
-    g_sounds->push_back("play " + std::string(path) + " " + std::to_string(flags));
-    return FALSE;
-}
-
-BOOL WINAPI FakeBeep(UINT type) {
-    g_sounds->push_back("beep " + std::to_string(type));
-    return FALSE;
-}
-
 // Hears what would be played instead of playing it. Every call fails, which nothing is to mind.
 class SoundRecorder {
 public:
-    SoundRecorder() { g_sounds = &heard; }
-    ~SoundRecorder() { g_sounds = nullptr; }
+    SoundRecorder() { s_heard = &m_heard; }
+    SoundRecorder(const SoundRecorder&) = delete;
+    SoundRecorder& operator=(const SoundRecorder&) = delete;
 
-    std::vector<std::string> Take() { return std::exchange(heard, {}); }
-
-    std::vector<std::string> heard;
+    std::vector<std::string> Take() { return std::exchange(m_heard, {}); }
 
 private:
-    SoundPatch m_play{&FakePlaySound};
-    ImportPatch m_beep{"user32.dll", "MessageBeep", &FakeBeep};
+    static BOOL WINAPI Play(LPCSTR path, UINT flags) {
+        s_heard->push_back("play " + std::string(path) + " " + std::to_string(flags));
+        return FALSE;
+    }
+    static BOOL WINAPI Beep(UINT type) {
+        s_heard->push_back("beep " + std::to_string(type));
+        return FALSE;
+    }
+
+    static inline std::vector<std::string>* s_heard = nullptr;
+    std::vector<std::string> m_heard;
+    const SoundPatch m_play{&Play};
+    const ImportPatch m_beep{"user32.dll", "MessageBeep", &Beep};
 };
 
 using Sounds = std::vector<std::string>;
@@ -111,53 +110,33 @@ TEST_CASE("the notice plays the file, then beeps, as the check boxes and the fil
     CHECK_FALSE(page.cmdApply.Enabled());
 }
 
-TEST_CASE("the path of the sound is given in the ANSI code page") {
-    SettingsWindow page;
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "two notices in quick succession are both played at once, so that the second cuts off the "
+                  "first; the path is in the ANSI code page") {
     SoundRecorder sounds;
-    page.popupNotice.m_strSoundFile = L"C:\\T\u00f6ne\\\u4e2d.wav";
-    page.chkPlaySound.Value(1);
-    page.popupNotice.PlayNotice();
-    CHECK(sounds.Take() == Sounds{"play " + ToAnsi(L"C:\\T\u00f6ne\\\u4e2d.wav") + " 1"});
+    popupNotice.m_strSoundFile = L"C:\\T\u00f6ne\\\u4e2d.wav";
+    chkPlaySound.Value(1);
+    popupNotice.Announce();
+    popupNotice.Announce();
+    const std::string play = "play " + ToAnsi(popupNotice.m_strSoundFile) + " 1";
+    CHECK(sounds.Take() == Sounds{play, play});
 }
 
-TEST_CASE("a second notice is played at once, so that it cuts off the first") {
-    SettingsWindow page;
-    SoundRecorder sounds;
-    page.popupNotice.m_strSoundFile = L"a.wav";
-    page.chkPlaySound.Value(1);
-    page.popupNotice.Announce();
-    page.popupNotice.Announce();
-    CHECK(sounds.Take() == Sounds{"play a.wav 1", "play a.wav 1"});
-}
-
-TEST_CASE("a sound that is missing, unreadable or none does not keep the notice waiting") {
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "a sound that is missing, unreadable or none does not keep the notice waiting") {
     const TestFolder folder;
-    SettingsWindow page;
-    FileHandle lock;
-    SUBCASE("a file that does not exist") {
-        page.popupNotice.m_strSoundFile = L"C:\\no such folder\\none.wav";
+    const std::wstring locked = folder.Write(L"locked.wav", "RIFF");
+    const FileHandle lock(
+        CreateFileW(locked.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    REQUIRE(lock);
+    chkPlaySound.Value(1);
+    for (const std::wstring& file :
+         {std::wstring(L"C:\\no such folder\\none.wav"), folder.Folder(), locked,
+          folder.Write(L"empty.wav", ""), folder.Write(L"text.wav", std::string(100000, 'x')),
+          folder.Write(L"cut.wav", std::string("RIFF\xFF\xFF\xFF\x7FWAVEfmt \x10\0\0\0", 20))}) {
+        popupNotice.m_strSoundFile = file;
+        popupNotice.PlayNotice();
     }
-    SUBCASE("a folder") {
-        page.popupNotice.m_strSoundFile = folder.Folder();
-    }
-    SUBCASE("a file that somebody else has for himself") {
-        page.popupNotice.m_strSoundFile = folder.Write(L"locked.wav", "RIFF");
-        lock.Reset(CreateFileW(page.popupNotice.m_strSoundFile.c_str(), GENERIC_READ, 0, nullptr,
-                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
-        REQUIRE(lock);
-    }
-    SUBCASE("an empty file") {
-        page.popupNotice.m_strSoundFile = folder.Write(L"empty.wav", "");
-    }
-    SUBCASE("a text") {
-        page.popupNotice.m_strSoundFile = folder.Write(L"text.wav", std::string(100000, 'x'));
-    }
-    SUBCASE("a wave file that is cut off") {
-        page.popupNotice.m_strSoundFile =
-            folder.Write(L"cut.wav", std::string("RIFF\xFF\xFF\xFF\x7FWAVEfmt \x10\0\0\0", 20));
-    }
-    page.chkPlaySound.Value(1);
-    page.popupNotice.PlayNotice();
     StopSounds();
 }
 
@@ -167,11 +146,11 @@ TEST_CASE("where Windows has no winmm.dll, or one without the function, the noti
     page.chkPlaySound.Value(1);
     SUBCASE("no library") {
         const NoSoundLibrary system;
-        const SoundRecorder sounds;
+        SoundRecorder sounds;
         page.popupNotice.PlayNotice();
         page.popupNotice.Announce();
         CHECK(system.Refused() == 2);
-        CHECK(sounds.heard.empty());
+        CHECK(sounds.Take().empty());
     }
     SUBCASE("no function") {
         const SoundPatch none(nullptr);
@@ -181,74 +160,41 @@ TEST_CASE("where Windows has no winmm.dll, or one without the function, the noti
     CHECK(page.chkPlaySound.Value() == 1);
 }
 
-TEST_CASE("the test button is pressed like any other button and plays the notice") {
-    SettingsWindow page;
-    SoundRecorder sounds;
-    page.popupNotice.m_strSoundFile = L"a.wav";
-    SettingsWindow::Click(page.chkPlaySound);
-    SettingsWindow::Click(page.cmdTestSound);
-    CHECK(sounds.Take() == Sounds{"play a.wav 1"});
-}
-
-TEST_CASE("checking one kind of notice clears the other; both may be unchecked") {
-    SettingsWindow page;
-    SettingsWindow::Click(page.chkPlaySound);
-    CHECK(page.chkPlaySound.Value() == 1);
-    CHECK(page.chkBeep.Value() == 0);
-    SettingsWindow::Click(page.chkBeep);
-    CHECK(page.chkPlaySound.Value() == 0);
-    CHECK(page.chkBeep.Value() == 1);
-    SettingsWindow::Click(page.chkPlaySound);
-    CHECK(page.chkPlaySound.Value() == 1);
-    CHECK(page.chkBeep.Value() == 0);
-    SettingsWindow::Click(page.chkPlaySound);
-    CHECK(page.chkPlaySound.Value() == 0);
-    CHECK(page.chkBeep.Value() == 0);
-}
-
-TEST_CASE("checking Play Sound enables the file button, and the test button when there is a file") {
+TEST_CASE("a click on a check box clears the other one and sets the sound buttons; both may be unchecked") {
+    // Play Sound, the beep, the file button and the test button, in this order: "1010".
     struct Row {
+        const char* meaning;
         const wchar_t* file;
-        bool testEnabledBefore;
-        bool testEnabledAfter;
+        const char* before;
+        bool clicksBeep;
+        const char* after;
     };
     const Row rows[] = {
-        {L"a.wav", false, true}, {L"a.wav", true, true}, {L"", false, false}, {L"", true, true}};
+        {"Play Sound enables the buttons where there is a file", L"a.wav", "0000", false, "1011"},
+        {"and leaves the test button enabled", L"a.wav", "0001", false, "1011"},
+        {"without a file the test button stays disabled", L"", "0000", false, "1010"},
+        {"or as it is", L"", "0001", false, "1011"},
+        {"Play Sound clears the beep", L"a.wav", "0100", false, "1011"},
+        {"clearing Play Sound disables both buttons", L"a.wav", "1011", false, "0000"},
+        {"so does the beep, which clears it", L"a.wav", "1011", true, "0100"},
+        {"the beep alone cannot be tested", L"a.wav", "0000", true, "0100"},
+        {"clearing the beep leaves the rest", L"a.wav", "0100", true, "0000"},
+    };
     for (const Row& row : rows) {
-        CAPTURE(std::wstring(row.file));
-        CAPTURE(row.testEnabledBefore);
+        CAPTURE(row.meaning);
         SettingsWindow page;
         page.popupNotice.m_strSoundFile = row.file;
-        page.cmdSoundFile.Enabled(false);
-        page.cmdTestSound.Enabled(row.testEnabledBefore);
-        SettingsWindow::Click(page.chkPlaySound);
-        CHECK(page.cmdSoundFile.Enabled());
-        CHECK(page.cmdTestSound.Enabled() == row.testEnabledAfter);
+        SettingsWindow::Check(page.chkPlaySound, row.before[0] == '1');
+        SettingsWindow::Check(page.chkBeep, row.before[1] == '1');
+        page.cmdSoundFile.Enabled(row.before[2] == '1');
+        page.cmdTestSound.Enabled(row.before[3] == '1');
+        SettingsWindow::Click(row.clicksBeep ? page.chkBeep : page.chkPlaySound);
+        const bool after[] = {page.chkPlaySound.Value() == 1, page.chkBeep.Value() == 1,
+                              page.cmdSoundFile.Enabled(), page.cmdTestSound.Enabled()};
+        std::string shown;
+        for (const bool each : after)
+            shown += each ? '1' : '0';
+        CHECK(shown == row.after);
         CHECK(page.cmdApply.Enabled());
     }
-}
-
-TEST_CASE("clearing Play Sound, also by checking the beep, disables both sound buttons") {
-    for (const bool byBeep : {false, true}) {
-        CAPTURE(byBeep);
-        SettingsWindow page;
-        page.popupNotice.m_strSoundFile = L"a.wav";
-        SettingsWindow::Click(page.chkPlaySound);
-        CHECK(page.cmdTestSound.Enabled());
-        SettingsWindow::Click(byBeep ? page.chkBeep : page.chkPlaySound);
-        CHECK_FALSE(page.cmdSoundFile.Enabled());
-        CHECK_FALSE(page.cmdTestSound.Enabled());
-    }
-}
-
-TEST_CASE("clearing the beep leaves Play Sound and its buttons as they are") {
-    SettingsWindow page;
-    SettingsWindow::Click(page.chkBeep);
-    page.cmdApply.Enabled(false);
-    page.cmdSoundFile.Enabled(false);
-    SettingsWindow::Click(page.chkBeep);
-    CHECK(page.chkPlaySound.Value() == 0);
-    CHECK(page.chkBeep.Value() == 0);
-    CHECK_FALSE(page.cmdSoundFile.Enabled());
-    CHECK(page.cmdApply.Enabled());
 }

@@ -6,7 +6,7 @@
 
 #include "platform/handle.h"
 #include "platform/text.h"
-#include "tests/lists/banner_page.h"
+#include "tests/lists/list_pages.h"
 #include "tests/support/program.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
@@ -71,11 +71,11 @@ TEST_CASE("alone: a banner size with a decimal comma" * doctest::skip(true)) {
     const NotedStart start;
     BannerPage banners;
     const int before = banners.lvwBanners.Count();
-    banners.Add({[](HWND dialog) {
-                     TypeKeys(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, L"1,5");
-                     CHECK(TextIn(dialog, IDC_ADD_BANNER_SIZE_HEIGHT) == L"1,5");
-                 },
-                 [](HWND dialog) { ClickButton(dialog, IDCANCEL); }});
+    banners.Play(banners.cmdAddSize, {[](HWND dialog) {
+                                          TypeKeys(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, L"1,5");
+                                          CHECK(TextIn(dialog, IDC_ADD_BANNER_SIZE_HEIGHT) == L"1,5");
+                                      },
+                                      kCancel});
     banners.AddSize(L"1,5", L"2,25");
     REQUIRE(banners.lvwBanners.Count() == before + 1);
     CHECK(banners.lvwBanners.SubItem(before + 1, 2) == L"1,5");

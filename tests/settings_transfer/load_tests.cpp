@@ -1,5 +1,8 @@
+// What a load makes of a store.
 #include <windows.h>
+#include <commctrl.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -8,289 +11,234 @@
 #include "store/settings_schema.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
+#include "tests/support/test_folder.h"
+#include "tests/support/window_state.h"
+
+using namespace Schema;
+using Texts = std::vector<std::wstring>;
 
 namespace {
 
-using Rows = std::vector<std::wstring>;
+Texts BannerRows(const SettingsWindow& page) {
+    return SettingsWindow::Rows(page.lvwBanners, 2);
+}
+
+Texts SearchRows(const SettingsWindow& page) {
+    return SettingsWindow::Rows(page.lvwSearchURLs, 1);
+}
 
 }  // namespace
 
-TEST_CASE("every stored option is shown in its control") {
-    SettingsWindow page;
-    page.Store(L"chkPlaySound", L"1");
-    page.Store(L"chkBeep", L"0");
-    page.Store(L"txtPause", L"12000");
-    page.Store(L"txtSpeed", L"400");
-    page.Store(L"chkExtra", L"1");
-    page.Store(L"txtExtra", L" as it stands ");
-    page.Store(L"Pause Key", L"F9");
-    page.Store(L"SoundFile", L"C:\\Sounds\\a.wav");
-    page.Store(L"Startup", L"RunOnly");
-    page.cmdTestSound.Enabled(false);
-    page.cmdSoundFile.Enabled(false);
-    page.transfer.LoadSettings();
-    CHECK(page.chkPlaySound.Value() == 1);
-    CHECK(page.chkBeep.Value() == 0);
-    CHECK(page.txtPause.Text() == L"12");
-    CHECK(page.txtSpeed.Text() == L"9");
-    CHECK(page.chkExtra.Value() == 1);
-    CHECK(page.txtExtra.Text() == L" as it stands ");
-    CHECK(page.cboPauseKey.Text() == L"F9");
-    CHECK(page.popupNotice.m_strSoundFile == L"C:\\Sounds\\a.wav");
-    CHECK(page.optLoadWithKiller.Value());
-    CHECK(page.generalOptions.m_strStartupMode == L"RunOnly");
-    CHECK(page.cmdSoundFile.Enabled());
-    CHECK(page.cmdTestSound.Enabled());
-    CHECK_FALSE(page.cmdApply.Enabled());
-}
-
-TEST_CASE("the first-run defaults are shown") {
-    SettingsWindow page;
-    WriteFirstRunDefaults();
-    page.transfer.LoadSettings();
-    CHECK(page.chkPlaySound.Value() == 1);
-    CHECK(page.chkBeep.Value() == 0);
-    CHECK(page.txtPause.Text() == L"5");
-    CHECK(page.txtSpeed.Text() == L"6");
-    CHECK(page.cboPauseKey.Text() == L"Shift");
-    CHECK(page.optLoadWithKiller.Value());
-    CHECK(page.popupNotice.m_strSoundFile.ends_with(L"\\Arc.wav"));
-    CHECK(page.ExcludeRows().empty());
-    CHECK(SettingsWindow::Rows(page.lvwBanners, 2) ==
-          Rows{L"Full Banner|468|60|x", L"Half Banner|234|60|", L"Quarter Banner|120|60|", L"Button|88|31|"});
-    const Rows search = SettingsWindow::Rows(page.lvwSearchURLs, 1);
-    REQUIRE(search.size() == 6);
-    CHECK(search[0].starts_with(L"Yahoo|http://"));
-    CHECK(search[0].ends_with(L"/bin/search?p=|x"));
-    CHECK(search[5].ends_with(L"/d/search/?type=home&tm=1&Keywords=|x"));
-}
-
-TEST_CASE("an empty store leaves the controls as designed, with Manual and Shift chosen") {
-    SettingsWindow page;
-    page.transfer.LoadSettings();
-    CHECK(page.chkPlaySound.Value() == 0);
-    CHECK(page.chkBeep.Value() == 0);
-    CHECK(page.txtPause.Text() == L"5");
-    CHECK(page.txtSpeed.Text() == L"6");
-    CHECK(page.cboPauseKey.Text() == L"Shift");
-    CHECK(page.optLoadFromMenu.Value());
-    CHECK(page.popupNotice.m_strSoundFile.empty());
-    CHECK_FALSE(page.cmdSoundFile.Enabled());
-    CHECK_FALSE(page.cmdTestSound.Enabled());
-    CHECK_FALSE(page.user.Exists(L"Software\\Calvane"));
-}
-
-TEST_CASE("a stored pause is shown in seconds, fractions too") {
-    const struct {
-        const wchar_t* stored;
-        const wchar_t* shown;
-    } rows[] = {{L"1500", L"1.5"}, {L"2500", L"2.5"}, {L"30000", L"30"},     {L"1", L"0.001"},
-                {L"0", L"0"},      {L"-5000", L"-5"}, {L"5000.5", L"5.0005"}};
-    for (const auto& row : rows) {
-        CAPTURE(std::wstring(row.stored));
+TEST_CASE(
+    "each stored option is shown in its control; a missing or empty one leaves its control as it is, or "
+    "takes over "
+    "the text read before it where that converts") {
+    struct Row {
+        const char* meaning;
+        std::vector<std::pair<const wchar_t*, const wchar_t*>> stored;
+        void (*change)(WindowState& shown);  // of a window as it is designed, with Manual and Shift chosen
+    };
+    const Row rows[] = {
+        {"an empty store chooses Manual and Shift", {}, [](WindowState&) {}},
+        {"every option",
+         {{L"chkPlaySound", L"1"},
+          {L"chkBeep", L"0"},
+          {L"txtPause", L"12000"},
+          {L"txtSpeed", L"400"},
+          {L"chkExtra", L"1"},
+          {L"txtExtra", L" as it stands "},
+          {L"Pause Key", L"F9"},
+          {L"SoundFile", L"C:\\a.wav"},
+          {L"Startup", L"RunOnly"}},
+         [](WindowState& shown) {
+             shown.playSound = shown.extra = 1;
+             shown.pause = L"12";
+             shown.speed = L"9";
+             shown.extraText = L" as it stands ";
+             shown.pauseKey = L"F9";
+             shown.soundFile = L"C:\\a.wav";
+             shown.selectedMode = shown.mode = L"RunOnly";
+             shown.canChooseSound = shown.canTestSound = true;
+         }},
+        {"with both notices checked the beep, visited last, wins",
+         {{L"chkPlaySound", L"1"},
+          {L"chkBeep", L"1"},
+          {L"txtSpeed", L"1000"},
+          {L"txtPause", L"5000"},
+          {L"txtExtra", L"x"}},
+         [](WindowState& shown) {
+             shown.beep = 1;
+             shown.extraText = L"x";
+         }},
+        {"the beep takes over Play Sound; speed, pause and the extra box the beep",
+         {{L"chkPlaySound", L"1"}},
+         [](WindowState& shown) {
+             shown.beep = shown.extra = 1;
+             shown.pause = L"0.001";
+             shown.extraText = L"1";
+         }},
+        {"an empty value counts as a missing one",
+         {{L"chkPlaySound", L"1"}, {L"chkBeep", L""}, {L"txtPause", L""}},
+         [](WindowState& shown) {
+             shown.beep = shown.extra = 1;
+             shown.pause = L"0.001";
+             shown.extraText = L"1";
+         }},
+        {"the pause takes over the speed",
+         {{L"txtSpeed", L"200"}},
+         [](WindowState& shown) {
+             shown.speed = L"10";
+             shown.pause = L"0.2";
+             shown.extraText = L"200";
+         }},
+        {"the pause key, the sound file and the mode take over nothing",
+         {{L"txtExtra", L"F6"}},
+         [](WindowState& shown) { shown.extraText = L"F6"; }},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.meaning);
         SettingsWindow page;
-        page.Store(L"txtPause", row.stored);
+        for (const auto& [name, text] : row.stored)
+            page.Store(name, text);
+        WindowState shown;
+        shown.pauseKey = L"Shift";
+        shown.selectedMode = shown.mode = L"Manual";
+        row.change(shown);
         page.transfer.LoadSettings();
-        CHECK(page.txtPause.Text() == row.shown);
+        CHECK(Difference(StateOf(page), shown) == "");
+        CHECK(page.user.Exists(L"Software\\Calvane") == !row.stored.empty());
     }
 }
 
-TEST_CASE("a stored interval between the levels shows level 6, and level 6 is saved as 1000") {
-    SettingsWindow page;
-    page.Store(L"txtSpeed", L"1100");
-    page.transfer.LoadSettings();
-    CHECK(page.txtSpeed.Text() == L"6");
-    page.transfer.SaveSettings();
-    CHECK(page.Stored(L"txtSpeed") == L"1000");
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "a stored pause is shown in seconds, fractions too; one of 2500 shows 2.5") {
+    const SettingsWindow::Values rows = {{L"1500", L"1.5"},     {L"2500", L"2.5"}, {L"30000", L"30"},
+                                         {L"1", L"0.001"},      {L"0", L"0"},      {L"-5000", L"-5"},
+                                         {L"5000.5", L"5.0005"}};
+    for (const auto& [stored, shown] : rows) {
+        Store(L"txtPause", stored);
+        transfer.LoadSettings();
+        CHECK(txtPause.Text() == shown);
+    }
 }
 
-TEST_CASE("with both notices stored as checked the beep, visited last, wins") {
-    SettingsWindow page;
-    page.Store(L"chkPlaySound", L"1");
-    page.Store(L"chkBeep", L"1");
-    page.Store(L"SoundFile", L"a.wav");
-    page.transfer.LoadSettings();
-    CHECK(page.chkPlaySound.Value() == 0);
-    CHECK(page.chkBeep.Value() == 1);
-    CHECK_FALSE(page.cmdSoundFile.Enabled());
-    CHECK_FALSE(page.cmdTestSound.Enabled());
+TEST_CASE_FIXTURE(SettingsWindow, "a stored interval of 1100 shows level 6, and level 6 is saved as 1000") {
+    Store(L"txtSpeed", L"1100");
+    transfer.LoadSettings();
+    CHECK(txtSpeed.Text() == L"6");
+    transfer.SaveSettings();
+    CHECK(Stored(L"txtSpeed") == L"1000");
 }
 
-TEST_CASE("a missing or empty value gives its control the text read before it, where that converts") {
-    SUBCASE("a check box takes over the check box before it") {
-        SettingsWindow page;
-        page.Store(L"chkPlaySound", L"1");
-        page.transfer.LoadSettings();
-        CHECK(page.chkBeep.Value() == 1);
-        CHECK(page.chkPlaySound.Value() == 0);
-    }
-    SUBCASE("an empty value counts as a missing one") {
-        SettingsWindow page;
-        page.Store(L"chkPlaySound", L"1");
-        page.Store(L"chkBeep", L"");
-        page.transfer.LoadSettings();
-        CHECK(page.chkBeep.Value() == 1);
-    }
-    SUBCASE("the speed and the pause take over the last check box") {
-        SettingsWindow page;
-        page.Store(L"chkPlaySound", L"0");
-        page.Store(L"chkBeep", L"1");
-        page.transfer.LoadSettings();
-        CHECK(page.txtSpeed.Text() == L"6");
-        CHECK(page.txtPause.Text() == L"0.001");
-    }
-    SUBCASE("the pause takes over the speed") {
-        SettingsWindow page;
-        page.Store(L"txtSpeed", L"200");
-        page.transfer.LoadSettings();
-        CHECK(page.txtSpeed.Text() == L"10");
-        CHECK(page.txtPause.Text() == L"0.2");
-    }
+TEST_CASE_FIXTURE(
+    SettingsWindow,
+    "a text that is taken over reaches across the lists, within them, and not into the next load") {
     SUBCASE("a check box behind the lists keeps its state where the last search text does not convert") {
-        SettingsWindow page;
-        page.user.Write(Schema::kSearchKey, L"1Name", L"One");
-        page.chkExtra.Value(1);
-        page.transfer.LoadSettings();
-        CHECK(page.chkExtra.Value() == 1);
-        CHECK(page.txtExtra.Text() == L"One");
-    }
-    SUBCASE("nothing is taken over from the load before") {
-        SettingsWindow page;
-        page.Store(L"chkPlaySound", L"1");
-        page.transfer.LoadSettings();
-        page.user.DeleteTree(Schema::kSettingsKey);
-        page.chkBeep.Value(0);
-        page.transfer.LoadSettings();
-        CHECK(page.chkBeep.Value() == 0);
+        Write(kSearchKey, {{L"1Name", L"One"}});
+        chkExtra.Value(1);
+        transfer.LoadSettings();
+        CHECK(chkExtra.Value() == 1);
+        CHECK(txtExtra.Text() == L"One");
     }
     SUBCASE("an empty exclude row repeats the row before it") {
-        SettingsWindow page;
-        page.user.Write(Schema::kExcludeKey, L"0", L"http://a.example");
-        page.user.Write(Schema::kExcludeKey, L"1", L"");
-        page.user.Write(Schema::kExcludeKey, L"2", L"http://c.example");
-        page.transfer.LoadSettings();
-        CHECK(page.ExcludeRows() == Rows{L"http://a.example", L"http://a.example", L"http://c.example"});
+        Write(kExcludeKey, {{L"0", L"http://a.example"}, {L"1", L""}, {L"2", L"http://c.example"}});
+        transfer.LoadSettings();
+        CHECK(ExcludeRows() == Texts{L"http://a.example", L"http://a.example", L"http://c.example"});
     }
-    SUBCASE("the pause key, the sound file and the mode take over nothing") {
-        SettingsWindow page;
-        page.Store(L"txtExtra", L"F6");
-        page.transfer.LoadSettings();
-        CHECK(page.cboPauseKey.Text() == L"Shift");
-        CHECK(page.popupNotice.m_strSoundFile.empty());
-        CHECK(page.optLoadFromMenu.Value());
+    SUBCASE("nothing is taken over from the load before") {
+        Store(L"chkPlaySound", L"1");
+        transfer.LoadSettings();
+        user.DeleteTree(kSettingsKey);
+        chkBeep.Value(0);
+        transfer.LoadSettings();
+        CHECK(chkBeep.Value() == 0);
     }
 }
 
-TEST_CASE(
-    "the pause key: a stored item is chosen, a missing one gives Shift, another text, even an empty one, "
-    "changes "
-    "nothing") {
-    SettingsWindow page;
+TEST_CASE_FIXTURE(
+    SettingsWindow,
+    "the pause key: a stored item is chosen, a missing one gives Shift, any other text, F12 or an "
+    "empty one, changes nothing") {
     for (const wchar_t* const key : {L"Alt", L"Ctrl", L"Shift", L"F6", L"F7", L"F8", L"F9", L"F10"}) {
-        page.Store(L"Pause Key", key);
-        page.transfer.LoadSettings();
-        CHECK(page.cboPauseKey.Text() == key);
+        Store(L"Pause Key", key);
+        transfer.LoadSettings();
+        CHECK(cboPauseKey.Text() == key);
     }
     for (const wchar_t* const key : {L"F12", L"F", L"F100", L" ", L"", L"Alt+F4"}) {
         CAPTURE(std::wstring(key));
-        page.Store(L"Pause Key", key);
-        page.transfer.LoadSettings();
-        CHECK(page.cboPauseKey.Text() == L"F10");
+        Store(L"Pause Key", key);
+        transfer.LoadSettings();
+        CHECK(cboPauseKey.Text() == L"F10");
     }
-    page.user.Delete(Schema::kSettingsKey, L"Pause Key");
-    page.transfer.LoadSettings();
-    CHECK(page.cboPauseKey.Text() == L"Shift");
+    user.Delete(kSettingsKey, L"Pause Key");
+    transfer.LoadSettings();
+    CHECK(cboPauseKey.Text() == L"Shift");
 }
 
-TEST_CASE("a missing or empty sound file loads as empty") {
-    for (const bool stored : {false, true}) {
-        SettingsWindow page;
-        page.popupNotice.m_strSoundFile = L"C:\\before.wav";
-        page.Store(L"chkPlaySound", L"1");
-        page.Store(L"chkBeep", L"0");
-        if (stored) page.Store(L"SoundFile", L"");
-        page.transfer.LoadSettings();
-        CHECK(page.popupNotice.m_strSoundFile.empty());
-        CHECK(page.cmdSoundFile.Enabled());
-    }
-}
-
-TEST_CASE("a missing or empty sound file leaves the test button as it is while Play Sound is checked") {
+TEST_CASE(
+    "a missing or empty sound file loads as empty and leaves the test button as it is under Play Sound") {
     for (const bool stored : {false, true}) {
         for (const bool enabled : {false, true}) {
             CAPTURE(stored);
             CAPTURE(enabled);
             SettingsWindow page;
+            page.popupNotice.m_strSoundFile = L"C:\\before.wav";
             page.cmdTestSound.Enabled(enabled);
-            page.Store(L"chkPlaySound", L"1");
-            page.Store(L"chkBeep", L"0");
+            page.Write(kSettingsKey, {{L"chkPlaySound", L"1"}, {L"chkBeep", L"0"}});
             if (stored) page.Store(L"SoundFile", L"");
+            SettingsWindow::Check(page.chkPlaySound, true);
             page.transfer.LoadSettings();
-            CHECK(page.chkPlaySound.Value() == 1);
+            CHECK(page.popupNotice.m_strSoundFile.empty());
+            CHECK(page.cmdSoundFile.Enabled());
             CHECK(page.cmdTestSound.Enabled() == enabled);
         }
     }
 }
 
-TEST_CASE("lists under other names, and the controls that store nothing, are left alone") {
-    SettingsWindow page;
-    page.user.Write(Schema::kExcludeKey, L"0", L"http://a.example");
-    page.lstExtra.AddItem(L"kept");
-    page.lvwExtra.Add(1, L"kept");
-    page.lblNavSite.Caption(L"http://www.calvane.example/");
-    page.transfer.LoadSettings();
-    CHECK(page.lstExtra.ListCount() == 1);
-    CHECK(page.lvwExtra.Count() == 1);
-    CHECK(page.lblNavSite.Caption() == L"http://www.calvane.example/");
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "lists under other names, and the controls that store nothing, are left alone") {
+    Write(kExcludeKey, {{L"0", L"http://a.example"}});
+    lstExtra.AddItem(L"kept");
+    lvwExtra.Add(1, L"kept");
+    lblNavSite.Caption(L"http://www.calvane.example/");
+    transfer.LoadSettings();
+    CHECK(lstExtra.ListCount() == 1);
+    CHECK(lvwExtra.Count() == 1);
+    CHECK(lblNavSite.Caption() == L"http://www.calvane.example/");
 }
 
-TEST_CASE("loading is marked exactly while it lasts, also when it is left by an exception") {
-    SettingsWindow page;
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "loading is marked exactly while it lasts, also when it is left by an exception") {
     bool loadingThen = false;
-    page.logFile = [&]() -> std::wstring {
-        loadingThen = page.changeMark.m_bLoading;
+    logFile = [&]() -> std::wstring {
+        loadingThen = changeMark.m_bLoading;
         RaiseError(ErrorNumber::ObjectNotSet);
     };
-    page.transfer.LoadSettings();
+    transfer.LoadSettings();
     CHECK(loadingThen);
-    CHECK_FALSE(page.changeMark.m_bLoading);
-
+    CHECK_FALSE(changeMark.m_bLoading);
     struct Escape {};  // no error that could be passed over
-    page.logFile = []() -> std::wstring { throw Escape(); };
-    CHECK_THROWS_AS(page.transfer.LoadSettings(), Escape);
-    CHECK_FALSE(page.changeMark.m_bLoading);
-
-    page.logFile = []() -> std::wstring { throw std::bad_alloc(); };
-    CHECK_NOTHROW(page.transfer.LoadSettings());
-    CHECK_FALSE(page.changeMark.m_bLoading);
+    logFile = []() -> std::wstring { throw Escape(); };
+    CHECK_THROWS_AS(transfer.LoadSettings(), Escape);
+    CHECK_FALSE(changeMark.m_bLoading);
 }
 
-TEST_CASE("an engine that cannot tell its log does not keep the rest from loading") {
-    SettingsWindow page;
-    page.Store(L"Pause Key", L"F8");
-    page.Store(L"Startup", L"Startup");
-    page.logFile = []() -> std::wstring { throw AutomationError(RPC_E_DISCONNECTED); };
-    page.lstClosedWnd.AddItem(L"old");
-    page.transfer.LoadSettings();
-    CHECK(page.lstClosedWnd.ListCount() == 0);
-    CHECK(page.cboPauseKey.Text() == L"F8");
-    CHECK(page.optStartup.Value());
+TEST_CASE_FIXTURE(SettingsWindow, "an engine that cannot tell its log does not keep the rest from loading") {
+    Write(kSettingsKey, {{L"Pause Key", L"F8"}, {L"Startup", L"Startup"}});
+    logFile = []() -> std::wstring { throw AutomationError(RPC_E_DISCONNECTED); };
+    lstClosedWnd.AddItem(L"old");
+    transfer.LoadSettings();
+    CHECK(lstClosedWnd.ListCount() == 0);
+    CHECK(cboPauseKey.Text() == L"F8");
+    CHECK(optStartup.Value());
 }
 
-TEST_CASE("a load fills the log") {
-    wchar_t folder[MAX_PATH];
-    GetTempPathW(MAX_PATH, folder);
-    const std::wstring path = std::wstring(folder) + L"settings_transfer.log";
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr);
-    DWORD written = 0;
-    WriteFile(file, "one\r\ntwo\r\n", 10, &written, nullptr);
-    CloseHandle(file);
-    SettingsWindow page;
-    page.logFile = [&] { return path; };
-    page.transfer.LoadSettings();
-    REQUIRE(page.lstClosedWnd.ListCount() == 2);
-    CHECK(page.lstClosedWnd.List(0) == L"two");
-    DeleteFileW(path.c_str());
+TEST_CASE_FIXTURE(SettingsWindow, "a load fills the log") {
+    const TestFolder folder;
+    logFile = [&] { return folder.Write(L"closed.log", "one\r\ntwo\r\n"); };
+    transfer.LoadSettings();
+    REQUIRE(lstClosedWnd.ListCount() == 2);
+    CHECK(lstClosedWnd.List(0) == L"two");
 }
 
 TEST_CASE("a load never enables the Apply button, and never disables it") {
@@ -305,24 +253,134 @@ TEST_CASE("a load never enables the Apply button, and never disables it") {
     }
 }
 
-TEST_CASE("a second load shows the stored values again and only them") {
-    SettingsWindow page;
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "a second load shows the stored values again, and of the edited lists only stored rows") {
     WriteFirstRunDefaults();
-    page.user.Write(Schema::kExcludeKey, L"0", L"http://a.example");
-    page.transfer.LoadSettings();
-    const Rows banners = SettingsWindow::Rows(page.lvwBanners, 2);
-    const Rows search = SettingsWindow::Rows(page.lvwSearchURLs, 1);
-    page.lvwBanners.Checked(1, false);
-    page.lvwBanners.Add(5, L"User Banner 0");
-    page.lvwSearchURLs.Remove(1);
-    page.lstExclude.AddItem(L"http://b.example");
-    SettingsWindow::Click(page.chkBeep);
-    page.popupNotice.m_strSoundFile = L"other.wav";
-    page.transfer.LoadSettings();
-    CHECK(SettingsWindow::Rows(page.lvwBanners, 2) == banners);
-    CHECK(SettingsWindow::Rows(page.lvwSearchURLs, 1) == search);
-    CHECK(page.ExcludeRows() == Rows{L"http://a.example"});
-    CHECK(page.chkPlaySound.Value() == 1);
-    CHECK(page.chkBeep.Value() == 0);
-    CHECK(page.popupNotice.m_strSoundFile.ends_with(L"\\Arc.wav"));
+    Write(kExcludeKey, {{L"0", L"http://a.example"}});
+    transfer.LoadSettings();
+    const Texts banners = BannerRows(*this);
+    const Texts search = SearchRows(*this);
+    lvwBanners.Checked(1, false);
+    lvwBanners.Add(5, L"User Banner 0");
+    lvwSearchURLs.Remove(1);
+    lstExclude.AddItem(L"http://b.example");
+    Click(chkBeep);
+    popupNotice.m_strSoundFile = L"other.wav";
+    transfer.LoadSettings();
+    CHECK(BannerRows(*this) == banners);
+    CHECK(SearchRows(*this) == search);
+    CHECK(ExcludeRows() == Texts{L"http://a.example"});
+    CHECK(chkPlaySound.Value() == 1);
+    CHECK(chkBeep.Value() == 0);
+    CHECK(popupNotice.m_strSoundFile.ends_with(L"\\Arc.wav"));
+}
+
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "exclude rows are read from 0 to the first gap; an empty key gives an empty list") {
+    lstExclude.AddItem(L"edited");
+    transfer.LoadSettings();
+    CHECK(ExcludeRows().empty());
+    Write(kExcludeKey, {{L"0", L"http://zero"}, {L"1", L"http://one"}, {L"3", L"http://three"}});
+    transfer.LoadSettings();
+    CHECK(ExcludeRows() == Texts{L"http://zero", L"http://one"});
+}
+
+TEST_CASE_FIXTURE(SettingsWindow, "banner sizes are read from 1 on, with name, width, height and use") {
+    lvwBanners.Add(1, L"edited");
+    Write(kBannersKey, {{L"1Name", L"Full"},
+                        {L"1Width", L"468"},
+                        {L"1Height", L"60"},
+                        {L"1Use", L"True"},
+                        {L"2Name", L"Half"},
+                        {L"2Width", L"-2.5"},
+                        {L"2Height", L"1e3"},
+                        {L"2Use", L"False"}});
+    Texts expected{L"Full|468|60|x", L"Half|-2.5|1e3|"};
+    SUBCASE("to the first missing name") {
+        Write(kBannersKey, {{L"4Name", L"beyond the gap"}, {L"4Use", L"True"}});
+        transfer.LoadSettings();
+        CHECK(BannerRows(*this) == expected);
+    }
+    SUBCASE("to the first entry without a use, which is shown; its check mark comes from the width") {
+        Write(kBannersKey,
+              {{L"3Name", L"Third"}, {L"3Height", L"7"}, {L"4Name", L"Fourth"}, {L"4Use", L"True"}});
+        for (const auto& [width, row] :
+             SettingsWindow::Values{{L"0", L"Third|0|7|"}, {L"100", L"Third|100|7|x"}}) {
+            Write(kBannersKey, {{L"3Width", width}});
+            transfer.LoadSettings();
+            CHECK(BannerRows(*this) == Texts{expected[0], expected[1], row});
+        }
+    }
+    SUBCASE(
+        "missing fields take over what was read before them, the height from the name, the width from that") {
+        Write(kBannersKey, {{L"3Name", L"Third"},
+                            {L"3Use", L"True"},
+                            {L"4Name", L"Fourth"},
+                            {L"4Height", L"9"},
+                            {L"4Use", L"True"},
+                            {L"5Name", L"Fifth"},
+                            {L"5Width", L"8"}});
+        transfer.LoadSettings();
+        expected.insert(expected.end(), {L"Third|Third|Third|x", L"Fourth|9|9|x", L"Fifth|8|Fifth|x"});
+        CHECK(BannerRows(*this) == expected);
+    }
+    SUBCASE("with the uses that Automation takes for a Boolean") {
+        const std::pair<const wchar_t*, bool> uses[] = {{L"True", true},   {L"False", false}, {L"true", true},
+                                                        {L"FALSE", false}, {L"1", true},      {L"0", false},
+                                                        {L"-1", true},     {L"yes", false},   {L"?", false}};
+        for (const auto& [use, checked] : uses) {
+            CAPTURE(std::wstring(use));
+            Write(kBannersKey, {{L"1Use", use}});
+            transfer.LoadSettings();
+            CHECK(lvwBanners.Checked(1) == checked);
+            CHECK(lvwBanners.Count() == 2);
+        }
+    }
+}
+
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "search addresses are read from 1 on, whichever way their value is spelled") {
+    lvwSearchURLs.Add(1, L"edited");
+    Write(kSearchKey, {{L"1Name", L"One"},
+                       {L"1Url", L"http://one"},
+                       {L"1Use", L"True"},
+                       {L"2Name", L"Two"},
+                       {L"2URL", L"http://two"},
+                       {L"2Use", L"False"},
+                       {L"3Name", L"Three"},
+                       {L"3URL", L"http://three"},
+                       {L"4Name", L"Four"}});
+    transfer.LoadSettings();
+    CHECK(SearchRows(*this) == Texts{L"One|http://one|x", L"Two|http://two|", L"Three|http://three|"});
+}
+
+TEST_CASE_FIXTURE(SettingsWindow, "a load sets the columns of the lists") {
+    transfer.LoadSettings();
+    const int width = lvwBanners.Width();
+    CHECK(ListView_GetColumnWidth(lvwBanners.Hwnd(), 0) == width / 2);
+    CHECK(std::abs(ListView_GetColumnWidth(lvwSearchURLs.Hwnd(), 1) - width * 68 / 100) <= 1);
+}
+
+TEST_CASE_FIXTURE(SettingsWindow, "a load draws each list once, after its rows") {
+    static std::vector<UINT> s_messages;
+    struct Watch {
+        static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                          DWORD_PTR) {
+            if (message == WM_SETREDRAW || message == LB_INSERTSTRING || message == LVM_INSERTITEMW)
+                s_messages.push_back(message == WM_SETREDRAW ? static_cast<UINT>(wParam) : message);
+            return DefSubclassProc(hwnd, message, wParam, lParam);
+        }
+    };
+    WriteFirstRunDefaults();
+    Write(kExcludeKey, {{L"0", L"http://a"}, {L"1", L"http://b"}});
+    for (const HWND list : {lstExclude.Hwnd(), lvwBanners.Hwnd(), lvwSearchURLs.Hwnd()}) {
+        s_messages.clear();
+        SetWindowSubclass(list, Watch::Procedure, 1, 0);
+        transfer.LoadSettings();
+        RemoveWindowSubclass(list, Watch::Procedure, 1);
+        REQUIRE(s_messages.size() >= 4);
+        CHECK(s_messages.front() == FALSE);
+        CHECK(s_messages.back() == TRUE);
+        CHECK(std::count_if(s_messages.begin(), s_messages.end(), [](UINT each) { return each <= 1; }) == 2);
+    }
 }

@@ -1,192 +1,229 @@
+// What a load and a save read and write, in which order, and what a save leaves in the store.
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "store/first_run.h"
 #include "store/settings_schema.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/registry_calls.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
 
+using namespace Schema;
+using Lines = std::vector<std::string>;
+using Texts = std::vector<std::wstring>;
+
 namespace {
 
-using Rows = std::vector<std::wstring>;
+// What is read, written and deleted, one behind the other.
+std::string Sequence(RegistryCalls& calls, const std::function<void()>& body) {
+    calls.Watch(body);
+    std::string sequence;
+    for (const std::string& line : calls.Values())
+        sequence += line + "; ";
+    return sequence;
+}
 
-// Refuses to write one value.
-std::string g_refused;
-LONG(WINAPI* g_setValue)(HKEY, LPCSTR, DWORD, DWORD, const BYTE*, DWORD);
-
-LONG WINAPI RefusingSetValue(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data,
-                             DWORD size) {
-    if (g_refused == name) return ERROR_ACCESS_DENIED;
-    return g_setValue(key, name, reserved, type, data, size);
+// What a save writes of the speed and the pause, which stand in this order.
+Lines NumbersSaved(SettingsWindow& page, RegistryCalls& calls) {
+    calls.Watch([&] { page.transfer.SaveSettings(); });
+    Lines lines = calls.Values();
+    std::erase_if(lines, [](const std::string& line) { return !line.starts_with("write Settings\\txt"); });
+    std::erase_if(lines,
+                  [](const std::string& line) { return line.starts_with("write Settings\\txtExtra"); });
+    return lines;
 }
 
 }  // namespace
 
-TEST_CASE("every value is written as text") {
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "a load reads the controls in their order, each list to its end, then the rest") {
+    Write(kSettingsKey, {{L"Startup", L"Manual"}});
+    Write(kExcludeKey, {{L"0", L"http://a"}, {L"1", L"http://b"}});
+    Write(kBannersKey, {{L"1Name", L"Full"}, {L"1Width", L"468"}, {L"1Height", L"60"}, {L"1Use", L"True"}});
+    Write(kSearchKey, {{L"1Name", L"One"}, {L"1Url", L"http://one"}, {L"1Use", L"False"}});
+    RegistryCalls calls;
+    const std::string sequence = Sequence(calls, [this] { transfer.LoadSettings(); });
+    CHECK(sequence ==
+          "read Settings\\chkPlaySound; read Settings\\chkBeep; read Settings\\txtSpeed; "
+          "read Settings\\txtPause; read Exclude\\0; read Exclude\\1; read Exclude\\2; "
+          "read Banners\\1Name; read Banners\\1Height; read Banners\\1Width; read Banners\\1Use; "
+          "read Banners\\2Name; read Search\\1Name; read Search\\1URL; read Search\\1Use; "
+          "read Search\\2Name; read Settings\\chkExtra; read Settings\\txtExtra; read Settings\\Startup; "
+          "read Settings\\Pause Key; read Settings\\SoundFile; ");
+}
+
+TEST_CASE_FIXTURE(
+    SettingsWindow,
+    "a save writes the controls in their order as text, each list deleted and rewritten in one visit, "
+    "then the rest") {
+    Write(kSettingsKey, {{L"Startup", L"Manual"}});
+    Write(kExcludeKey, {{L"0", L"http://old"}, {L"1", L"http://older"}});
+    Write(kBannersKey, {{L"1Name", L"Full"},
+                        {L"1Width", L"468"},
+                        {L"1Height", L"60"},
+                        {L"1Use", L"True"},
+                        {L"2Name", L"Half"},
+                        {L"2Width", L"234"},
+                        {L"2Height", L"60"},
+                        {L"2Use", L"False"}});
+    Write(kSearchKey, {{L"1Name", L"One"}, {L"1Url", L"http://one"}, {L"1Use", L"True"}});
+    transfer.LoadSettings();
+    Click(chkPlaySound);
+    txtSpeed.Text(L"10");
+    txtPause.Text(L"12");
+    lstExclude.Clear();
+    lstExclude.AddItem(L"http://new");
+    lvwBanners.Remove(1);
+    lvwSearchURLs.Add(2, L"Two");
+    lvwSearchURLs.SubItem(2, 1, L"http://two");
+    chkExtra.Value(1);
+    txtExtra.Text(L" some text ");
+    popupNotice.m_strSoundFile = L"C:\\a.wav";
+    cboPauseKey.Text(L"F7");
+    Click(optStartup);
+    RegistryCalls calls;
+    const std::string sequence = Sequence(calls, [this] { transfer.SaveSettings(); });
+    CHECK(sequence ==
+          "write Settings\\chkPlaySound=1; write Settings\\chkBeep=0; write Settings\\txtSpeed=200; "
+          "write Settings\\txtPause=12000; delete Exclude\\0; delete Exclude\\1; "
+          "delete Exclude\\2 (missing); write Exclude\\0=http://new; delete Banners\\1Name; "
+          "delete Banners\\1Width; delete Banners\\1Height; delete Banners\\1Use; delete Banners\\2Name; "
+          "delete Banners\\2Width; delete Banners\\2Height; delete Banners\\2Use; "
+          "delete Banners\\3Name (missing); delete Banners\\3Width (missing); "
+          "delete Banners\\3Height (missing); delete Banners\\3Use (missing); write Banners\\1Name=Half; "
+          "write Banners\\1Width=234; write Banners\\1Height=60; write Banners\\1Use=False; "
+          "delete Search\\1Name; delete Search\\1URL; delete Search\\1Use; "
+          "delete Search\\2Name (missing); delete Search\\2URL (missing); delete Search\\2Use (missing); "
+          "write Search\\1Name=One; write Search\\1URL=http://one; write Search\\1Use=True; "
+          "write Search\\2Name=Two; write Search\\2URL=http://two; write Search\\2Use=False; "
+          "write Settings\\chkExtra=1; write Settings\\txtExtra= some text ; "
+          "write Settings\\SoundFile=C:\\a.wav; write Settings\\Pause Key=F7; "
+          "write Settings\\Startup=Startup; "
+          "write Run\\Calvane Config Manager=C:\\Program Files\\Calvane\\CalvaneConfigLoader.exe; ");
+}
+
+TEST_CASE(
+    "a typed level of 11 is saved as 1000, a pause as its whole number; what is none, or too great, is not "
+    "written") {
+    struct Row {
+        const wchar_t* text;
+        const char* pause;  // null: nothing is written
+        const char* speed;
+    };
+    const Row rows[] = {{L"5", "5000", "1200"},
+                        {L"2.5", "2000", "1800"},
+                        {L"3.5", "4000", "1400"},
+                        {L"30", "30000", "1000"},
+                        {L"0", "0", "1000"},
+                        {L"-1", "-1000", "1000"},
+                        {L"2147483", "2147483000", "1000"},
+                        {L"-2147483", "-2147483000", "1000"},
+                        {L"2147484", nullptr, "1000"},
+                        {L"-2147484", nullptr, "1000"},
+                        {L"2147483648", nullptr, nullptr},
+                        {L"1e400", nullptr, nullptr},
+                        {L"", nullptr, nullptr},
+                        {L" ", nullptr, nullptr},
+                        {L"five", nullptr, nullptr},
+                        {L"5 s", nullptr, nullptr},
+                        {L" 7 ", "7000", "800"},
+                        {L"11", "11000", "1000"}};
     SettingsWindow page;
-    page.transfer.LoadSettings();
-    page.lvwBanners.Add(1, L"Name");
-    page.lvwBanners.Checked(1, true);
-    page.txtExtra.Text(L"12");
-    SettingsWindow::Click(page.optStartup);
-    page.transfer.SaveSettings();
-    for (const wchar_t* const value : {L"chkPlaySound", L"chkBeep", L"txtPause", L"txtSpeed", L"chkExtra",
-                                       L"txtExtra", L"Pause Key", L"Startup"}) {
-        CAPTURE(std::wstring(value));
-        DWORD type = 0;
-        const std::string bytes = page.user.Bytes(Schema::kSettingsKey, value, &type);
-        CHECK(type == REG_SZ);
-        CHECK(bytes.find('\0') == std::string::npos);
+    RegistryCalls calls;
+    for (const Row& row : rows) {
+        CAPTURE(std::wstring(row.text));
+        page.txtPause.Text(row.text);
+        page.txtSpeed.Text(row.text);
+        Lines expected;
+        if (row.speed != nullptr) expected.push_back("write Settings\\txtSpeed=" + std::string(row.speed));
+        if (row.pause != nullptr) expected.push_back("write Settings\\txtPause=" + std::string(row.pause));
+        CHECK(NumbersSaved(page, calls) == expected);
     }
-    DWORD type = 0;
-    CHECK(page.user.Bytes(Schema::kBannersKey, L"1Use", &type) == "True");
-    CHECK(type == REG_SZ);
 }
 
-TEST_CASE("a pause of 2.5 is stored as 2000, one of 30 as 30000") {
-    SettingsWindow page;
-    page.Store(L"txtPause", L"2500");
-    page.transfer.LoadSettings();
-    CHECK(page.txtPause.Text() == L"2.5");
-    page.transfer.SaveSettings();
-    CHECK(page.Stored(L"txtPause") == L"2000");
-    page.txtPause.Text(L"30");
-    page.transfer.SaveSettings();
-    CHECK(page.Stored(L"txtPause") == L"30000");
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "a stored pause of 2500 shows 2.5 and is saved as 2000, one of 30 seconds as 30000") {
+    Store(L"txtPause", L"2500");
+    transfer.LoadSettings();
+    CHECK(txtPause.Text() == L"2.5");
+    transfer.SaveSettings();
+    CHECK(Stored(L"txtPause") == L"2000");
+    txtPause.Text(L"30");
+    transfer.SaveSettings();
+    CHECK(Stored(L"txtPause") == L"30000");
+    txtPause.Text(L"soon");
+    transfer.SaveSettings();
+    CHECK(Stored(L"txtPause") == L"30000");
 }
 
-TEST_CASE("a typed level of 11 is saved as 1000") {
-    SettingsWindow page;
-    page.txtSpeed.Text(L"11");
-    page.transfer.SaveSettings();
-    CHECK(page.Stored(L"txtSpeed") == L"1000");
+TEST_CASE_FIXTURE(SettingsWindow, "saving an empty exclude list deletes the rows and writes none") {
+    Write(kExcludeKey, {{L"0", L"http://a"}, {L"1", L"http://b"}});
+    transfer.SaveSettings();
+    CHECK(user.ValueCount(kExcludeKey) == 0);
 }
 
-TEST_CASE("a text that does not convert leaves what is stored") {
-    SettingsWindow page;
-    page.Store(L"txtPause", L"5000");
-    page.Store(L"txtSpeed", L"800");
-    page.txtPause.Text(L"soon");
-    page.txtSpeed.Text(L"");
-    page.transfer.SaveSettings();
-    CHECK(page.Stored(L"txtPause") == L"5000");
-    CHECK(page.Stored(L"txtSpeed") == L"800");
+TEST_CASE_FIXTURE(SettingsWindow, "exclude rows behind a gap stay in the store") {
+    Write(kExcludeKey, {{L"0", L"row 0"}, {L"1", L"row 1"}, {L"3", L"row 3"}});
+    transfer.LoadSettings();
+    CHECK(ExcludeRows() == Texts{L"row 0", L"row 1"});
+    lstExclude.RemoveItem(0);
+    lstExclude.AddItem(L"new");
+    transfer.SaveSettings();
+    CHECK(user.Text(kExcludeKey, L"0") == L"row 1");
+    CHECK(user.Text(kExcludeKey, L"1") == L"new");
+    CHECK(user.Text(kExcludeKey, L"3") == L"row 3");
+    CHECK(user.ValueCount(kExcludeKey) == 3);
 }
 
-TEST_CASE("saving an empty exclude list deletes the rows and writes none") {
-    SettingsWindow page;
-    page.user.Write(Schema::kExcludeKey, L"0", L"http://a.example");
-    page.user.Write(Schema::kExcludeKey, L"1", L"http://b.example");
-    page.transfer.SaveSettings();
-    CHECK(page.user.ValueCount(Schema::kExcludeKey) == 0);
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "a stored list is deleted to its first entry without a use, whether or not it has names") {
+    Write(kBannersKey,
+          {{L"1Name", L"1"}, {L"1Width", L"1"}, {L"1Height", L"1"}, {L"2Name", L"2"}, {L"2Use", L"2"}});
+    Write(kSearchKey, {{L"1Use", L"1"}, {L"2Name", L"1"}, {L"2URL", L"1"}, {L"2Use", L"1"}});
+    transfer.SaveSettings();
+    CHECK(user.ValueCount(kBannersKey) == 2);
+    CHECK(user.Exists(kBannersKey, L"2Name"));
+    CHECK(user.ValueCount(kSearchKey) == 0);
 }
 
-TEST_CASE("exclude rows behind a gap stay in the store") {
-    SettingsWindow page;
-    for (const wchar_t* const n : {L"0", L"1", L"3"})
-        page.user.Write(Schema::kExcludeKey, n, std::wstring(L"row ") + n);
-    page.transfer.LoadSettings();
-    CHECK(page.ExcludeRows() == Rows{L"row 0", L"row 1"});
-    page.lstExclude.RemoveItem(0);
-    page.lstExclude.AddItem(L"new");
-    page.transfer.SaveSettings();
-    CHECK(page.user.Text(Schema::kExcludeKey, L"0") == L"row 1");
-    CHECK(page.user.Text(Schema::kExcludeKey, L"1") == L"new");
-    CHECK(page.user.Text(Schema::kExcludeKey, L"3") == L"row 3");
-    CHECK(page.user.ValueCount(Schema::kExcludeKey) == 3);
-}
-
-TEST_CASE("a stored list without its first use is deleted no further than that entry") {
-    SettingsWindow page;
-    const auto put = [&](const wchar_t* name) { page.user.Write(Schema::kBannersKey, name, L"1"); };
-    for (const wchar_t* const name :
-         {L"1Name", L"1Width", L"1Height", L"2Name", L"2Width", L"2Height", L"2Use"})
-        put(name);
-    page.transfer.SaveSettings();
-    CHECK_FALSE(page.user.Exists(Schema::kBannersKey, L"1Name"));
-    CHECK_FALSE(page.user.Exists(Schema::kBannersKey, L"1Width"));
-    CHECK(page.user.Exists(Schema::kBannersKey, L"2Name"));
-    CHECK(page.user.ValueCount(Schema::kBannersKey) == 4);
-}
-
-TEST_CASE("an entry without a name, but with a use, does not end the deletion") {
-    SettingsWindow page;
-    for (const wchar_t* const name : {L"1Use", L"2Name", L"2URL", L"2Use"})
-        page.user.Write(Schema::kSearchKey, name, L"1");
-    page.transfer.SaveSettings();
-    CHECK(page.user.ValueCount(Schema::kSearchKey) == 0);
-}
-
-TEST_CASE("a load and a save leave the store as it was, apart from what is rounded") {
-    SettingsWindow page;
+TEST_CASE_FIXTURE(SettingsWindow, "a load and a save leave the store of a first run as it was") {
     WriteFirstRunDefaults();
-    page.user.Write(Schema::kExcludeKey, L"0", L"http://a.example");
-    page.transfer.LoadSettings();
-    page.transfer.SaveSettings();
-    CHECK(page.Stored(L"chkPlaySound") == L"1");
-    CHECK(page.Stored(L"chkBeep") == L"0");
-    CHECK(page.Stored(L"txtPause") == L"5000");
-    CHECK(page.Stored(L"txtSpeed") == L"1000");
-    CHECK(page.Stored(L"Pause Key") == L"Shift");
-    CHECK(page.Stored(L"Startup") == L"RunOnly");
-    CHECK(page.user.ValueCount(Schema::kBannersKey) == 16);
-    CHECK(page.user.ValueCount(Schema::kSearchKey) == 18);
-    CHECK(page.user.ValueCount(Schema::kExcludeKey) == 1);
-    const Rows search = SettingsWindow::Rows(page.lvwSearchURLs, 1);
-    page.transfer.LoadSettings();
-    CHECK(SettingsWindow::Rows(page.lvwSearchURLs, 1) == search);
-    CHECK_FALSE(page.machine.Exists(Schema::kRunKey, Schema::kRunValue));
+    Write(kExcludeKey, {{L"0", L"http://a"}});
+    transfer.LoadSettings();
+    transfer.SaveSettings();
+    const SettingsWindow::Values settings = {{L"chkPlaySound", L"1"},  {L"chkBeep", L"0"},
+                                             {L"txtPause", L"5000"},   {L"txtSpeed", L"1000"},
+                                             {L"Pause Key", L"Shift"}, {L"Startup", L"RunOnly"}};
+    for (const auto& [name, text] : settings)
+        CHECK(Stored(name) == text);
+    CHECK(user.ValueCount(kBannersKey) == 16);
+    CHECK(user.ValueCount(kSearchKey) == 18);
+    CHECK(user.ValueCount(kExcludeKey) == 1);
+    CHECK_FALSE(machine.Exists(kRunKey, kRunValue));
 }
 
-TEST_CASE("a value that cannot be written does not keep the others from being written") {
-    SettingsWindow page;
-    page.transfer.LoadSettings();
-    page.lstExclude.AddItem(L"http://a.example");
-    page.lstExclude.AddItem(L"http://b.example");
-    page.popupNotice.m_strSoundFile = L"a.wav";
-    for (const char* const refused : {"chkPlaySound", "txtPause", "0", "SoundFile"}) {
-        CAPTURE(std::string(refused));
-        page.user.DeleteTree(Schema::kSettingsKey);
-        page.user.DeleteTree(Schema::kExcludeKey);
-        {
-            const ImportPatch patch("advapi32.dll", "RegSetValueExA", &RefusingSetValue);
-            g_setValue = patch.Original<decltype(g_setValue)>();
-            g_refused = refused;
-            page.transfer.SaveSettings();
-        }
-        CHECK(page.user.ValueCount(Schema::kSettingsKey) + page.user.ValueCount(Schema::kExcludeKey) == 9);
-        CHECK_FALSE(page.user.Exists(g_refused == "0" ? Schema::kExcludeKey : Schema::kSettingsKey,
-                                     std::wstring(g_refused.begin(), g_refused.end())));
-    }
-}
-
-TEST_CASE("a save ends with a marked change and sets the sound buttons") {
-    SettingsWindow page;
-    page.transfer.LoadSettings();
-    CHECK_FALSE(page.cmdApply.Enabled());
-    page.cmdTestSound.Enabled(true);
-    page.transfer.SaveSettings();
-    CHECK(page.cmdApply.Enabled());
-    CHECK_FALSE(page.cmdTestSound.Enabled());
-}
-
-TEST_CASE("a save does not touch the loading flag") {
-    SettingsWindow page;
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "a save ends with a marked change, sets the sound buttons and leaves the loading flag") {
+    transfer.LoadSettings();
+    CHECK_FALSE(cmdApply.Enabled());
+    cmdTestSound.Enabled(true);
+    transfer.SaveSettings();
+    CHECK(cmdApply.Enabled());
+    CHECK_FALSE(cmdTestSound.Enabled());
     for (const bool loading : {true, false}) {
-        page.changeMark.m_bLoading = loading;
-        page.transfer.SaveSettings();
-        CHECK(page.changeMark.m_bLoading == loading);
+        changeMark.m_bLoading = loading;
+        transfer.SaveSettings();
+        CHECK(changeMark.m_bLoading == loading);
     }
 }
 
-TEST_CASE("the log and the lists under other names are not stored") {
-    SettingsWindow page;
-    page.lstClosedWnd.AddItem(L"http://closed.example");
-    page.lstExtra.AddItem(L"extra");
-    page.lvwExtra.Add(1, L"extra");
-    page.transfer.SaveSettings();
-    CHECK_FALSE(page.user.Exists(Schema::kExcludeKey));
-    CHECK_FALSE(page.user.Exists(Schema::kBannersKey));
-    CHECK_FALSE(page.HasStored(L"lstClosedWnd"));
+TEST_CASE_FIXTURE(SettingsWindow, "the log and the lists under other names are not stored") {
+    lstClosedWnd.AddItem(L"http://closed");
+    lstExtra.AddItem(L"extra");
+    lvwExtra.Add(1, L"extra");
+    transfer.SaveSettings();
+    CHECK_FALSE(user.Exists(kExcludeKey));
+    CHECK_FALSE(user.Exists(kBannersKey));
+    CHECK_FALSE(HasStored(L"lstClosedWnd"));
 }

@@ -3,6 +3,14 @@
 
 #include <windows.h>
 
+#include <functional>
+
+// Calls visit for each function that this program imports until it returns true, and returns whether it did.
+// A function without a name is "#" and its number; slot is where the program finds its address.
+bool FindImport(const std::function<bool(const char* module, const char* function, void** slot)>& visit);
+
+void WriteSlot(void** slot, void* value);
+
 class ImportPatch {
 public:
     // module: the DLL's name as imported, with extension, letter case ignored. replacement: a function of the

@@ -2,14 +2,9 @@
 
 #include <oleauto.h>
 
-namespace {
+#include "tests/support/first_run_defaults.h"
 
-constexpr char kSettings[] = "HKCU\\Software\\Calvane\\Settings";
-constexpr char kExclude[] = "HKCU\\Software\\Calvane\\Exclude";
-constexpr char kBanners[] = "HKCU\\Software\\Calvane\\Banners";
-constexpr char kSearch[] = "HKCU\\Software\\Calvane\\Search";
-constexpr char kRun[] = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
-constexpr char kRunValue[] = "Calvane Config Manager";
+namespace {
 
 constexpr const wchar_t* kPauseKeys[] = {L"Alt", L"Ctrl", L"Shift", L"F6", L"F7", L"F8", L"F9", L"F10"};
 
@@ -83,19 +78,19 @@ bool SettingsModel::LongIn(const Value& value, long& number) {
 
 SettingsModel::ReadResult SettingsModel::ReadFrom(const std::string& key, const std::string& name,
                                                   Value& value) {
-    const bool opens = !m_counter.Fails(RegistryCall::Open);
+    const bool opens = !m_counter.Fails(RegistryFunction::Open);
     const auto found = m_store.find(key);
     if (!opens || found == m_store.end()) return ReadResult::Missing;
     const auto stored = found->second.find(name);
     const bool exists = stored != found->second.end();
 
-    const bool isProbed = !m_counter.Fails(RegistryCall::Query) && exists;
+    const bool isProbed = !m_counter.Fails(RegistryFunction::Query) && exists;
     const size_t size = isProbed ? stored->second.bytes.size() : 0;
-    m_counter.Fails(RegistryCall::Info);
+    m_counter.Fails(RegistryFunction::Info);
     const bool isRead =
-        !m_counter.Fails(RegistryCall::Query) && exists && stored->second.bytes.size() <= size;
-    if (isRead) m_counter.Fails(RegistryCall::Close);
-    m_counter.Fails(RegistryCall::Close);
+        !m_counter.Fails(RegistryFunction::Query) && exists && stored->second.bytes.size() <= size;
+    if (isRead) m_counter.Fails(RegistryFunction::Close);
+    m_counter.Fails(RegistryFunction::Close);
     if (!isRead) return ReadResult::Missing;
 
     const std::string& bytes = stored->second.bytes;
@@ -125,58 +120,25 @@ SettingsModel::ReadResult SettingsModel::ReadFrom(const std::string& key, const 
 }
 
 void SettingsModel::Write(const std::string& key, const std::string& name, const std::string& text) {
-    if (m_counter.Fails(RegistryCall::Create)) return;
+    if (m_counter.Fails(RegistryFunction::Create)) return;
     StoredKey& stored = m_store[key];
-    if (!m_counter.Fails(RegistryCall::Set)) stored[name] = {REG_SZ, text};
+    if (!m_counter.Fails(RegistryFunction::Set)) stored[name] = {REG_SZ, text};
 }
 
 bool SettingsModel::Delete(const std::string& key, const std::string& name) {
-    const bool opens = !m_counter.Fails(RegistryCall::Open);
+    const bool opens = !m_counter.Fails(RegistryFunction::Open);
     const auto found = m_store.find(key);
     if (!opens || found == m_store.end()) return false;
-    const bool isDeleted = !m_counter.Fails(RegistryCall::DeleteValue) && found->second.erase(name) != 0;
-    m_counter.Fails(RegistryCall::Close);
+    const bool isDeleted = !m_counter.Fails(RegistryFunction::DeleteValue) && found->second.erase(name) != 0;
+    m_counter.Fails(RegistryFunction::Close);
     return isDeleted;
 }
 
 void SettingsModel::WriteFirstRun(const std::string& serverDirectory) {
     Value firstTime;
     if (ReadFrom(kSettings, "First Time", firstTime) != ReadResult::Missing) return;
-    const std::pair<const char*, std::string> options[] = {
-        {"chkBeep", "0"},       {"chkPlaySound", "1"},  {"chkStartup", "1"},
-        {"chkStopAds", "True"}, {"chkStopPop", "True"}, {"chkTray", "1"},
-        {"txtPause", "5000"},   {"txtSpeed", "1000"},   {"SoundFile", serverDirectory + "\\Arc.wav"}};
-    for (const auto& [name, text] : options)
-        Write(kSettings, name, text);
-    const char* const banners[][4] = {{"Full Banner", "468", "60", "True"},
-                                      {"Half Banner", "234", "60", "False"},
-                                      {"Quarter Banner", "120", "60", "False"},
-                                      {"Button", "88", "31", "False"}};
-    int n = 0;
-    for (const auto& banner : banners) {
-        const std::string number = std::to_string(++n);
-        Write(kBanners, number + "Name", banner[0]);
-        Write(kBanners, number + "Width", banner[1]);
-        Write(kBanners, number + "Height", banner[2]);
-        Write(kBanners, number + "Use", banner[3]);
-    }
-    const char* const engines[][2] = {
-        {"Yahoo", "http://search.yahoo.com/bin/search?p="},
-        {"Alta Vista", "http://www.altavista.com/sites/search/web?q="},
-        {"MSN", "http://search.msn.com/results.asp?RS=CHECKED&FORM=MSNH&v=1&q="},
-        {"Google", "http://www.google.com/search?q="},
-        {"Teoma", "http://s.teoma.com/search?q="},
-        {"Overture", "http://www.overture.com/d/search/?type=home&tm=1&Keywords="}};
-    n = 0;
-    for (const auto& engine : engines) {
-        const std::string number = std::to_string(++n);
-        Write(kSearch, number + "Name", engine[0]);
-        Write(kSearch, number + "Url", engine[1]);
-        Write(kSearch, number + "Use", "True");
-    }
-    Write(kSettings, "Startup", "RunOnly");
-    Write(kSettings, "Pause Key", "Shift");
-    Write(kSettings, "First Time", "True");
+    for (const Default& row : FirstRunDefaults(serverDirectory))
+        Write(row.key, row.name, row.text);
 }
 
 void SettingsModel::LoadRows(const std::string& key, const std::vector<std::string>& fieldsAsRead,
@@ -311,9 +273,9 @@ void SettingsModel::Save(WindowState& window, const std::string& loaderPath) {
     if (!window.selectedMode.empty() && window.selectedMode != window.mode) {
         Write(kSettings, "Startup", Ansi(window.selectedMode));
         if (window.selectedMode == L"Startup") {
-            Write(kRun, kRunValue, loaderPath);
+            Write(kRun, kRunEntry, loaderPath);
         } else if (window.mode == L"Startup") {
-            Delete(kRun, kRunValue);
+            Delete(kRun, kRunEntry);
         }
         window.mode = window.selectedMode;
     }

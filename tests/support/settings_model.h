@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/memory_registry.h"
+#include "tests/support/registry_calls.h"
 #include "tests/support/window_state.h"
 
 // Shared by the store and the window of a test.

@@ -15,6 +15,11 @@ SettingsWindow::SettingsWindow()
     cmdApply.Enabled(false);
 }
 
+void SettingsWindow::Write(const wchar_t* key, Values values) const {
+    for (const auto& [name, text] : values)
+        user.Write(key, name, text);
+}
+
 void SettingsWindow::Store(const std::wstring& value, const std::wstring& text) const {
     user.Write(Schema::kSettingsKey, value, text);
 }

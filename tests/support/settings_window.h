@@ -4,6 +4,7 @@
 
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "lists/banner_sizes.h"
@@ -36,6 +37,10 @@ public:
 
     // Clicks as a user does.
     static void Click(const Control& button) { SendMessageW(button.Hwnd(), BM_CLICK, 0, 0); }
+
+    // Writes values, each with its text, into a key of the user.
+    using Values = std::initializer_list<std::pair<const wchar_t*, const wchar_t*>>;
+    void Write(const wchar_t* key, Values values) const;
 
     // In the Settings key.
     void Store(const std::wstring& value, const std::wstring& text) const;

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/memory_registry.h"
+#include "tests/support/registry_calls.h"
 
 class SettingsWindow;
 

@@ -4,7 +4,6 @@
 
 #include "platform/text.h"
 #include "store/settings_schema.h"
-#include "tests/support/stored_values.h"
 
 Rows StoredIn(const std::wstring& key) {
     HKEY opened = nullptr;
@@ -14,11 +13,20 @@ Rows StoredIn(const std::wstring& key) {
     }
     const RegistryKey owner(opened);
     Rows rows;
-    for (const auto& [name, value] : ValuesIn(opened)) {
-        std::wstring text = FromAnsi(value.bytes);
+    std::string name(256, '\0');
+    std::string data(1 << 16, '\0');
+    for (DWORD index = 0;; ++index) {
+        DWORD nameLength = static_cast<DWORD>(name.size());
+        DWORD size = static_cast<DWORD>(data.size());
+        DWORD type = 0;
+        if (RegEnumValueA(opened, index, name.data(), &nameLength, nullptr, &type,
+                          reinterpret_cast<BYTE*>(data.data()), &size) != ERROR_SUCCESS) {
+            break;
+        }
+        std::wstring text = FromAnsi(data.substr(0, size));
         if (text.ends_with(L'\0')) text.back() = L'@';
-        std::wstring row = FromAnsi(name) + L'=' + text;
-        if (value.type != REG_SZ) row += L" of type " + std::to_wstring(value.type);
+        std::wstring row = FromAnsi(name.substr(0, nameLength)) + L'=' + text;
+        if (type != REG_SZ) row += L" of type " + std::to_wstring(type);
         rows.push_back(row);
     }
     std::sort(rows.begin(), rows.end());

@@ -1,6 +1,5 @@
 // A library for the manager's process: ends it by force before a registry call that changes the store. The
-// environment variable KILL_SWEEP_CALL holds the number of that call, counted from 1; nothing happens without
-// it.
+// environment variable KILL_AT holds the number of that call, counted from 1; nothing happens without it.
 #include <windows.h>
 
 #include <cstdlib>
@@ -12,34 +11,33 @@ namespace {
 constexpr UINT kKilled = 77;
 
 long callsLeft = 0;
-decltype(&RegSetValueExA) setValue = nullptr;
-decltype(&RegDeleteValueA) deleteValue = nullptr;
 
 void Count() {
     if (--callsLeft == 0) TerminateProcess(GetCurrentProcess(), kKilled);
 }
 
+// Both stay until the process ends.
+const ImportPatch* set = nullptr;
+const ImportPatch* remove = nullptr;
+
 LSTATUS WINAPI SetValue(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
     Count();
-    return setValue(key, name, reserved, type, data, size);
+    return set->Original<decltype(&RegSetValueExA)>()(key, name, reserved, type, data, size);
 }
 
 LSTATUS WINAPI DeleteValue(HKEY key, LPCSTR name) {
     Count();
-    return deleteValue(key, name);
+    return remove->Original<decltype(&RegDeleteValueA)>()(key, name);
 }
 
 }  // namespace
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
-    if (reason != DLL_PROCESS_ATTACH) return TRUE;
     char text[16]{};
-    if (GetEnvironmentVariableA("KILL_SWEEP_CALL", text, sizeof(text)) == 0) return TRUE;
+    if (reason != DLL_PROCESS_ATTACH || GetEnvironmentVariableA("KILL_AT", text, sizeof(text)) == 0)
+        return TRUE;
     callsLeft = std::atol(text);
-    // Both stay until the process ends.
-    static const ImportPatch set("advapi32.dll", "RegSetValueExA", &SetValue);
-    setValue = set.Original<decltype(setValue)>();
-    static const ImportPatch remove("advapi32.dll", "RegDeleteValueA", &DeleteValue);
-    deleteValue = remove.Original<decltype(deleteValue)>();
+    set = new ImportPatch("advapi32.dll", "RegSetValueExA", &SetValue);
+    remove = new ImportPatch("advapi32.dll", "RegDeleteValueA", &DeleteValue);
     return TRUE;
 }

@@ -1,0 +1,174 @@
+// The manager in the test's own process, with an engine, a shell and a store of its own: a start, a load, a
+// save and a refresh of the log make the calls that the rules ask for, and not one more; and while nobody
+// wants anything of it, it does nothing.
+#include <doctest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "tests/engine_control/fake_engine.h"
+#include "tests/entry/inside.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/registry_calls.h"
+#include "tests/support/shown_text.h"
+#include "tests/support/test_folder.h"
+#include "tests/tray_icon/shell_calls.h"
+
+namespace {
+
+using EngineCalls = std::vector<std::string>;
+
+// Longer than any period of its timers: the animation's, the menu's and that of an icon which is refused.
+constexpr DWORD kIdleMilliseconds = 2500;
+constexpr DWORD kQuietMilliseconds = 500;
+
+// What a first run writes; what is read of it: four options, 16 and 18 values of the two lists, the startup
+// mode, the pause key and the sound file.
+constexpr long kDefaults = 46;
+constexpr long kRead = 4 + 16 + 18 + 3;
+// What an Apply deletes of it: of each list with a key, and an entry behind its last. The startup mode is as
+// it was read and is not written.
+constexpr long kDeleted = 16 + 4 + 18 + 3;
+constexpr long kWritten = kRead - 1;
+
+// Handles the messages that come within the time and returns their numbers.
+std::vector<UINT> MessagesWithin(DWORD milliseconds) {
+    std::vector<UINT> messages;
+    const DWORD start = GetTickCount();
+    for (DWORD passed = 0; passed < milliseconds; passed = GetTickCount() - start) {
+        MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds - passed, QS_ALLINPUT);
+        MSG message;
+        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+            messages.push_back(message.message);
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+    return messages;
+}
+
+void WaitForQuiet() {
+    for (int tries = 0; tries < 20 && !MessagesWithin(kQuietMilliseconds).empty(); ++tries)
+        continue;
+}
+
+struct CountedManager {
+    CountedManager() { engine.script.logFile = folder.Path(L"closed.log"); }
+
+    void Watch(const std::function<void()>& body) {
+        engine.script.calls.clear();
+        shell.calls.clear();
+        registry.Watch(body);
+    }
+
+    void Start() {
+        Watch([this] { config = inside.Instance(FormHide); });
+    }
+
+    // Watches a press of the button.
+    void Press(const wchar_t* name) {
+        LONG window = 0;
+        const BSTR text = SysAllocString(name);
+        CHECK(g_frmConfig->ControlHwnd(text, &window) == S_OK);
+        SysFreeString(text);
+        const HWND button = static_cast<HWND>(LongToHandle(window));
+        EnableWindow(button, TRUE);
+        Watch([&] { SendMessageW(button, BM_CLICK, 0, 0); });
+    }
+
+    // That the last body read, wrote and deleted so many values and called this of the engine, and nothing
+    // else.
+    void CheckCalls(long read, long written, long deleted, const EngineCalls& ofEngine) {
+        const auto count = [this](const char* word) {
+            const std::vector<std::string> values = registry.Values();
+            return std::count_if(values.begin(), values.end(),
+                                 [&](const std::string& line) { return line.starts_with(word); });
+        };
+        CHECK(count("read ") == read);
+        CHECK(count("write ") == written);
+        CHECK(count("delete ") == deleted);
+        CHECK(registry.Count(RegistryFunction::Create) == static_cast<size_t>(written));
+        CHECK(registry.Count(RegistryFunction::Open) <= static_cast<size_t>(read + deleted) + 2);
+        CHECK(engine.script.calls == ofEngine);
+    }
+
+    // While no message comes, nothing of the manager runs.
+    void CheckIdle() {
+        WaitForQuiet();
+        engine.script.calls.clear();
+        CHECK(MessagesWithin(kIdleMilliseconds) == std::vector<UINT>{});
+        CHECK(engine.script.calls.empty());
+    }
+
+    TestFolder folder;
+    FakeEngine engine;
+    ShellCalls shell;
+    Inside inside;
+    ComPtr<IDispatch> config;
+    RegistryCalls registry;
+};
+
+const EngineCalls kStartOfEngine{"CreateInstance", "CreatePopup", "Advise", "State", "LogFile"};
+
+}  // namespace
+
+TEST_CASE_FIXTURE(
+    CountedManager,
+    "a first start writes each default once and reads each setting once; further clients and the showing "
+    "of the window read nothing; a later start reads the mark and each setting once") {
+    Start();
+    // The two lists are read to their ends; the keys of the mark and of the exclude list are not there.
+    CheckCalls(kRead + 2, kDefaults, 0, kStartOfEngine);
+    CHECK(shell.Actions() == std::vector<DWORD>{NIM_ADD});
+    Watch([this] {
+        for (const long showType : {2L, 1L, 3L, 1L, 0L})
+            inside.Instance(showType);
+    });
+    CheckCalls(0, 0, 0, {});
+
+    config.Reset();
+    g_oConfig.Reset();
+    g_frmConfig.Reset();
+    g_lngConfigHwnd = 0;
+    Start();
+    CheckCalls(1 + kRead + 2, 0, 0, kStartOfEngine);
+}
+
+TEST_CASE_FIXTURE(
+    CountedManager,
+    "Cancel reads each setting once, and the log; Apply deletes each list, writes each setting once and "
+    "tells the engine; OK does the same without telling it; a refresh asks for the path") {
+    Start();
+    Press(L"cmdCancel");
+    CheckCalls(kRead + 2, 0, 0, {"LogFile"});
+    Press(L"cmdApply");
+    CheckCalls(0, kWritten, kDeleted, {"ReloadSettings"});
+    Press(L"cmdOK");
+    CheckCalls(0, kWritten, kDeleted, {});
+    Press(L"cmdRefreshLog");
+    CheckCalls(0, 0, 0, {"LogFile"});
+    CHECK(shell.calls.empty());
+    CheckIdle();
+}
+
+TEST_CASE_FIXTURE(CountedManager, "a manager, hidden or shown, on whatever page, gets no message") {
+    Start();
+    CheckIdle();
+    for (const long showType : std::initializer_list<long>{formShow, kShowAbout}) {
+        inside.Instance(showType);
+        CheckIdle();
+    }
+}
+
+TEST_CASE_FIXTURE(CountedManager,
+                  "a notice keeps the manager busy for three frames and the end, and leaves it idle again") {
+    Start();
+    WaitForQuiet();
+    shell.calls.clear();
+    engine.Raise(1, {0L, L"http://ads.example.com"});
+    const std::vector<UINT> messages = MessagesWithin(kIdleMilliseconds);
+    CHECK(std::count(messages.begin(), messages.end(), static_cast<UINT>(WM_TIMER)) == 4);
+    CHECK(shell.calls.size() == 5);
+    CheckIdle();
+}

@@ -1,8 +1,0 @@
-#include <cstdlib>
-
-#include "tests/fuzz/targets.h"
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (!NewestLinesAgree(data, size)) std::abort();
-    return 0;
-}

@@ -1,0 +1,67 @@
+// Lets every single allocation of something fail in turn, of the program's own and of its texts for
+// Automation.
+#pragma once
+
+#include <windows.h>
+#include <oleauto.h>
+
+#include <functional>
+#include <string>
+
+#include "tests/support/import_patch.h"
+
+// While it exists, the kth call of operator new fails, counted from 1; all behind it too where isLasting. One
+// at a time.
+class FailingAllocation {
+public:
+    explicit FailingAllocation(long k, bool isLasting = false) noexcept {
+        s_isLasting = isLasting;
+        s_happened = false;
+        s_left = k - 1;
+    }
+    FailingAllocation(const FailingAllocation&) = delete;
+    FailingAllocation& operator=(const FailingAllocation&) = delete;
+    ~FailingAllocation() { s_left = -1; }
+
+    // Of the one that exists, or else of the last one.
+    static bool Happened() noexcept { return s_happened; }
+    static bool IsLasting() noexcept { return s_isLasting; }
+
+    // Counts an allocation and says whether it fails.
+    static bool IsNext() noexcept {
+        if (s_left < 0) return false;
+        if (s_left-- > 0) return false;
+        s_happened = true;
+        if (s_isLasting) s_left = 0;
+        return true;
+    }
+
+private:
+    // How many allocations still succeed before one fails; below 0 none fails.
+    static inline long s_left = -1;
+    static inline bool s_isLasting = false;
+    static inline bool s_happened = false;
+};
+
+// Texts for Automation come from a heap of their own; while it exists they fail like the others.
+class FailingTexts {
+public:
+    FailingTexts() : m_patch("oleaut32.dll", "SysAllocStringLen", &Allocate) {
+        s_original = m_patch.Original<Function>();
+    }
+
+private:
+    using Function = decltype(&SysAllocStringLen);
+    static BSTR WINAPI Allocate(const OLECHAR* text, UINT length) {
+        return FailingAllocation::IsNext() ? nullptr : s_original(text, length);
+    }
+
+    static inline Function s_original = nullptr;
+    const ImportPatch m_patch;
+};
+
+// Runs body with each allocation failing, once and from there on, until it has no such allocation, and
+// returns how many failed. prepare and check have memory; check is told how body ended: 0 for well, 1 for an
+// AutomationError, 2 for bad_alloc.
+long Sweep(const std::function<void()>& prepare, const std::function<void()>& body,
+           const std::function<void(int ending)>& check);

@@ -1,0 +1,137 @@
+// Lets every single allocation fail in a load, in a save, in the first run and in a reading of the log.
+#include <algorithm>
+
+#include "platform/handle.h"
+#include "store/first_run.h"
+#include "tests/out_of_memory/memory_sweep.h"
+#include "tests/settings_transfer/usual_store.h"
+#include "tests/support/first_run_defaults.h"
+#include "tests/support/settings_window.h"
+#include "tests/support/shown_text.h"
+#include "tests/support/test_folder.h"
+
+namespace {
+
+struct Page : SettingsWindow {
+    Page() { registry.contents = UsualStore(); }
+
+    // Rows of the log, each with a text that no string object keeps within itself.
+    void WriteLog(int count, size_t length) {
+        std::string bytes;
+        for (int i = 1; i <= count; ++i)
+            bytes += "http://a-closed-window-" + std::to_string(i) + std::string(length, 'x') + "\r\n";
+        const std::wstring path = folder.Write(L"closed.log", bytes);
+        logFile = [path] { return path; };
+    }
+
+    const TestFolder folder;
+    RegistryCalls registry{RegistryCalls::Of::Memory};
+    const FailingTexts texts;
+};
+
+}  // namespace
+
+TEST_CASE_FIXTURE(Page, "memory that runs out in a load spoils nothing but what it was needed for") {
+    WriteLog(2, 0);
+    transfer.LoadSettings();
+    const WindowState ideal = StateOf(*this);
+    REQUIRE(lstClosedWnd.ListCount() == 2);
+    const long faults = Sweep(
+        [&] {
+            Put(*this, {});
+            cmdApply.Enabled(false);
+        },
+        [&] { transfer.LoadSettings(); },
+        [&](int ending) {
+            const WindowState state = StateOf(*this);
+            CHECK(ending == 0);
+            CHECK_FALSE(state.isLoading);
+            CHECK_FALSE(state.canApply);
+            if (!FailingAllocation::IsLasting()) {
+                // What could not be had ends a list or is a field of one row; no other row goes without its
+                // fields.
+                CHECK(std::count_if(state.banners.begin(), state.banners.end(), [&](const ListRow& row) {
+                          return std::find(ideal.banners.begin(), ideal.banners.end(), row) ==
+                                 ideal.banners.end();
+                      }) <= 1);
+            }
+            transfer.LoadSettings();
+            CHECK(Difference(StateOf(*this), ideal) == "");
+            CHECK(lstClosedWnd.ListCount() == 2);
+        });
+    CHECK(registry.contents == UsualStore());
+    CHECK(faults > 200);
+}
+
+TEST_CASE_FIXTURE(
+    Page, "memory that runs out in a save never empties a list of the store, and the next save repairs it") {
+    transfer.LoadSettings();
+    const WindowState shown = StateOf(*this);
+    const long faults = Sweep(
+        [&] {
+            registry.contents = UsualStore();
+            Put(*this, shown);
+            events.clear();
+        },
+        [&] { commands.cmdOK_Click(); },
+        [&](int ending) {
+            CHECK(ending == 0);
+            CHECK_FALSE(cmdApply.Enabled());
+            CHECK_FALSE(changeMark.m_bLoading);
+            CHECK(events == std::vector<std::string>{"hide"});
+            if (!FailingAllocation::IsLasting()) {
+                // One failure costs one value.
+                long missing = 0;
+                for (const auto& [key, values] : UsualStore()) {
+                    for (const auto& [name, value] : values)
+                        missing += registry.contents[key].contains(name) ? 0 : 1;
+                }
+                CHECK(missing <= 1);
+            }
+            Put(*this, shown);
+            transfer.SaveSettings();
+            CHECK(Difference(registry.contents, UsualStore()) == "");
+        });
+    CHECK(faults > 200);
+}
+
+TEST_CASE("memory that runs out in the first run is an error, and the next start writes every default") {
+    RegistryCalls registry(RegistryCalls::Of::Memory);
+    WriteFirstRunDefaults();
+    const RegistryContents ideal = registry.contents;
+    const FailingTexts texts;
+    const long faults = Sweep([&] { registry.contents.clear(); }, [] { WriteFirstRunDefaults(); },
+                              [&](int ending) {
+                                  CHECK((ending != 0) == FailingAllocation::Happened());
+                                  CHECK(registry.contents[kSettings].contains("First Time") == (ending == 0));
+                                  WriteFirstRunDefaults();
+                                  CHECK(Difference(registry.contents, ideal) == "");
+                              });
+    CHECK(faults > 100);
+}
+
+TEST_CASE_FIXTURE(
+    Page,
+    "memory that runs out while the log is read leaves its newest lines, and the log is not kept open") {
+    WriteLog(30, 3000);
+    const auto rows = [&] {
+        std::vector<std::wstring> shown;
+        for (int i = 0; i < lstClosedWnd.ListCount(); ++i)
+            shown.push_back(lstClosedWnd.List(i));
+        return shown;
+    };
+    closedLog.ReadClosedLog();
+    const auto expected = rows();
+    REQUIRE(expected.size() == 25);
+    const long faults = Sweep([] {}, [&] { closedLog.ReadClosedLog(); },
+                              [&](int) {
+                                  const auto shown = rows();
+                                  CHECK(std::equal(shown.begin(), shown.end(), expected.begin()));
+                                  const FileHandle alone(CreateFileW(logFile().c_str(), GENERIC_READ, 0,
+                                                                     nullptr, OPEN_EXISTING, 0, nullptr));
+                                  CHECK(static_cast<bool>(alone));
+                              });
+    closedLog.ReadClosedLog();
+    CHECK(rows() == expected);
+    CHECK(faults > 50);
+}

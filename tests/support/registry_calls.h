@@ -1,0 +1,168 @@
+// Stands before the registry functions of this program: writes calls down, fails those that a test wants to
+// fail, and is a registry in memory where a test runs tens of thousands of times.
+#pragma once
+
+#include <windows.h>
+
+#include <cstring>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tests/support/import_patch.h"
+
+enum class RegistryFunction { Open, Query, Info, Create, Set, DeleteValue, DeleteKey, Close };
+
+// The registry compares names without regard to case. Those of the tests are plain ASCII, and compared too
+// often to ask the system each time.
+struct LessNoCase {
+    bool operator()(const std::string& left, const std::string& right) const noexcept {
+        return _stricmp(left.c_str(), right.c_str()) < 0;
+    }
+};
+
+struct StoredValue {
+    DWORD type = REG_SZ;
+    std::string bytes;
+    bool operator==(const StoredValue&) const = default;
+};
+using StoredKey = std::map<std::string, StoredValue, LessNoCase>;
+
+// Keys by their paths, which begin with "HKCU" or "HKLM".
+using RegistryContents = std::map<std::string, StoredKey, LessNoCase>;
+
+// Which calls fail, and how: the first one counted from 1, of one function or of all; that one alone, or all
+// from there on. No call fails where first is 0.
+struct Fault {
+    std::optional<RegistryFunction> function;
+    long first = 0;
+    bool isLasting = false;
+    LSTATUS error = ERROR_ACCESS_DENIED;
+};
+
+class FaultCounter {
+public:
+    explicit FaultCounter(const Fault& fault = {}) : m_fault(fault) {}
+
+    // Counts the call and says whether it fails.
+    bool Fails(RegistryFunction function);
+
+    long Calls() const noexcept { return m_calls; }
+    bool Happened() const noexcept { return m_happened; }
+    const Fault& Cause() const noexcept { return m_fault; }
+
+private:
+    Fault m_fault;
+    long m_calls = 0;    // of all functions
+    long m_counted = 0;  // of those that the fault counts
+    bool m_happened = false;
+};
+
+// One at a time. Of the system's registry only the calls of a watched body are counted and failed; of the one
+// in memory, all of the program.
+class RegistryCalls {
+public:
+    enum class Of { System, Memory };
+    explicit RegistryCalls(Of registry = Of::System);
+    RegistryCalls(const RegistryCalls&) = delete;
+    RegistryCalls& operator=(const RegistryCalls&) = delete;
+    ~RegistryCalls();
+
+    RegistryContents contents;  // of the registry in memory
+
+    // From now on, and again in each watched body, counting from 0.
+    void Fail(const Fault& fault) { m_counter = FaultCounter(fault); }
+    const FaultCounter& Counter() const noexcept { return m_counter; }
+
+    // Runs before each call that does not fail, with the name of the key or value. What it calls itself is
+    // neither watched nor failed.
+    std::function<void(RegistryFunction function, const std::string& name)> beforeCall;
+
+    // Runs the body and returns its calls: the function and its arguments, which are HKCU, HKLM, or key1,
+    // key2
+    // ... for the handles in the order in which they were handed out ("?" for one that was not), texts in
+    // quotes, bytes that are no visible character as \xx:
+    //   RegOpenKeyExA(HKCU, "Software", 0, 0x19)
+    //   RegQueryValueExA(key1, "Value", type 0, 3 NULs, 3)   what the type, the buffer and the size hold
+    //   before RegQueryInfoKeyA(key1, 512 NULs, 511)                what the class buffer and its length hold
+    //   before RegCreateKeyExA(HKCU, "Software", 0, "class", 0, 0x2, {50, no descriptor, inherited})
+    //   RegSetValueExA(key1, "Value", 0, type 1, "abc", no NUL behind)
+    //   RegDeleteValueA(key1, "Value")   RegDeleteKeyA(HKCU, "Software")   RegCloseKey(key1)
+    std::vector<std::string> Watch(const std::function<void()>& body);
+
+    // The calls of the last body, also of one that threw; their functions alone; how many of one function.
+    std::vector<std::string> Lines() const;
+    std::vector<std::string> Functions() const;
+    size_t Count(RegistryFunction function) const;
+
+    // What the last body read, wrote and deleted, the key by its last part: "read Settings\name",
+    // "write Settings\name=data", "delete Settings\name"; what was not there ends in " (missing)". A key that
+    // is given a class adds a line of its own, a type that is no text ends the line of its value.
+    std::vector<std::string> Values() const;
+
+    // Handles that were handed out and never closed.
+    std::vector<std::string> OpenHandles() const;
+    HKEY Handle(const std::string& name) const;
+
+    // Calls with a handle that was never handed out, or was closed, of the registry in memory.
+    long strayHandles = 0;
+
+private:
+    struct Call {
+        RegistryFunction function;
+        std::string key;
+        std::string name;
+        std::string arguments;
+        std::string data;
+        LSTATUS result;
+    };
+    struct Opened {
+        size_t number;
+        std::string path;
+    };
+
+    static LSTATUS WINAPI Open(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key);
+    static LSTATUS WINAPI Query(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
+                                LPDWORD size);
+    static LSTATUS WINAPI Info(HKEY key, LPSTR keyClass, LPDWORD classLength, LPDWORD reserved,
+                               LPDWORD subkeys, LPDWORD maxSubkey, LPDWORD maxClass, LPDWORD values,
+                               LPDWORD maxName, LPDWORD maxData, LPDWORD security, PFILETIME written);
+    static LSTATUS WINAPI Create(HKEY root, LPCSTR path, DWORD reserved, LPSTR keyClass, DWORD options,
+                                 REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY key,
+                                 LPDWORD disposition);
+    static LSTATUS WINAPI Set(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data,
+                              DWORD size);
+    static LSTATUS WINAPI DeleteValue(HKEY key, LPCSTR name);
+    static LSTATUS WINAPI DeleteKey(HKEY root, LPCSTR path);
+    static LSTATUS WINAPI Close(HKEY key);
+
+    bool IsWatching() const { return !m_isAside && (m_isMemory || m_isRecording); }
+    template <class Arguments, class InMemory, class InSystem>
+    LSTATUS Pass(RegistryFunction function, HKEY key, LPCSTR name, Arguments arguments, InMemory inMemory,
+                 InSystem inSystem);
+    LSTATUS HandOut(LSTATUS result, HKEY root, LPCSTR path, HKEY key);
+    std::string NameOf(HKEY key) const;
+    std::string PathOf(HKEY root, LPCSTR path);
+    StoredKey* Find(HKEY key);
+
+    template <class Pointer>
+    Pointer Original(RegistryFunction function) const {
+        return m_patches[static_cast<size_t>(function)]->Original<Pointer>();
+    }
+
+    static RegistryCalls* s_current;
+    const bool m_isMemory;
+    bool m_isRecording = false;
+    bool m_isAside = false;
+    FaultCounter m_counter;
+    std::vector<Call> m_calls;
+    std::map<HKEY, Opened> m_open;
+    size_t m_handedOut = 0;
+    std::vector<std::unique_ptr<ImportPatch>> m_patches;
+};
+
+// "abc\00" in quotes, for lines.
+std::string Quoted(const std::string& bytes);
