@@ -2,9 +2,9 @@
 # Builds the benchmarks and runs them under Wine; takes a few minutes, 2 GB of disk space, and wants a machine that does
 # nothing else. The table goes to the terminal and to build/bench/table.md.
 #
-#   ./bench.sh              all but long_list
-#   ./bench.sh NAME         those whose name contains NAME
-#   ./bench.sh long_list    lists of 30,000 and 100,000 rows, which take minutes of their own
+#   ./bench.sh          all
+#   ./bench.sh NAME     those whose name contains NAME
+#   ./bench.sh long     lists of 30,000 and 100,000 rows, which take minutes of their own
 #
 # Every row compares two ways to do the same work, timed by turns in one run: what counts is their ratio.
 set -euo pipefail
@@ -30,15 +30,19 @@ UseWindowManager N
 
 RegisterServers "$kBuildDir"
 
-# Run PROGRAM: its rows go to a file of their own.
+# Run PROGRAM [ARGUMENT]: its rows go to a file of their own.
 Run() {
-    Wine "$kProgramSeconds" "$kBuildDir/bench/$1_bench.exe" "Z:${kOutput//\//\\}\\files" \
+    Wine "$kProgramSeconds" "$kBuildDir/bench/$1_bench.exe" "Z:${kOutput//\//\\}\\files" "${@:2}" \
         >"$kOutput/$1.md" 2>"$kOutput/$1.errors" ||
         { echo "$1 failed:" >&2; tail -5 "$kOutput/$1.errors" >&2; return 1; }
 }
 
 selected=()
-[[ ${1:-} != long_list ]] || selected=(long_list)
+arguments=()
+if [[ ${1:-} == long ]]; then
+    selected=(settings_transfer)
+    arguments=(long)
+fi
 for program in $kPrograms; do
     [[ $program != *"${1:-}"* ]] || selected+=("$program")
 done
@@ -46,7 +50,7 @@ done
 failed=0
 for program in "${selected[@]}"; do
     echo "$program ..." >&2
-    Run "$program" || failed=1
+    Run "$program" "${arguments[@]}" || failed=1
 done
 
 cat >"$kOutput/table.md" <<'HEADER'

@@ -3,10 +3,7 @@
 #include <windows.h>
 #include <objbase.h>
 
-#include <exception>
-
 #include "bench/support/comparison.h"
-#include "bench/support/run_benchmark.h"
 #include "bench/support/server_client.h"
 #include "store/settings_schema.h"
 

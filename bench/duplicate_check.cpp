@@ -2,13 +2,11 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include <exception>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "bench/support/comparison.h"
-#include "bench/support/run_benchmark.h"
 #include "lists/is_in_list.h"
 #include "platform/controls/list_box.h"
 #include "platform/text.h"

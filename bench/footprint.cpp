@@ -3,13 +3,11 @@
 #include <windows.h>
 #include <objbase.h>
 
-#include <exception>
 #include <string>
 #include <utility>
 
 #include "bench/support/comparison.h"
 #include "bench/support/process_figures.h"
-#include "bench/support/run_benchmark.h"
 #include "bench/support/server_client.h"
 #include "store/server_directory.h"
 #include "tests/support/message_pump.h"

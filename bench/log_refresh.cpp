@@ -4,15 +4,12 @@
 #include <objbase.h>
 
 #include <cstdio>
-#include <exception>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "bench/support/comparison.h"
 #include "bench/support/log_files.h"
-#include "bench/support/run_benchmark.h"
-#include "bench/support/unix_shell.h"
 #include "lists/closed_log.h"
 #include "lists/exclude_list.h"
 #include "platform/automation_error.h"
@@ -103,31 +100,6 @@ constexpr LogSize kSizes[] = {{"1 KB", 1 << 10, 0, true, true, 31},
                               {"1 GB", kGigabyte, 0, false, true, 1},
                               {"8 GB, sparse in front", kMegabyte, 8 * kGigabyte, false, false, 31}};
 
-// The same lines by a chain of filters, each a process; all end once the last one has them.
-void CompareWithFilter(const LogSize& size, const Side& refresh, const std::wstring& path,
-                       const std::vector<std::string>& rows) {
-    const std::wstring folder = path.substr(0, path.rfind(L'\\') + 1);
-    const std::wstring output = folder + L"newest.txt";
-    const auto filter = [&] {
-        return TimeInUnixShell(
-            "tac " + UnixPath(path) + " | awk '!seen[$0]++' | head -n " + std::to_string(kEntries), output,
-            folder);
-    };
-    filter();
-    std::string expected;
-    for (const std::string& row : rows)
-        expected += row + "\r\n";
-    if (Contents(output) != expected) throw std::runtime_error("the filter found other lines");
-    Report({.what = "Log refresh",
-            .size = size.name,
-            .measured = refresh,
-            .beside = {.name = "`tac`, a filter for distinct lines in `awk`, and `head`",
-                       .run = {},
-                       .time = filter},
-            .rounds = kRounds});
-    DeleteFileW(output.c_str());
-}
-
 void CompareAt(const LogSize& size, const std::wstring& path, IDispatch* fileSystem) {
     size_t lines = 0;
     WriteLog(
@@ -176,7 +148,6 @@ void CompareAt(const LogSize& size, const std::wstring& path, IDispatch* fileSys
                 .rounds = kRounds,
                 .repeats = kRepeats});
     }
-    if (HasUnixShell()) CompareWithFilter(size, refresh, path, rows);
     if (size.forward) {
         Report({.what = "Log refresh",
                 .size = size.name,

@@ -4,7 +4,6 @@
 #include <objbase.h>
 #include <shellapi.h>
 
-#include <exception>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -12,7 +11,6 @@
 
 #include "bench/support/comparison.h"
 #include "bench/support/config_in_process.h"
-#include "bench/support/run_benchmark.h"
 #include "bench/support/server_client.h"
 #include "platform/automation_error.h"
 #include "platform/com/event_connection.h"

@@ -4,14 +4,12 @@
 #include <objbase.h>
 #include <shellapi.h>
 
-#include <exception>
 #include <stdexcept>
 
 #include "app/resource.h"
 #include "bench/support/bare_store.h"
 #include "bench/support/comparison.h"
 #include "bench/support/config_in_process.h"
-#include "bench/support/run_benchmark.h"
 #include "bench/support/tabbed_dialog.h"
 #include "tests/support/import_patch.h"
 
@@ -69,8 +67,8 @@ void CompareMaking() {
             .beside = {"the same dialogs without code, and the registry calls",
                        [&] {
                            dialog = MakeTabbedDialog();
-                           BareStore().FirstRun("C:");
-                           BareStore().Load();
+                           BareStore::FirstRun("C:");
+                           BareStore::Load();
                        },
                        [] {}, destroy},
             .rounds = 25});

@@ -3,8 +3,7 @@
 #include <shellapi.h>
 
 #include "app/resource.h"
-#include "bench/bare_server/window.h"
-#include "bench/support/servers.h"
+#include "bench/bare_server/bare_server.h"
 #include "bench/support/tabbed_dialog.h"
 
 const CLSID kBareServerClass = kDialogServer.classId;

@@ -1,7 +1,5 @@
 // A window without anything in it.
-#include "bench/bare_server/window.h"
-
-#include "bench/support/servers.h"
+#include "bench/bare_server/bare_server.h"
 
 const CLSID kBareServerClass = kEmptyServer.classId;
 

@@ -3,7 +3,7 @@
 #include <windows.h>
 #include <objbase.h>
 
-#include "bench/bare_server/window.h"
+#include "bench/bare_server/bare_server.h"
 #include "bench/support/bare_store.h"
 #include "sentrel_config.h"
 
@@ -53,9 +53,8 @@ public:
     STDMETHODIMP ConfigInstance(long* nShowType, IDispatch** config) override {
         if (m_window == nullptr) {
             m_window = MakeWindow();
-            const BareStore store;
-            store.FirstRun(Folder());
-            m_settings = store.Load();
+            BareStore::FirstRun(Folder());
+            m_settings = BareStore::Load();
         }
         if (*nShowType == formShow) ShowWindow(m_window, SW_SHOW);
         *config = static_cast<_ConfigControl*>(this);

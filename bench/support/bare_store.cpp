@@ -75,7 +75,7 @@ constexpr const char* kOptions[] = {"chkPlaySound", "chkBeep", "txtSpeed", "txtP
 
 }  // namespace
 
-void BareStore::FirstRun(const std::string& folder) const {
+void BareStore::FirstRun(const std::string& folder) {
     std::string text;
     if (Read(kSettings, "First Time", text)) return;
     const auto write = [&](const Schema::Setting& setting) {
@@ -103,7 +103,7 @@ void BareStore::FirstRun(const std::string& folder) const {
         write(setting);
 }
 
-StoredValues BareStore::Load() const {
+StoredValues BareStore::Load() {
     StoredValues values;
     for (size_t i = 0; i < values.options.size(); ++i)
         Read(kSettings, kOptions[i], values.options[i]);
@@ -129,7 +129,7 @@ StoredValues BareStore::Load() const {
     return values;
 }
 
-void BareStore::Save(const StoredValues& values) const {
+void BareStore::Save(const StoredValues& values) {
     for (size_t i = 0; i < values.options.size(); ++i)
         Write(kSettings, kOptions[i], values.options[i]);
     for (long n = 0; Delete(kExclude, Name(n, "")); ++n)

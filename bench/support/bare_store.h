@@ -18,10 +18,11 @@ struct StoredValues {
     std::string pauseKey;
 };
 
-class BareStore {
-public:
-    // Writes the defaults, as a first start does, unless they are there. folder: the program's.
-    void FirstRun(const std::string& folder) const;
-    StoredValues Load() const;
-    void Save(const StoredValues& values) const;
-};
+namespace BareStore {
+
+// Writes the defaults, as a first start does, unless they are there. folder: the program's.
+void FirstRun(const std::string& folder);
+StoredValues Load();
+void Save(const StoredValues& values);
+
+}  // namespace BareStore

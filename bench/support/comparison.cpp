@@ -1,10 +1,14 @@
 #include "bench/support/comparison.h"
 
 #include <windows.h>
+#include <objbase.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <stdexcept>
+
+#include "platform/automation_error.h"
+#include "tests/support/crash_watch.h"
 
 namespace {
 
@@ -127,4 +131,22 @@ std::wstring FolderFor(int count, wchar_t** arguments) {
     std::wstring folder = arguments[1];
     if (!folder.ends_with(L'\\')) folder += L'\\';
     return folder;
+}
+
+int RunBenchmark(const std::function<void()>& body) {
+    CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+    try {
+        body();
+        return 0;
+    } catch (const AutomationError& error) {
+        std::fprintf(stderr, "Automation error 0x%08lX\n", static_cast<unsigned long>(error.Code()));
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n", error.what());
+    }
+    return 1;
+}
+
+// The tests' message pump asks. The watch itself belongs to their runner.
+bool HasCrashed() {
+    return false;
 }

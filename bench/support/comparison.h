@@ -59,5 +59,9 @@ std::string Verdict(bool isReached);
 // Of a clock that begins anywhere.
 double Milliseconds();
 
+// What wmain does: runs body in a COM apartment and returns the process's exit code; an error that leaves
+// body goes to the standard error stream.
+int RunBenchmark(const std::function<void()>& body);
+
 // The folder for large files: the first argument of the program, with a trailing separator.
 std::wstring FolderFor(int count, wchar_t** arguments);

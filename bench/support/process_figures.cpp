@@ -1,7 +1,5 @@
 #include "bench/support/process_figures.h"
 
-#include <psapi.h>
-
 #include <cstdlib>
 #include <stdexcept>
 #include <string>
@@ -9,8 +7,6 @@
 
 #include "platform/handle.h"
 #include "platform/text.h"
-#include "tests/support/manager.h"
-#include "tests/support/program.h"
 
 namespace {
 
@@ -73,21 +69,6 @@ ProcessFigures KernelFigures(const std::wstring& process) {
     return figures;
 }
 
-ProcessFigures WindowsFigures(const wchar_t* program) {
-    const std::vector<DWORD> ids = ProcessesOf(program);
-    if (ids.size() != 1) throw std::runtime_error("not one process of the program");
-    const ProcessHandle process(OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, ids[0]));
-    PROCESS_MEMORY_COUNTERS_EX memory{};
-    FILETIME created{}, ended{}, system{}, user{};
-    K32GetProcessMemoryInfo(process.Get(), reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&memory),
-                            sizeof(memory));
-    GetProcessTimes(process.Get(), &created, &ended, &system, &user);
-    const auto milliseconds = [](const FILETIME& time) {
-        return (static_cast<std::uint64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime) / 10000;
-    };
-    return {milliseconds(system) + milliseconds(user), memory.PrivateUsage / 1024, {}};
-}
-
 }  // namespace
 
 std::uint64_t WakeUpsBetween(const ProcessFigures& before, const ProcessFigures& after) {
@@ -103,11 +84,9 @@ std::uint64_t WakeUpsBetween(const ProcessFigures& before, const ProcessFigures&
 }
 
 ProcessFigures FiguresOf(const wchar_t* folder, const wchar_t* program) {
-    const std::vector<std::wstring> all = NumbersIn(kProcessFiles);
-    if (all.empty()) return WindowsFigures(program);
     const std::wstring path = UpperCase(std::wstring(folder) + L"\\" + program);
     std::vector<std::wstring> found;
-    for (const std::wstring& process : all) {
+    for (const std::wstring& process : NumbersIn(kProcessFiles)) {
         const std::string commandLine = Contents(kProcessFiles + process + L"\\cmdline");
         const std::wstring command = UpperCase(FromAnsi(commandLine.substr(0, commandLine.find('\0'))));
         if (command.find(path) != std::wstring::npos) found.push_back(kProcessFiles + process + L"\\");

@@ -16,7 +16,7 @@ struct ProcessFigures {
 // How often threads went on after a wait between two moments; the end of a thread counts as one.
 std::uint64_t WakeUpsBetween(const ProcessFigures& before, const ProcessFigures& after);
 
-// Of the one process that runs this program, which lies in folder (without a trailing separator). Under Wine
-// they are the kernel's own, from its process files; elsewhere Windows tells them, but not the wake-ups.
-// Throws std::runtime_error when no process, or more than one, runs it.
+// Of the one process that runs this program, which lies in folder (without a trailing separator), from the
+// process files of the kernel below Wine. Throws std::runtime_error when no process, or more than one, runs
+// it.
 ProcessFigures FiguresOf(const wchar_t* folder, const wchar_t* program);

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "bench/support/servers.h"
+#include "bench/bare_server/bare_server.h"
 #include "platform/com/com_ptr.h"
 #include "sentrel_config.h"
 
