@@ -31,8 +31,8 @@ protected:
     bool OnInit() override;
 
 private:
-    TextBox m_txtHeight{L"txtHeight", IDC_ADD_BANNER_SIZE_HEIGHT};
-    TextBox m_txtWidth{L"txtWidth", IDC_ADD_BANNER_SIZE_WIDTH};
+    TextBox m_txtHeight{L"txtHeight", IDC_TXTHEIGHT};
+    TextBox m_txtWidth{L"txtWidth", IDC_TXTWIDTH};
     Button m_cmdOK{L"cmdOK", IDOK};
     Button m_cmdCancel{L"cmdCancel", IDCANCEL};
     const std::array<Control*, 4> m_controls{&m_txtHeight, &m_txtWidth, &m_cmdOK, &m_cmdCancel};

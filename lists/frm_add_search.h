@@ -35,9 +35,9 @@ protected:
     bool OnInit() override;
 
 private:
-    TextBox m_txtName{L"txtName", IDC_ADD_SEARCH_NAME};
-    TextBox m_txtURL{L"txtURL", IDC_ADD_SEARCH_ADDRESS};
-    TextBox m_txtIndex{L"txtIndex", IDC_ADD_SEARCH_INDEX};
+    TextBox m_txtName{L"txtName", IDC_TXTNAME};
+    TextBox m_txtURL{L"txtURL", IDC_TXTURL};
+    TextBox m_txtIndex{L"txtIndex", IDC_TXTINDEX};
     Button m_cmdOK{L"cmdOK", IDOK};
     Button m_cmdCancel{L"cmdCancel", IDCANCEL};
     const std::array<Control*, 5> m_controls{&m_txtName, &m_txtURL, &m_txtIndex, &m_cmdOK, &m_cmdCancel};

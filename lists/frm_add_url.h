@@ -29,7 +29,7 @@ protected:
 
 private:
     Button m_cmdOK{L"cmdOK", IDOK};
-    TextBox m_txtURL{L"txtURL", IDC_ADD_URL_ADDRESS};
+    TextBox m_txtURL{L"txtURL", IDC_TXTURL};
     Button m_cmdCancel{L"cmdCancel", IDCANCEL};
     const std::array<Control*, 3> m_controls{&m_cmdOK, &m_txtURL, &m_cmdCancel};
 

@@ -1,6 +1,8 @@
 // Numbers of the Settings and About pages, and of the buttons that every page has below it.
 #pragma once
 
+#include "lists/resource.h"  // IDC_LABEL1
+
 #define IDD_PAGE_SETTINGS 101
 #define IDD_PAGE_ABOUT 106
 
@@ -26,7 +28,6 @@
 #define IDC_FRAADVANCED 1019
 #define IDC_LBLPAUSEKEY 1020
 #define IDC_CBOPAUSEKEY 1021
-#define IDC_LABEL1 1022
 #define IDC_TXTSPEED 1023
 #define IDC_UDBSPEED 1024
 #define IDC_LABEL4 1025

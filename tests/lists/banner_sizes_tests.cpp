@@ -5,8 +5,8 @@
 
 namespace {
 
-constexpr int kHeight = IDC_ADD_BANNER_SIZE_HEIGHT;
-constexpr int kWidth = IDC_ADD_BANNER_SIZE_WIDTH;
+constexpr int kHeight = IDC_TXTHEIGHT;
+constexpr int kWidth = IDC_TXTWIDTH;
 
 }  // namespace
 

@@ -22,38 +22,36 @@ void ForEachDialog(Body body) {
         INFO("an address to exclude");
         ExcludePage page;
         body(page, page.cmdAddURL,
-             DialogCase{
-                 L"Add Web Site URL",
-                 {{IDC_ADD_URL_LABEL, L"Web Site Address to Exclude"}, {IDC_ADD_URL_ADDRESS, L"http://"}},
-                 {IDC_ADD_URL_ADDRESS, IDCANCEL, IDOK},
-                 {}});
+             DialogCase{L"Add Web Site URL",
+                        {{IDC_LABEL1, L"Web Site Address to Exclude"}, {IDC_TXTURL, L"http://"}},
+                        {IDC_TXTURL, IDCANCEL, IDOK},
+                        {}});
     }
     {
         INFO("a banner size");
         BannerPage page;
         body(page, page.cmdAddSize,
-             DialogCase{
-                 L"New Banner Height and Width",
-                 {{IDC_ADD_BANNER_SIZE_LABEL, L"Adding a size will hide images and tables of this size."},
-                  {IDC_ADD_BANNER_SIZE_HEIGHT_LABEL, L"Height:"},
-                  {IDC_ADD_BANNER_SIZE_HEIGHT, L""},
-                  {IDC_ADD_BANNER_SIZE_WIDTH_LABEL, L"Width:"},
-                  {IDC_ADD_BANNER_SIZE_WIDTH, L""}},
-                 {IDC_ADD_BANNER_SIZE_HEIGHT, IDC_ADD_BANNER_SIZE_WIDTH, IDOK, IDCANCEL},
-                 {{IDC_ADD_BANNER_SIZE_HEIGHT, L"5"}, {IDC_ADD_BANNER_SIZE_WIDTH, L"6"}}});
+             DialogCase{L"New Banner Height and Width",
+                        {{IDC_LABEL1, L"Adding a size will hide images and tables of this size."},
+                         {IDC_LBLLABELS_0, L"Height:"},
+                         {IDC_TXTHEIGHT, L""},
+                         {IDC_LBLLABELS_1, L"Width:"},
+                         {IDC_TXTWIDTH, L""}},
+                        {IDC_TXTHEIGHT, IDC_TXTWIDTH, IDOK, IDCANCEL},
+                        {{IDC_TXTHEIGHT, L"5"}, {IDC_TXTWIDTH, L"6"}}});
     }
     {
         INFO("a search engine");
         SearchPage page;
         body(page, page.cmdAddSearch,
              DialogCase{L"Add Search Address",
-                        {{IDC_ADD_SEARCH_NAME_LABEL, L"Name:"},
-                         {IDC_ADD_SEARCH_NAME, L""},
-                         {IDC_ADD_SEARCH_ADDRESS_LABEL, L"Address:"},
-                         {IDC_ADD_SEARCH_ADDRESS, L"http://"},
-                         {IDC_ADD_SEARCH_INDEX, L"0"}},
-                        {IDC_ADD_SEARCH_NAME, IDC_ADD_SEARCH_ADDRESS, IDOK, IDCANCEL},
-                        {{IDC_ADD_SEARCH_NAME, L"Three"}}});
+                        {{IDC_LBLLABELS_0, L"Name:"},
+                         {IDC_TXTNAME, L""},
+                         {IDC_LBLLABELS_1, L"Address:"},
+                         {IDC_TXTURL, L"http://"},
+                         {IDC_TXTINDEX, L"0"}},
+                        {IDC_TXTNAME, IDC_TXTURL, IDOK, IDCANCEL},
+                        {{IDC_TXTNAME, L"Three"}}});
     }
 }
 

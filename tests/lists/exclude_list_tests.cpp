@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr int kAddress = IDC_ADD_URL_ADDRESS;
+constexpr int kAddress = IDC_TXTURL;
 
 struct FilledPage : ExcludePage {
     FilledPage() { cmdApply.Enabled(false); }

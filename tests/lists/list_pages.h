@@ -91,8 +91,8 @@ struct BannerPage : ListPage, BannerControls {
     // Enters a size that must be accepted.
     void AddSize(const std::wstring& height, const std::wstring& width) {
         Play(cmdAddSize, {[=](HWND dialog) {
-                 TypeText(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, height);
-                 TypeText(dialog, IDC_ADD_BANNER_SIZE_WIDTH, width);
+                 TypeText(dialog, IDC_TXTHEIGHT, height);
+                 TypeText(dialog, IDC_TXTWIDTH, width);
                  ClickButton(dialog, IDOK);
              }});
     }

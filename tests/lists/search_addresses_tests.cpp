@@ -5,9 +5,9 @@
 
 namespace {
 
-constexpr int kName = IDC_ADD_SEARCH_NAME;
-constexpr int kAddress = IDC_ADD_SEARCH_ADDRESS;
-constexpr int kIndex = IDC_ADD_SEARCH_INDEX;
+constexpr int kName = IDC_TXTNAME;
+constexpr int kAddress = IDC_TXTURL;
+constexpr int kIndex = IDC_TXTINDEX;
 
 DialogScript::Step Enter(const std::wstring& name, const std::wstring& address) {
     return [=](HWND dialog) {

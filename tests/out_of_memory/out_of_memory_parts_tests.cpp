@@ -78,7 +78,7 @@ private:
 // Whether the dialog has closed is whether the whole row is there.
 TEST_CASE_FIXTURE(ExcludePage,
                   "memory that runs out in the OK of an address adds the row or leaves the dialog open") {
-    SweepOK(*this, cmdAddURL, {{IDC_ADD_URL_ADDRESS, kAddress}}, [&](bool isClosed) {
+    SweepOK(*this, cmdAddURL, {{IDC_TXTURL, kAddress}}, [&](bool isClosed) {
         CHECK(Rows() == (isClosed ? Texts{kAddress} : Texts{}));
         lstExclude.Clear();
     });
@@ -86,8 +86,7 @@ TEST_CASE_FIXTURE(ExcludePage,
 
 TEST_CASE_FIXTURE(BannerPage,
                   "memory that runs out in the OK of a size adds the row or leaves the dialog open") {
-    SweepOK(*this, cmdAddSize,
-            {{IDC_ADD_BANNER_SIZE_HEIGHT, L"1200000000"}, {IDC_ADD_BANNER_SIZE_WIDTH, L"3400000000"}},
+    SweepOK(*this, cmdAddSize, {{IDC_TXTHEIGHT, L"1200000000"}, {IDC_TXTWIDTH, L"3400000000"}},
             [&](bool isClosed) {
                 CHECK(lvwBanners.Count() == (isClosed ? 5 : 4));
                 if (!isClosed) return;
@@ -100,22 +99,20 @@ TEST_CASE_FIXTURE(SearchPage,
                   "memory that runs out in the OK of an engine changes the row or leaves the dialog open") {
     const std::wstring row = kName + (L'|' + std::wstring(kAddress));
     SUBCASE("a new one") {
-        SweepOK(*this, cmdAddSearch, {{IDC_ADD_SEARCH_NAME, kName}, {IDC_ADD_SEARCH_ADDRESS, kAddress}},
-                [&](bool isClosed) {
-                    CHECK(lvwSearchURLs.Count() == (isClosed ? 3 : 2));
-                    if (!isClosed) return;
-                    CHECK(Row(3) == row + L"|True");
-                    lvwSearchURLs.Remove(3);
-                });
+        SweepOK(*this, cmdAddSearch, {{IDC_TXTNAME, kName}, {IDC_TXTURL, kAddress}}, [&](bool isClosed) {
+            CHECK(lvwSearchURLs.Count() == (isClosed ? 3 : 2));
+            if (!isClosed) return;
+            CHECK(Row(3) == row + L"|True");
+            lvwSearchURLs.Remove(3);
+        });
     }
     SUBCASE("an edited one") {
         lvwSearchURLs.Select(2);
-        SweepOK(*this, cmdEditSearch, {{IDC_ADD_SEARCH_NAME, kName}, {IDC_ADD_SEARCH_ADDRESS, kAddress}},
-                [&](bool isClosed) {
-                    CHECK(Row(2) == (isClosed ? row + L"|False" : L"Two|http://two|False"));
-                    lvwSearchURLs.Text(2, L"Two");
-                    lvwSearchURLs.SubItem(2, 1, L"http://two");
-                });
+        SweepOK(*this, cmdEditSearch, {{IDC_TXTNAME, kName}, {IDC_TXTURL, kAddress}}, [&](bool isClosed) {
+            CHECK(Row(2) == (isClosed ? row + L"|False" : L"Two|http://two|False"));
+            lvwSearchURLs.Text(2, L"Two");
+            lvwSearchURLs.SubItem(2, 1, L"http://two");
+        });
     }
 }
 

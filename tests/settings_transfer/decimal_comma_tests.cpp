@@ -72,8 +72,8 @@ TEST_CASE("alone: a banner size with a decimal comma" * doctest::skip(true)) {
     BannerPage banners;
     const int before = banners.lvwBanners.Count();
     banners.Play(banners.cmdAddSize, {[](HWND dialog) {
-                                          TypeKeys(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, L"1,5");
-                                          CHECK(TextIn(dialog, IDC_ADD_BANNER_SIZE_HEIGHT) == L"1,5");
+                                          TypeKeys(dialog, IDC_TXTHEIGHT, L"1,5");
+                                          CHECK(TextIn(dialog, IDC_TXTHEIGHT) == L"1,5");
                                       },
                                       kCancel});
     banners.AddSize(L"1,5", L"2,25");

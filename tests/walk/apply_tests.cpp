@@ -89,9 +89,9 @@ void ChangeEverything(User& user, Engine& engine, const std::wstring& sound) {
     user.AddExcluded(L"http://two.example");
     user.AddExcluded(L" Three.example ");
     const HWND refused = user.Open(L"cmdAddURL", L"Add Web Site URL");
-    user.Type(refused, IDC_ADD_URL_ADDRESS, L"HTTP://ONE.example");
+    user.Type(refused, IDC_TXTURL, L"HTTP://ONE.example");
     CHECK(user.PressAndRead(refused, IDOK) == kDuplicate);
-    user.Type(refused, IDC_ADD_URL_ADDRESS, L"http://four.example");
+    user.Type(refused, IDC_TXTURL, L"http://four.example");
     user.Close(refused, IDOK);
     user.Select(L"lstExclude", 1);
     user.Press(L"cmdRemoveURL");
@@ -125,8 +125,8 @@ void ChangeEverything(User& user, Engine& engine, const std::wstring& sound) {
     user.AddSearch(L"Mine", L"http://mine.example/?q=");
     user.Select(L"lvwSearchURLs", 1);
     const HWND edit = user.Open(L"cmdEditSearch", L"Add Search Address");
-    CHECK(ShownText(GetDlgItem(edit, IDC_ADD_SEARCH_NAME)) == L"MSN");
-    user.Type(edit, IDC_ADD_SEARCH_NAME, L"Edited");
+    CHECK(ShownText(GetDlgItem(edit, IDC_TXTNAME)) == L"MSN");
+    user.Type(edit, IDC_TXTNAME, L"Edited");
     user.Close(edit, IDOK);
 }
 

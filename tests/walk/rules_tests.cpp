@@ -26,10 +26,10 @@ TEST_CASE("the exclude list: an empty address and a listed one are refused, blan
     CHECK_FALSE(user.CanPress(L"cmdRemoveURL"));
 
     HWND dialog = user.Open(L"cmdAddURL", kAddUrl);
-    CHECK(ShownText(GetDlgItem(dialog, IDC_ADD_URL_ADDRESS)) == L"http://");
-    user.Type(dialog, IDC_ADD_URL_ADDRESS, L"");
+    CHECK(ShownText(GetDlgItem(dialog, IDC_TXTURL)) == L"http://");
+    user.Type(dialog, IDC_TXTURL, L"");
     CHECK(user.PressAndRead(dialog, IDOK) == L"Please enter the web site address to exclude.");
-    CHECK(WaitUntil([&] { return FocusOf(dialog) == GetDlgItem(dialog, IDC_ADD_URL_ADDRESS); }));
+    CHECK(WaitUntil([&] { return FocusOf(dialog) == GetDlgItem(dialog, IDC_TXTURL); }));
     user.Close(dialog, IDCANCEL);
     CHECK(user.Excluded().empty());
     CHECK(user.CanPress(L"cmdApply"));
@@ -38,7 +38,7 @@ TEST_CASE("the exclude list: an empty address and a listed one are refused, blan
     dialog = user.Open(L"cmdAddURL", kAddUrl);
     CHECK(user.PressAndRead(dialog, IDOK) ==
           L"The URL you entered already exists in the list, please enter another");
-    user.Type(dialog, IDC_ADD_URL_ADDRESS, L"http:// ");
+    user.Type(dialog, IDC_TXTURL, L"http:// ");
     user.Close(dialog, IDOK);
     CHECK(user.Excluded() == Rows{L"http://", L"http:// "});
 }
@@ -77,21 +77,21 @@ TEST_CASE("the banner sizes: each refusal has its message, and the first four ro
     CHECK_FALSE(user.CanPress(L"cmdApply"));
 
     const HWND dialog = user.Open(L"cmdAddSize", kAddSize);
-    const HWND height = GetDlgItem(dialog, IDC_ADD_BANNER_SIZE_HEIGHT);
-    const HWND width = GetDlgItem(dialog, IDC_ADD_BANNER_SIZE_WIDTH);
+    const HWND height = GetDlgItem(dialog, IDC_TXTHEIGHT);
+    const HWND width = GetDlgItem(dialog, IDC_TXTWIDTH);
     CHECK(user.PressAndRead(dialog, IDOK) == L"Height must be a number.");
     CHECK(WaitUntil([&] { return FocusOf(dialog) == height; }));
-    user.Type(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, L"x");
+    user.Type(dialog, IDC_TXTHEIGHT, L"x");
     CHECK(ShownText(height).empty());
-    user.Type(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, L"0");
+    user.Type(dialog, IDC_TXTHEIGHT, L"0");
     CHECK(user.PressAndRead(dialog, IDOK) == L"Width must be a number.");
     CHECK(WaitUntil([&] { return FocusOf(dialog) == width; }));
-    user.Type(dialog, IDC_ADD_BANNER_SIZE_WIDTH, L"y");
+    user.Type(dialog, IDC_TXTWIDTH, L"y");
     CHECK(ShownText(width).empty());
-    user.Type(dialog, IDC_ADD_BANNER_SIZE_WIDTH, L"0");
+    user.Type(dialog, IDC_TXTWIDTH, L"0");
     CHECK(user.PressAndRead(dialog, IDOK) == L"Height must be a number between 1 and 999.");
     CHECK(WaitUntil([&] { return FocusOf(dialog) == height; }));
-    user.Type(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, L"-20");
+    user.Type(dialog, IDC_TXTHEIGHT, L"-20");
     user.Close(dialog, IDOK);
     user.AddBanner(L"90", L"728");
     user.Select(L"lvwBanners", 4);
@@ -113,19 +113,19 @@ TEST_CASE(
     const Rows before = user.Searches();
 
     const HWND add = user.Open(L"cmdAddSearch", kAddSearch);
-    user.Type(add, IDC_ADD_SEARCH_ADDRESS, L"");
+    user.Type(add, IDC_TXTURL, L"");
     CHECK(user.PressAndRead(add, IDOK) == L"You need an URL.");
-    CHECK(WaitUntil([&] { return FocusOf(add) == GetDlgItem(add, IDC_ADD_SEARCH_ADDRESS); }));
-    user.Type(add, IDC_ADD_SEARCH_ADDRESS, L"http://");
+    CHECK(WaitUntil([&] { return FocusOf(add) == GetDlgItem(add, IDC_TXTURL); }));
+    user.Type(add, IDC_TXTURL, L"http://");
     CHECK(user.PressAndRead(add, IDOK) == L"You need a Name.");
-    CHECK(WaitUntil([&] { return FocusOf(add) == GetDlgItem(add, IDC_ADD_SEARCH_NAME); }));
+    CHECK(WaitUntil([&] { return FocusOf(add) == GetDlgItem(add, IDC_TXTNAME); }));
     user.Close(add, IDCANCEL);
     CHECK(user.Searches() == before);
     user.Press(L"cmdApply");
 
     user.Select(L"lvwSearchURLs", 2);
     const HWND edit = user.Open(L"cmdEditSearch", kAddSearch);
-    user.Type(edit, IDC_ADD_SEARCH_NAME, L"not kept");
+    user.Type(edit, IDC_TXTNAME, L"not kept");
     user.Close(edit, IDCANCEL);
     CHECK(user.Searches() == before);
     CHECK(user.CanPress(L"cmdApply"));

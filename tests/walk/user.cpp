@@ -214,21 +214,21 @@ void User::Spin(const wchar_t* name, bool up) {
 
 void User::AddExcluded(const std::wstring& address) {
     const HWND dialog = Open(L"cmdAddURL", L"Add Web Site URL");
-    Type(dialog, IDC_ADD_URL_ADDRESS, address);
+    Type(dialog, IDC_TXTURL, address);
     Close(dialog, IDOK);
 }
 
 void User::AddBanner(const std::wstring& height, const std::wstring& width) {
     const HWND dialog = Open(L"cmdAddSize", L"New Banner Height and Width");
-    Type(dialog, IDC_ADD_BANNER_SIZE_HEIGHT, height);
-    Type(dialog, IDC_ADD_BANNER_SIZE_WIDTH, width);
+    Type(dialog, IDC_TXTHEIGHT, height);
+    Type(dialog, IDC_TXTWIDTH, width);
     Close(dialog, IDOK);
 }
 
 void User::AddSearch(const std::wstring& name, const std::wstring& address) {
     const HWND dialog = Open(L"cmdAddSearch", L"Add Search Address");
-    Type(dialog, IDC_ADD_SEARCH_NAME, name);
-    Type(dialog, IDC_ADD_SEARCH_ADDRESS, address);
+    Type(dialog, IDC_TXTNAME, name);
+    Type(dialog, IDC_TXTURL, address);
     Close(dialog, IDOK);
 }
 

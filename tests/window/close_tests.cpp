@@ -158,7 +158,7 @@ TEST_CASE("the window goes with its open dialog, and the next one is whole") {
     CHECK(IsWindowEnabled(manager.Window()));
     const HWND another = OpenDialog(manager, L"cmdAddURL", kAddUrlTitle);
     REQUIRE(another != nullptr);
-    SendDlgItemMessageW(another, IDC_ADD_URL_ADDRESS, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"http://new"));
+    SendDlgItemMessageW(another, IDC_TXTURL, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(L"http://new"));
     SendDlgItemMessageW(another, IDOK, BM_CLICK, 0, 0);
     CHECK(WaitUntil([&] { return !IsWindow(another); }));
     CHECK(ListBoxRows(manager.Control(L"lstExclude")) == Rows{L"http://new"});
