@@ -102,7 +102,7 @@ bool frmConfig::IsChanging() const noexcept {
 }
 
 void frmConfig::ShowIfAsked() {
-    if (const Event show = std::exchange(m_showLater, nullptr)) show();
+    Raise(std::exchange(m_showLater, nullptr));
 }
 
 void frmConfig::ShowModeless() {

@@ -54,7 +54,7 @@ void ClosedLog::ReadClosedLog() {
                 arePlain = arePlain && IsPlain(line);
                 return AddEntry(line, arePlain);
             },
-            kMaxEntries);
+            kMaxEntries, kLogBlockSize);
     } catch (const std::bad_alloc&) {
         throw AutomationError(E_OUTOFMEMORY);
     }

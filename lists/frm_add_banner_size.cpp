@@ -33,7 +33,7 @@ bool frmAddBannerSize::OnInit() {
 // The bounds that the messages name are not enforced: of the heights 0 alone is refused, of the widths none.
 void frmAddBannerSize::cmdOK_Click() {
     const auto refuse = [this](const wchar_t* message, TextBox& box) {
-        ShowMessage(Hwnd(), message);
+        ShowMessage(Hwnd(), message, 0);
         box.SetFocus();
     };
     const std::wstring height = m_txtHeight.Text();

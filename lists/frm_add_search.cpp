@@ -19,12 +19,12 @@ bool frmAddSearch::OnInit() {
 
 void frmAddSearch::cmdOK_Click() {
     if (m_txtURL.Text().empty()) {
-        ShowMessage(Hwnd(), L"You need an URL.");
+        ShowMessage(Hwnd(), L"You need an URL.", 0);
         m_txtURL.SetFocus();
         return;
     }
     if (m_txtName.Text().empty()) {
-        ShowMessage(Hwnd(), L"You need a Name.");
+        ShowMessage(Hwnd(), L"You need a Name.", 0);
         m_txtName.SetFocus();
         return;
     }

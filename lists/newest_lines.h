@@ -23,4 +23,4 @@ using KeepLine = std::function<bool(std::string_view line)>;
 // empty. Lines may have any length and hold any byte but LF; memory is held for the kept lines and the
 // longest one only. blockSize: bytes asked of read at a time, at least 1.
 void ReadNewestLines(std::uint64_t size, const ReadBytes& read, const KeepLine& keep, std::size_t limit,
-                     std::size_t blockSize = kLogBlockSize);
+                     std::size_t blockSize);

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "platform/automation_error.h"
-
 Commands::Commands(CommandControls& controls, SettingsTransfer& transfer,
                    std::function<void(Event done)> reloadSettings, Event hide)
     : m_cmdApply(controls.cmdApply),

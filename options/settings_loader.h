@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "options/list_layouts.h"
+#include "lists/list_layout.h"
 #include "platform/controls/check_box.h"
 #include "platform/controls/control.h"
 #include "platform/controls/list_box.h"

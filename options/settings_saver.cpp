@@ -3,6 +3,7 @@
 #include <limits>
 #include <string>
 
+#include "options/list_layouts.h"
 #include "options/speed_levels.h"
 #include "platform/automation_error.h"
 #include "store/settings_schema.h"

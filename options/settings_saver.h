@@ -1,7 +1,7 @@
 // One pass of writing settings from controls into the store.
 #pragma once
 
-#include "options/list_layouts.h"
+#include "lists/list_layout.h"
 #include "platform/controls/check_box.h"
 #include "platform/controls/control.h"
 #include "platform/controls/list_box.h"

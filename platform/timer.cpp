@@ -42,7 +42,6 @@ void CALLBACK Timer::Procedure(HWND, UINT, UINT_PTR id, DWORD) {
             timer = timer->m_next;
         if (timer == nullptr) return;
         // The copy outlives a listener that destroys the timer.
-        const auto tick = timer->Tick;
-        if (tick) tick();
+        Raise(Event(timer->Tick));
     });
 }

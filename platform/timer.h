@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include <functional>
+#include "platform/callback.h"
 
 class Timer {
 public:
@@ -13,7 +13,7 @@ public:
     ~Timer() { Stop(); }
 
     // Raised once per period. The listener may stop, restart or destroy the timer.
-    std::function<void()> Tick;
+    Event Tick;
 
     // In milliseconds; takes effect with the next Start.
     void Interval(UINT milliseconds) noexcept { m_interval = milliseconds; }

@@ -9,7 +9,6 @@ constexpr UINT kDefaultInterval = 1000;
 CalvaneTime::CalvaneTime() : m_timer(kDefaultInterval) {
     m_timer.Tick = [this] {
         // The copy outlives a listener that destroys the timer.
-        const auto fired = TimerFired;
-        if (fired) fired(PtrToLong(this));
+        Raise(std::function(TimerFired), PtrToLong(this));
     };
 }

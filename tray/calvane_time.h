@@ -3,8 +3,6 @@
 
 #include <windows.h>
 
-#include <functional>
-
 #include "platform/timer.h"
 
 class CalvaneTime {

@@ -120,7 +120,7 @@ void EngineControl::Release() noexcept {
 void EngineControl::Disconnect(HWND configHwnd, LONG formReferenceAddress) {
     Release();
     m_configHwnd = nullptr;
-    // An engine that could not be reached before is not started for a farewell.
+    // An engine that could not be reached before is not started to be left.
     m_leave.Disconnect(std::move(m_application), HandleToLong(configHwnd), formReferenceAddress);
 }
 
@@ -172,12 +172,8 @@ ComPtr<_Popup> EngineControl::Engine() const {
 }
 
 void EngineControl::m_oPopup_Killed(LONG, const std::wstring&) {
-    ResumeNext([&] {
-        if (m_animate) m_animate();
-    });
-    ResumeNext([&] {
-        if (m_announce) m_announce();
-    });
+    ResumeNext([&] { Raise(m_animate); });
+    ResumeNext([&] { Raise(m_announce); });
 }
 
 void EngineControl::m_oPopup_Paused() {

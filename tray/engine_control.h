@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/callback.h"
 #include "platform/com/com_ptr.h"
-#include "platform/controls/control.h"
 #include "platform/com/event_connection.h"
 #include "platform/generation.h"
 #include "platform/timer.h"

@@ -81,8 +81,6 @@ void TrayMenu::PopUp(HWND owner, bool pauseIsDefault) {
 
 void TrayMenu::RaiseClick(UINT item) const {
     for (const Item& row : kItems) {
-        if (row.item != item || row.click == nullptr) continue;
-        const Event& click = this->*row.click;
-        if (click) click();
+        if (row.item == item && row.click != nullptr) Raise(this->*row.click);
     }
 }

@@ -3,7 +3,7 @@
 
 #include <windows.h>
 
-#include "platform/controls/control.h"
+#include "platform/callback.h"
 #include "platform/handle.h"
 
 // Its items, by their command numbers.

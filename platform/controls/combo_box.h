@@ -1,7 +1,5 @@
 #pragma once
 
-#include <initializer_list>
-
 #include "platform/controls/control.h"
 
 // A drop-down list: only its items can be chosen.

@@ -5,13 +5,11 @@
 #include <windows.h>
 #include <commctrl.h>
 
-#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
 
-// The listener of an event. One listener an event; an event nobody listens to is not raised.
-using Event = std::function<void()>;
+#include "platform/callback.h"
 
 // The title of a window or the text of a control; empty where there is none.
 std::wstring TextOf(HWND window);
@@ -67,10 +65,6 @@ protected:
     }
     std::wstring WindowText() const { return TextOf(m_hwnd); }
     void WindowText(const std::wstring& text) noexcept { SetWindowTextW(m_hwnd, text.c_str()); }
-
-    static void Raise(const Event& event) {
-        if (event) event();
-    }
 
 private:
     const ControlKind m_kind;

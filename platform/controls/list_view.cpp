@@ -6,18 +6,23 @@ namespace {
 
 constexpr size_t kFirstTextLength = 256;
 
+// The pictures of the boxes, as states of a row.
+constexpr UINT kUnchecked = INDEXTOSTATEIMAGEMASK(1);
+constexpr UINT kChecked = INDEXTOSTATEIMAGEMASK(2);
+
 }  // namespace
 
 void ListView::OnAttached() {
-    ListView_SetExtendedListViewStyle(
-        Hwnd(), LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP | LVS_EX_DOUBLEBUFFER);
+    Send(LVM_SETEXTENDEDLISTVIEWSTYLE, 0,
+         LVS_EX_CHECKBOXES | LVS_EX_FULLROWSELECT | LVS_EX_LABELTIP | LVS_EX_DOUBLEBUFFER);
 }
 
 void ListView::AddColumn(const wchar_t* heading) {
     LVCOLUMNW column{};
     column.mask = LVCF_TEXT | LVCF_SUBITEM;
     column.pszText = const_cast<wchar_t*>(heading);
-    column.iSubItem = Header_GetItemCount(ListView_GetHeader(Hwnd()));
+    const auto header = reinterpret_cast<HWND>(Send(LVM_GETHEADER));
+    column.iSubItem = static_cast<int>(SendMessageW(header, HDM_GETITEMCOUNT, 0, 0));
     Send(LVM_INSERTCOLUMNW, static_cast<WPARAM>(column.iSubItem), reinterpret_cast<LPARAM>(&column));
 }
 
@@ -42,7 +47,7 @@ int ListView::Add(int position, const std::wstring& text) {
 
 void ListView::Remove(int position) {
     CheckPosition(position);
-    ListView_DeleteItem(Hwnd(), position - 1);
+    Send(LVM_DELETEITEM, static_cast<WPARAM>(position - 1));
 }
 
 std::wstring ListView::SubItem(int position, int subItem) const {
@@ -74,20 +79,20 @@ void ListView::SubItem(int position, int subItem, const std::wstring& text) {
 
 bool ListView::Checked(int position) const {
     CheckPosition(position);
-    return ListView_GetCheckState(Hwnd(), position - 1) == 1;
+    return Send(LVM_GETITEMSTATE, static_cast<WPARAM>(position - 1), LVIS_STATEIMAGEMASK) == kChecked;
 }
 
 void ListView::Checked(int position, bool checked) {
     CheckPosition(position);
     m_settingCheck = true;
-    ListView_SetCheckState(Hwnd(), position - 1, checked);
+    SetState(position, checked ? kChecked : kUnchecked, LVIS_STATEIMAGEMASK);
     m_settingCheck = false;
 }
 
 void ListView::Select(int position) {
     CheckPosition(position);
-    ListView_SetItemState(Hwnd(), position - 1, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-    ListView_EnsureVisible(Hwnd(), position - 1, FALSE);
+    SetState(position, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(position - 1), FALSE);
 }
 
 LRESULT ListView::OnNotify(const NMHDR& header) {
@@ -98,6 +103,13 @@ LRESULT ListView::OnNotify(const NMHDR& header) {
     const bool isNewRow = (change.uOldState & LVIS_STATEIMAGEMASK) == 0;
     if ((change.uChanged & LVIF_STATE) != 0 && changed != 0 && !isNewRow) Raise(ItemCheck);
     return 0;
+}
+
+void ListView::SetState(int position, UINT state, UINT mask) {
+    LVITEMW item{};
+    item.state = state;
+    item.stateMask = mask;
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(position - 1), reinterpret_cast<LPARAM>(&item));
 }
 
 void ListView::CheckPosition(int position) const {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <initializer_list>
-
 #include "platform/controls/control.h"
 
 // A list view in report view with a check box on each row. Rows and columns are addressed by position, from
@@ -17,15 +15,17 @@ public:
     // rowImage: the index of the picture that new rows get.
     void SmallIcons(HIMAGELIST images, int rowImage) {
         m_rowImage = rowImage;
-        ListView_SetImageList(Hwnd(), images, LVSIL_SMALL);
+        Send(LVM_SETIMAGELIST, LVSIL_SMALL, reinterpret_cast<LPARAM>(images));
     }
 
     // Of the whole control, in pixels.
     int Width() const noexcept;
-    void ColumnWidth(int column, int pixels) { ListView_SetColumnWidth(Hwnd(), column - 1, pixels); }
+    void ColumnWidth(int column, int pixels) {
+        Send(LVM_SETCOLUMNWIDTH, static_cast<WPARAM>(column - 1), pixels);
+    }
 
-    int Count() const noexcept { return ListView_GetItemCount(Hwnd()); }
-    void Clear() { ListView_DeleteAllItems(Hwnd()); }
+    int Count() const noexcept { return static_cast<int>(Send(LVM_GETITEMCOUNT)); }
+    void Clear() { Send(LVM_DELETEALLITEMS); }
 
     // Inserts a row with an unchecked box and returns its position. Throws AutomationError (5) when the row
     // cannot be added.
@@ -41,7 +41,9 @@ public:
     void Checked(int position, bool checked);
 
     // The position of the selected row; 0 when none is.
-    int Selected() const noexcept { return ListView_GetNextItem(Hwnd(), -1, LVNI_SELECTED) + 1; }
+    int Selected() const noexcept {
+        return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)) + 1;
+    }
     void Select(int position);
 
     LRESULT OnNotify(const NMHDR& header) override;
@@ -51,6 +53,7 @@ protected:
 
 private:
     void CheckPosition(int position) const;
+    void SetState(int position, UINT state, UINT mask);
 
     int m_rowImage = I_IMAGENONE;
     bool m_settingCheck = false;

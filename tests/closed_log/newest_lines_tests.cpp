@@ -110,7 +110,7 @@ TEST_CASE("reading stops as soon as the list is full") {
     TextLog log(bytes);
     int offered = 0;
     ReadNewestLines(
-        bytes.size(), log.Reader(), [&](std::string_view) { return ++offered > 0; }, kLimit);
+        bytes.size(), log.Reader(), [&](std::string_view) { return ++offered > 0; }, kLimit, kLogBlockSize);
     CHECK(offered == 25);
     CHECK(log.bytesRead == kLogBlockSize);
 }
@@ -123,7 +123,7 @@ TEST_CASE("a log of one repeated line is read once, in blocks, and offered once"
     TextLog log(bytes);
     int offered = 0;
     ReadNewestLines(
-        bytes.size(), log.Reader(), [&](std::string_view) { return ++offered > 0; }, kLimit);
+        bytes.size(), log.Reader(), [&](std::string_view) { return ++offered > 0; }, kLimit, kLogBlockSize);
     CHECK(offered == 1);
     CHECK(log.bytesRead == bytes.size());
     CHECK(log.largestRead == kLogBlockSize);
@@ -137,7 +137,7 @@ TEST_CASE("a line of many megabytes is read whole, in blocks, each byte once") {
         rows.emplace_back(kept);
         return true;
     };
-    ReadNewestLines(log.bytes.size(), log.Reader(), keep, kLimit);
+    ReadNewestLines(log.bytes.size(), log.Reader(), keep, kLimit, kLogBlockSize);
     REQUIRE(rows.size() == 3);
     CHECK(rows[0] == "last");
     CHECK((rows[1] == line));
@@ -173,5 +173,5 @@ TEST_CASE("a failure to read ends the reading after the lines that were complete
 TEST_CASE("what the keeper throws ends the reading") {
     TextLog log("A\nB\n");
     const auto keep = [](std::string_view) -> bool { throw std::runtime_error("full"); };
-    CHECK_THROWS_AS(ReadNewestLines(4, log.Reader(), keep, kLimit), std::runtime_error);
+    CHECK_THROWS_AS(ReadNewestLines(4, log.Reader(), keep, kLimit, kLogBlockSize), std::runtime_error);
 }

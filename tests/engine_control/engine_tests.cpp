@@ -66,7 +66,7 @@ TEST_CASE_FIXTURE(EngineFixture,
         CHECK(engine.Popup() == nullptr);
         CHECK(Enabled() == kDesigned);
         CHECK(server.script.calls == Calls{"CreateInstance"});
-        // Nobody starts it for a farewell either.
+        // Nobody starts it to leave it either.
         engine.Disconnect(window.Hwnd(), 0x1234);
         CHECK(server.script.calls == Calls{"CreateInstance"});
     }
@@ -126,7 +126,7 @@ TEST_CASE_FIXTURE(EngineFixture, "disconnecting lets go of the engine before it 
     CHECK(server.script.configForm == 0x5678);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "an engine that fails at the farewell is gone all the same") {
+TEST_CASE_FIXTURE(EngineFixture, "an engine that fails when it is left is gone all the same") {
     for (const HRESULT failure : kFailures) {
         CAPTURE(failure);
         server.script.results["ReleasePopup"] = failure;

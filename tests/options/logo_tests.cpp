@@ -2,9 +2,6 @@
 #include <windows.h>
 #include <olectl.h>
 
-#include <string>
-#include <vector>
-
 #include "app/resource.h"
 #include "platform/automation_error.h"
 #include "tests/options/about_page.h"

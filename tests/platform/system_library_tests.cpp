@@ -4,7 +4,6 @@
 #include <doctest.h>
 
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/text.h"

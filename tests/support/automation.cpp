@@ -1,6 +1,7 @@
 #include "tests/support/automation.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include "platform/automation_error.h"
 

@@ -6,7 +6,6 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "tests/support/manager.h"
 #include "tests/window/other_process.h"

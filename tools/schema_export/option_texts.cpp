@@ -1,6 +1,5 @@
 #include "tools/schema_export/option_texts.h"
 
-#include <cstddef>
 #include <iterator>
 #include <set>
 #include <stdexcept>

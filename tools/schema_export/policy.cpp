@@ -1,7 +1,6 @@
 #include "tools/schema_export/policy.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include "platform/text.h"
 #include "store/settings_schema.h"
