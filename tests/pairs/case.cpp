@@ -2,12 +2,13 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
 #include "app/resource.h"
 #include "lists/resource.h"
 #include "options/resource.h"
 #include "platform/handle.h"
 #include "store/first_run.h"
-#include "store/settings_schema.h"
 #include "tests/support/plain_log.h"
 #include "tray/picture_array.h"
 
@@ -15,30 +16,22 @@ namespace {
 
 constexpr int kLogLines = 40;
 
+BOOL CALLBACK Take(HWND hwnd, LPARAM windows) {
+    reinterpret_cast<std::vector<HWND>*>(windows)->push_back(hwnd);
+    return TRUE;
+}
+
 BOOL CALLBACK Collect(HWND hwnd, LPARAM windows) {
     wchar_t name[16] = L"";
     GetClassNameW(hwnd, name, 16);
-    if (GetWindow(hwnd, GW_OWNER) == nullptr && lstrcmpW(name, L"#32770") == 0)
-        reinterpret_cast<std::vector<HWND>*>(windows)->push_back(hwnd);
-    return TRUE;
+    const bool isConfig = lstrcmpW(name, L"#32770") == 0 && GetWindow(hwnd, GW_OWNER) == nullptr;
+    return isConfig ? Take(hwnd, windows) : TRUE;
 }
 
 std::vector<HWND> ConfigWindows() {
     std::vector<HWND> windows;
     EnumThreadWindows(GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(&windows));
     return windows;
-}
-
-struct Search {
-    int id;
-    HWND found;
-};
-
-BOOL CALLBACK HasId(HWND hwnd, LPARAM search) {
-    auto& wanted = *reinterpret_cast<Search*>(search);
-    if (GetDlgCtrlID(hwnd) != wanted.id) return TRUE;
-    wanted.found = hwnd;
-    return FALSE;
 }
 
 const std::wstring& LogPath() {
@@ -67,7 +60,14 @@ ULONG ReferencesOf(IUnknown* object) {
 }  // namespace
 
 Case::Case() : locks(Locks()) {
-    FillStore();
+    WriteFirstRunDefaults();
+    for (const char* const row : {"0", "1", "2"})
+        registry.contents["HKCU\\Software\\Calvane\\Exclude"][row].bytes = std::string("excluded") + row;
+    StoredKey& banners = registry.contents["HKCU\\Software\\Calvane\\Banners"];
+    for (const char* const field : {"5Name", "5Width", "5Height"})
+        banners[field].bytes = "55";
+    banners["5Use"].bytes = "True";
+    m_filled = registry.contents;
     const std::string text = LogText();
     {
         const FileHandle file(
@@ -82,16 +82,6 @@ Case::Case() : locks(Locks()) {
 
 Case::~Case() {
     DeleteFileW(LogPath().c_str());
-}
-
-void Case::FillStore() const {
-    user.DeleteTree(L"Software\\Calvane");
-    WriteFirstRunDefaults();
-    for (int i = 0; i < 3; ++i)
-        user.Write(Schema::kExcludeKey, std::to_wstring(i), L"excluded" + std::to_wstring(i) + L".example");
-    for (const wchar_t* const field : {L"5Name", L"5Width", L"5Height"})
-        user.Write(Schema::kBannersKey, field, L"55");
-    user.Write(Schema::kBannersKey, L"5Use", L"True");
 }
 
 void Case::HaveWindow() {
@@ -151,9 +141,15 @@ size_t Case::Windows() const {
 }
 
 HWND Case::Child(int id) const {
-    Search search{id, nullptr};
-    if (const HWND window = Window()) EnumChildWindows(window, HasId, reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    const HWND window = Window();
+    if (window != m_parent) {
+        m_parent = window;
+        m_children.clear();
+        if (window != nullptr) EnumChildWindows(window, Take, reinterpret_cast<LPARAM>(&m_children));
+    }
+    const auto found = std::find_if(m_children.begin(), m_children.end(),
+                                    [&](HWND child) { return GetDlgCtrlID(child) == id; });
+    return found == m_children.end() ? nullptr : *found;
 }
 
 ComPtr<_ShellNotification> Case::Icon() const {
@@ -190,14 +186,15 @@ bool Case::SelectItem(int listView, int row) const {
     return true;
 }
 
-// The icon knows the window only once it has been loaded.
-bool Case::Gesture(LPARAM gesture) const {
+bool Case::TakesGestures() const {
     const HWND window = Window();
-    if (window == nullptr || HandleToLong(window) != g_lngConfigHwnd ||
-        GetPropA(window, "OldWndProc") == nullptr) {
-        return false;
-    }
-    SendMessageW(window, kTrayCallback, 1, gesture);
+    return window != nullptr && HandleToLong(window) == g_lngConfigHwnd &&
+           GetPropA(window, "OldWndProc") != nullptr;
+}
+
+bool Case::Gesture(LPARAM gesture) const {
+    if (!TakesGestures()) return false;
+    SendMessageW(Window(), kTrayCallback, 1, gesture);
     return true;
 }
 
@@ -265,17 +262,10 @@ int Case::ItemCount(int listView) const {
     return static_cast<int>(SendMessageW(Child(listView), LVM_GETITEMCOUNT, 0, 0));
 }
 
-size_t Case::StoredRows(const wchar_t* key, const wchar_t* first, const wchar_t* field) const {
+size_t Case::StoredRows(const std::string& key, size_t first, const std::string& field) const {
+    const auto stored = registry.contents.find("HKCU\\Software\\Calvane\\" + key);
     size_t rows = 0;
-    for (size_t number = first[0] == L'0' ? 0 : 1; user.Exists(key, std::to_wstring(number) + field);
-         ++number)
+    while (stored != registry.contents.end() && stored->second.contains(std::to_string(first + rows) + field))
         ++rows;
     return rows;
-}
-
-std::vector<std::wstring> Case::StoredAddresses() const {
-    std::vector<std::wstring> addresses;
-    for (size_t number = 0; user.Exists(Schema::kExcludeKey, std::to_wstring(number)); ++number)
-        addresses.push_back(user.Text(Schema::kExcludeKey, std::to_wstring(number)));
-    return addresses;
 }

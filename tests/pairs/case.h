@@ -8,6 +8,7 @@
 
 #include "tests/entry/inside.h"
 #include "tests/pairs/outside.h"
+#include "tests/support/registry_calls.h"
 #include "tray/tray_menu.h"
 
 inline constexpr DISPID kKilled = 1;
@@ -39,7 +40,7 @@ public:
     void LetGo();
 
     // As the store and the window were at first.
-    void FillStore() const;
+    void FillStore() { registry.contents = m_filled; }
     void Restore(bool reloads, bool hasCommands);
 
     // References of the test's own, as a client holds them.
@@ -50,6 +51,7 @@ public:
     bool Press(int id) const;  // a button
     bool Select(int list, int row) const;
     bool SelectItem(int listView, int row) const;
+    bool TakesGestures() const;          // the icon knows the window only once it has been loaded
     bool Gesture(LPARAM gesture) const;  // over the icon
     bool Choose(UINT item);              // in the tray menu; one that is open keeps others from opening
     void EnableApply() const;
@@ -63,10 +65,10 @@ public:
     std::vector<std::wstring> Rows(int list) const;
     int ItemCount(int listView) const;
 
-    // What the store holds, in rows.
-    size_t StoredRows(const wchar_t* key, const wchar_t* first, const wchar_t* field) const;
-    std::vector<std::wstring> StoredAddresses() const;
+    // The rows that a key of the store holds, whose numbers begin with first.
+    size_t StoredRows(const std::string& key, size_t first, const std::string& field) const;
 
+    RegistryCalls registry{RegistryCalls::Of::Memory};
     Outside outside;
 
     // The process's locks when nobody but the test's ConfigControl needs it.
@@ -85,7 +87,11 @@ public:
     std::vector<std::wstring> newestLines;
 
 private:
-    TestHive m_machine{HKEY_LOCAL_MACHINE};
+    RegistryContents m_filled;
+
+    // All windows within m_parent, which do not change once it calls out.
+    mutable std::vector<HWND> m_children;
+    mutable HWND m_parent = nullptr;
 };
 
 void PumpPosted();

@@ -8,7 +8,8 @@
 // What came of it.
 enum class Came {
     In,
-    NotPossible,  // nothing is there yet, or any more, that it could come through
+    InVain,       // and found that it could do nothing
+    NotPossible,  // nothing is there yet, or any more, that it could come through; nothing was done
 };
 
 struct IncomingWork {
@@ -20,9 +21,13 @@ struct IncomingWork {
     bool showsWindow = false;     // the window is made, if need be, and shown
     bool takesIcon = false;       // the icon may be removed, or another may be shown
     bool leavesCommands = false;  // to the engine
+    bool typesText = false;       // into a text box
     int editsExclude = 0;         // rows more or less than the store has
     int editsBanners = 0;
     int editsSearch = 0;
 };
 
-std::span<const IncomingWork> IncomingWorks();
+std::span<const IncomingWork> IncomingCalls();
+std::span<const IncomingWork> IncomingInputs();
+std::span<const IncomingWork> IncomingEvents();
+std::vector<IncomingWork> IncomingWorks();  // all of them

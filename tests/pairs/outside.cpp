@@ -121,6 +121,13 @@ BOOL WINAPI Outside::ShowMenu(HMENU, UINT, int, int, HWND, LPTPMPARAMS) {
     return static_cast<BOOL>(item);
 }
 
+// Nobody looks at the pictures, and to make one takes longer than anything else of a window does. Windows'
+// own stays when it is destroyed.
+HANDLE WINAPI Outside::LoadPicture(HINSTANCE, LPCWSTR, UINT, int, int, UINT) {
+    static const HICON picture = LoadIconW(nullptr, IDI_APPLICATION);
+    return picture;
+}
+
 HINSTANCE WINAPI Outside::Execute(HWND, LPCSTR, LPCSTR, LPCSTR, LPCSTR, INT) {
     return reinterpret_cast<HINSTANCE>(33);
 }

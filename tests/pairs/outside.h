@@ -62,6 +62,7 @@ private:
     static BOOL WINAPI ShowOpen(OPENFILENAMEW* dialog);
     static BOOL WINAPI ShowMenu(HMENU menu, UINT flags, int x, int y, HWND owner, LPTPMPARAMS area);
     static LRESULT CALLBACK HelperProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
+    static HANDLE WINAPI LoadPicture(HINSTANCE, LPCWSTR, UINT, int, int, UINT);
     static HINSTANCE WINAPI Execute(HWND, LPCSTR, LPCSTR, LPCSTR, LPCSTR, INT);
     static BOOL WINAPI Beep(UINT) { return TRUE; }
     static BOOL WINAPI Play(LPCSTR, UINT) { return TRUE; }
@@ -78,6 +79,7 @@ private:
     const ImportPatch m_box{"user32.dll", "MessageBoxW", &ShowBox};
     const ImportPatch m_open{"comdlg32.dll", "GetOpenFileNameW", &ShowOpen};
     const ImportPatch m_menu{"user32.dll", "TrackPopupMenuEx", &ShowMenu};
+    const ImportPatch m_load{"user32.dll", "LoadImageW", &LoadPicture};
     const ImportPatch m_execute{"shell32.dll", "ShellExecuteA", &Execute};
     const ImportPatch m_beep{"user32.dll", "MessageBeep", &Beep};
     const SoundPatch m_play{&Play};

@@ -1,0 +1,11 @@
+#include <doctest.h>
+
+#include "tests/pairs/table.h"
+
+TEST_CASE("whatever comes in while the engine is called breaks nothing") {
+    RunRows([](const OutgoingCall& row) { return row.isEngine && !row.isStart && !row.isUnload; });
+}
+
+TEST_CASE("whatever comes in while the shell, a picture or the user is waited for breaks nothing") {
+    RunRows([](const OutgoingCall& row) { return !row.isEngine && !row.isStart && !row.isUnload; });
+}

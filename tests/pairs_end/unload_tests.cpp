@@ -1,0 +1,7 @@
+#include <doctest.h>
+
+#include "tests/pairs/table.h"
+
+TEST_CASE("whatever comes in while the window goes breaks nothing") {
+    RunRows([](const OutgoingCall& row) { return row.isUnload; });
+}
