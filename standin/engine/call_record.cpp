@@ -1,5 +1,7 @@
 #include "standin/engine/call_record.h"
 
+#include <objbase.h>
+
 #include "platform/automation_error.h"
 
 namespace {
@@ -31,7 +33,10 @@ void CallRecord::Receive(std::wstring_view member, const std::wstring& arguments
     m_orders.erase(found);
     if (orders.letGo) {
         SetEvent(orders.arrived.Get());
-        WaitForSingleObject(orders.letGo.Get(), kLongestHold);
+        // Serves other calls meanwhile, as an engine does that calls others itself.
+        HANDLE letGo = orders.letGo.Get();
+        DWORD index = 0;
+        CoWaitForMultipleHandles(0, kLongestHold, 1, &letGo, &index);
     }
     if (orders.death) Die();
     ThrowIfFailed(orders.result);

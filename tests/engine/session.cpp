@@ -48,6 +48,10 @@ void Session::Apply() {
 
 HWND Session::OpenDialog(const wchar_t* button) {
     PostMessageW(manager.Control(button), BM_CLICK, 0, 0);
+    return WaitForDialog();
+}
+
+HWND Session::WaitForDialog() {
     HWND dialog = nullptr;
     WaitUntil([&] {
         while ((dialog = FindWindowExW(nullptr, dialog, L"#32770", nullptr)) != nullptr) {

@@ -30,6 +30,7 @@ struct Session {
 
     // Presses a button that opens a dialog, and returns that; null when none comes.
     HWND OpenDialog(const wchar_t* button);
+    HWND WaitForDialog();
     bool CancelDialog(HWND dialog);
 
     StandIn engine;

@@ -1,5 +1,5 @@
 // From ReleaseConfig on, every member of every object but those of IUnknown is refused. The objects' own
-// members are asked in the suite "pairs"; these are the others.
+// members are asked in the suite "pairs_end"; these are the others.
 #include <doctest.h>
 
 #include <functional>

@@ -91,26 +91,12 @@ struct Client {
         icon = manager.Icon();
         ComPtr<IDispatch> object;
         if (SUCCEEDED(form->get_picTray(0, &object))) object->QueryInterface(IID_PPV_ARGS(&picture));
-        for (IUnknown* const source :
-             {static_cast<IUnknown*>(config.Get()), static_cast<IUnknown*>(icon.Get())}) {
-            if (source == nullptr) continue;
-            ComPtr<IConnectionPointContainer> container;
-            ComPtr<IConnectionPoint> point;
-            source->QueryInterface(IID_PPV_ARGS(&container));
-            const bool isConfig = source == config.Get();
-            container->FindConnectionPoint(isConfig ? __uuidof(__Config) : __uuidof(__ShellNotification),
-                                           &point);
-            containers.push_back(container);
-            points.push_back(point);
-        }
     }
 
     ComPtr<_Config> config;
     ComPtr<_frmConfig> form;
     ComPtr<_ShellNotification> icon;
     ComPtr<_PictureBox> picture;
-    std::vector<ComPtr<IConnectionPointContainer>> containers;
-    std::vector<ComPtr<IConnectionPoint>> points;
 };
 
 #define REFUSED(call) CHECK((call) == CO_E_SERVER_STOPPING)
@@ -186,30 +172,12 @@ void CheckPictureRefused(_PictureBox& box) {
     REFUSED(box.get_Picture(&picture));
 }
 
-void CheckEventsRefused(IConnectionPointContainer& container, IConnectionPoint& point) {
-    ComPtr<IEnumConnectionPoints> points;
-    ComPtr<IConnectionPoint> other;
-    ComPtr<IConnectionPointContainer> owner;
-    ComPtr<IEnumConnections> connections;
-    IID id;
-    DWORD cookie = 0;
-    REFUSED(container.EnumConnectionPoints(&points));
-    REFUSED(container.FindConnectionPoint(__uuidof(__Config), &other));
-    REFUSED(point.GetConnectionInterface(&id));
-    REFUSED(point.GetConnectionPointContainer(&owner));
-    REFUSED(point.Advise(&container, &cookie));
-    REFUSED(point.Unadvise(1));
-    REFUSED(point.EnumConnections(&connections));
-}
-
 void CheckAllRefused(const Client& client) {
     CheckControlRefused();
     if (client.config != nullptr) CheckConfigRefused(*client.config.Get());
     if (client.form != nullptr) CheckFormRefused(*client.form.Get());
     if (client.icon != nullptr) CheckIconRefused(*client.icon.Get(), client.picture.Get());
     if (client.picture != nullptr) CheckPictureRefused(*client.picture.Get());
-    for (size_t i = 0; i < client.points.size(); ++i)
-        CheckEventsRefused(*client.containers[i].Get(), *client.points[i].Get());
 }
 
 int ends = 0;

@@ -62,6 +62,28 @@ TEST_CASE("the next call of a member arrives and goes on when it is let go, the 
     CHECK(popup->Start() == S_OK);
 }
 
+TEST_CASE("the engine serves other calls while it holds one") {
+    const EngineProcess engine;
+    const ComPtr<_Popup> popup = CreatePopup();
+    REQUIRE(engine.control->HoldNext(Text(L"Stop")) == S_OK);
+    const HeldCall held(L"Stop");
+    bool isServed = false;
+    std::thread other([&] {
+        CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        while (!held.HasArrived())
+            Sleep(1);
+        const ComPtr<_Control> control = Create<_Control>(CLSID_Control);
+        long popups = 0;
+        const DWORD start = GetTickCount();
+        isServed = control->get_Popups(&popups) == S_OK && GetTickCount() - start < kPatience;
+        held.LetGo();
+        CoUninitialize();
+    });
+    CHECK(popup->Stop() == S_OK);
+    other.join();
+    CHECK(isServed);
+}
+
 TEST_CASE("the engine dies inside the next call of a member, and a new one can be started") {
     for (const Member& member : Members()) {
         CAPTURE(ToAnsi(member.name));

@@ -1,4 +1,5 @@
-// A call of the stand-in engine that waits, without serving messages, until the test lets it go.
+// A call of the stand-in engine that waits until the test lets it go. The engine serves other calls
+// meanwhile.
 #pragma once
 
 #include <windows.h>
