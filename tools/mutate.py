@@ -30,7 +30,7 @@ LAYERS = ("app", "options", "lists", "tray", "store", "platform")
 
 # The suites nearest to a file: the first pattern that matches its path counts.
 NEAREST = (
-    (r"lists/(closed_log|log_file|newest_lines|site_of)", "closed_log hostile_log"),
+    (r"lists/(closed_log|log_file|newest_lines|site_of)", "closed_log"),
     (r"lists/", "lists settings_transfer accessibility"),
     (r"options/(settings|list_layouts)", "settings_transfer store"),
     (r"options/", "options settings_transfer"),
