@@ -128,7 +128,7 @@ def run(command, seconds, log):
 
 
 def prepare(log):
-    """Copies the tree as it is committed, builds it and makes the prefix of the tests."""
+    """Copies the tree as it is committed, builds its programs and makes the prefix of the tests."""
     if not (WORK / "ready").exists():
         shutil.rmtree(TREE, ignore_errors=True)
         shutil.rmtree(SOURCE, ignore_errors=True)
@@ -141,7 +141,8 @@ def prepare(log):
         for path in (SOURCE / layer).rglob("*.*"):
             if path.read_bytes() != (TREE / path.relative_to(SOURCE)).read_bytes():
                 shutil.copy(path, TREE / path.relative_to(SOURCE))
-    for command in (["cmake", "--preset", "release"], ["cmake", "--build", "--preset", "release"],
+    build = "cmake --build --preset release --target SentrelConfig SentrelStandin CalvaneConfigLoader"
+    for command in (["cmake", "--preset", "release"], build.split(),
                     [str(TREE / "tests" / "launch.sh"), str(BUILD)]):
         if run(command, 3600, log) != 0:
             sys.exit(f"{' '.join(command)} failed, see {log}")
@@ -149,17 +150,20 @@ def prepare(log):
 
 
 def durations():
-    """Seconds of each suite, from CTest's own record."""
+    """Seconds of each suite that is there, from CTest's own record."""
     record = ROOT / "build" / "release" / "Testing" / "Temporary" / "CTestCostData.txt"
     if not record.exists():
         sys.exit("Nobody has run the tests here yet: run ./test.sh first.")
     rows = [line.split() for line in record.read_text().splitlines()]
-    return {row[0][:-len("_tests")]: float(row[2]) for row in rows if len(row) == 3 and row[0].endswith("_tests")}
+    taken = {row[0][:-len("_tests")]: float(row[2]) for row in rows if len(row) == 3 and row[0].endswith("_tests")}
+    tests = TREE / "tests"
+    return {name: taken[name] for name in taken if (tests / name).exists() or (tests / f"{name}_tests.cpp").exists()}
 
 
 def suites_for(path, seconds):
     """Groups of suites that are built together: the nearest, the short ones, the long ones."""
     near = next(names.split() for pattern, names in NEAREST if re.match(pattern, path))
+    near = [name for name in near if name in seconds]
     rest = sorted((name for name in seconds if name not in near), key=seconds.get)
     return [near, [name for name in rest if seconds[name] <= LONG], [name for name in rest if seconds[name] > LONG]]
 
@@ -212,11 +216,11 @@ def main():
     parser.add_argument("--under", default="", help="only files whose path begins so")
     arguments = parser.parse_args()
 
-    seconds = durations()
     WORK.mkdir(parents=True, exist_ok=True)
     log = WORK / "log"
     os.environ["CCACHE_BASEDIR"] = str(TREE)
     prepare(log)
+    seconds = durations()
     table = WORK / f"{arguments.seed}{arguments.under.replace('/', '-')}.tsv"
     table.touch()
     done = len(table.read_text().splitlines())
