@@ -17,3 +17,9 @@ void ConfigControls::SetUp() {
     search.SetUp();
     about.SetUp();
 }
+
+void ConfigControls::Scale() {
+    banners.Scale();
+    search.Scale();
+    about.ShowLogo();
+}

@@ -32,6 +32,9 @@ public:
     // just been made.
     void SetUp();
 
+    // The pages have been laid out: what lies inside their controls follows.
+    void Scale();
+
     TabStrip tab{L"tab", IDC_TAB};
     CommandControls commands;
     SettingsControls settings;

@@ -12,15 +12,19 @@ public:
     // The text of the page's tab.
     const wchar_t* Caption() const noexcept { return m_caption; }
 
-    // Makes the page, hidden, over area (in parent's coordinates) and behind the window sibling in the tab
-    // order.
+    // Makes the page, hidden, in the middle of area (in parent's coordinates) and behind the window sibling
+    // in the tab order.
     void CreateOn(HWND parent, const RECT& area, HWND sibling);
+    // The frame has been laid out for this resolution, and leaves the page this area.
+    void Follow(const RECT& area, int dpi);
     void Show(bool visible) noexcept { ShowWindow(Hwnd(), visible ? SW_SHOW : SW_HIDE); }
 
 protected:
     ControlTable Controls() override { return m_controls; }
 
 private:
+    void CentreIn(const RECT& area) noexcept;
+
     const wchar_t* const m_caption;
     const ControlTable m_controls;
 };

@@ -6,7 +6,6 @@
 #include "app/resource.h"
 #include "platform/com/server_process.h"
 #include "platform/controls/placement.h"
-#include "platform/icon.h"
 #include "store/first_run.h"
 
 frmConfig::frmConfig()
@@ -168,7 +167,8 @@ LONG frmConfig::Reference() noexcept {
 }
 
 bool frmConfig::OnInit() {
-    SetWindowIcons(Hwnd(), IDI_CALVANE);
+    m_icons.Set(Hwnd(), IDI_CALVANE, Dpi());
+    CentreOnMonitor(Hwnd());
     // Explorer has fewer rights than an elevated manager, to which Windows would not deliver what it sends.
     ChangeWindowMessageFilterEx(Hwnd(), m_taskbarCreated, MSGFLT_ALLOW, nullptr);
     return true;
@@ -194,6 +194,8 @@ bool frmConfig::OnMessage(UINT message, WPARAM wParam, LPARAM, LRESULT& result) 
 
         default:
             if (message != m_taskbarCreated || m_oShellIcon == nullptr) return false;
+            // A taskbar that has another resolution now says so by this message, too.
+            LoadTrayPictures();
             ComPtr<ShellNotification>(m_oShellIcon)->OnTaskbarCreated();
             return true;
     }

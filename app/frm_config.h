@@ -14,6 +14,7 @@
 #include "platform/controls/dialog.h"
 #include "platform/com/dispatch_object.h"
 #include "platform/handle.h"
+#include "platform/icon.h"
 #include "tray/picture_box.h"
 #include "tray/type_libraries.h"
 #include "tray/bas_shell_notify.h"
@@ -73,12 +74,14 @@ private:
     void PopupTrayMenu(bool pauseIsDefault) override;
 
     void MakePages();
-    void MakeImageList1();
+    void OnScaled(int dpi) override;
+    void MakeImageList1(int dpi);
     void SelectPage();
     void SelectAbout();
     void NextPage(int step);
     bool IsOnHiddenPage(HWND window) const noexcept;
     void SetUpTray();
+    void LoadTrayPictures();
     void AnimateTray();
     void Load();
     bool IsChanging() const noexcept;
@@ -95,6 +98,7 @@ private:
     const ComPtr<PictureBox> m_picShellIcon;
     const std::array<ComPtr<PictureBox>, 3> m_picTray;
     ImageListHandle m_imageList1;
+    WindowIcons m_icons;
 
     ChangeMark m_changeMark;
     const Event m_markChanged = [this] { m_changeMark.MarkChanged(); };

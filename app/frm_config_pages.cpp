@@ -1,11 +1,15 @@
 // The tabs of the configuration window and the way through them by keyboard.
 #include "app/frm_config.h"
+
+#include <utility>
+
 #include "platform/controls/access_keys.h"
-#include "platform/icon.h"
+#include "platform/dpi.h"
 
 namespace {
 
 constexpr int kAboutPage = 5;
+constexpr SIZE kRowPicture{22, 16};  // in pixels of 96 dpi
 
 bool IsDown(int key) {
     return GetKeyState(key) < 0;
@@ -15,6 +19,7 @@ bool IsDown(int key) {
 
 void frmConfig::MakePages() {
     // The tabs decide how much space is left for the pages.
+    m_controls.tab.Scale(Dpi());
     for (const ConfigPage& page : m_pages)
         m_controls.tab.AddTab(page.Caption());
     const RECT area = m_controls.tab.DisplayArea();
@@ -24,20 +29,33 @@ void frmConfig::MakePages() {
         previous = page.Hwnd();
     }
     m_controls.SetUp();
-    MakeImageList1();
+    m_controls.Scale();
+    MakeImageList1(Dpi());
     SelectPage();
 }
 
-void frmConfig::MakeImageList1() {
-    const int width = GetSystemMetrics(SM_CXSMICON);
-    const int height = GetSystemMetrics(SM_CYSMICON);
-    m_imageList1.Reset(ImageList_Create(width, height, ILC_COLOR32, 0, 1));
+void frmConfig::OnScaled(int dpi) {
+    m_icons.Set(Hwnd(), IDI_CALVANE, dpi);
+    m_controls.tab.Scale(dpi);
+    const RECT area = m_controls.tab.DisplayArea();
+    for (ConfigPage& page : m_pages)
+        page.Follow(area, dpi);
+    MakeImageList1(dpi);
+    m_controls.Scale();
+}
+
+// The pictures have margins of their own, which keep them apart from check box and text.
+void frmConfig::MakeImageList1(int dpi) {
+    const int width = MulDiv(kRowPicture.cx, dpi, kDefaultDpi);
+    const int height = MulDiv(kRowPicture.cy, dpi, kDefaultDpi);
+    ImageListHandle images(ImageList_Create(width, height, ILC_COLOR32, 0, 1));
     const auto add = [&](int resource) {
-        const IconHandle icon = LoadSmallIcon(resource);
-        return ImageList_AddIcon(m_imageList1.Get(), icon.Get());
+        const IconHandle icon = LoadIconOfSize(resource, width, height);
+        return ImageList_AddIcon(images.Get(), icon.Get());
     };
-    m_controls.banners.lvwBanners.SmallIcons(m_imageList1.Get(), add(IDI_LIST_BANNER));
-    m_controls.search.lvwSearchURLs.SmallIcons(m_imageList1.Get(), add(IDI_LIST_SEARCH));
+    m_controls.banners.lvwBanners.SmallIcons(images.Get(), add(IDI_LIST_BANNER));
+    m_controls.search.lvwSearchURLs.SmallIcons(images.Get(), add(IDI_LIST_SEARCH));
+    m_imageList1 = std::move(images);
 }
 
 void frmConfig::SelectPage() {

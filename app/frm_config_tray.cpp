@@ -23,6 +23,12 @@ void frmConfig::SetUpTray() {
     icon->put_ToolTip(Variant(kTrayTip).Value().bstrVal);
 }
 
+void frmConfig::LoadTrayPictures() {
+    ResumeNext([&] { m_picShellIcon->Load(); });
+    for (const ComPtr<PictureBox>& picture : m_picTray)
+        ResumeNext([&] { picture->Load(); });
+}
+
 void frmConfig::AnimateTray() {
     const ComPtr<ShellNotification> icon = m_oShellIcon;
     if (icon == nullptr) return;

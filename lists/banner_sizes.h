@@ -20,6 +20,7 @@ inline constexpr ListLayout kBannerLayout{L"lvwBanners", Schema::kBannersKey, kB
 struct BannerControls {
     // To be called when the windows of the controls have just been made.
     void SetUp() { AddColumns(lvwBanners, kBannerLayout); }
+    void Scale() { ScaleColumns(lvwBanners, kBannerLayout); }
 
     Label Label7{L"Label7", IDC_LABEL7};
     ListView lvwBanners{kBannerLayout.control, IDC_LVWBANNERS};

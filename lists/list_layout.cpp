@@ -7,6 +7,10 @@ void AddColumns(ListView& list, const ListLayout& layout) {
 
 void SetupColumns(ListView& list, const ListLayout& layout) {
     list.Clear();
+    ScaleColumns(list, layout);
+}
+
+void ScaleColumns(ListView& list, const ListLayout& layout) {
     const int width = list.Width();
     int position = 0;
     for (const ListColumn& column : layout.columns)

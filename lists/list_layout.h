@@ -22,5 +22,8 @@ struct ListLayout {
 // Adds the columns to a list whose window has just been made.
 void AddColumns(ListView& list, const ListLayout& layout);
 
-// Empties the list and shares out its width.
+// Shares the width of the list out to its columns.
+void ScaleColumns(ListView& list, const ListLayout& layout);
+
+// The same, and empties the list.
 void SetupColumns(ListView& list, const ListLayout& layout);

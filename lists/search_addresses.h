@@ -19,6 +19,7 @@ inline constexpr ListLayout kSearchLayout{L"lvwSearchURLs", Schema::kSearchKey, 
 struct SearchControls {
     // To be called when the windows of the controls have just been made.
     void SetUp() { AddColumns(lvwSearchURLs, kSearchLayout); }
+    void Scale() { ScaleColumns(lvwSearchURLs, kSearchLayout); }
 
     Label Label8{L"Label8", IDC_LABEL8};
     ListView lvwSearchURLs{kSearchLayout.control, IDC_LVWSEARCHURLS};

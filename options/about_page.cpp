@@ -13,6 +13,9 @@ constexpr wchar_t kHomePage[] = L"http://www.calvane.example";
 
 void AboutControls::SetUp() {
     lblNavSite.Caption(kHomePage);
+}
+
+void AboutControls::ShowLogo() {
     ResumeNext([&] {
         imgLogo.Picture({{96, IDG_LOGO_96}, {120, IDG_LOGO_120}, {144, IDG_LOGO_144}, {192, IDG_LOGO_192}});
     });

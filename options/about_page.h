@@ -10,8 +10,10 @@
 #include "platform/controls/link_label.h"
 
 struct AboutControls {
-    // Fills the link and the picture. To be called when the windows of the controls have just been made.
+    // Fills the link. To be called when the windows of the controls have just been made.
     void SetUp();
+    // Shows the picture that suits the size of its place.
+    void ShowLogo();
 
     Label Label11{L"Label11", IDC_LABEL11};
     LinkLabel lblNavSite{L"lblNavSite", IDC_LBLNAVSITE};

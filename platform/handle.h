@@ -68,6 +68,10 @@ struct IconTraits : NullHandleTraits<HICON> {
     static void Close(Type handle) noexcept { DestroyIcon(handle); }
 };
 
+struct FontTraits : NullHandleTraits<HFONT> {
+    static void Close(Type handle) noexcept { DeleteObject(handle); }
+};
+
 struct MenuTraits : NullHandleTraits<HMENU> {
     static void Close(Type handle) noexcept { DestroyMenu(handle); }
 };
@@ -89,6 +93,7 @@ using TokenHandle = UniqueHandle<TokenTraits>;
 using EventHandle = UniqueHandle<EventTraits>;
 using RegistryKey = UniqueHandle<RegistryKeyTraits>;
 using IconHandle = UniqueHandle<IconTraits>;
+using FontHandle = UniqueHandle<FontTraits>;
 using MenuHandle = UniqueHandle<MenuTraits>;
 using ImageListHandle = UniqueHandle<ImageListTraits>;
 using DeviceContext = UniqueHandle<DeviceContextTraits>;

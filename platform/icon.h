@@ -5,8 +5,19 @@
 
 #include "platform/handle.h"
 
-// Null when there is no such icon.
-IconHandle LoadSmallIcon(int resource);
+// Of the size of small icons on a monitor of this resolution. Null when there is no such icon.
+IconHandle LoadSmallIcon(int resource, int dpi) noexcept;
 
-// Gives a window its large and its small icon; Windows keeps both as long as the program runs.
-void SetWindowIcons(HWND window, int resource) noexcept;
+// Null when there is no such icon.
+IconHandle LoadIconOfSize(int resource, int width, int height) noexcept;
+
+// The large and the small icon of a window, which outlive it.
+class WindowIcons {
+public:
+    // Gives the window both in the sizes for a monitor of this resolution.
+    void Set(HWND window, int resource, int dpi) noexcept;
+
+private:
+    IconHandle m_large;
+    IconHandle m_small;
+};

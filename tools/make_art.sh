@@ -27,11 +27,12 @@ pieces=$(mktemp -d)
 trap 'rm -rf "$pieces"' EXIT
 mkdir -p "$output"
 
-# Piece PICTURE SIZE: makes the PNG file and names it.
+# Piece PICTURE SIZE [WIDTH]: makes the PNG file, with margins up to that width, and names it.
 Piece() {
     local drawing=${kDrawing[$2]:-$2} file=$pieces/$1-$2.png
     rsvg-convert --width $((kSheetWidth * $2 / drawing)) --keep-aspect-ratio "$kSheet" |
-        convert png:- -crop "$2x$2+$((kLeft[drawing] * $2 / drawing))+$((${kTop[$1]} * $2 / drawing))" +repage -strip \
+        convert png:- -crop "$2x$2+$((kLeft[drawing] * $2 / drawing))+$((${kTop[$1]} * $2 / drawing))" +repage \
+            -background none -gravity center -extent "${3:-$2}x$2" -strip \
             -define png:compression-level=9 -define png:exclude-chunks=all "png32:$file"
     echo "$file"
 }
@@ -45,10 +46,22 @@ Icon() {
     icotool --create "${entries[@]}" --output="$output/$1.ico"
 }
 
+# RowIcon PICTURE SIZE...: with margins that keep the picture of a row apart from its check box and its text.
+RowIcon() {
+    local size entries=()
+    for size in "${@:2}"; do
+        entries+=("--raw=$(Piece "$1" "$size" $(((size * 22 + 8) / 16)))")
+    done
+    icotool --create "${entries[@]}" --output="$output/$1.ico"
+}
+
 Icon calvane mark 16 20 24 32 40 48 64 128 256
 Icon tray_rest mark 16 20 24 32
-for picture in tray_0 tray_1 tray_2 list_banner list_search; do
+for picture in tray_0 tray_1 tray_2; do
     Icon "$picture" "$picture" 16 20 24 32
+done
+for picture in list_banner list_search; do
+    RowIcon "$picture" 16 20 24 32
 done
 
 # A GIF's pixels are there or not. At the edge they keep most of the colour inside: blended as on the light ground of

@@ -23,6 +23,8 @@ large-text     96   LargeText
 # How many are taken at a time.
 kAtATime=6
 
+kMetrics='HKEY_CURRENT_USER\Control Panel\Desktop\WindowMetrics'
+
 Plain() { :; }
 
 # Black, with the theme off, as Windows has it.
@@ -41,26 +43,15 @@ HighContrast() {
     RegistryText 'HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\ThemeManager' ThemeActive 0
 }
 
-# Titles and menus half as large again. Windows' own fonts for them are larger by as much then.
+# Text half as large again.
 LargeText() {
-    local name metrics='HKEY_CURRENT_USER\Control Panel\Desktop\WindowMetrics'
+    local name
     for name in Caption SmCaption Menu Status Message; do
-        RegistryBytes "$metrics" "${name}Font" "$(LogFont 18 Tahoma)"
+        RegistryBytes "$kMetrics" "${name}Font" "$(LogFont 18 Tahoma)"
     done
     for name in CaptionHeight CaptionWidth SmCaptionHeight SmCaptionWidth MenuHeight MenuWidth; do
-        RegistryText "$metrics" "$name" -405
+        RegistryText "$kMetrics" "$name" -405
     done
-}
-
-# LogFont PIXELS FONT: the bytes of a LOGFONTW, in hexadecimal numbers separated by commas.
-LogFont() {
-    {
-        # Negative: the height of the letters, not of the line.
-        printf '%b' "\\x$(printf %02x $((256 - $1)))\\xff\\xff\\xff"
-        printf '\0\0\0\0\0\0\0\0\0\0\0\0\x90\x01\0\0\0\0\0\0\0\0\0\0'
-        printf '%s' "$2" | iconv -t UTF-16LE
-        head -c $((64 - 2 * ${#2})) /dev/zero
-    } | od -An -v -tx1 | tr -s ' \n' ',' | sed 's/^,//; s/,$//'
 }
 
 # RegistryText KEY NAME DATA and RegistryBytes KEY NAME BYTES: an entry of a .reg file.
@@ -71,7 +62,8 @@ RegistryBytes() {
     printf '\r\n[%s]\r\n"%s"=hex:%s\r\n' "$@"
 }
 
-# What there is to see in the lists that a first start leaves empty, and a caret that does not blink.
+# What there is to see in the lists that a first start leaves empty, a caret that does not blink, and text of the size
+# that it has on Windows: Wine's own is smaller.
 Examples() {
     local n=0 site
     for site in www.example.com news.example.org shop.example.net; do
@@ -79,6 +71,7 @@ Examples() {
         n=$((n + 1))
     done
     RegistryText 'HKEY_CURRENT_USER\Control Panel\Desktop' CursorBlinkRate 100000000
+    RegistryBytes "$kMetrics" MessageFont "$(LogFont 12 Tahoma)"
 }
 
 # TakeLook FOLDER DPI SETUP

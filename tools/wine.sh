@@ -149,6 +149,24 @@ Unattended() {
     fi
 }
 
+# LogFont PIXELS FACE: the bytes of a LOGFONTW, in hexadecimal numbers separated by commas.
+LogFont() {
+    {
+        # Negative: the height of the letters, not of the line.
+        printf '%b' "\\x$(printf %02x $((256 - $1)))\\xff\\xff\\xff"
+        printf '\0\0\0\0\0\0\0\0\0\0\0\0\x90\x01\0\0\0\0\0\0\0\0\0\0'
+        printf '%s' "$2" | iconv -t UTF-16LE
+        head -c $((64 - 2 * ${#2})) /dev/zero
+    } | od -An -v -tx1 | tr -s ' \n' ',' | sed 's/^,//; s/,$//'
+}
+
+# SetMessageFont PIXELS FACE: the user's font for messages, with letters of so many pixels of 96 dpi; it is read when the
+# prefix starts.
+SetMessageFont() {
+    SetRegistryValue 'HKCU\Control Panel\Desktop\WindowMetrics' MessageFont REG_BINARY "$(LogFont "$@" | tr -d ,)"
+    StopWine
+}
+
 # SetDpi DPI: the resolution that programs see from now on; it is read when the prefix starts.
 SetDpi() {
     SetRegistryValue 'HKCU\Control Panel\Desktop' LogPixels REG_DWORD "$1"

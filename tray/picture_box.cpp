@@ -6,6 +6,7 @@
 
 #include "platform/com/bstr.h"
 #include "platform/com/variant.h"
+#include "platform/dpi.h"
 #include "platform/icon.h"
 
 namespace {
@@ -21,15 +22,21 @@ Variant PropertyOf(IDispatch* object, DISPID property) {
 }  // namespace
 
 PictureBox::PictureBox(std::wstring name, int iconResource)
-    : DispatchObject(Holder::Server), m_name(std::move(name)) {
-    IconHandle icon = LoadSmallIcon(iconResource);
+    : DispatchObject(Holder::Server), m_name(std::move(name)), m_iconResource(iconResource) {
+    Load();
+}
+
+void PictureBox::Load() {
+    IconHandle icon = LoadSmallIcon(m_iconResource, TaskbarDpi());
     PICTDESC description{};
     description.cbSizeofstruct = sizeof(description);
     description.picType = PICTYPE_ICON;
     description.icon.hicon = icon.Get();
+    ComPtr<IDispatch> picture;
     ThrowIfFailed(OleCreatePictureIndirect(&description, IID_IDispatch, TRUE,
-                                           reinterpret_cast<void**>(m_picture.GetAddressOf())));
+                                           reinterpret_cast<void**>(picture.GetAddressOf())));
     icon.Detach();
+    m_picture = picture;
 }
 
 STDMETHODIMP PictureBox::get_Name(BSTR* value) {

@@ -11,14 +11,19 @@
 
 class PictureBox final : public DispatchObject<_PictureBox, kFormsTypeLibrary> {
 public:
-    // Loads the icon resource at the size of the system's small icons. Throws AutomationError when it cannot.
+    // Throws AutomationError when the icon resource cannot be loaded.
     PictureBox(std::wstring name, int iconResource);
+
+    // Loads the icon at the size of small icons on the taskbar's monitor. Throws AutomationError when it
+    // cannot; the previous picture stays.
+    void Load();
 
     STDMETHODIMP get_Name(BSTR* value) override;
     STDMETHODIMP get_Picture(IDispatch** value) override;
 
 private:
     const std::wstring m_name;
+    const int m_iconResource;
     ComPtr<IDispatch> m_picture;
 };
 

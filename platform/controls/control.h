@@ -48,6 +48,9 @@ public:
     // Called by the dialog when the window of the control comes and goes (null).
     void Attach(HWND hwnd);
 
+    // The window has got another font and place.
+    virtual void OnScaled() {}
+
     bool Enabled() const noexcept { return IsWindowEnabled(m_hwnd) != FALSE; }
     void Enabled(bool enabled) noexcept;
     void SetFocus() noexcept { ::SetFocus(m_hwnd); }

@@ -1,6 +1,7 @@
 #include "platform/controls/dialog.h"
 
 #include "platform/automation_error.h"
+#include "platform/dpi.h"
 #include "platform/guard.h"
 
 void Dialog::Create(HWND parent) {
@@ -21,6 +22,16 @@ void Dialog::ShowModal(HWND owner) {
     if (m_hwnd != nullptr) return;
     DialogBoxParamW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(m_resourceId), owner, Procedure,
                     reinterpret_cast<LPARAM>(this));
+}
+
+void Dialog::Scale(int dpi) {
+    if (m_hwnd == nullptr) return;
+    m_layout.Apply(m_hwnd, dpi);
+    m_dpi = dpi;
+    for (Control* const control : Controls()) {
+        if (control->Hwnd() != nullptr && GetParent(control->Hwnd()) == m_hwnd) control->OnScaled();
+    }
+    OnScaled(dpi);
 }
 
 bool Dialog::OnMessage(UINT, WPARAM, LPARAM, LRESULT&) {
@@ -50,8 +61,31 @@ INT_PTR Dialog::Handle(UINT message, WPARAM wParam, LPARAM lParam) {
     LRESULT result = 0;
     switch (message) {
         case WM_INITDIALOG:
+            ScaleByItself(m_hwnd);
+            m_dpi = DpiOf(m_hwnd);
+            m_layout.Apply(m_hwnd, m_dpi);
             AttachControls();
             return OnInit();
+
+        // The move between monitors: Windows asks for the new size, and then suggests bounds of that size
+        // which keep the window under the pointer that moves it. Position and size are set together: half
+        // of the way the window might belong to the monitor that it has just left.
+        case kGetDpiScaledSize:
+            *reinterpret_cast<SIZE*>(lParam) = m_layout.WindowSize(m_hwnd, static_cast<int>(wParam));
+            SetWindowLongPtrW(m_hwnd, DWLP_MSGRESULT, TRUE);
+            return TRUE;
+
+        case WM_DPICHANGED: {
+            const auto& suggested = *reinterpret_cast<const RECT*>(lParam);
+            SetWindowPos(m_hwnd, nullptr, suggested.left, suggested.top, suggested.right - suggested.left,
+                         suggested.bottom - suggested.top, SWP_NOZORDER | SWP_NOACTIVATE);
+            Scale(HIWORD(wParam));
+            return TRUE;
+        }
+
+        case WM_SETTINGCHANGE:
+            if (wParam == SPI_SETNONCLIENTMETRICS) Scale(m_dpi);
+            break;
 
         case WM_DESTROY:
             OnMessage(message, wParam, lParam, result);

@@ -4,6 +4,7 @@
 #include <olectl.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <utility>
 
@@ -60,12 +61,19 @@ RECT PictureBounds(SIZE picture, SIZE box) {
     return {left, top, left + size.cx, top + size.cy};
 }
 
-int ResourceForDpi(std::initializer_list<ImageBox::Resource> resources, int dpi) {
-    // Among those that are fine enough the coarsest, before all that are not.
-    const auto distance = [dpi](int of) { return of >= dpi ? of - dpi : INT_MAX - of; };
+int ImageBox::ResourceFor(std::initializer_list<Resource> resources, int pixels) {
+    const auto rank = [pixels](const Resource& resource) {
+        return std::pair(resource.pixels > pixels, std::abs(resource.pixels - pixels));
+    };
     return std::min_element(resources.begin(), resources.end(),
-                            [&](const auto& a, const auto& b) { return distance(a.dpi) < distance(b.dpi); })
+                            [&](const auto& a, const auto& b) { return rank(a) < rank(b); })
         ->id;
+}
+
+void ImageBox::Picture(std::initializer_list<Resource> resources) {
+    RECT box{};
+    GetClientRect(Hwnd(), &box);
+    Picture(ResourceFor(resources, std::min(box.right, box.bottom)));
 }
 
 void ImageBox::Picture(int resourceId) {
@@ -74,13 +82,6 @@ void ImageBox::Picture(int resourceId) {
     m_resource = resource;
     m_picture.Reset();
     InvalidateRect(Hwnd(), nullptr, TRUE);
-}
-
-void ImageBox::Picture(std::initializer_list<Resource> resources) {
-    const HDC screen = GetDC(nullptr);
-    const int dpi = GetDeviceCaps(screen, LOGPIXELSY);
-    ReleaseDC(nullptr, screen);
-    Picture(ResourceForDpi(resources, dpi));
 }
 
 void ImageBox::OnAttached() {

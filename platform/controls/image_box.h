@@ -11,9 +11,9 @@
 // does must be within the keyboard's reach elsewhere.
 class ImageBox final : public Control {
 public:
-    // An RCDATA resource with a picture (GIF, JPEG or bitmap) that was drawn for this resolution.
+    // An RCDATA resource with a square picture (GIF, JPEG or bitmap) of this width and height.
     struct Resource {
-        int dpi;
+        int pixels;
         int id;
     };
 
@@ -26,8 +26,11 @@ public:
     // Throws AutomationError when there is no such resource; the previous picture stays.
     void Picture(int resourceId);
 
-    // The one drawn for the screen's resolution, or else for the next higher, or else for the highest.
+    // The one that suits the size that the control has now.
     void Picture(std::initializer_list<Resource> resources);
+
+    // The largest that fits so many pixels, or else the smallest; the list is not empty.
+    static int ResourceFor(std::initializer_list<Resource> resources, int pixels);
 
     void OnCommand(WORD code) override {
         if (code == STN_CLICKED) Raise(Click);
@@ -48,6 +51,3 @@ private:
 // Where a picture of this size goes in a box of that size: centred, in its own size where it nearly fills the
 // box, otherwise as large as its proportions allow.
 RECT PictureBounds(SIZE picture, SIZE box);
-
-// The resource of the list that suits this resolution; the list is not empty.
-int ResourceForDpi(std::initializer_list<ImageBox::Resource> resources, int dpi);

@@ -36,8 +36,12 @@ void CentreOnOwner(HWND dialog) noexcept {
     CentreIn(owner, work, dialog);
 }
 
-void MoveOntoMonitor(HWND window) noexcept {
-    if (IsIconic(window) || MonitorFromWindow(window, MONITOR_DEFAULTTONULL) != nullptr) return;
+void CentreOnMonitor(HWND window) noexcept {
     RECT work{};
     if (WorkArea(MonitorFromWindow(window, MONITOR_DEFAULTTONEAREST), work)) CentreIn(work, work, window);
+}
+
+void MoveOntoMonitor(HWND window) noexcept {
+    if (IsIconic(window) || MonitorFromWindow(window, MONITOR_DEFAULTTONULL) != nullptr) return;
+    CentreOnMonitor(window);
 }

@@ -1,5 +1,18 @@
 #include "platform/controls/tab_strip.h"
 
+#include <iterator>
+
+#include "platform/dpi.h"
+
+namespace {
+
+// Windows' own, in pixels of 96 dpi.
+constexpr SIZE kPadding{6, 3};
+
+constexpr size_t kLongestCaption = 31;
+
+}  // namespace
+
 void TabStrip::AddTab(const wchar_t* caption) {
     TCITEMW item{};
     item.mask = TCIF_TEXT;
@@ -11,6 +24,19 @@ void TabStrip::Selected(int tab) {
     if (tab == Selected()) return;
     Send(TCM_SETCURSEL, static_cast<WPARAM>(tab));
     Raise(Change);
+}
+
+void TabStrip::Scale(int dpi) noexcept {
+    Send(TCM_SETPADDING, 0,
+         MAKELPARAM(MulDiv(kPadding.cx, dpi, kDefaultDpi), MulDiv(kPadding.cy, dpi, kDefaultDpi)));
+    // Tabs that are there already are measured once more when a text is set.
+    wchar_t caption[kLongestCaption + 1]{};
+    TCITEMW item{};
+    item.mask = TCIF_TEXT;
+    item.pszText = caption;
+    item.cchTextMax = static_cast<int>(std::size(caption));
+    const auto itemParameter = reinterpret_cast<LPARAM>(&item);
+    if (Send(TCM_GETITEMW, 0, itemParameter) != FALSE) Send(TCM_SETITEMW, 0, itemParameter);
 }
 
 RECT TabStrip::DisplayArea() const noexcept {

@@ -15,6 +15,9 @@ public:
     int Selected() const noexcept { return static_cast<int>(Send(TCM_GETCURSEL)); }
     void Selected(int tab);
 
+    // Keeps the texts as far from the edges of their tabs at this resolution as at any other.
+    void Scale(int dpi) noexcept;
+
     // The area under the tabs, in the coordinates of the parent window.
     RECT DisplayArea() const noexcept;
 

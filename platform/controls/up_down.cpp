@@ -17,6 +17,17 @@ void UpDown::FollowBuddy() {
     ResumeNext([&] { Send(UDM_SETPOS32, 0, ToLong(Variant(m_buddy.Text()))); });
 }
 
+// The spin control takes its place from the end of its buddy, whose bounds are the whole ones again. What a
+// spin control does with those of a buddy that it leaves is not documented.
+void UpDown::OnScaled() {
+    RECT bounds{};
+    GetWindowRect(m_buddy.Hwnd(), &bounds);
+    Send(UDM_SETBUDDY);
+    SetWindowPos(m_buddy.Hwnd(), nullptr, 0, 0, bounds.right - bounds.left, bounds.bottom - bounds.top,
+                 SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
+    Send(UDM_SETBUDDY, reinterpret_cast<WPARAM>(m_buddy.Hwnd()));
+}
+
 LRESULT UpDown::OnNotify(const NMHDR& header) {
     if (header.code != static_cast<UINT>(UDN_DELTAPOS)) return 0;
     const auto& move = reinterpret_cast<const NMUPDOWN&>(header);

@@ -17,6 +17,7 @@ public:
     // be called when a value has been set from code; a text that is no number changes nothing.
     void FollowBuddy();
 
+    void OnScaled() override;
     LRESULT OnNotify(const NMHDR& header) override;
 
 protected:

@@ -116,19 +116,19 @@ TEST_CASE("the place of a picture in its box") {
     }
 }
 
-TEST_CASE("the logo is taken that was drawn for the screen, else the next finer, else the finest") {
+TEST_CASE("the largest logo is taken that fits its place, else the smallest") {
     const std::initializer_list<ImageBox::Resource> resources = {{144, 3}, {96, 1}, {192, 4}, {120, 2}};
-    CHECK(ResourceForDpi(resources, 96) == 1);
-    CHECK(ResourceForDpi(resources, 120) == 2);
-    CHECK(ResourceForDpi(resources, 144) == 3);
-    CHECK(ResourceForDpi(resources, 192) == 4);
-    CHECK(ResourceForDpi(resources, 72) == 1);
-    CHECK(ResourceForDpi(resources, 100) == 2);
-    CHECK(ResourceForDpi(resources, 168) == 4);
-    CHECK(ResourceForDpi(resources, 288) == 4);
+    CHECK(ImageBox::ResourceFor(resources, 96) == 1);
+    CHECK(ImageBox::ResourceFor(resources, 119) == 1);
+    CHECK(ImageBox::ResourceFor(resources, 120) == 2);
+    CHECK(ImageBox::ResourceFor(resources, 150) == 3);
+    CHECK(ImageBox::ResourceFor(resources, 192) == 4);
+    CHECK(ImageBox::ResourceFor(resources, 500) == 4);
+    CHECK(ImageBox::ResourceFor(resources, 72) == 1);
+    CHECK(ImageBox::ResourceFor(resources, 0) == 1);
 }
 
-TEST_CASE_FIXTURE(AboutPageFixture, "the logo of the screen's resolution is the one that is shown") {
+TEST_CASE_FIXTURE(AboutPageFixture, "the logo that fits its place is the one that is shown") {
     Resize(imgLogo, 96, 96);
     imgLogo.Picture(IDG_LOGO_96);
     const COLORREF middle = Drawing(imgLogo).At(48, 48);

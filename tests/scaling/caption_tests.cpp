@@ -15,7 +15,10 @@ namespace {
 
 constexpr int kLonger = 40;  // per cent: what a translation may need
 
-// The smallest desktop that the window fits on, in pixels of 96 dpi.
+// Of the text that a user sees who has not asked for larger one, in pixels of 96 dpi.
+constexpr int kTextHeight = 11;
+
+// The smallest desktop that the window fits on, in pixels of 96 dpi and with text of that height.
 constexpr SIZE kDesktop{640, 480};
 
 // Visits every control that is shown, and says how many there were.
@@ -32,23 +35,27 @@ int ForEachControl(const std::function<void(const std::string& where, HWND contr
 
 }  // namespace
 
-TEST_CASE("the resolution and the font are those that the caller has set") {
+TEST_CASE("the resolution, the font and the size of the text are those that the caller has set") {
     const char* const dpi = std::getenv("EXPECTED_DPI");
     if (dpi != nullptr) CHECK(Dpi() == std::atoi(dpi));
     CHECK(Dpi() >= 96);
     const char* const font = std::getenv("EXPECTED_FONT");
     if (font == nullptr) return;
+    const char* const height = std::getenv("EXPECTED_HEIGHT");
+    REQUIRE(height != nullptr);
     ForEachControl([&](const std::string& where, HWND control) {
         CAPTURE(where);
         // Windows gives spin controls no font: they have no text.
-        if (RoleOf(control) != Role::Spin) CHECK(ToAnsi(FontOf(control)) == std::string(font));
+        if (RoleOf(control) == Role::Spin) return;
+        CHECK(ToAnsi(FontOf(control)) == std::string(font));
+        CHECK(FontHeightOf(control) == Scaled(std::atoi(height)));
     });
 }
 
 TEST_CASE("every text fits its control, and no control covers another or leaves its page") {
     int texts = 0;
     ForEachSurface([&](const Surface& surface) {
-        CHECK(FaultsOf(surface) == std::vector<std::string>{});
+        CHECK(TextOf(FaultsOf(surface)) == "");
         for (const HWND control : surface.controls) {
             CAPTURE(Describe(surface, control));
             const std::vector<Caption> captions = CaptionsOf("", control);
@@ -68,6 +75,7 @@ TEST_CASE("a text that is longer by two fifths would still fit") {
     ForEachControl([](const std::string& where, HWND control) {
         for (const Caption& caption : CaptionsOf(where, control, kLonger)) {
             CAPTURE(caption.where);
+            CAPTURE(caption.space.cx);
             CHECK(caption.needed.cx <= caption.space.cx);
             CHECK(caption.needed.cy <= caption.space.cy);
         }
@@ -78,7 +86,8 @@ TEST_CASE("the window and its dialogs fit a small desktop") {
     ForEachSurface([](const Surface& surface) {
         CAPTURE(surface.name);
         const RECT bounds = BoundsOf(surface.window);
-        CHECK(bounds.right - bounds.left <= Scaled(kDesktop.cx));
-        CHECK(bounds.bottom - bounds.top <= Scaled(kDesktop.cy));
+        const LONG text = FontHeightOf(surface.controls.back());
+        CHECK(bounds.right - bounds.left <= MulDiv(kDesktop.cx, text, kTextHeight));
+        CHECK(bounds.bottom - bounds.top <= MulDiv(kDesktop.cy, text, kTextHeight));
     });
 }

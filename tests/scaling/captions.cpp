@@ -155,6 +155,12 @@ std::wstring FontOf(HWND control) {
     return FontMeter(control).Family();
 }
 
+LONG FontHeightOf(HWND control) {
+    LOGFONTW font{};
+    GetObjectW(reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0)), sizeof(font), &font);
+    return -font.lfHeight;
+}
+
 std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int longer) {
     const std::wstring text = Lengthened(CaptionOf(control), longer);
     switch (RoleOf(control)) {

@@ -29,3 +29,6 @@ int Scaled(int pixels);
 
 // The name of the font that the control writes in, as the system has found it.
 std::wstring FontOf(HWND control);
+
+// Of the letters of that font, as the system was asked for it.
+LONG FontHeightOf(HWND control);

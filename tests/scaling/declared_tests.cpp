@@ -23,15 +23,28 @@ RECT WithSpin(HWND control) {
     return bounds;
 }
 
-// In dialog units of the page, whose font Windows measures itself.
+// Four dialog units across and eight down, in pixels of the font that the controls of a page have.
+SIZE UnitsOf(HWND page) {
+    constexpr wchar_t kLetters[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    const HDC dc = GetDC(page);
+    const HGDIOBJ before =
+        SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(GetTopWindow(page), WM_GETFONT, 0, 0)));
+    TEXTMETRICW metrics{};
+    SIZE extent{};
+    GetTextMetricsW(dc, &metrics);
+    GetTextExtentPoint32W(dc, kLetters, 52, &extent);
+    SelectObject(dc, before);
+    ReleaseDC(page, dc);
+    return {(extent.cx / 26 + 1) / 2, metrics.tmHeight};
+}
+
 std::string PlaceOf(HWND control) {
     const HWND page = GetParent(control);
-    RECT units{0, 0, 4, 8};
-    MapDialogRect(page, &units);
+    const SIZE units = UnitsOf(page);
     RECT bounds = WithSpin(control);
     MapWindowPoints(HWND_DESKTOP, page, reinterpret_cast<POINT*>(&bounds), 2);
-    const auto across = [&](LONG pixels) { return std::to_string(MulDiv(pixels, 4, units.right)); };
-    const auto down = [&](LONG pixels) { return std::to_string(MulDiv(pixels, 8, units.bottom)); };
+    const auto across = [&](LONG pixels) { return std::to_string(MulDiv(pixels, 4, units.cx)); };
+    const auto down = [&](LONG pixels) { return std::to_string(MulDiv(pixels, 8, units.cy)); };
     std::string place =
         across(bounds.left) + ", " + down(bounds.top) + ", " + across(bounds.right - bounds.left);
     // A combo box is as high as a line of its font and the border of the system.

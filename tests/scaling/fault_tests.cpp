@@ -74,8 +74,8 @@ TEST_CASE("a text that lacks one pixel of width or height is reported as cut off
                 continue;
             }
             const Place place(control);
-            // A label of several lines breaks its text elsewhere first.
-            if (role != Role::Text || caption.space.cy < 2 * caption.needed.cy) {
+            // A label with space for one more line breaks its text elsewhere first.
+            if (role != Role::Text || spareHeight < FontHeightOf(control)) {
                 place.Shrink(spareWidth, 0);
                 CHECK_FALSE(IsReported(surface, control, kIsCutOff));
                 place.Shrink(spareWidth + 1, 0);

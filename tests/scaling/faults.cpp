@@ -19,21 +19,6 @@ bool Overlap(const RECT& first, const RECT& second) {
     return IntersectRect(&common, &first, &second) != FALSE;
 }
 
-// On the screen.
-RECT ClientOf(HWND window) {
-    RECT client{};
-    GetClientRect(window, &client);
-    MapWindowPoints(window, HWND_DESKTOP, reinterpret_cast<POINT*>(&client), 2);
-    return client;
-}
-
-// Where a tab control leaves space for its pages, on the screen.
-RECT PageAreaOf(HWND tabs) {
-    RECT area = ClientOf(tabs);
-    SendMessageW(tabs, TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&area));
-    return area;
-}
-
 // A frame lies round other controls, but its caption does not lie on them.
 bool FrameCovers(HWND frame, HWND control) {
     const RECT bounds = BoundsOf(frame);
@@ -79,6 +64,19 @@ bool LeavesPage(const Surface& surface, HWND control) {
 
 }  // namespace
 
+RECT ClientOf(HWND window) {
+    RECT client{};
+    GetClientRect(window, &client);
+    MapWindowPoints(window, HWND_DESKTOP, reinterpret_cast<POINT*>(&client), 2);
+    return client;
+}
+
+RECT PageAreaOf(HWND tabs) {
+    RECT area = ClientOf(tabs);
+    SendMessageW(tabs, TCM_ADJUSTRECT, FALSE, reinterpret_cast<LPARAM>(&area));
+    return area;
+}
+
 std::vector<std::string> FaultsOf(const Surface& surface, HWND control) {
     std::vector<std::string> faults;
     const std::string where = Describe(surface, control);
@@ -90,6 +88,13 @@ std::vector<std::string> FaultsOf(const Surface& surface, HWND control) {
         if (Covers(control, other)) faults.push_back(where + kCovers + Describe(surface, other));
     }
     return faults;
+}
+
+std::string TextOf(const std::vector<std::string>& faults) {
+    std::string text;
+    for (const std::string& fault : faults)
+        text += fault + '\n';
+    return text;
 }
 
 std::vector<std::string> FaultsOf(const Surface& surface) {

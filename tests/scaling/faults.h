@@ -16,5 +16,12 @@ inline constexpr char kLeavesPage[] = " leaves its page";
 
 std::vector<std::string> FaultsOf(const Surface& surface);
 
+// All of them, one below the other.
+std::string TextOf(const std::vector<std::string>& faults);
+
 // Of one control, and of it and those before it.
 std::vector<std::string> FaultsOf(const Surface& surface, HWND control);
+
+// The inside of a window, and where a tab control leaves space for its pages, both on the screen.
+RECT ClientOf(HWND window);
+RECT PageAreaOf(HWND tabs);

@@ -4,6 +4,8 @@
 #include <windows.h>
 #include <commctrl.h>
 
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <vector>
 
@@ -11,6 +13,7 @@
 #include "platform/controls/image_box.h"
 #include "tests/entry/inside.h"
 #include "tests/scaling/captions.h"
+#include "tests/scaling/monitor.h"
 
 namespace {
 
@@ -40,6 +43,21 @@ SIZE SizeOf(HICON icon) {
 bool IsSmallIcon(HICON icon) {
     const SIZE size = SizeOf(icon);
     return size.cx == GetSystemMetrics(SM_CXSMICON) && size.cy == GetSystemMetrics(SM_CYSMICON);
+}
+
+// A small icon and the air beside it, in pixels of 96 dpi.
+constexpr SIZE kRowPicture{22, 16};
+
+void CheckRowPictures(int dpi) {
+    for (const int list : {IDC_LVWBANNERS, IDC_LVWSEARCHURLS}) {
+        const HIMAGELIST images = ListView_GetImageList(OnPage(list), LVSIL_SMALL);
+        int width = 0;
+        int height = 0;
+        REQUIRE(ImageList_GetIconSize(images, &width, &height));
+        CHECK(ImageList_GetImageCount(images) == 2);
+        CHECK(width == MulDiv(kRowPicture.cx, dpi, kDefaultDpi));
+        CHECK(height == MulDiv(kRowPicture.cy, dpi, kDefaultDpi));
+    }
 }
 
 // In bytes. A picture's entry begins with its width.
@@ -81,6 +99,44 @@ std::vector<DWORD> Print(HWND control) {
     return result;
 }
 
+// What a box of the size of the logo shows of a picture.
+std::vector<DWORD> PrintInBoxOf(HWND logo, int resource) {
+    constexpr int kOtherId = 3999;
+    RECT client{};
+    GetClientRect(logo, &client);
+    const HWND other = CreateWindowExW(0, WC_STATICW, L"", WS_CHILD | SS_NOTIFY, 0, 0, client.right,
+                                       client.bottom, GetParent(logo), reinterpret_cast<HMENU>(kOtherId),
+                                       GetModuleHandleW(nullptr), nullptr);
+    ImageBox box(L"other", kOtherId);
+    box.Attach(other);
+    box.Picture(resource);
+    std::vector<DWORD> pixels = Print(other);
+    DestroyWindow(other);
+    box.Attach(nullptr);
+    return pixels;
+}
+
+// By their size in pixels.
+const std::map<int, int> kLogos{
+    {96, IDG_LOGO_96}, {120, IDG_LOGO_120}, {144, IDG_LOGO_144}, {192, IDG_LOGO_192}};
+
+// In pixels, of the largest logo that its place has space for.
+int LogoThatFits() {
+    RECT box{};
+    GetClientRect(OnPage(IDC_IMGLOGO), &box);
+    return std::prev(kLogos.upper_bound(std::min(box.right, box.bottom)))->first;
+}
+
+void CheckLogo(int dpi) {
+    const HWND logo = OnPage(IDC_IMGLOGO);
+    const std::vector<DWORD> shown = Print(logo);
+    CHECK(LogoThatFits() >= dpi);
+    for (const auto& [pixels, resource] : kLogos) {
+        CAPTURE(pixels);
+        CHECK((PrintInBoxOf(logo, resource) == shown) == (pixels == LogoThatFits()));
+    }
+}
+
 }  // namespace
 
 TEST_CASE("icons have the size of the system's small icons, and are drawn for it") {
@@ -96,47 +152,42 @@ TEST_CASE("icons have the size of the system's small icons, and are drawn for it
     }
     CHECK(IsSmallIcon(reinterpret_cast<HICON>(SendMessageW(Window(), WM_GETICON, ICON_SMALL, 0))));
 
-    for (const int list : {IDC_LVWBANNERS, IDC_LVWSEARCHURLS}) {
-        const HIMAGELIST images = ListView_GetImageList(OnPage(list), LVSIL_SMALL);
-        int width = 0;
-        int height = 0;
-        REQUIRE(ImageList_GetIconSize(images, &width, &height));
-        CHECK(width == GetSystemMetrics(SM_CXSMICON));
-        CHECK(height == GetSystemMetrics(SM_CYSMICON));
-    }
+    CheckRowPictures(Dpi());
     CHECK(GetSystemMetrics(SM_CXSMICON) == MulDiv(16, Dpi(), 96));
-    for (const int icon :
-         {IDI_CALVANE, IDI_TRAY_REST, IDI_TRAY_0, IDI_TRAY_1, IDI_TRAY_2, IDI_LIST_BANNER, IDI_LIST_SEARCH}) {
+    for (const int icon : {IDI_CALVANE, IDI_TRAY_REST, IDI_TRAY_0, IDI_TRAY_1, IDI_TRAY_2}) {
         CAPTURE(icon);
         CHECK(HasPictureOfSize(icon, GetSystemMetrics(SM_CXSMICON)));
     }
+    for (const int icon : {IDI_LIST_BANNER, IDI_LIST_SEARCH}) {
+        CAPTURE(icon);
+        CHECK(HasPictureOfSize(icon, MulDiv(kRowPicture.cx, Dpi(), kDefaultDpi)));
+    }
 }
 
-TEST_CASE("the logo is the one of the resolution, pixel by pixel") {
+TEST_CASE("icons and logo follow a move between monitors") {
     InsideWithoutEngine inside;
     inside.Instance(FormHide);
-    const HWND logo = OnPage(IDC_IMGLOGO);
-    const std::vector<DWORD> shown = Print(logo);
-
-    constexpr int kOtherId = 3999;
-    RECT client{};
-    GetClientRect(logo, &client);
-    const HWND other = CreateWindowExW(0, WC_STATICW, L"", WS_CHILD | SS_NOTIFY, 0, 0, client.right,
-                                       client.bottom, GetParent(logo), reinterpret_cast<HMENU>(kOtherId),
-                                       GetModuleHandleW(nullptr), nullptr);
-    ImageBox box(L"other", kOtherId);
-    box.Attach(other);
-    const std::map<int, int> logos{
-        {96, IDG_LOGO_96}, {120, IDG_LOGO_120}, {144, IDG_LOGO_144}, {192, IDG_LOGO_192}};
-    for (const auto& [dpi, resource] : logos) {
+    for (const int dpi : {120, 192, 144, 96, 192, 96}) {
         CAPTURE(dpi);
-        box.Picture(resource);
-        CHECK((Print(other) == shown) == (dpi == Dpi()));
+        MoveToMonitor(Window(), dpi);
+        CheckRowPictures(dpi);
+        const auto icon = [](WPARAM kind) {
+            return SizeOf(reinterpret_cast<HICON>(SendMessageW(Window(), WM_GETICON, kind, 0)));
+        };
+        CHECK(icon(ICON_SMALL).cx == MulDiv(16, dpi, kDefaultDpi));
+        CHECK(icon(ICON_BIG).cx == MulDiv(32, dpi, kDefaultDpi));
+        CheckLogo(dpi);
     }
-    DestroyWindow(other);
-    box.Attach(nullptr);
-    // As large as it was drawn, there is space for it without scaling.
-    const SIZE drawn{Scaled(96), Scaled(96)};
+}
+
+TEST_CASE("the logo is the largest that there is space for, pixel by pixel") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    CheckLogo(Dpi());
+    if (LogoThatFits() == kLogos.rbegin()->first) return;
+    RECT client{};
+    GetClientRect(OnPage(IDC_IMGLOGO), &client);
+    const SIZE drawn{LogoThatFits(), LogoThatFits()};
     const RECT bounds = PictureBounds(drawn, {client.right, client.bottom});
     CHECK(bounds.right - bounds.left == drawn.cx);
     CHECK(bounds.bottom - bounds.top == drawn.cy);

@@ -1,0 +1,157 @@
+// Whether the window and its dialogs follow a move to a monitor of another resolution, and come back as they
+// were.
+#include <doctest.h>
+
+#include <windows.h>
+#include <commctrl.h>
+
+#include <cstdlib>
+#include <iterator>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/accessibility/surfaces.h"
+#include "tests/entry/window_inside.h"
+#include "tests/scaling/faults.h"
+#include "tests/scaling/monitor.h"
+#include "tests/scaling/captions.h"
+#include "tests/window/other_process.h"
+
+namespace {
+
+// Up and down, by one step and by several.
+constexpr int kMoves[] = {96, 120, 144, 192, 96, 192, 144, 120, 96};
+
+constexpr int kTabPadding = 6;  // on each side, in pixels of 96 dpi
+
+// The bounds of the window and its controls, on the screen, and the widths of list columns.
+std::vector<LONG> PlacesOf(const Surface& surface) {
+    std::vector<LONG> places;
+    const auto add = [&](HWND window) {
+        const RECT bounds = BoundsOf(window);
+        places.insert(places.end(), {bounds.left, bounds.top, bounds.right, bounds.bottom});
+    };
+    add(surface.window);
+    for (const HWND control : surface.controls) {
+        add(control);
+        if (ClassOf(control) == WC_TABCONTROLW) places.push_back(StripOf(control).right);
+        if (ClassOf(control) != WC_LISTVIEWW) continue;
+        const int columns = Header_GetItemCount(ListView_GetHeader(control));
+        for (int column = 0; column < columns; ++column)
+            places.push_back(ListView_GetColumnWidth(control, column));
+    }
+    return places;
+}
+
+// A font's height is a whole number of pixels.
+bool IsScaled(LONG height, LONG before, int dpi) {
+    return std::abs(height - MulDiv(before, dpi, Dpi())) <= 1;
+}
+
+// What a tab leaves beside its text; that of a short one is more, since tabs have a least width.
+LONG SpaceBesideText(HWND tabs) {
+    constexpr int kSettings = 0;
+    RECT tab{};
+    SendMessageW(tabs, TCM_GETITEMRECT, kSettings, reinterpret_cast<LPARAM>(&tab));
+    const std::wstring text = TabText(tabs, kSettings);
+    const HDC dc = GetDC(tabs);
+    const HGDIOBJ before = SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(tabs, WM_GETFONT, 0, 0)));
+    SIZE size{};
+    GetTextExtentPoint32W(dc, text.c_str(), static_cast<int>(text.size()), &size);
+    SelectObject(dc, before);
+    ReleaseDC(tabs, dc);
+    return tab.right - tab.left - size.cx;
+}
+
+LONG WidthOf(HWND window) {
+    const RECT bounds = BoundsOf(window);
+    return bounds.right - bounds.left;
+}
+
+}  // namespace
+
+TEST_CASE("window, fonts, places and columns follow each move between monitors, and nothing is cut off") {
+    int checked = 0;
+    ForEachSurface([&](const Surface& surface) {
+        CAPTURE(surface.name);
+        std::map<HWND, LONG> heights;
+        for (const HWND control : surface.controls)
+            heights[control] = FontHeightOf(control);
+        const LONG width = WidthOf(surface.window);
+        for (const int dpi : kMoves) {
+            CAPTURE(dpi);
+            const RECT suggested = MoveToMonitor(surface.window, dpi);
+            const RECT bounds = BoundsOf(surface.window);
+            CHECK(EqualRect(&bounds, &suggested));
+            // Letters are a whole number of pixels wide, so that a window is not exactly in proportion.
+            CHECK(std::abs(WidthOf(surface.window) - MulDiv(width, dpi, Dpi())) < width / 4);
+            CHECK((WidthOf(surface.window) > width) == (dpi > Dpi()));
+            for (const HWND control : surface.controls) {
+                CAPTURE(Describe(surface, control));
+                if (RoleOf(control) != Role::Spin)
+                    CHECK(IsScaled(FontHeightOf(control), heights[control], dpi));
+                ++checked;
+            }
+            // The frame of the window stays as it is at this process's resolution: Wine does not scale it.
+            if (dpi >= Dpi()) CHECK(TextOf(FaultsOf(surface)) == "");
+        }
+        MoveToMonitor(surface.window, Dpi());
+    });
+    CHECK(checked > 60 * static_cast<int>(std::size(kMoves)));
+}
+
+TEST_CASE("the texts of the tabs keep their distance from the edges in proportion") {
+    InsideWithoutEngine inside;
+    inside.Instance(formShow);
+    const HWND tabs = GetDlgItem(Window(), IDC_TAB);
+    for (const int dpi : kMoves) {
+        CAPTURE(dpi);
+        MoveToMonitor(Window(), dpi);
+        CHECK(SpaceBesideText(tabs) >= 2 * MulDiv(kTabPadding, dpi, kDefaultDpi));
+    }
+}
+
+TEST_CASE("after any way through the monitors every bound is the one of the first time") {
+    ForEachSurface([](const Surface& surface) {
+        CAPTURE(surface.name);
+        const POINT place{BoundsOf(surface.window).left, BoundsOf(surface.window).top};
+        const auto moveBack = [&] {
+            SetWindowPos(surface.window, nullptr, place.x, place.y, 0, 0,
+                         SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+        };
+        const std::vector<LONG> start = PlacesOf(surface);
+        std::map<int, std::vector<LONG>> first;
+        for (const int dpi : kMoves) {
+            CAPTURE(dpi);
+            MoveToMonitor(surface.window, dpi);
+            const std::vector<LONG> places = PlacesOf(surface);
+            CHECK(first.try_emplace(dpi, places).first->second == places);
+        }
+        MoveToMonitor(surface.window, Dpi());
+        moveBack();
+        CHECK(PlacesOf(surface) == start);
+    });
+}
+
+TEST_CASE("a window grows at once when the user asks for larger text, and shrinks again") {
+    ForEachSurface([](const Surface& surface) {
+        CAPTURE(surface.name);
+        NONCLIENTMETRICSW metrics{};
+        metrics.cbSize = sizeof(metrics);
+        REQUIRE(SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0));
+        NONCLIENTMETRICSW larger = metrics;
+        larger.lfMessageFont.lfHeight = metrics.lfMessageFont.lfHeight * 3 / 2;
+        const std::vector<LONG> start = PlacesOf(surface);
+
+        REQUIRE(SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, sizeof(larger), &larger, 0));
+        SendMessageW(surface.window, WM_SETTINGCHANGE, SPI_SETNONCLIENTMETRICS, 0);
+        CHECK(PlacesOf(surface)[2] > start[2]);
+        CHECK(IsScaled(FontHeightOf(surface.controls.front()), -larger.lfMessageFont.lfHeight, Dpi()));
+        CHECK(TextOf(FaultsOf(surface)) == "");
+
+        SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0);
+        SendMessageW(surface.window, WM_SETTINGCHANGE, SPI_SETNONCLIENTMETRICS, 0);
+        CHECK(PlacesOf(surface) == start);
+    });
+}
