@@ -162,6 +162,7 @@ void RunNext(Case& manager, const OutgoingCall& row, std::span<const IncomingWor
         problems.Check(manager.outside.clock.Running() == 0, "a timer is kept");
         problems.Check(manager.outside.pictureBoxes == 0, "a picture box is kept");
     }
+    manager.registry.ForgetOpenHandles();
     const auto pairs = static_cast<int>(columns.begin() - first);
     counts.pairs += pairs;
     if (problems.texts.empty()) {

@@ -107,6 +107,9 @@ public:
     std::vector<std::string> OpenHandles() const;
     HKEY Handle(const std::string& name) const;
 
+    // The program leaves some open by design; in a long run they would add up.
+    void ForgetOpenHandles() noexcept { m_open.clear(); }
+
     // Calls with a handle that was never handed out, or was closed, of the registry in memory.
     long strayHandles = 0;
 
