@@ -14,12 +14,15 @@
 namespace {
 
 // A spin control takes part of its text box, as much as the system's scroll bars need: the two count as one.
+// It covers the edge of the box, so that together they are narrower by that than the box was.
 RECT WithSpin(HWND control) {
     RECT bounds = BoundsOf(control);
     const HWND next = GetWindow(control, GW_HWNDNEXT);
     if (next == nullptr || RoleOf(control) != Role::TextBox || RoleOf(next) != Role::Spin) return bounds;
     const RECT spin = BoundsOf(next);
+    const LONG covered = bounds.right - spin.left;
     UnionRect(&bounds, &bounds, &spin);
+    bounds.right += covered;
     return bounds;
 }
 
