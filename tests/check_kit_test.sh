@@ -42,6 +42,7 @@ Reported() {
 }
 
 # --- The zip
+cmake --build "$BUILD_DIR" --target check_kit >"$WINEPREFIX/check.log" 2>&1 || { tail "$WINEPREFIX/check.log" >&2; Fail "no kit"; }
 zip=$(echo "$BUILD_DIR"/Calvane-*-check.zip)
 unzip -q "$zip" -d "$kKit"
 # Every test that CTest knows, but for the prefix that they share, is run or has a reason.
