@@ -340,7 +340,7 @@ TEST_CASE(
     CHECK(CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&next)) ==
           S_OK);
     CHECK(ProcessesOf(kProgram).size() == 2);
-    CHECK(PumpUntil([&] { return Sum(board, &Tally::rounds) > kClients * kRounds / 4; }));
+    CHECK(PumpUntil([&] { return Sum(board, &Tally::rounds) > kClients * kRounds / 10; }));
     CHECK(LateCalls(board, 0) > 0);
     CHECK(CallsOfDeadServer(board) == 0);
     CHECK(ShownIcons() == 0);
