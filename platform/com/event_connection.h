@@ -24,8 +24,8 @@ public:
     // Disconnects. A source that is gone is no error.
     ~EventConnection();
 
-    // From here on no handler runs, even where the source does not let go of the sink. Returns what the source
-    // says to that; a call that it refuses can be made again.
+    // From here on no handler runs, even where the source does not let go of the sink. Returns what the
+    // source says to that; a call that it refuses can be made again.
     HRESULT Disconnect() noexcept;
 
 private:

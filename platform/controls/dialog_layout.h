@@ -12,8 +12,8 @@ public:
 
     // Gives the controls of the dialog the user's message font for this resolution and the places that they
     // have in it, and the dialog its size; its position stays. The result does not depend on what was before.
-    // Nothing changes when there is no font to be had. The dialog itself keeps the font of its template, which
-    // the dialog manager deletes.
+    // Nothing changes when there is no font to be had. The dialog itself keeps the font of its template,
+    // which the dialog manager deletes.
     void Apply(HWND dialog, int dpi) noexcept;
 
     // The size of the dialog with its frame.

@@ -22,8 +22,8 @@ void ForEachSurface(const std::function<void(const Surface& surface)>& visit);
 void ForEachPage(HWND window, const std::function<void(const Surface& page)>& visit);
 
 DWORD StyleOf(HWND control);
-RECT BoundsOf(HWND control);        // on the screen
-RECT StripOf(HWND tabs);            // where the tabs themselves are, on the screen
+RECT BoundsOf(HWND control);           // on the screen
+RECT StripOf(HWND tabs);               // where the tabs themselves are, on the screen
 std::wstring CaptionOf(HWND control);  // without the mark-up of a link
 
 enum class Role {

@@ -81,27 +81,6 @@ struct Member {
     std::function<HRESULT()> call;
 };
 
-// By number, as scripts do when they know the name.
-HRESULT Invoke(IDispatch* object, DISPID member, WORD flags, std::vector<Variant> arguments) {
-    std::vector<VARIANT> values;
-    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
-        values.push_back(argument->Value());
-    DISPID put = DISPID_PROPERTYPUT;
-    DISPPARAMS parameters{values.data(), nullptr, static_cast<UINT>(values.size()), 0};
-    if (flags == DISPATCH_PROPERTYPUT) {
-        parameters.rgdispidNamedArgs = &put;
-        parameters.cNamedArgs = 1;
-    }
-    Variant result;
-    EXCEPINFO exception{};
-    const HRESULT outcome = object->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
-                                           result.Receive(), &exception, nullptr);
-    SysFreeString(exception.bstrSource);
-    SysFreeString(exception.bstrDescription);
-    SysFreeString(exception.bstrHelpFile);
-    return outcome == DISP_E_EXCEPTION && FAILED(exception.scode) ? exception.scode : outcome;
-}
-
 // Every member of every object but ReleaseConfig.
 std::vector<Member> MembersOf(Client& client) {
     const ComPtr<_ConfigControl> control = client.control;
@@ -113,7 +92,10 @@ std::vector<Member> MembersOf(Client& client) {
     std::vector<Member> members;
     const auto add = [&](const char* name, const ComPtr<IDispatch>& object, DISPID member, WORD flags,
                          std::vector<Variant> arguments = {}) {
-        members.push_back({name, [=] { return Invoke(object.Get(), member, flags, arguments); }});
+        members.push_back({name, [=] {
+                               Variant result;
+                               return InvokeByNumber(object.Get(), member, flags, arguments, result);
+                           }});
     };
     for (const long showType : {1, 2, 3}) {
         members.push_back({"ConfigInstance", [control, showType] {

@@ -6,101 +6,22 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <optional>
 #include <set>
 #include <span>
-#include <thread>
 
 #include "platform/automation_error.h"
 #include "platform/com/variant.h"
-#include "platform/text.h"
-#include "tests/engine/session.h"
 #include "tests/engine/tray.h"
-#include "tests/support/automation.h"
-#include "tests/support/plain_log.h"
-#include "tests/support/program.h"
+#include "tests/pairs_across/stage.h"
 #include "tray/bas_shell_notify.h"
 
 namespace {
 
-constexpr size_t kLogRows = 25;
 constexpr DWORD kLongest = 5000;  // milliseconds, until all holds
 
 // What becomes of the change mark.
 enum class Mark { Untouched, Set, Cleared };
-
-// A log that has equal lines, and more than are shown.
-class Log {
-public:
-    Log() {
-        wchar_t folder[MAX_PATH] = L"";
-        GetTempPathW(MAX_PATH, folder);
-        m_path = std::wstring(folder) + L"pairs_across.log";
-        std::string text;
-        for (int i = 0; i < 40; ++i)
-            text += "http://site" + std::to_string(i % 3 == 0 ? i / 2 : i) + ".example/page\r\n";
-        for (const std::string& line : PlainNewestLines(text, kLogRows))
-            m_newest.push_back(FromAnsi(line));
-        std::ofstream(ToAnsi(m_path), std::ios::binary) << text;
-    }
-    Log(const Log&) = delete;
-    Log& operator=(const Log&) = delete;
-    ~Log() { DeleteFileW(m_path.c_str()); }
-
-    const std::wstring& Path() const noexcept { return m_path; }
-    const Lines& Newest() const noexcept { return m_newest; }
-
-private:
-    std::wstring m_path;
-    Lines m_newest;
-};
-
-// A manager, and what a pair needs of it. The window is not made yet.
-struct Stage : Session {
-    explicit Stage(const Log& log) {
-        Put(engine.Control(), L"LogFile", log.Path());
-        engine.RaiseByItself(false);
-        process = ProcessesOf(L"SentrelConfig.exe").at(0);
-    }
-    Stage(const Stage&) = delete;
-    Stage& operator=(const Stage&) = delete;
-    ~Stage() { Join(); }
-
-    void Join() {
-        if (starter.joinable()) starter.join();
-    }
-
-    // The configuration windows of the process.
-    std::vector<HWND> Windows() const;
-    HWND TheWindow() const {
-        const std::vector<HWND> windows = Windows();
-        return windows.empty() ? nullptr : windows.front();
-    }
-
-    ComPtr<IDispatch> Icon() { return ObjectIn(Get(manager.Form().Get(), L"m_oShellIcon")); }
-
-    DWORD process = 0;
-    std::thread starter;  // another client
-    HWND dialog = nullptr;
-};
-
-BOOL CALLBACK TakeConfigWindow(HWND hwnd, LPARAM parameter) {
-    auto& [process, windows] = *reinterpret_cast<std::pair<DWORD, std::vector<HWND>>*>(parameter);
-    DWORD owner = 0;
-    wchar_t name[16] = L"";
-    GetWindowThreadProcessId(hwnd, &owner);
-    GetClassNameW(hwnd, name, 16);
-    if (owner == process && lstrcmpW(name, L"#32770") == 0 && GetWindow(hwnd, GW_OWNER) == nullptr)
-        windows.push_back(hwnd);
-    return TRUE;
-}
-
-std::vector<HWND> Stage::Windows() const {
-    std::pair<DWORD, std::vector<HWND>> found{process, {}};
-    EnumWindows(TakeConfigWindow, reinterpret_cast<LPARAM>(&found));
-    return found.second;
-}
 
 // --- The calls that are held
 

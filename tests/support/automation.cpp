@@ -1,40 +1,41 @@
 #include "tests/support/automation.h"
 
-#include <algorithm>
 #include <stdexcept>
 
 #include "platform/automation_error.h"
 
 namespace {
 
-Variant Invoke(IDispatch* object, const wchar_t* member, WORD flags, std::vector<Variant> arguments) {
+Variant Invoke(IDispatch* object, const wchar_t* member, WORD flags, const std::vector<Variant>& arguments) {
     LPOLESTR name = const_cast<LPOLESTR>(member);
     DISPID id = DISPID_UNKNOWN;
     ThrowIfFailed(object->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id));
+    Variant result;
+    ThrowIfFailed(InvokeByNumber(object, id, flags, arguments, result));
+    return result;
+}
 
-    std::reverse(arguments.begin(), arguments.end());
+}  // namespace
+
+HRESULT InvokeByNumber(IDispatch* object, DISPID member, WORD flags, const std::vector<Variant>& arguments,
+                       Variant& result) {
     std::vector<VARIANT> values;
-    for (const Variant& argument : arguments)
-        values.push_back(argument.Value());
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
+        values.push_back(argument->Value());
     DISPID put = DISPID_PROPERTYPUT;
     DISPPARAMS parameters{values.data(), nullptr, static_cast<UINT>(values.size()), 0};
     if (flags == DISPATCH_PROPERTYPUT) {
         parameters.rgdispidNamedArgs = &put;
         parameters.cNamedArgs = 1;
     }
-
-    Variant result;
     EXCEPINFO exception{};
-    const HRESULT outcome = object->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
+    const HRESULT outcome = object->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &parameters,
                                            result.Receive(), &exception, nullptr);
     SysFreeString(exception.bstrSource);
     SysFreeString(exception.bstrDescription);
     SysFreeString(exception.bstrHelpFile);
-    ThrowIfFailed(outcome == DISP_E_EXCEPTION && FAILED(exception.scode) ? exception.scode : outcome);
-    return result;
+    return outcome == DISP_E_EXCEPTION && FAILED(exception.scode) ? exception.scode : outcome;
 }
-
-}  // namespace
 
 Variant Call(IDispatch* object, const wchar_t* member, std::vector<Variant> arguments) {
     return Invoke(object, member, DISPATCH_METHOD, std::move(arguments));

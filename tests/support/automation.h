@@ -10,6 +10,10 @@
 #include "platform/com/com_ptr.h"
 #include "platform/com/variant.h"
 
+// By number, as scripts do when they know the name. Returns what the object returned.
+HRESULT InvokeByNumber(IDispatch* object, DISPID member, WORD flags, const std::vector<Variant>& arguments,
+                       Variant& result);
+
 // Each throws AutomationError with what the object returned.
 Variant Call(IDispatch* object, const wchar_t* member, std::vector<Variant> arguments = {});
 Variant Get(IDispatch* object, const wchar_t* property, std::vector<Variant> arguments = {});
