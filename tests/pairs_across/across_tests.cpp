@@ -190,7 +190,12 @@ constexpr Column kColumns[] = {
              stage.dialog = stage.WaitForDialog();
          },
      .mark = Mark::Set,
-     .after = [](Stage& stage) { CHECK(stage.CancelDialog(stage.dialog)); }},
+     // The window may go together with it.
+     .after =
+         [](Stage& stage) {
+             PostMessageW(stage.dialog, WM_COMMAND, IDCANCEL, 0);
+             CHECK(WaitUntil([&] { return !IsWindow(stage.dialog); }));
+         }},
     {.name = "the close box", .come = Send<WM_SYSCOMMAND, SC_CLOSE>},
     {.name = "the tray menu", .come = OpenMenuOf, .needs = Needs::Icon, .after = [](Stage&) { CloseMenu(); }},
     {.name = "mnuShowConfig", .come = ChooseFrom<L'o'>, .needs = Needs::Icon, .showsWindow = true},
