@@ -40,7 +40,8 @@ private:
     bool m_made = false;
 };
 
-// COM's own threads take less, on a busy machine too, to send the caller its result.
+// For COM's own threads to send the caller its result. Where they take longer, the caller learns that the
+// server is gone.
 constexpr DWORD kReplyTime = 50;  // milliseconds
 
 // COM's threads may be in the midst of other clients' calls. ExitProcess would stop them there and then let
