@@ -2,29 +2,14 @@
 
 #include <utility>
 
-#include "platform/automation_error.h"
-#include "tests/support/message_pump.h"
+#include "tests/support/error_of.h"
 #include "tests/tray_icon/timer_calls.h"
 #include "tests/tray_icon/tray_icon_fixture.h"
-#include "tray/bas_shell_notify.h"
 
 namespace {
 
-using Actions = std::vector<DWORD>;
-
 // A tick comes late when the machine is busy, but never earlier than this much before its time.
 constexpr DWORD kEarly = 20;
-
-std::vector<DWORD> IconsFrom(const std::vector<ShellCall>& calls, size_t first) {
-    std::vector<DWORD> icons;
-    for (size_t i = first; i < calls.size(); ++i)
-        icons.push_back(calls[i].Icon());
-    return icons;
-}
-
-LONG HookProcedure() {
-    return static_cast<LONG>(reinterpret_cast<LONG_PTR>(&TrayWindowProc));
-}
 
 }  // namespace
 
@@ -36,104 +21,90 @@ TEST_CASE_FIXTURE(
     REQUIRE(Animate(250) == S_OK);
     CHECK(icon->Animating());
     CHECK(shell.calls.size() == 1);
-    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 6; }));
+    REQUIRE(Asked(6));
 
-    REQUIRE(shell.Actions() == Actions{NIM_ADD, NIM_MODIFY, NIM_MODIFY, NIM_MODIFY, NIM_DELETE, NIM_ADD});
-    CHECK(IconsFrom(shell.calls, 0) == std::vector<DWORD>{100, 200, 201, 202, 202, 100});
+    CHECK(Story() == "add rest, " + kRun);
     for (size_t tick = 1; tick <= 4; ++tick) {
         CAPTURE(tick);
         CHECK(shell.calls[tick].time - start >= tick * 250 - kEarly);
     }
     CHECK(shell.calls[4].record == shell.calls[3].record);
-    CHECK(shell.calls[5].Tip() == std::string("Calvane Sentrel\0", 16) + std::string(48, ' '));
+    CHECK(shell.calls[5].Tip() == kTipBytes);
     CHECK_FALSE(icon->Animating());
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture, "an animation is one pass, whatever its pictures per cycle") {
-    SetUp();
-    REQUIRE(Animate(10, 3, 7) == S_OK);
-    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 6; }));
-    PumpFor(100);
-    CHECK(shell.calls.size() == 6);
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture, "the frame with the highest number is never shown") {
-    SetUp();
-    PictureArray pictures(0, 3);
-    for (LONG i = 0; i < 4; ++i)
-        pictures.Item(i, frames[static_cast<size_t>(i)].Get());
-    REQUIRE(icon->AnimateIcon(pictures.Reference(), 10, 1, window.Number()) == S_OK);
-    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 6; }));
-    CHECK(IconsFrom(shell.calls, 0) == std::vector<DWORD>{100, 200, 201, 202, 202, 100});
+TEST_CASE("an animation is one pass through its pictures, the last of which is never shown") {
+    struct Row {
+        std::string what;
+        LONG upperBound;
+        std::vector<LONG> filled;
+        LONG picsPerCycle;
+        std::string story;
+    };
+    const Row rows[] = {
+        {"whatever its pictures per cycle", 3, {0, 1, 2}, 7, kRun},
+        {"the last slot is filled", 3, {0, 1, 2, 3}, 1, kRun},
+        {"a single picture: the first tick restores the resting icon", 0, {0}, 1, "delete, add rest"},
+        {"an empty slot before the last ends it with the resting icon", 3, {0, 2}, 1, "0, delete, add rest"},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.what);
+        TrayIconFixture tray;
+        tray.SetUp();
+        PictureArray pictures(0, row.upperBound);
+        for (const LONG slot : row.filled)
+            pictures.Item(slot, tray.frames[static_cast<size_t>(slot)].Get());
+        REQUIRE(tray.icon->AnimateIcon(pictures.Reference(), 10, row.picsPerCycle, tray.window.Number()) ==
+                S_OK);
+        REQUIRE(tray.Ends());
+        PumpFor(60);
+        CHECK(tray.Story() == "add rest, " + row.story);
+    }
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture,
-                  "a single frame is never shown: the first tick restores the resting icon") {
-    SetUp();
-    REQUIRE(Animate(10, 0) == S_OK);
-    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 3; }));
-    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE, NIM_ADD});
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture,
-                  "the frames are copied: the caller's array may go, and they are released at the end") {
-    SetUp();
-    REQUIRE(Animate(10) == S_OK);
-    CHECK(frames[0]->References() == 2);
-    CHECK(frames[2]->References() == 2);
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
-    for (const auto& frame : frames)
-        CHECK(frame->References() == 1);
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture, "the caller's array is not changed") {
+                  "the frames are copied: the caller's array is not changed, and the copies go at the end") {
     SetUp();
     PictureArray pictures = Slots();
     REQUIRE(icon->AnimateIcon(pictures.Reference(), 10, 1, window.Number()) == S_OK);
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    CHECK(frames[0]->References() == 3);
+    CHECK(frames[2]->References() == 3);
+    REQUIRE(Ends());
     CHECK(pictures.LowerBound() == 0);
     CHECK(pictures.UpperBound() == 3);
     CHECK(pictures.Item(1).Get() == frames[1].Get());
     CHECK(pictures.Item(3) == nullptr);
+    pictures.Clear();
+    for (const auto& frame : frames)
+        CHECK(frame->References() == 1);
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "a second start 300 ms into an animation begins again with frame 0") {
     SetUp();
     REQUIRE(Animate(250) == S_OK);
-    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 2; }));
+    REQUIRE(Asked(2));
     PumpFor(50);
-    shell.calls.clear();
     const DWORD restart = GetTickCount();
     REQUIRE(Animate(250) == S_OK);
-    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 5; }));
+    REQUIRE(Asked(7));
     PumpFor(300);
-    CHECK(shell.Actions() == Actions{NIM_MODIFY, NIM_MODIFY, NIM_MODIFY, NIM_DELETE, NIM_ADD});
-    CHECK(IconsFrom(shell.calls, 0) == std::vector<DWORD>{200, 201, 202, 202, 100});
+    CHECK(Story(2) == kRun);
     // A fresh timer: not the rest of the first one's period.
-    CHECK(shell.calls[0].time - restart >= 250 - kEarly);
+    CHECK(shell.calls[2].time - restart >= 250 - kEarly);
     for (const auto& frame : frames)
         CHECK(frame->References() == 1);
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture, "an animation that has ended can be started again") {
+TEST_CASE_FIXTURE(TrayIconFixture, "an animation that has ended ticks no more and can be started again") {
+    TimerCalls timers;
     SetUp();
     for (int run = 0; run < 2; ++run) {
         shell.calls.clear();
         REQUIRE(Animate(10) == S_OK);
-        REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
-        CHECK(IconsFrom(shell.calls, 0) == std::vector<DWORD>{200, 201, 202, 202, 100});
+        REQUIRE(Ends());
+        CHECK(Story() == kRun);
     }
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture, "nothing ticks once an animation has ended") {
-    TimerCalls timers;
-    SetUp();
-    REQUIRE(Animate(10) == S_OK);
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
-    const size_t calls = shell.calls.size();
     CHECK_FALSE(timers.AnyRuns());
-    PumpFor(100);
-    CHECK(shell.calls.size() == calls);
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture,
@@ -144,45 +115,35 @@ TEST_CASE_FIXTURE(TrayIconFixture,
     int asked = 0;
     for (const auto& frame : frames)
         frame->asked = [&] { ++asked; };
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    REQUIRE(Ends());
     CHECK(asked == 0);
-    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE, NIM_ADD});
-    CHECK(shell.calls.back().Icon() == kRestHandle);
+    CHECK(Story() == "add rest, delete, add rest");
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "an animation without any icon shows none and ends") {
     icon->InitShellNotify(window.Number(), 1025);
     REQUIRE(Animate(10) == S_OK);
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
+    REQUIRE(Ends());
     CHECK(shell.calls.empty());
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture,
-                  "the owner's release during an animation stops it, removes the icon and unhooks") {
-    SetUp();
-    REQUIRE(Animate(50) == S_OK);
-    REQUIRE(PumpUntil([&] { return shell.calls.size() >= 2; }));
-    icon.Reset();
-    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_MODIFY, NIM_DELETE});
-    CHECK(window.Procedure() != HookProcedure());
-    for (const auto& frame : frames)
-        CHECK(frame->References() == 1);
-    CHECK(rest->References() == 1);
-    PumpFor(150);
-    CHECK(shell.calls.size() == 3);
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture,
-                  "an animation of 0 pictures per cycle does not outlive the owner's release either") {
-    TimerCalls timers;
-    SetUp();
-    REQUIRE(Animate(50, 3, 0) == S_OK);
-    icon->Class_Terminate();
-    CHECK_FALSE(icon->Animating());
-    CHECK(timers.periods == std::vector<UINT>{50});
-    CHECK_FALSE(timers.AnyRuns());
-    PumpFor(150);
-    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_DELETE});
+TEST_CASE("the owner's release during an animation, of 0 pictures per cycle too, stops it and its timer") {
+    for (const LONG picsPerCycle : {1, 0}) {
+        CAPTURE(picsPerCycle);
+        TimerCalls timers;
+        TrayIconFixture tray;
+        tray.SetUp();
+        REQUIRE(tray.Animate(250, 3, picsPerCycle) == S_OK);
+        tray.icon->Class_Terminate();
+        CHECK_FALSE(tray.icon->Animating());
+        CHECK(timers.periods == std::vector<UINT>{250});
+        CHECK_FALSE(timers.AnyRuns());
+        for (const auto& frame : tray.frames)
+            CHECK(frame->References() == 1);
+        CHECK(tray.rest->References() == 1);
+        PumpFor(60);
+        CHECK(tray.Story() == "add rest, delete");
+    }
 }
 
 TEST_CASE_FIXTURE(TrayIconFixture, "the owner's release from within a tick is survived") {
@@ -194,7 +155,7 @@ TEST_CASE_FIXTURE(TrayIconFixture, "the owner's release from within a tick is su
     REQUIRE(Animate(10) == S_OK);
     REQUIRE(PumpUntil([&] { return icon == nullptr; }));
     PumpFor(60);
-    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_MODIFY, NIM_DELETE});
+    CHECK(Story() == "add rest, 0, delete");
     CHECK(rest->References() == 1);
 }
 
@@ -204,101 +165,60 @@ TEST_CASE_FIXTURE(TrayIconFixture, "frames that start at 1 fail on the first tic
     for (LONG i = 1; i <= 3; ++i)
         pictures.Item(i, frames[static_cast<size_t>(i)].Get());
     REQUIRE(icon->AnimateIcon(pictures.Reference(), 10000, 1, window.Number()) == S_OK);
-    HRESULT error = S_OK;
-    try {
-        icon->m_tmrAni_TimerFired(0);
-    } catch (const AutomationError& failure) {
-        error = failure.Code();
-    }
-    CHECK(error == HresultOf(ErrorNumber::SubscriptOutOfRange));
+    CHECK(ErrorOf([&] { icon->m_tmrAni_TimerFired(0); }) == HresultOf(ErrorNumber::SubscriptOutOfRange));
     CHECK_FALSE(icon->Animating());
-    CHECK(IconsFrom(shell.calls, 0) == std::vector<DWORD>{100, 100, 100});
+    CHECK(Story() == "add rest, delete, add rest");
     pictures.Clear();
     CHECK(frames[1]->References() == 1);
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture, "an empty slot before the last ends the animation with the resting icon") {
-    SetUp();
-    PictureArray pictures(0, 3);
-    pictures.Item(0, frames[0].Get());
-    pictures.Item(2, frames[2].Get());
-    REQUIRE(icon->AnimateIcon(pictures.Reference(), 10, 1, window.Number()) == S_OK);
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
-    PumpFor(60);
-    CHECK(shell.Actions() == Actions{NIM_ADD, NIM_MODIFY, NIM_DELETE, NIM_ADD});
-    CHECK(shell.calls.back().Icon() == kRestHandle);
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture, "an array that cannot be used leaves a running animation running") {
+TEST_CASE_FIXTURE(TrayIconFixture,
+                  "an animation needs an array of objects with one dimension, else a running one goes on") {
     SetUp();
     REQUIRE(Animate(20) == S_OK);
-    SAFEARRAY* none = nullptr;
-    CHECK(FAILED(icon->AnimateIcon(&none, 20, 1, window.Number())));
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
-    CHECK(IconsFrom(shell.calls, 0) == std::vector<DWORD>{100, 200, 201, 202, 202, 100});
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture, "an animation needs an array of objects with one dimension") {
-    SetUp();
     CHECK(icon->AnimateIcon(nullptr, 10, 1, window.Number()) == E_POINTER);
 
-    SAFEARRAY* none = nullptr;
-    CHECK(icon->AnimateIcon(&none, 10, 1, window.Number()) == HresultOf(ErrorNumber::SubscriptOutOfRange));
-
-    SAFEARRAY* numbers = SafeArrayCreateVector(VT_I4, 0, 4);
-    CHECK(icon->AnimateIcon(&numbers, 10, 1, window.Number()) == HresultOf(ErrorNumber::TypeMismatch));
-    SafeArrayDestroy(numbers);
-
     SAFEARRAYBOUND bounds[2] = {{2, 0}, {2, 0}};
-    SAFEARRAY* table = SafeArrayCreate(VT_DISPATCH, 2, bounds);
-    CHECK(icon->AnimateIcon(&table, 10, 1, window.Number()) == HresultOf(ErrorNumber::SubscriptOutOfRange));
-    SafeArrayDestroy(table);
-
-    PumpFor(60);
-    CHECK(shell.calls.size() == 1);
+    const std::pair<SAFEARRAY*, ErrorNumber> refused[] = {
+        {nullptr, ErrorNumber::SubscriptOutOfRange},
+        {SafeArrayCreateVector(VT_I4, 0, 4), ErrorNumber::TypeMismatch},
+        {SafeArrayCreate(VT_DISPATCH, 2, bounds), ErrorNumber::SubscriptOutOfRange}};
+    for (auto [pictures, error] : refused) {
+        CHECK(icon->AnimateIcon(&pictures, 10, 1, window.Number()) == HresultOf(error));
+        SafeArrayDestroy(pictures);
+    }
+    REQUIRE(Ends());
+    CHECK(Story() == "add rest, " + kRun);
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture, "an animation without an owner's window does not tick") {
-    SetUp();
-    PictureArray pictures = Slots();
-    CHECK(icon->AnimateIcon(pictures.Reference(), 10, 1, 0) == S_OK);
-    PumpFor(100);
-    CHECK(shell.calls.size() == 1);
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture, "an animation does not outlive its owner's window") {
+TEST_CASE_FIXTURE(TrayIconFixture, "an animation ticks only while its owner's window is there") {
     PlainWindow owner;
     SetUp();
     PictureArray pictures = Slots();
+    REQUIRE(icon->AnimateIcon(pictures.Reference(), 10, 1, 0) == S_OK);
+    PumpFor(100);
+    CHECK(shell.calls.size() == 1);
     REQUIRE(icon->AnimateIcon(pictures.Reference(), 30, 1, owner.Number()) == S_OK);
     owner.Destroy();
     PumpFor(120);
     CHECK(shell.calls.size() == 1);
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture, "a start from within a tick begins with frame 0 and a fresh timer") {
-    TimerCalls timers;
-    SetUp();
-    frames[0]->asked = [this, isFirst = true]() mutable {
-        if (std::exchange(isFirst, false)) REQUIRE(Animate(10) == S_OK);
-    };
-    REQUIRE(Animate(10) == S_OK);
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
-    CHECK(timers.periods.size() == 2);
-    CHECK(IconsFrom(shell.calls, 1) == std::vector<DWORD>{200, 201, 202, 202, 100});
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture,
-                  "a picture that fails does not end the animation that was started meanwhile") {
-    SetUp();
-    frames[0]->asked = [this, isFirst = true]() mutable {
-        frames[0]->result = isFirst ? RPC_E_DISCONNECTED : S_OK;
-        if (std::exchange(isFirst, false)) {
-            REQUIRE(Animate(10) == S_OK);
-            CHECK(icon->Animating());
-        }
-    };
-    REQUIRE(Animate(10) == S_OK);
-    REQUIRE(PumpUntil([&] { return !icon->Animating(); }));
-    CHECK(IconsFrom(shell.calls, 1) == std::vector<DWORD>{200, 201, 202, 202, 100});
+TEST_CASE(
+    "a start from within a tick begins with frame 0 and a fresh timer, and a failure there ends nothing") {
+    for (const HRESULT result : {S_OK, RPC_E_DISCONNECTED}) {
+        CAPTURE(result);
+        TimerCalls timers;
+        TrayIconFixture tray;
+        tray.SetUp();
+        tray.frames[0]->asked = [&, isFirst = true]() mutable {
+            tray.frames[0]->result = isFirst ? result : S_OK;
+            if (std::exchange(isFirst, false)) REQUIRE(tray.Animate(10) == S_OK);
+        };
+        REQUIRE(tray.Animate(10) == S_OK);
+        REQUIRE(tray.Asked(2));
+        REQUIRE(tray.Ends());
+        CHECK(timers.periods.size() == 2);
+        CHECK(tray.Story(1) == kRun);
+    }
 }

@@ -6,8 +6,6 @@
 
 #include <functional>
 
-#include "platform/com/com_ptr.h"
-
 // It is its own picture: its property Picture is the object itself, whose default property is the handle.
 class FakePictureBox final : public IDispatch {
 public:
@@ -27,16 +25,49 @@ public:
     // What asking for the picture returns.
     HRESULT result = S_OK;
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override;
+    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
+        *object = nullptr;
+        if (!IsEqualIID(id, IID_IUnknown) && !IsEqualIID(id, IID_IDispatch)) return E_NOINTERFACE;
+        *object = static_cast<IDispatch*>(this);
+        AddRef();
+        return S_OK;
+    }
     STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(++m_references); }
-    STDMETHODIMP_(ULONG) Release() override;
-    STDMETHODIMP GetTypeInfoCount(UINT* count) override;
+    STDMETHODIMP_(ULONG) Release() override {
+        const LONG references = --m_references;
+        if (references == 0) delete this;
+        return static_cast<ULONG>(references);
+    }
+    STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+        *count = 0;
+        return S_OK;
+    }
     STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override;
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+        if (count != 1 || lstrcmpiW(names[0], L"Picture") != 0) return DISP_E_UNKNOWNNAME;
+        ids[0] = kPicture;
+        return S_OK;
+    }
     STDMETHODIMP Invoke(DISPID member, REFIID, LCID, WORD, DISPPARAMS*, VARIANT* value, EXCEPINFO*,
-                        UINT*) override;
+                        UINT*) override {
+        if (member == kPicture) {
+            if (asked) asked();
+            if (FAILED(result)) return result;
+            value->vt = VT_DISPATCH;
+            value->pdispVal = this;
+            AddRef();
+            return S_OK;
+        }
+        if (member != DISPID_VALUE) return DISP_E_MEMBERNOTFOUND;
+        value->vt = VT_I4;
+        value->lVal = m_handle;
+        if (answered) answered();
+        return S_OK;
+    }
 
 private:
+    static constexpr DISPID kPicture = 17;
+
     ~FakePictureBox() {
         if (gone) gone();
     }

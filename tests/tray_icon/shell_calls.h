@@ -4,6 +4,7 @@
 #include <windows.h>
 #include <shellapi.h>
 
+#include <cstring>
 #include <functional>
 #include <string>
 #include <vector>
@@ -15,7 +16,11 @@ struct ShellCall {
     std::string record;  // as many bytes as cbSize says
     DWORD time;          // GetTickCount
 
-    DWORD Number(size_t offset) const;
+    DWORD Number(size_t offset) const {
+        DWORD number = 0;
+        std::memcpy(&number, record.data() + offset, sizeof(number));
+        return number;
+    }
     std::string Tip() const { return record.substr(24); }
     DWORD Icon() const { return Number(20); }
 };
@@ -23,19 +28,21 @@ struct ShellCall {
 // One at a time.
 class ShellCalls {
 public:
-    ShellCalls();
-    ShellCalls(const ShellCalls&) = delete;
-    ShellCalls& operator=(const ShellCalls&) = delete;
-    ~ShellCalls();
+    ShellCalls() { s_current = this; }
+    ~ShellCalls() { s_current = nullptr; }
 
     // What the shell returns; TRUE where nothing is set.
     std::function<BOOL(DWORD action)> result;
 
     std::vector<ShellCall> calls;
-    std::vector<DWORD> Actions() const;
 
 private:
-    static BOOL WINAPI Fake(DWORD action, NOTIFYICONDATAA* data);
+    static BOOL WINAPI Fake(DWORD action, NOTIFYICONDATAA* data) {
+        s_current->calls.push_back(
+            {action, std::string(reinterpret_cast<const char*>(data), data->cbSize), GetTickCount()});
+        return s_current->result ? s_current->result(action) : TRUE;
+    }
 
-    const ImportPatch m_patch;
+    static inline ShellCalls* s_current = nullptr;
+    const ImportPatch m_patch{"shell32.dll", "Shell_NotifyIconA", &Fake};
 };

@@ -10,10 +10,8 @@
 // One at a time.
 class TimerCalls {
 public:
-    TimerCalls() : m_patch("user32.dll", "SetTimer", &Fake) { current = this; }
-    TimerCalls(const TimerCalls&) = delete;
-    TimerCalls& operator=(const TimerCalls&) = delete;
-    ~TimerCalls() { current = nullptr; }
+    TimerCalls() { s_current = this; }
+    ~TimerCalls() { s_current = nullptr; }
 
     std::vector<UINT> periods;
 
@@ -33,12 +31,12 @@ private:
     };
 
     static UINT_PTR WINAPI Fake(HWND hwnd, UINT_PTR id, UINT period, TIMERPROC procedure) {
-        current->periods.push_back(period);
-        current->m_timers.push_back({hwnd, id});
-        return current->m_patch.Original<decltype(&Fake)>()(hwnd, id, 10, procedure);
+        s_current->periods.push_back(period);
+        s_current->m_timers.push_back({hwnd, id});
+        return s_current->m_patch.Original<decltype(&Fake)>()(hwnd, id, 10, procedure);
     }
 
-    static inline TimerCalls* current = nullptr;
+    static inline TimerCalls* s_current = nullptr;
     std::vector<Set> m_timers;
-    const ImportPatch m_patch;
+    const ImportPatch m_patch{"user32.dll", "SetTimer", &Fake};
 };

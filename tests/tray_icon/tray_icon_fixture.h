@@ -6,6 +6,7 @@
 
 #include "platform/com/com_ptr.h"
 #include "platform/com/variant.h"
+#include "tests/support/message_pump.h"
 #include "tests/support/plain_window.h"
 #include "tests/tray_icon/fake_picture_box.h"
 #include "tests/tray_icon/shell_calls.h"
@@ -15,12 +16,12 @@
 inline constexpr LONG kRestHandle = 100;
 inline constexpr LONG kFrameHandle = 200;  // of frame 0; 201 of frame 1, and so on
 
-struct TrayIconFixture {
-    TrayIconFixture() : icon(MakeObject<ShellNotification>()) {
-        for (LONG i = 0; i < 4; ++i)
-            frames[static_cast<size_t>(i)] = MakeObject<FakePictureBox>(kFrameHandle + i);
-    }
+inline const std::string kTipBytes = std::string("Calvane Sentrel\0", 16) + std::string(48, ' ');
 
+// A whole animation, as Story tells it.
+inline const std::string kRun = "0, 1, 2, delete, add rest";
+
+struct TrayIconFixture {
     // The calls of a manager's window that is set up, as the manager makes them.
     void SetUp() {
         icon->InitShellNotify(window.Number(), 1025);
@@ -46,9 +47,36 @@ struct TrayIconFixture {
         return icon->AnimateIcon(pictures.Reference(), interval, picsPerCycle, window.Number());
     }
 
+    bool Ends() {
+        return PumpUntil([this] { return !icon->Animating(); });
+    }
+
+    bool Asked(size_t calls) {
+        return PumpUntil([&] { return shell.calls.size() >= calls; });
+    }
+
+    // What the shell was asked, from a call on: "add rest, 0, 1, 2, delete, add rest", with the frames'
+    // numbers.
+    std::string Story(size_t first = 0) const {
+        std::string story;
+        for (size_t i = first; i < shell.calls.size(); ++i) {
+            const ShellCall& call = shell.calls[i];
+            const auto handle = static_cast<LONG>(call.Icon());
+            const std::string picture =
+                handle == kRestHandle ? "rest" : std::to_string(handle - kFrameHandle);
+            story += i == first ? "" : ", ";
+            story += call.action == NIM_DELETE ? "delete"
+                     : call.action == NIM_ADD  ? "add " + picture
+                                               : picture;
+        }
+        return story;
+    }
+
     PlainWindow window;
     ShellCalls shell;
     ComPtr<FakePictureBox> rest = MakeObject<FakePictureBox>(kRestHandle);
-    std::array<ComPtr<FakePictureBox>, 4> frames;
-    ComPtr<ShellNotification> icon;
+    const std::array<ComPtr<FakePictureBox>, 4> frames{
+        MakeObject<FakePictureBox>(kFrameHandle), MakeObject<FakePictureBox>(kFrameHandle + 1),
+        MakeObject<FakePictureBox>(kFrameHandle + 2), MakeObject<FakePictureBox>(kFrameHandle + 3)};
+    ComPtr<ShellNotification> icon = MakeObject<ShellNotification>();
 };
