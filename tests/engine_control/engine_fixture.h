@@ -14,10 +14,10 @@
 
 using Calls = std::vector<std::string>;
 
-inline constexpr DISPID kKilled = 1;
-inline constexpr DISPID kPaused = 2;
-inline constexpr DISPID kStarted = 3;
-inline constexpr DISPID kStopped = 4;
+// Which of the menu's items are enabled, "Start Stop Pause".
+inline constexpr char kDesigned[] = "+++";
+inline constexpr char kRunning[] = "-++";
+inline constexpr char kStopped[] = "+--";
 
 // Ways in which a call to another process fails for good, and some that engines invent.
 inline const HRESULT kFailures[] = {E_FAIL,
@@ -30,26 +30,40 @@ inline const HRESULT kFailures[] = {E_FAIL,
                                     HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
                                     HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE)};
 
-struct EngineFixture {
-    bool IsEnabled(UINT item) const {
-        return (GetMenuState(menu.Handle(), item, MF_BYCOMMAND) & MF_GRAYED) == 0;
-    }
+// The menu's commands to the engine.
+struct Command {
+    std::string member;
+    Event TrayMenu::*item;
+    bool EngineControl::*pending;
+    LONG stateBefore;
+    std::string menuBefore;
+    std::string menuAfter;
+};
+inline const Command kCommands[] = {
+    {"Start", &TrayMenu::mnuStartKiller_Click, &EngineControl::bStartPending, 2, kStopped, kRunning},
+    {"Stop", &TrayMenu::mnuStopKiller_Click, &EngineControl::bStopPending, 1, kRunning, kStopped},
+    {"Pause", &TrayMenu::mnuPauseKiller_Click, &EngineControl::bPausePending, 1, kRunning, kRunning}};
 
-    // "Start Stop Pause", each "+" or "-".
+struct EngineFixture {
     std::string Enabled() const {
         std::string text;
         for (const UINT item : {mnuStartKiller, mnuStopKiller, mnuPauseKiller})
-            text += IsEnabled(item) ? '+' : '-';
+            text += (GetMenuState(menu.Handle(), item, MF_BYCOMMAND) & MF_GRAYED) == 0 ? '+' : '-';
         return text;
     }
 
     void Connect() { engine.Connect(window.Hwnd(), 0x1234); }
+    void Disconnect() { engine.Disconnect(window.Hwnd(), 0x1234); }
 
     // Without what connecting calls.
     void ConnectQuietly() {
         Connect();
         server.script.calls.clear();
     }
+
+    void Choose(const Command& command) { (menu.*command.item)(); }
+
+    bool AnyPending() const { return engine.bStartPending || engine.bStopPending || engine.bPausePending; }
 
     // Until the timer of the commands is off again.
     bool Tick() {
@@ -68,7 +82,3 @@ struct EngineFixture {
                          },
                          [this] { notices.push_back("announce"); }};
 };
-
-inline constexpr char kDesigned[] = "+++";
-inline constexpr char kRunning[] = "-++";
-inline constexpr char kStoppedMenu[] = "+--";

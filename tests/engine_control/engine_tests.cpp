@@ -1,6 +1,17 @@
 #include <doctest.h>
 
+#include <utility>
+
 #include "tests/engine_control/engine_fixture.h"
+
+namespace {
+
+constexpr DISPID kKilled = 1;
+constexpr DISPID kPaused = 2;
+constexpr DISPID kStarted = 3;
+constexpr DISPID kStoppedEvent = 4;
+
+}  // namespace
 
 TEST_CASE_FIXTURE(EngineFixture,
                   "the engine is created with the window's handle, the reference's address and mode 2") {
@@ -15,75 +26,56 @@ TEST_CASE_FIXTURE(EngineFixture,
     CHECK(engine.Popup().Get() == reinterpret_cast<IDispatch*>(server.popup));
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "state 1 gives the menu of a running engine") {
-    server.script.state = 1;
-    Connect();
-    CHECK(Enabled() == kRunning);
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "states 2 and 3 give the same menu of a stopped engine") {
-    for (const LONG state : {2L, 3L}) {
+TEST_CASE_FIXTURE(EngineFixture,
+                  "the menu is the state's: 1 is running, 2 and 3 are stopped, others are nothing") {
+    const std::pair<LONG, const char*> rows[] = {
+        {0, kDesigned}, {4, kDesigned}, {-1, kDesigned}, {0x7fffffff, kDesigned},
+        {1, kRunning},  {2, kStopped},  {3, kStopped}};
+    for (const auto& [state, enabled] : rows) {
         CAPTURE(state);
-        menu.EnableRunningMenu();
+        menu.EnableDesignedMenu();
         server.script.state = state;
         Connect();
-        CHECK(Enabled() == kStoppedMenu);
-        engine.Disconnect(window.Hwnd(), 0x1234);
+        CHECK(Enabled() == enabled);
+        Disconnect();
     }
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "any other state leaves the menu as designed") {
-    for (const LONG state : {0L, 4L, -1L, 0x7fffffffL}) {
-        CAPTURE(state);
-        server.script.state = state;
-        Connect();
-        CHECK(Enabled() == kDesigned);
-        engine.Disconnect(window.Hwnd(), 0x1234);
-    }
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
-                  "a state that cannot be read leaves the menu as designed and the engine held") {
-    for (const HRESULT failure : kFailures) {
-        CAPTURE(failure);
-        server.script.results["State"] = failure;
-        Connect();
-        CHECK(Enabled() == kDesigned);
-        CHECK(engine.Popup() != nullptr);
-        CHECK(server.ConnectionCount() == 1);
-        engine.Disconnect(window.Hwnd(), 0x1234);
-    }
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
-                  "without an engine server there is no engine and the menu stays as designed") {
+TEST_CASE("what fails in connecting leaves the menu as designed, and leave is taken of what was reached") {
+    struct Row {
+        std::string member;
+        HRESULT failure;
+        Calls calls;
+        bool hasEngine;
+    };
+    std::vector<Row> rows;
     for (const HRESULT failure :
          {REGDB_E_CLASSNOTREG, CO_E_SERVER_EXEC_FAILURE, E_NOINTERFACE, E_OUTOFMEMORY}) {
-        CAPTURE(failure);
-        server.script.results["CreateInstance"] = failure;
-        server.script.calls.clear();
-        Connect();
-        CHECK(engine.Popup() == nullptr);
-        CHECK(Enabled() == kDesigned);
-        CHECK(server.script.calls == Calls{"CreateInstance"});
         // Nobody starts it to leave it either.
-        engine.Disconnect(window.Hwnd(), 0x1234);
-        CHECK(server.script.calls == Calls{"CreateInstance"});
+        rows.push_back({"CreateInstance", failure, {"CreateInstance"}, false});
     }
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
-                  "an engine that is not created is absent, but its application is taken leave of") {
     for (const HRESULT failure : kFailures) {
-        CAPTURE(failure);
-        server.script.results["CreatePopup"] = failure;
-        server.script.calls.clear();
-        Connect();
-        CHECK(engine.Popup() == nullptr);
-        CHECK(Enabled() == kDesigned);
-        engine.Disconnect(window.Hwnd(), 0x1234);
-        CHECK(server.script.calls ==
-              Calls{"CreateInstance", "CreatePopup", "ReleasePopup", "SentrelApp gone"});
+        rows.push_back({"CreatePopup",
+                        failure,
+                        {"CreateInstance", "CreatePopup", "ReleasePopup", "SentrelApp gone"},
+                        false});
+        rows.push_back({"State",
+                        failure,
+                        {"CreateInstance", "CreatePopup", "Advise", "State", "Popup gone", "ReleasePopup",
+                         "SentrelApp gone"},
+                        true});
+    }
+    for (const Row& row : rows) {
+        CAPTURE(row.member);
+        CAPTURE(row.failure);
+        EngineFixture at;
+        at.server.script.results[row.member] = row.failure;
+        at.Connect();
+        CHECK((at.engine.Popup() != nullptr) == row.hasEngine);
+        if (row.hasEngine) CHECK(at.server.ConnectionCount() == 1);
+        CHECK(at.Enabled() == kDesigned);
+        at.Disconnect();
+        CHECK(at.server.script.calls == row.calls);
     }
 }
 
@@ -99,7 +91,7 @@ TEST_CASE_FIXTURE(EngineFixture, "an engine without events is still held and its
     server.script.state = 2;
     Connect();
     CHECK(engine.Popup() != nullptr);
-    CHECK(Enabled() == kStoppedMenu);
+    CHECK(Enabled() == kStopped);
     CHECK(server.script.calls == Calls{"CreateInstance", "CreatePopup", "Advise", "State"});
 }
 
@@ -111,7 +103,7 @@ TEST_CASE_FIXTURE(EngineFixture,
     CHECK(server.script.calls == Calls{"Popup gone"});
     CHECK(server.popup == nullptr);
 
-    engine.Disconnect(window.Hwnd(), 0x1234);
+    Disconnect();
     CHECK(server.script.calls == Calls{"Popup gone", "ReleasePopup", "SentrelApp gone"});
     CHECK(server.script.configHwnd == window.Number());
     CHECK(server.script.configForm == 0x1234);
@@ -131,7 +123,7 @@ TEST_CASE_FIXTURE(EngineFixture, "an engine that fails when it is left is gone a
         CAPTURE(failure);
         server.script.results["ReleasePopup"] = failure;
         ConnectQuietly();
-        engine.Disconnect(window.Hwnd(), 0x1234);
+        Disconnect();
         CHECK(engine.Popup() == nullptr);
         CHECK(server.script.calls == Calls{"Popup gone", "ReleasePopup", "SentrelApp gone"});
     }
@@ -144,66 +136,42 @@ TEST_CASE_FIXTURE(EngineFixture,
     engine.Release();
     CHECK(server.ConnectionCount() == 0);
     server.Raise(kKilled, {Variant(1L), Variant(L"Win a prize")});
-    server.Raise(kStopped);
+    server.Raise(kStoppedEvent);
     CHECK(notices.empty());
     CHECK(Enabled() == kRunning);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "a closed window animates the icon first and gives the notice second") {
+TEST_CASE_FIXTURE(EngineFixture,
+                  "each closed window animates the icon, failing or not, and then gives the notice") {
     Connect();
     server.Raise(kKilled, {Variant(0x20304L), Variant(L"Win a prize")});
     CHECK(notices == Calls{"animate", "announce"});
+    animate = [] { RaiseError(ErrorNumber::ObjectNotSet); };
+    server.Raise(kKilled, {Variant(2L), Variant(L"")});
+    CHECK(notices == Calls{"animate", "announce", "animate", "announce"});
     CHECK(Enabled() == kRunning);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "the notice is given even when the animation fails") {
-    Connect();
-    animate = [] { RaiseError(ErrorNumber::ObjectNotSet); };
-    server.Raise(kKilled, {Variant(1L), Variant(L"")});
-    CHECK(notices == Calls{"animate", "announce"});
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "two closed windows give two notices") {
-    Connect();
-    server.Raise(kKilled, {Variant(1L), Variant(L"first")});
-    server.Raise(kKilled, {Variant(2L), Variant(L"second")});
-    CHECK(notices == Calls{"animate", "announce", "animate", "announce"});
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "a closed window without its two arguments gives no notice") {
+TEST_CASE_FIXTURE(EngineFixture,
+                  "an unknown event, and a closed window without its two arguments, do nothing") {
     Connect();
     server.Raise(kKilled, {Variant(1L)});
     server.Raise(kKilled, {});
+    server.Raise(5);
     CHECK(notices.empty());
+    CHECK(Enabled() == kRunning);
 }
 
 TEST_CASE_FIXTURE(EngineFixture, "the engine's events set the menu") {
     Connect();
-    server.Raise(kStopped);
-    CHECK(Enabled() == kStoppedMenu);
+    server.Raise(kStoppedEvent);
+    CHECK(Enabled() == kStopped);
     server.Raise(kStarted);
     CHECK(Enabled() == kRunning);
     server.Raise(kPaused);
-    CHECK(Enabled() == kStoppedMenu);
-    server.Raise(kStarted);
-    CHECK(Enabled() == kRunning);
+    CHECK(Enabled() == kStopped);
     CHECK(notices.empty());
     CHECK(server.script.Count("State") == 1);
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "an unknown event changes nothing") {
-    Connect();
-    server.Raise(5);
-    CHECK(Enabled() == kRunning);
-    CHECK(notices.empty());
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "opening and leaving are never disabled") {
-    for (const bool running : {true, false}) {
-        running ? menu.EnableRunningMenu() : menu.EnableStoppedMenu();
-        CHECK(IsEnabled(mnuShowConfig));
-        CHECK(IsEnabled(mnuExit));
-    }
 }
 
 TEST_CASE_FIXTURE(EngineFixture, "the settings are reloaded by the engine") {
@@ -216,11 +184,16 @@ TEST_CASE_FIXTURE(EngineFixture, "the settings are reloaded by the engine") {
     CHECK(done == 1);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "the engine tells its log") {
-    ConnectQuietly();
+TEST_CASE_FIXTURE(EngineFixture, "the engine tells its log, and the error of one that fails is passed on") {
+    Connect();
     CHECK(engine.LogFile() == L"C:\\Sentrel\\closed.log");
     server.script.logFile.clear();
     CHECK(engine.LogFile().empty());
+    for (const HRESULT failure : kFailures) {
+        CAPTURE(failure);
+        server.script.results["LogFile"] = failure;
+        CHECK(ErrorOf([&] { engine.LogFile(); }) == failure);
+    }
 }
 
 TEST_CASE_FIXTURE(EngineFixture, "what a missing engine is asked fails with number 91") {
@@ -231,38 +204,24 @@ TEST_CASE_FIXTURE(EngineFixture, "what a missing engine is asked fails with numb
     CHECK(engine.Popup() == nullptr);
 }
 
-TEST_CASE_FIXTURE(
-    EngineFixture,
-    "a failing engine's error is passed on where it is asked for its log, and ignored elsewhere") {
-    Connect();
-    for (const HRESULT failure : kFailures) {
-        CAPTURE(failure);
-        server.script.results["LogFile"] = failure;
-        CHECK(ErrorOf([&] { engine.LogFile(); }) == failure);
-    }
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
-                  "an engine that is let go of while it is called lives until the call returns") {
-    for (const std::string call : {"ReloadSettings", "LogFile", "State", "Start", "Stop", "Pause"}) {
+TEST_CASE("an engine that is let go of while it is called lives until the call returns") {
+    for (const std::string call : {"State", "ReloadSettings", "LogFile", "Start", "Stop", "Pause"}) {
         CAPTURE(call);
-        server.script.within.clear();
+        EngineFixture at;
         bool wasAlive = false;
-        const auto letGo = [&] {
-            engine.Disconnect(window.Hwnd(), 0x1234);
-            wasAlive = server.popup != nullptr;
+        at.server.script.within[call] = [&] {
+            at.Disconnect();
+            wasAlive = at.server.popup != nullptr;
         };
-        if (call == "State") server.script.within[call] = letGo;
-        Connect();
-        server.script.within[call] = letGo;
-        if (call == "ReloadSettings") engine.ReloadSettings([] {});
-        if (call == "LogFile") engine.LogFile();
-        if (call == "Start") engine.mnuStartKiller_Click();
-        if (call == "Stop") engine.mnuStopKiller_Click();
-        if (call == "Pause") engine.mnuPauseKiller_Click();
-        engine.tmMenu_Timer();
+        at.Connect();
+        if (call == "ReloadSettings") at.engine.ReloadSettings([] {});
+        if (call == "LogFile") at.engine.LogFile();
+        for (const Command& command : kCommands) {
+            if (call == command.member) at.Choose(command);
+        }
+        at.engine.tmMenu_Timer();
         CHECK(wasAlive);
-        CHECK(server.popup == nullptr);
-        CHECK(engine.Popup() == nullptr);
+        CHECK(at.server.popup == nullptr);
+        CHECK(at.engine.Popup() == nullptr);
     }
 }

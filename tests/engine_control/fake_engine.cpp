@@ -37,19 +37,6 @@ private:
 
 }  // namespace
 
-// Runs what is to run behind a call when the call's result is there.
-class BehindCall {
-public:
-    BehindCall(EngineScript& script, const char* name) : m_script(script), m_name(name) {}
-    BehindCall(const BehindCall&) = delete;
-    BehindCall& operator=(const BehindCall&) = delete;
-    ~BehindCall() { m_script.Run(m_script.behind, m_name); }
-
-private:
-    EngineScript& m_script;
-    const char* const m_name;
-};
-
 class FakePopup final : public DualObject<_Popup>,
                         private IConnectionPointContainer,
                         private IConnectionPoint {
@@ -80,28 +67,20 @@ public:
     STDMETHODIMP_(ULONG) Release() override { return DualObject::Release(); }
 
     STDMETHODIMP get_State(LONG* value) override {
-        const BehindCall behind(m_engine.script, "State");
         *value = m_engine.script.state;
-        return m_engine.script.Call("State");
+        return m_engine.script.Play("State");
     }
-    STDMETHODIMP Start() override { return Call("Start"); }
-    STDMETHODIMP Stop() override { return Call("Stop"); }
-    STDMETHODIMP Pause() override { return Call("Pause"); }
-    STDMETHODIMP ReloadSettings() override { return Call("ReloadSettings"); }
+    STDMETHODIMP Start() override { return m_engine.script.Play("Start"); }
+    STDMETHODIMP Stop() override { return m_engine.script.Play("Stop"); }
+    STDMETHODIMP Pause() override { return m_engine.script.Play("Pause"); }
+    STDMETHODIMP ReloadSettings() override { return m_engine.script.Play("ReloadSettings"); }
     STDMETHODIMP get_LogFile(BSTR* value) override {
-        const BehindCall behind(m_engine.script, "LogFile");
         *value = nullptr;
-        const HRESULT result = m_engine.script.Call("LogFile");
-        if (SUCCEEDED(result)) *value = SysAllocString(m_engine.script.logFile.c_str());
-        return result;
+        return m_engine.script.Play("LogFile",
+                                    [&] { *value = SysAllocString(m_engine.script.logFile.c_str()); });
     }
 
 private:
-    HRESULT Call(const char* name) {
-        const BehindCall behind(m_engine.script, name);
-        return m_engine.script.Call(name);
-    }
-
     STDMETHODIMP EnumConnectionPoints(IEnumConnectionPoints**) override { return E_NOTIMPL; }
     STDMETHODIMP FindConnectionPoint(REFIID id, IConnectionPoint** point) override {
         *point = nullptr;
@@ -113,21 +92,27 @@ private:
     STDMETHODIMP GetConnectionInterface(IID*) override { return E_NOTIMPL; }
     STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer**) override { return E_NOTIMPL; }
     STDMETHODIMP Advise(IUnknown* sink, DWORD* cookie) override {
-        const BehindCall behind(m_engine.script, "Advise");
         ComPtr<IDispatch> dispatch;
         *cookie = 0;
         if (FAILED(sink->QueryInterface(IID_PPV_ARGS(&dispatch)))) return CONNECT_E_CANNOTCONNECT;
         *cookie = ++m_lastCookie;
         sinks.emplace(*cookie, dispatch);
+        m_engine.script.Run(m_engine.script.behind, "Advise");
         return S_OK;
     }
     STDMETHODIMP Unadvise(DWORD cookie) override {
         const ComPtr<_Popup> self(this);
-        const BehindCall behind(m_engine.script, "Unadvise");
-        m_engine.script.Run(m_engine.script.within, "Unadvise");
-        const auto refused = m_engine.script.results.find("Unadvise");
-        if (refused != m_engine.script.results.end()) return refused->second;
-        return sinks.erase(cookie) == 0 ? CONNECT_E_NOCONNECTION : S_OK;
+        EngineScript& script = m_engine.script;
+        script.Run(script.within, "Unadvise");
+        const auto refused = script.results.find("Unadvise");
+        HRESULT result = S_OK;
+        if (refused != script.results.end()) {
+            result = refused->second;
+        } else if (sinks.erase(cookie) == 0) {
+            result = CONNECT_E_NOCONNECTION;
+        }
+        script.Run(script.behind, "Unadvise");
+        return result;
     }
     STDMETHODIMP EnumConnections(IEnumConnections**) override { return E_NOTIMPL; }
 
@@ -155,23 +140,21 @@ public:
     }
 
     STDMETHODIMP CreatePopup(LONG configHwnd, LONG configForm, LONG* mode, _Popup** popup) override {
-        const BehindCall behind(m_engine.script, "CreatePopup");
         *popup = nullptr;
         m_engine.script.configHwnd = configHwnd;
         m_engine.script.configForm = configForm;
         m_engine.script.mode = *mode;
-        const HRESULT result = m_engine.script.Call("CreatePopup");
-        if (FAILED(result) || m_engine.script.createsNothing) return result;
-        m_engine.popup = new FakePopup(m_engine);
-        *popup = m_engine.popup;
-        return S_OK;
+        return m_engine.script.Play("CreatePopup", [&] {
+            if (m_engine.script.createsNothing) return;
+            m_engine.popup = new FakePopup(m_engine);
+            *popup = m_engine.popup;
+        });
     }
 
     STDMETHODIMP ReleasePopup(LONG configHwnd, LONG configForm) override {
         m_engine.script.configHwnd = configHwnd;
         m_engine.script.configForm = configForm;
-        const BehindCall behind(m_engine.script, "ReleasePopup");
-        return m_engine.script.Call("ReleasePopup");
+        return m_engine.script.Play("ReleasePopup");
     }
 
 private:
@@ -185,6 +168,13 @@ HRESULT EngineScript::Call(const std::string& name) {
     Run(within, name);
     const auto result = results.find(name);
     return result == results.end() ? S_OK : result->second;
+}
+
+HRESULT EngineScript::Play(const std::string& name, const std::function<void()>& done) {
+    const HRESULT result = Call(name);
+    if (SUCCEEDED(result) && done) done();
+    Run(behind, name);
+    return result;
 }
 
 void EngineScript::Run(const std::map<std::string, std::function<void()>>& bodies,
@@ -224,12 +214,9 @@ size_t FakeEngine::ConnectionCount() const {
 }
 
 HRESULT WINAPI FakeEngine::Create(REFCLSID classId, IUnknown*, DWORD context, REFIID id, void** object) {
-    const BehindCall behind(current->script, "CreateInstance");
     *object = nullptr;
     current->classId = classId;
     current->context = context;
-    const HRESULT result = current->script.Call("CreateInstance");
-    if (FAILED(result)) return result;
-    const auto application = MakeObject<FakeApplication>(*current);
-    return application->QueryInterface(id, object);
+    return current->script.Play("CreateInstance",
+                                [&] { MakeObject<FakeApplication>(*current)->QueryInterface(id, object); });
 }

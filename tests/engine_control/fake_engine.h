@@ -38,6 +38,9 @@ struct EngineScript {
     LONG mode = 0;
 
     HRESULT Call(const std::string& name);
+
+    // A whole call: done, where it succeeds, gives what it returns.
+    HRESULT Play(const std::string& name, const std::function<void()>& done = {});
     void Run(const std::map<std::string, std::function<void()>>& bodies, const std::string& name) const;
     int Count(const std::string& name) const;
 };

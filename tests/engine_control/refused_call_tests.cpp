@@ -67,31 +67,19 @@ TEST_CASE_FIXTURE(RefusingEngine, "any other failure of a reload is final") {
 }
 
 TEST_CASE_FIXTURE(RefusingEngine, "a menu command that is refused for now reaches the engine later, once") {
-    struct Command {
-        const char* member;
-        void (EngineControl::*click)();
-        const char* menuBefore;
-        const char* menuAfter;
-    };
-    const Command kCommands[] = {{"Start", &EngineControl::mnuStartKiller_Click, kStoppedMenu, kRunning},
-                                 {"Stop", &EngineControl::mnuStopKiller_Click, kRunning, kStoppedMenu},
-                                 {"Pause", &EngineControl::mnuPauseKiller_Click, kRunning, kRunning}};
     for (const Command& command : kCommands) {
         CAPTURE(command.member);
+        server.script.state = command.stateBefore;
         ConnectQuietly();
-        menu.EnableRunningMenu();
-        if (command.menuBefore == std::string(kStoppedMenu)) menu.EnableStoppedMenu();
         Refuse(command.member, RPC_E_CALL_REJECTED, 2);
-        (engine.*command.click)();
+        Choose(command);
         REQUIRE(PumpUntil([&] { return !server.script.calls.empty(); }));
         CHECK(Enabled() == command.menuBefore);
         CHECK(engine.tmMenu().Running());
         REQUIRE(Tick());
         CHECK(server.script.calls == Calls(3, command.member));
         CHECK(Enabled() == command.menuAfter);
-        CHECK_FALSE(engine.bStartPending);
-        CHECK_FALSE(engine.bStopPending);
-        CHECK_FALSE(engine.bPausePending);
+        CHECK_FALSE(AnyPending());
     }
 }
 
@@ -111,7 +99,7 @@ TEST_CASE_FIXTURE(RefusingEngine, "a refused call is given up when the engine is
     ConnectQuietly();
     Refuse("ReloadSettings", RPC_E_CALL_REJECTED, 1000);
     Reload();
-    engine.Disconnect(window.Hwnd(), 0x1234);
+    Disconnect();
     server.script.calls.clear();
     PumpFor(300);
     CHECK(server.script.calls.empty());
@@ -150,7 +138,7 @@ TEST_CASE_FIXTURE(RefusingEngine,
             CHECK(server.script.calls == expected);
             CHECK(server.ConnectionCount() == 1);
             CHECK(Enabled() == kRunning);
-            engine.Disconnect(window.Hwnd(), 0x1234);
+            Disconnect();
             CHECK(server.popup == nullptr);
         }
     }
@@ -194,7 +182,7 @@ TEST_CASE_FIXTURE(RefusingEngine, "a wait for a busy engine ends when the engine
         server.script.calls.clear();
         server.script.results[member] = RPC_E_CALL_REJECTED;
         server.script.within[member] = [&] {
-            if (server.script.Count(member) == 3) engine.Disconnect(window.Hwnd(), 0x1234);
+            if (server.script.Count(member) == 3) Disconnect();
         };
         Connect();
         CHECK(server.script.Count(member) == 3);
@@ -214,7 +202,7 @@ TEST_CASE_FIXTURE(RefusingEngine, "in a sent message no call of the engine is wa
 TEST_CASE_FIXTURE(RefusingEngine,
                   "events that are connected too late are disconnected even where that is refused") {
     server.script.behind["Advise"] = [&] {
-        engine.Disconnect(window.Hwnd(), 0x1234);
+        Disconnect();
         server.script.results["Unadvise"] = RPC_E_CALL_REJECTED;
     };
     server.script.within["Unadvise"] = [this, times = 2]() mutable {
@@ -227,7 +215,7 @@ TEST_CASE_FIXTURE(RefusingEngine,
 
 TEST_CASE_FIXTURE(RefusingEngine,
                   "an engine that is released while its events are connected keeps no connection") {
-    server.script.within["Advise"] = [&] { engine.Disconnect(window.Hwnd(), 0x1234); };
+    server.script.within["Advise"] = [&] { Disconnect(); };
     Connect();
     CHECK(server.popup == nullptr);
     CHECK(engine.Popup() == nullptr);

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "platform/automation_error.h"
-#include "platform/com/event_source.h"
 #include "shell_notification_interface.h"
+#include "tests/support/error_of.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/plain_window.h"
 #include "tray/shell_notification.h"
@@ -15,23 +15,38 @@ namespace {
 
 using Calls = std::vector<std::string>;
 
-// An object with the icon's events, which unlike the icon raises them.
-class RaisingIcon final : public IUnknown {
-public:
-    RaisingIcon() : events(*this, __uuidof(__ShellNotification)) {}
+// A configuration window that keeps what is asked of it, and the calls to Windows in between.
+struct GesturesFixture : TrayWindow {
+    GesturesFixture() { current = this; }
+    ~GesturesFixture() { current = nullptr; }
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        *object = IsEqualIID(id, IID_IConnectionPointContainer) ? static_cast<void*>(events.Container())
-                  : IsEqualIID(id, IID_IUnknown)                ? static_cast<void*>(this)
-                                                                : nullptr;
-        return *object == nullptr ? E_NOINTERFACE : S_OK;
+    void ShowModeless() override { calls.push_back("Show"); }
+    void PopupTrayMenu(bool pauseIsDefault) override {
+        calls.push_back(pauseIsDefault ? "Pop up, pause is default" : "Pop up");
     }
-    STDMETHODIMP_(ULONG) AddRef() override { return 2; }
-    STDMETHODIMP_(ULONG) Release() override { return 1; }
 
+    static BOOL WINAPI SetForeground(HWND hwnd) {
+        current->calls.push_back("SetForegroundWindow");
+        current->target = hwnd;
+        return FALSE;
+    }
+
+    static BOOL WINAPI Post(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+        current->calls.push_back("Post " + std::to_string(message) + ' ' + std::to_string(wParam) + ' ' +
+                                 std::to_string(lParam) + (current->b_OKtoUnload ? " unloading" : ""));
+        current->target = hwnd;
+        return TRUE;
+    }
+
+    void Connect() { gestures.Connect(window.Hwnd(), static_cast<IDispatch*>(icon.Get())); }
+
+    // Calls the listener to the icon's event, which the icon itself never raises. S_FALSE where nobody
+    // listens.
     HRESULT Raise(std::vector<VARIANT> lastToFirst) {
+        ComPtr<IConnectionPointContainer> container;
+        icon.As(&container);
         ComPtr<IConnectionPoint> point;
-        events.Container()->FindConnectionPoint(__uuidof(__ShellNotification), &point);
+        container->FindConnectionPoint(__uuidof(__ShellNotification), &point);
         ComPtr<IEnumConnections> connections;
         point->EnumConnections(&connections);
         CONNECTDATA connection{};
@@ -60,43 +75,10 @@ public:
         return Raise(arguments);
     }
 
-    EventSource events;
-};
-
-// A configuration window that keeps what is asked of it, and the calls to Windows in between.
-struct GesturesFixture : TrayWindow {
-    GesturesFixture() { current = this; }
-    ~GesturesFixture() { current = nullptr; }
-
-    void ShowModeless() override { calls.push_back("Show"); }
-    void PopupTrayMenu(bool pauseIsDefault) override {
-        calls.push_back(pauseIsDefault ? "Pop up, pause is default" : "Pop up");
-    }
-
-    static BOOL WINAPI SetForeground(HWND hwnd) {
-        current->calls.push_back("SetForegroundWindow");
-        current->target = hwnd;
-        return FALSE;
-    }
-
-    static BOOL WINAPI Post(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-        current->calls.push_back("Post " + std::to_string(message) + ' ' + std::to_string(wParam) + ' ' +
-                                 std::to_string(lParam) + (current->b_OKtoUnload ? " unloading" : ""));
-        current->target = hwnd;
-        return TRUE;
-    }
-
-    void MouseUp(float x) {
-        short button = 1;
-        short shift = 2;
-        float y = 3;
-        gestures.m_oShellIcon_MouseUp(button, shift, x, y);
-    }
-
     static inline GesturesFixture* current = nullptr;
 
     PlainWindow window;
-    RaisingIcon icon;
+    ComPtr<ShellNotification> icon = MakeObject<ShellNotification>();
     TrayMenu menu;
     bool b_OKtoUnload = false;
     TrayGestures gestures{menu, *this, b_OKtoUnload};
@@ -114,73 +96,51 @@ TEST_CASE_FIXTURE(GesturesFixture, "opening the configuration shows the window")
     CHECK_FALSE(b_OKtoUnload);
 }
 
-TEST_CASE_FIXTURE(GesturesFixture, "leaving lets the window unload, then posts it a close message") {
-    gestures.Connect(window.Hwnd(), &icon);
+TEST_CASE_FIXTURE(
+    GesturesFixture,
+    "leaving lets the window unload, then posts it a close message, be there icon's events or not") {
+    SUBCASE("with events") {
+        Connect();
+    }
+    SUBCASE("without") {
+        CHECK(ErrorOf([&] { gestures.Connect(window.Hwnd(), nullptr); }) != S_OK);
+    }
     menu.mnuExit_Click();
     CHECK(calls == Calls{"Post 16 0 0 unloading"});
     CHECK(target == window.Hwnd());
     CHECK(b_OKtoUnload);
 }
 
-TEST_CASE_FIXTURE(GesturesFixture, "leaving works although the icon has no events") {
-    bool failed = false;
-    try {
-        gestures.Connect(window.Hwnd(), nullptr);
-    } catch (const AutomationError&) {
-        failed = true;
-    }
-    CHECK(failed);
-    menu.mnuExit_Click();
-    CHECK(target == window.Hwnd());
-}
-
 TEST_CASE_FIXTURE(GesturesFixture,
-                  "a double click in twips brings the window to the foreground and shows it") {
-    gestures.Connect(window.Hwnd(), &icon);
-    MouseUp(7725);
-    CHECK(calls == Calls{"SetForegroundWindow", "Show"});
-    CHECK(target == window.Hwnd());
-}
-
-TEST_CASE_FIXTURE(GesturesFixture,
-                  "a right-button release in twips pops up the menu without a default item") {
-    MouseUp(7755);
-    CHECK(calls == Calls{"SetForegroundWindow", "Pop up"});
-}
-
-TEST_CASE_FIXTURE(GesturesFixture, "any other position only brings the window to the foreground") {
-    for (const float x : {0.0f, 515.0f, 517.0f, 7724.0f, 7724.5f, 7740.0f, 7756.0f, -7725.0f}) {
+                  "the place of a mouse event, in twips, brings the window to the foreground, and a double click "
+                  "shows it, the right button pops up the menu without a default item") {
+    Connect();
+    const std::pair<float, Calls> rows[] = {
+        {7725.0f, {"Show"}}, {7755.0f, {"Pop up"}}, {0.0f, {}},    {515.0f, {}},  {517.0f, {}},
+        {7724.0f, {}},       {7724.5f, {}},         {7740.0f, {}}, {7756.0f, {}}, {-7725.0f, {}}};
+    for (const auto& [x, done] : rows) {
         CAPTURE(x);
         calls.clear();
-        MouseUp(x);
-        CHECK(calls == Calls{"SetForegroundWindow"});
+        CHECK(RaiseMouseUp(x) == S_OK);
+        Calls expected{"SetForegroundWindow"};
+        expected.insert(expected.end(), done.begin(), done.end());
+        CHECK(calls == expected);
+        CHECK(target == window.Hwnd());
     }
 }
 
 TEST_CASE_FIXTURE(GesturesFixture, "the icon's event reaches its handler until it is disconnected") {
-    gestures.Connect(window.Hwnd(), &icon);
-    CHECK(icon.events.ConnectionCount() == 1);
-    CHECK(icon.RaiseMouseUp(7725) == S_OK);
-    CHECK(icon.RaiseMouseUp(7755) == S_OK);
-    CHECK(calls == Calls{"SetForegroundWindow", "Show", "SetForegroundWindow", "Pop up"});
-
+    Connect();
+    CHECK(RaiseMouseUp(0) == S_OK);
     gestures.Disconnect();
-    CHECK(icon.events.ConnectionCount() == 0);
-    CHECK(icon.RaiseMouseUp(7725) == S_FALSE);
-    CHECK(calls.size() == 4);
+    CHECK(RaiseMouseUp(0) == S_FALSE);
+    CHECK(icon->AddRef() == 2);
+    CHECK(icon->Release() == 1);
 }
 
 TEST_CASE_FIXTURE(GesturesFixture, "an event with other arguments than its own is refused") {
-    gestures.Connect(window.Hwnd(), &icon);
-    CHECK(icon.Raise({}) == HresultOf(ErrorNumber::TypeMismatch));
-    CHECK(icon.Raise(std::vector<VARIANT>(4)) == HresultOf(ErrorNumber::TypeMismatch));
+    Connect();
+    CHECK(Raise({}) == HresultOf(ErrorNumber::TypeMismatch));
+    CHECK(Raise(std::vector<VARIANT>(4)) == HresultOf(ErrorNumber::TypeMismatch));
     CHECK(calls.empty());
-}
-
-TEST_CASE_FIXTURE(GesturesFixture, "the real icon can be listened to and is let go of again") {
-    const auto real = MakeObject<ShellNotification>();
-    gestures.Connect(window.Hwnd(), static_cast<IDispatch*>(real.Get()));
-    gestures.Disconnect();
-    CHECK(real->AddRef() == 2);
-    CHECK(real->Release() == 1);
 }

@@ -1,14 +1,18 @@
 #include <doctest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "tests/support/import_patch.h"
-#include "tests/support/message_pump.h"
 #include "tests/support/plain_window.h"
 #include "tray/tray_menu.h"
 
 namespace {
+
+using Calls = std::vector<std::string>;
+
+constexpr UINT kNone = static_cast<UINT>(-1);
 
 std::wstring CaptionOf(HMENU menu, UINT position) {
     wchar_t text[80] = L"";
@@ -16,27 +20,42 @@ std::wstring CaptionOf(HMENU menu, UINT position) {
     return text;
 }
 
-// Stands before the calls that show the menu.
-struct MenuCalls {
-    MenuCalls() { current = this; }
-    ~MenuCalls() { current = nullptr; }
+// A menu on a window, with the calls that show it and the items that are raised, in order.
+struct ShownMenu {
+    ShownMenu() {
+        current = this;
+        menu.mnuStartKiller_Click = [this] { calls.push_back("Start"); };
+        menu.mnuStopKiller_Click = [this] { calls.push_back("Stop"); };
+        menu.mnuPauseKiller_Click = [this] { calls.push_back("Pause"); };
+        menu.mnuShowConfig_Click = [this] { calls.push_back("Show"); };
+        menu.mnuExit_Click = [this] { calls.push_back("Exit"); };
+    }
+    ~ShownMenu() { current = nullptr; }
+
+    Calls PopUp(bool pauseIsDefault = true) {
+        calls.clear();
+        menu.PopUp(window.Hwnd(), pauseIsDefault);
+        return calls;
+    }
 
     static BOOL WINAPI Track(HMENU menu, UINT flags, int x, int y, HWND owner, TPMPARAMS* parameters) {
-        MenuCalls& self = *current;
+        ShownMenu& self = *current;
         self.calls.push_back("Track");
-        self.menu = menu;
-        self.flags = flags;
-        self.position = {x, y};
-        self.owner = owner;
-        self.parameters = parameters;
+        CHECK(menu == self.menu.Handle());
+        CHECK((flags & (TPM_RIGHTBUTTON | TPM_RETURNCMD)) == (TPM_RIGHTBUTTON | TPM_RETURNCMD));
+        CHECK((flags & TPM_NONOTIFY) == 0);
+        CHECK(x == 321);
+        CHECK(y == 123);
+        CHECK(owner == self.window.Hwnd());
+        CHECK(parameters == nullptr);
         self.defaultItem = GetMenuDefaultItem(menu, FALSE, GMDI_USEDISABLED);
         if (self.whileShown) self.whileShown();
         return static_cast<BOOL>(self.chosen);
     }
 
     static BOOL WINAPI Post(HWND hwnd, UINT message, WPARAM, LPARAM) {
+        CHECK(hwnd == current->window.Hwnd());
         current->calls.push_back("Post " + std::to_string(message));
-        current->posted = hwnd;
         return TRUE;
     }
 
@@ -45,63 +64,18 @@ struct MenuCalls {
         return TRUE;
     }
 
-    static inline MenuCalls* current = nullptr;
+    static inline ShownMenu* current = nullptr;
 
+    PlainWindow window;
+    TrayMenu menu;
     UINT chosen = 0;
     std::function<void()> whileShown;
-    std::vector<std::string> calls;
-    HMENU menu = nullptr;
-    UINT flags = 0;
-    POINT position{};
-    HWND owner = nullptr;
-    HWND posted = nullptr;
-    TPMPARAMS* parameters = nullptr;
+    Calls calls;
     UINT defaultItem = 0;
 
     const ImportPatch track{"user32.dll", "TrackPopupMenuEx", &Track};
     const ImportPatch post{"user32.dll", "PostMessageW", &Post};
     const ImportPatch cursor{"user32.dll", "GetCursorPos", &Cursor};
-};
-
-// Keeps which item was raised.
-struct MenuWithListener {
-    MenuWithListener() {
-        menu.mnuStartKiller_Click = [this] { clicked.push_back("Start"); };
-        menu.mnuStopKiller_Click = [this] { clicked.push_back("Stop"); };
-        menu.mnuPauseKiller_Click = [this] { clicked.push_back("Pause"); };
-        menu.mnuShowConfig_Click = [this] { clicked.push_back("Show"); };
-        menu.mnuExit_Click = [this] { clicked.push_back("Exit"); };
-    }
-
-    TrayMenu menu;
-    std::vector<std::string> clicked;
-};
-
-using Clicks = std::vector<std::string>;
-
-// Types a key into the menu once it is shown, and some time later Esc, for a menu that the key did not close.
-struct TypedKey {
-    TypedKey(HWND window, WPARAM theKey) : hwnd(window), key(theKey) {
-        current = this;
-        SetTimer(hwnd, kKeyTimer, 100, Type);
-        SetTimer(hwnd, kEscapeTimer, 600, Type);
-    }
-    ~TypedKey() {
-        KillTimer(hwnd, kKeyTimer);
-        KillTimer(hwnd, kEscapeTimer);
-        current = nullptr;
-    }
-
-    static void CALLBACK Type(HWND window, UINT, UINT_PTR id, DWORD) {
-        KillTimer(window, id);
-        PostMessageW(window, WM_KEYDOWN, id == kKeyTimer ? current->key : VK_ESCAPE, 1);
-    }
-
-    static constexpr UINT_PTR kKeyTimer = 77;
-    static constexpr UINT_PTR kEscapeTimer = 78;
-    static inline TypedKey* current = nullptr;
-    const HWND hwnd;
-    const WPARAM key;
 };
 
 }  // namespace
@@ -123,144 +97,74 @@ TEST_CASE("the menu has its items in order, captioned and enabled") {
         CHECK(((state & MF_SEPARATOR) != 0) == isSeparator);
         if (!isSeparator) CHECK((state & (MF_GRAYED | MF_DISABLED | MF_CHECKED)) == 0);
     }
-    CHECK(GetMenuDefaultItem(menu.Handle(), FALSE, GMDI_USEDISABLED) == static_cast<UINT>(-1));
+    CHECK(GetMenuDefaultItem(menu.Handle(), FALSE, GMDI_USEDISABLED) == kNone);
 }
 
-TEST_CASE("the menu has its caption, on a menu bar") {
-    const TrayMenu menu;
-    // Nobody hands the bar out: it is looked for among all menus, by the low halves of their handles.
-    std::vector<std::wstring> captions;
-    for (ULONG_PTR handle = 0x20; handle < 0x10000; handle += 2) {
-        const HMENU bar = reinterpret_cast<HMENU>(handle);
-        if (IsMenu(bar) && GetSubMenu(bar, 0) == menu.Handle()) captions.push_back(CaptionOf(bar, 0));
+TEST_CASE("opening and leaving are never disabled") {
+    TrayMenu menu;
+    for (const auto enable : {&TrayMenu::EnableRunningMenu, &TrayMenu::EnableStoppedMenu}) {
+        (menu.*enable)();
+        for (const UINT item : {mnuShowConfig, mnuExit})
+            CHECK((GetMenuState(menu.Handle(), item, MF_BYCOMMAND) & MF_GRAYED) == 0);
     }
-    CHECK(captions == std::vector<std::wstring>{L"Config Popup"});
 }
 
-TEST_CASE("the menu goes with its object") {
+TEST_CASE("the menu has its caption, on a menu bar, and goes with its object") {
     HMENU handle = nullptr;
     {
         const TrayMenu menu;
         handle = menu.Handle();
         CHECK(IsMenu(handle));
+        // Nobody hands the bar out: it is looked for among all menus, by the low halves of their handles.
+        std::vector<std::wstring> captions;
+        for (ULONG_PTR number = 0x20; number < 0x10000; number += 2) {
+            const HMENU bar = reinterpret_cast<HMENU>(number);
+            if (IsMenu(bar) && GetSubMenu(bar, 0) == handle) captions.push_back(CaptionOf(bar, 0));
+        }
+        CHECK(captions == std::vector<std::wstring>{L"Config Popup"});
     }
     CHECK_FALSE(IsMenu(handle));
 }
 
-TEST_CASE("the menu pops up at the cursor for either button and returns the item") {
-    PlainWindow window;
-    TrayMenu menu;
-    MenuCalls calls;
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(calls.menu == menu.Handle());
-    CHECK((calls.flags & (TPM_RIGHTBUTTON | TPM_RETURNCMD)) == (TPM_RIGHTBUTTON | TPM_RETURNCMD));
-    CHECK((calls.flags & TPM_NONOTIFY) == 0);
-    CHECK(calls.position.x == 321);
-    CHECK(calls.position.y == 123);
-    CHECK(calls.owner == window.Hwnd());
-    CHECK(calls.parameters == nullptr);
-}
-
-TEST_CASE("a message is posted behind the menu before the chosen item is raised") {
-    PlainWindow window;
-    TrayMenu menu;
-    MenuCalls calls;
-    calls.chosen = mnuExit;
-    menu.mnuExit_Click = [&] { calls.calls.push_back("Exit"); };
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(calls.calls == Clicks{"Track", "Post 0", "Exit"});
-    CHECK(calls.posted == window.Hwnd());
-}
-
-TEST_CASE("pausing is the default item where asked for, and none is otherwise") {
-    PlainWindow window;
-    TrayMenu menu;
-    MenuCalls calls;
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(calls.defaultItem == mnuPauseKiller);
-    menu.PopUp(window.Hwnd(), false);
-    CHECK(calls.defaultItem == static_cast<UINT>(-1));
-    menu.EnableStoppedMenu();
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(calls.defaultItem == mnuPauseKiller);
-}
-
-TEST_CASE_FIXTURE(MenuWithListener, "each item raises its own event") {
-    PlainWindow window;
-    MenuCalls calls;
-    for (const UINT item : {mnuStartKiller, mnuStopKiller, mnuPauseKiller, mnuShowConfig, mnuExit}) {
-        calls.chosen = item;
-        menu.PopUp(window.Hwnd(), true);
+TEST_CASE_FIXTURE(
+    ShownMenu,
+    "the menu pops up at the cursor for either button, and a message is posted behind it before "
+    "the chosen item is raised") {
+    const std::pair<UINT, std::string> rows[] = {{mnuStartKiller, "Start"},
+                                                 {mnuStopKiller, "Stop"},
+                                                 {mnuPauseKiller, "Pause"},
+                                                 {mnuShowConfig, "Show"},
+                                                 {mnuExit, "Exit"}};
+    for (const auto& [item, raised] : rows) {
+        chosen = item;
+        CHECK(PopUp() == Calls{"Track", "Post 0", raised});
     }
-    CHECK(clicked == Clicks{"Start", "Stop", "Pause", "Show", "Exit"});
+    chosen = 0;
+    CHECK(PopUp() == Calls{"Track", "Post 0"});
+    // An item that nobody listens to.
+    chosen = mnuStartKiller;
+    menu.mnuStartKiller_Click = nullptr;
+    CHECK(PopUp() == Calls{"Track", "Post 0"});
 }
 
-TEST_CASE_FIXTURE(MenuWithListener, "leaving the menu raises nothing") {
-    PlainWindow window;
-    MenuCalls calls;
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(clicked.empty());
-    CHECK(calls.calls == Clicks{"Track", "Post 0"});
+TEST_CASE_FIXTURE(ShownMenu, "pausing is the default item where asked for, and none is otherwise") {
+    PopUp(true);
+    CHECK(defaultItem == mnuPauseKiller);
+    PopUp(false);
+    CHECK(defaultItem == kNone);
+    menu.EnableStoppedMenu();
+    PopUp(true);
+    CHECK(defaultItem == mnuPauseKiller);
 }
 
-TEST_CASE("an item that nobody listens to is chosen without effect") {
-    PlainWindow window;
-    TrayMenu menu;
-    MenuCalls calls;
-    calls.chosen = mnuStartKiller;
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(calls.calls == Clicks{"Track", "Post 0"});
-}
-
-TEST_CASE("a menu that is shown is not shown a second time") {
-    PlainWindow window;
-    TrayMenu menu;
-    MenuCalls calls;
-    calls.whileShown = [&] { menu.PopUp(window.Hwnd(), true); };
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(calls.calls == Clicks{"Track", "Post 0"});
-    calls.whileShown = nullptr;
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(calls.calls == Clicks{"Track", "Post 0", "Track", "Post 0"});
-}
-
-TEST_CASE("an item may pop the menu up again") {
-    PlainWindow window;
-    TrayMenu menu;
-    MenuCalls calls;
-    calls.chosen = mnuShowConfig;
+TEST_CASE_FIXTURE(ShownMenu, "a menu that is shown is not shown a second time, until an item is raised") {
+    whileShown = [&] { menu.PopUp(window.Hwnd(), true); };
+    CHECK(PopUp() == Calls{"Track", "Post 0"});
+    whileShown = nullptr;
+    chosen = mnuShowConfig;
     menu.mnuShowConfig_Click = [&] {
-        calls.chosen = 0;
+        chosen = 0;
         menu.PopUp(window.Hwnd(), false);
     };
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(calls.calls == Clicks{"Track", "Post 0", "Track", "Post 0"});
-}
-
-TEST_CASE_FIXTURE(MenuWithListener, "a real menu takes the letter of an item") {
-    PlainWindow window;
-    ShowWindow(window.Hwnd(), SW_SHOW);
-    SetForegroundWindow(window.Hwnd());
-    const TypedKey key(window.Hwnd(), 'O');
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(clicked == Clicks{"Show"});
-}
-
-TEST_CASE_FIXTURE(MenuWithListener, "a real menu closes on Esc") {
-    PlainWindow window;
-    ShowWindow(window.Hwnd(), SW_SHOW);
-    SetForegroundWindow(window.Hwnd());
-    const TypedKey key(window.Hwnd(), VK_ESCAPE);
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(clicked.empty());
-}
-
-TEST_CASE_FIXTURE(MenuWithListener, "a real menu does not take a disabled item") {
-    PlainWindow window;
-    ShowWindow(window.Hwnd(), SW_SHOW);
-    SetForegroundWindow(window.Hwnd());
-    menu.EnableRunningMenu();
-    const TypedKey key(window.Hwnd(), 'S');
-    menu.PopUp(window.Hwnd(), true);
-    CHECK(clicked.empty());
+    CHECK(PopUp() == Calls{"Track", "Post 0", "Track", "Post 0"});
 }
