@@ -88,13 +88,13 @@ SameRegistry "$WINEPREFIX/before" "after a failed run"
 echo "ok: failures are reported"
 
 # --- A run that is interrupted: the next one puts back first
-Check window_tests &
+Check walk_tests &
 run=$!
 for ((i = 0; i < 600; i++)); do
-    [[ ! -s $kKit/logs/window_tests.txt.current ]] || break
+    [[ ! -s $kKit/logs/walk_tests.txt.current ]] || break
     sleep 0.1
 done
-[[ -s $kKit/logs/window_tests.txt.current ]] || Fail "the run did not begin"
+[[ -s $kKit/logs/walk_tests.txt.current ]] || Fail "the run did not begin"
 StopWine
 wait $run || true
 [[ -e $kSaved/complete ]] || Fail "nothing is saved during a run"

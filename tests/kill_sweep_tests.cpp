@@ -12,7 +12,7 @@
 #include "tests/support/program.h"
 #include "tests/support/shown_text.h"
 #include "tests/walk/store_snapshot.h"
-#include "tests/window/other_process.h"
+#include "tests/support/other_process.h"
 
 namespace {
 

@@ -5,11 +5,16 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
-#include "app/resource.h"
-#include "tests/entry/inside.h"
+#include "lists/resource.h"
+#include "options/resource.h"
+#include "store/settings_schema.h"
+#include "tests/entry/window_inside.h"
+#include "tests/support/dialog_script.h"
+#include "tests/support/shown_text.h"
 
 namespace {
 
+constexpr int kSettings = 0;
 constexpr int kExclude = 1;
 constexpr int kLog = 2;
 constexpr int kBanners = 3;
@@ -23,35 +28,23 @@ HINSTANCE WINAPI CountOpening(HWND, LPCSTR, LPCSTR, LPCSTR, LPCSTR, INT) {
     return reinterpret_cast<HINSTANCE>(SE_ERR_NOASSOC);
 }
 
-class KeyWindow : private InsideWithoutEngine {
-public:
+struct KeyWindow : InsideWithoutEngine {
     KeyWindow() {
         Instance(formShow);
         Pump();
     }
 
-    HWND Window() const { return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd)); }
-
-    // The window has it, or one of its pages.
-    HWND Find(int id) const {
-        for (HWND child = GetWindow(Window(), GW_CHILD); child != nullptr;
-             child = GetWindow(child, GW_HWNDNEXT)) {
-            if (GetDlgCtrlID(child) == id) return child;
-            if (const HWND onPage = GetDlgItem(child, id)) return onPage;
-        }
-        return nullptr;
-    }
-
-    void Page(int page) const {
-        SendMessageW(Find(IDC_TAB), TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
+    static void Page(int page) {
+        SendMessageW(ControlOf(IDC_TAB), TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
         Focus(IDC_TAB);
     }
-    void Focus(int id) const {
-        SetFocus(Find(id));
+    static void Focus(int id) {
+        SendMessageW(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ControlOf(id)), TRUE);
         REQUIRE(Focused() == id);
     }
     static int Focused() { return GetDlgCtrlID(GetFocus()); }
-    bool IsShown() const { return IsWindowVisible(Window()) != FALSE; }
+    static bool IsShown() { return IsWindowVisible(Window()) != FALSE; }
+    static bool CanApply() { return IsWindowEnabled(ControlOf(IDC_CMDAPPLY)) != FALSE; }
 
     static void Press(WPARAM key) {
         PostMessageW(GetFocus(), WM_KEYDOWN, key, 1);
@@ -63,6 +56,22 @@ public:
         PostMessageW(GetFocus(), WM_SYSCHAR, letter, kAltIsDown | 1);
         Pump();
     }
+
+    // Whether the key opens a dialog, which is closed again.
+    template <class Body>
+    static bool OpensDialog(Body press) {
+        bool hasOpened = false;
+        const DialogScript script({[&](HWND dialog) {
+            hasOpened = true;
+            ClickButton(dialog, IDCANCEL);
+        }});
+        press();
+        return hasOpened;
+    }
+
+    static std::wstring Pause() { return TextIn(GetParent(ControlOf(IDC_TXTPAUSE)), IDC_TXTPAUSE); }
+    static void Pause(const wchar_t* text) { SetWindowTextW(ControlOf(IDC_TXTPAUSE), text); }
+    std::wstring StoredPause() const { return user.Text(Schema::kSettingsKey, L"txtPause"); }
 
 private:
     static void Pump() {
@@ -91,11 +100,10 @@ TEST_CASE("an access key that two buttons share goes round between them, and pre
     for (const Shared& shared : {Shared{kLog, L'c', IDC_CMDCLEARLIST, IDCANCEL},
                                  Shared{kSearch, L'o', IDC_CMDREMOVESEARCH, IDC_CMDOK}}) {
         CAPTURE(shared.page);
-        KeyWindow window;
-        const HWND onPage = window.Find(shared.onPage);
-        const HWND apply = window.Find(IDC_CMDAPPLY);
+        const KeyWindow window;
+        const HWND onPage = ControlOf(shared.onPage);
         EnableWindow(onPage, TRUE);
-        window.Page(shared.page);
+        KeyWindow::Page(shared.page);
         for (const wchar_t key : {shared.key, static_cast<wchar_t>(towupper(shared.key)), shared.key}) {
             KeyWindow::PressWithAlt(key);
             CHECK(KeyWindow::Focused() == shared.onPage);
@@ -103,34 +111,115 @@ TEST_CASE("an access key that two buttons share goes round between them, and pre
             CHECK(KeyWindow::Focused() == shared.ofWindow);
         }
         // Neither was pressed.
-        CHECK(window.IsShown());
-        CHECK_FALSE(IsWindowEnabled(apply));
+        CHECK(KeyWindow::IsShown());
+        CHECK_FALSE(KeyWindow::CanApply());
 
-        window.Focus(IDC_TAB);
+        KeyWindow::Focus(IDC_TAB);
         EnableWindow(onPage, FALSE);
         KeyWindow::PressWithAlt(shared.key);
-        CHECK_FALSE(window.IsShown());
+        CHECK_FALSE(KeyWindow::IsShown());
     }
 }
 
-TEST_CASE("the space bar presses the button that a shared access key has led to") {
-    KeyWindow window;
-    EnableWindow(window.Find(IDC_CMDCLEARLIST), TRUE);
-    window.Page(kLog);
-    KeyWindow::PressWithAlt(L'c');
-    KeyWindow::PressWithAlt(L'c');
-    REQUIRE(KeyWindow::Focused() == IDCANCEL);
-    KeyWindow::Press(VK_SPACE);
-    CHECK_FALSE(window.IsShown());
+TEST_CASE_FIXTURE(KeyWindow, "access keys reach the buttons of the page that is shown, and no others") {
+    EnableWindow(ControlOf(IDC_CMDREMOVEURL), TRUE);
+    Page(kExclude);
+    CHECK(OpensDialog([] { PressWithAlt(L'u'); }));
+    REQUIRE(CanApply());
+    PressWithAlt(L'a');
+    CHECK_FALSE(CanApply());
+    Page(kAbout);
+    for (const wchar_t key : std::wstring(L"fturlnmse"))
+        PressWithAlt(key);
+    CHECK(Focused() == IDC_TAB);
+    PressWithAlt(L'o');
+    CHECK_FALSE(IsShown());
+}
+
+TEST_CASE_FIXTURE(KeyWindow, "the space bar presses the button that a shared access key has led to") {
+    EnableWindow(ControlOf(IDC_CMDCLEARLIST), TRUE);
+    Page(kLog);
+    PressWithAlt(L'c');
+    PressWithAlt(L'c');
+    REQUIRE(Focused() == IDCANCEL);
+    Press(VK_SPACE);
+    CHECK_FALSE(IsShown());
+}
+
+TEST_CASE_FIXTURE(KeyWindow, "Ctrl+Tab on a page takes the focus along to the next page's first control") {
+    Focus(IDC_TXTPAUSE);
+    const HeldKeys held{VK_CONTROL};
+    for (const int first :
+         {IDC_LSTEXCLUDE, IDC_LSTCLOSEDWND, IDC_LVWBANNERS, IDC_LVWSEARCHURLS, IDC_LBLNAVSITE}) {
+        CHECK(IsFormMessage(Key(GetFocus(), VK_TAB)));
+        CHECK(Focused() == first);
+        CHECK(IsWindowVisible(GetFocus()));
+    }
+}
+
+TEST_CASE_FIXTURE(KeyWindow,
+                  "Esc hides the window from wherever the focus is, and shows the stored settings") {
+    for (const int id : {IDC_CHKPLAYSOUND, IDC_CMDOK, IDC_TAB, IDC_CBOPAUSEKEY, IDC_TXTPAUSE}) {
+        CAPTURE(id);
+        Instance(formShow);
+        Pause(L"17");
+        Focus(id);
+        Press(VK_ESCAPE);
+        CHECK_FALSE(IsShown());
+        CHECK(Pause() == L"5");
+    }
+    CHECK(StoredPause() == L"5000");
+    Instance(formShow);
+    CHECK(Focused() == IDC_TXTPAUSE);
+}
+
+TEST_CASE_FIXTURE(KeyWindow, "Enter presses the button with the focus, and nothing where none has it") {
+    Pause(L"17");
+    EnableWindow(ControlOf(IDC_CMDAPPLY), TRUE);
+    for (const auto& [page, id] : {std::pair{kSettings, IDC_TXTPAUSE},
+                                   {kSettings, IDC_TXTSPEED},
+                                   {kSettings, IDC_CBOPAUSEKEY},
+                                   {kSettings, IDC_TAB},
+                                   {kExclude, IDC_LSTEXCLUDE},
+                                   {kBanners, IDC_LVWBANNERS}}) {
+        CAPTURE(id);
+        Page(page);
+        Focus(id);
+        Press(VK_RETURN);
+        CHECK(IsShown());
+        CHECK(Focused() == id);
+        CHECK(SelectedTab() == page);
+    }
+    CHECK(StoredPause() == L"5000");
+
+    Page(kExclude);
+    Focus(IDC_CMDADDURL);
+    CHECK(OpensDialog([] { Press(VK_RETURN); }));
+    Focus(IDC_CMDAPPLY);
+    Press(VK_RETURN);
+    CHECK_FALSE(CanApply());
+    CHECK(StoredPause() == L"17000");
+    CHECK(IsShown());
+
+    for (const auto& [button, typed, shown] :
+         {std::tuple{IDC_CMDOK, L"18", L"18"}, {IDCANCEL, L"19", L"18"}}) {
+        CAPTURE(button);
+        Instance(formShow);
+        Pause(typed);
+        Focus(button);
+        Press(VK_RETURN);
+        CHECK_FALSE(IsShown());
+        CHECK(Pause() == std::wstring(shown));
+        CHECK(StoredPause() == L"18000");
+    }
 }
 
 TEST_CASE("in a list with boxes the arrows select and the space bar ticks, which Apply can store") {
     for (const auto& [page, id] : {std::pair{kBanners, IDC_LVWBANNERS}, {kSearch, IDC_LVWSEARCHURLS}}) {
         CAPTURE(page);
-        KeyWindow window;
-        window.Page(page);
-        const HWND list = window.Find(id);
-        const HWND apply = window.Find(IDC_CMDAPPLY);
+        const KeyWindow window;
+        KeyWindow::Page(page);
+        const HWND list = ControlOf(id);
         KeyWindow::Press(VK_TAB);
         REQUIRE(GetFocus() == list);
         KeyWindow::Press(VK_HOME);
@@ -142,12 +231,12 @@ TEST_CASE("in a list with boxes the arrows select and the space bar ticks, which
         CHECK(ListView_GetNextItem(list, -1, LVNI_SELECTED) == 1);
         CHECK(ListView_GetSelectedCount(list) == 1);
 
-        EnableWindow(apply, FALSE);
+        EnableWindow(ControlOf(IDC_CMDAPPLY), FALSE);
         const bool before = IsChecked(list, 1);
         const bool neighbour = IsChecked(list, 2);
         KeyWindow::Press(VK_SPACE);
         CHECK(IsChecked(list, 1) == !before);
-        CHECK(IsWindowEnabled(apply));
+        CHECK(KeyWindow::CanApply());
         KeyWindow::Press(VK_SPACE);
         CHECK(IsChecked(list, 1) == before);
         CHECK(IsChecked(list, 2) == neighbour);
@@ -157,9 +246,9 @@ TEST_CASE("in a list with boxes the arrows select and the space bar ticks, which
 TEST_CASE("in a plain list the arrows select") {
     for (const auto& [page, id] : {std::pair{kExclude, IDC_LSTEXCLUDE}, {kLog, IDC_LSTCLOSEDWND}}) {
         CAPTURE(page);
-        KeyWindow window;
-        window.Page(page);
-        const HWND list = window.Find(id);
+        const KeyWindow window;
+        KeyWindow::Page(page);
+        const HWND list = ControlOf(id);
         for (const wchar_t* const row : {L"a.example", L"b.example", L"c.example"})
             SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(row));
         KeyWindow::Press(VK_TAB);
@@ -170,49 +259,48 @@ TEST_CASE("in a plain list the arrows select") {
         CHECK(SendMessageW(list, LB_GETCURSEL, 0, 0) == 2);
         KeyWindow::Press(VK_UP);
         CHECK(SendMessageW(list, LB_GETCURSEL, 0, 0) == 1);
-        if (page == kExclude) CHECK(IsWindowEnabled(window.Find(IDC_CMDREMOVEURL)));
+        if (page == kExclude) CHECK(IsWindowEnabled(ControlOf(IDC_CMDREMOVEURL)));
     }
 }
 
-TEST_CASE("the arrows choose among the option buttons, and the space bar ticks check boxes") {
-    KeyWindow window;
-    const auto isOn = [&](int id) { return SendMessageW(window.Find(id), BM_GETCHECK, 0, 0) == BST_CHECKED; };
-    window.Page(0);
-    KeyWindow::Press(VK_TAB);
-    REQUIRE(KeyWindow::Focused() == IDC_OPTLOADWITHKILLER);
-    KeyWindow::Press(VK_DOWN);
+TEST_CASE_FIXTURE(KeyWindow,
+                  "the arrows choose among the option buttons, and the space bar ticks check boxes") {
+    const auto isOn = [&](int id) { return SendMessageW(ControlOf(id), BM_GETCHECK, 0, 0) == BST_CHECKED; };
+    Page(kSettings);
+    Press(VK_TAB);
+    REQUIRE(Focused() == IDC_OPTLOADWITHKILLER);
+    Press(VK_DOWN);
     CHECK(isOn(IDC_OPTLOADFROMMENU));
-    KeyWindow::Press(VK_DOWN);
+    Press(VK_DOWN);
     CHECK(isOn(IDC_OPTSTARTUP));
-    KeyWindow::Press(VK_UP);
+    Press(VK_UP);
     CHECK(isOn(IDC_OPTLOADFROMMENU));
     CHECK_FALSE(isOn(IDC_OPTSTARTUP));
 
     for (const int id : {IDC_CHKPLAYSOUND, IDC_CHKBEEP}) {
         CAPTURE(id);
         const bool before = isOn(id);
-        window.Focus(id);
-        KeyWindow::Press(VK_SPACE);
+        Focus(id);
+        Press(VK_SPACE);
         CHECK(isOn(id) == !before);
-        KeyWindow::Press(VK_SPACE);
+        Press(VK_SPACE);
         CHECK(isOn(id) == before);
     }
 }
 
-TEST_CASE("what a click on the picture does, the link does by keyboard") {
+TEST_CASE_FIXTURE(KeyWindow, "what a click on the picture does, the link does by keyboard") {
     const ImportPatch browser("shell32.dll", "ShellExecuteA", &CountOpening);
-    KeyWindow window;
-    window.Page(kAbout);
+    Page(kAbout);
     g_timesOpened = 0;
-    const HWND picture = window.Find(IDC_IMGLOGO);
+    const HWND picture = ControlOf(IDC_IMGLOGO);
     SendMessageW(picture, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
     SendMessageW(picture, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
     CHECK(g_timesOpened == 1);
-    KeyWindow::Press(VK_TAB);
-    REQUIRE(KeyWindow::Focused() == IDC_LBLNAVSITE);
-    KeyWindow::Press(VK_RETURN);
+    Press(VK_TAB);
+    REQUIRE(Focused() == IDC_LBLNAVSITE);
+    Press(VK_RETURN);
     CHECK(g_timesOpened == 2);
-    KeyWindow::Press(VK_SPACE);
+    Press(VK_SPACE);
     CHECK(g_timesOpened == 3);
-    CHECK(window.IsShown());
+    CHECK(IsShown());
 }

@@ -9,7 +9,7 @@
 #include "lists/frm_add_url.h"
 #include "platform/text.h"
 #include "tests/entry/inside.h"
-#include "tests/window/other_process.h"
+#include "tests/support/other_process.h"
 
 namespace {
 

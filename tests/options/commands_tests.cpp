@@ -4,6 +4,7 @@
 
 #include "platform/automation_error.h"
 #include "store/settings_schema.h"
+#include "tests/support/other_process.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
 
@@ -78,7 +79,7 @@ TEST_CASE("Cancel shows the stored settings again, then hides the window, and le
         CHECK(page.shownThen == L"7");
         CHECK(page.chkBeep.Value() == 0);
         CHECK(page.cboPauseKey.Text() == L"Alt");
-        CHECK(page.ExcludeRows() == std::vector<std::wstring>{L"http://stored.example"});
+        CHECK(ListBoxRows(page.lstExclude.Hwnd()) == Rows{L"http://stored.example"});
         CHECK(page.cmdApply.Enabled() == marked);
         CHECK(page.Stored(L"txtPause") == L"7000");
     }

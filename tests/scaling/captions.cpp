@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "tests/accessibility/surfaces.h"
-#include "tests/window/other_process.h"
+#include "tests/support/other_process.h"
 
 namespace {
 

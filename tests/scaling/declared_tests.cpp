@@ -9,7 +9,7 @@
 
 #include "tests/accessibility/surfaces.h"
 #include "tests/support/test_folder.h"
-#include "tests/window/other_process.h"
+#include "tests/support/other_process.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 
 #include "tests/scaling/faults.h"
 #include "tests/scaling/captions.h"
-#include "tests/window/other_process.h"
+#include "tests/support/other_process.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// Two clients of the configuration manager in one script. Ends with 0 when everything was as it should be.
+// Two clients of the configuration manager in one script. Ends with 77 when everything was as it should be.
 var kShow = 1, kHide = 2, kAbout = 3;
 
 function Check(condition, what) {
@@ -48,4 +48,4 @@ Check(ErrorOf(function () { form.NoSuchMember(); }) != 0, "an unknown member is 
 Check(ErrorOf(function () { second.ReleaseConfig(); }) == 0, "ReleaseConfig returns");
 Check(ErrorOf(function () { return config.ConfigHwnd; }) != 0, "the manager has ended for both");
 Check(ErrorOf(function () { first.ConfigInstance(kHide); }) != 0, "the first client's control has gone with it");
-WScript.Quit(0);
+WScript.Quit(77);

@@ -1,4 +1,4 @@
-' Two clients of the configuration manager in one script. Ends with 0 when everything was as it should be.
+' Two clients of the configuration manager in one script. Ends with 77 when everything was as it should be.
 Option Explicit
 
 Const kShow = 1
@@ -61,4 +61,4 @@ Check Err.Number <> 0, "the manager has ended for both"
 Err.Clear
 first.ConfigInstance CLng(kHide)
 Check Err.Number <> 0, "the first client's control has gone with it"
-WScript.Quit 0
+WScript.Quit 77

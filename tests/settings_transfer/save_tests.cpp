@@ -5,13 +5,13 @@
 
 #include "store/first_run.h"
 #include "store/settings_schema.h"
+#include "tests/support/other_process.h"
 #include "tests/support/registry_calls.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
 
 using namespace Schema;
 using Lines = std::vector<std::string>;
-using Texts = std::vector<std::wstring>;
 
 namespace {
 
@@ -142,31 +142,10 @@ TEST_CASE(
     }
 }
 
-TEST_CASE_FIXTURE(SettingsWindow,
-                  "a stored pause of 2500 shows 2.5 and is saved as 2000, one of 30 seconds as 30000") {
-    Store(L"txtPause", L"2500");
-    transfer.LoadSettings();
-    CHECK(txtPause.Text() == L"2.5");
-    transfer.SaveSettings();
-    CHECK(Stored(L"txtPause") == L"2000");
-    txtPause.Text(L"30");
-    transfer.SaveSettings();
-    CHECK(Stored(L"txtPause") == L"30000");
-    txtPause.Text(L"soon");
-    transfer.SaveSettings();
-    CHECK(Stored(L"txtPause") == L"30000");
-}
-
-TEST_CASE_FIXTURE(SettingsWindow, "saving an empty exclude list deletes the rows and writes none") {
-    Write(kExcludeKey, {{L"0", L"http://a"}, {L"1", L"http://b"}});
-    transfer.SaveSettings();
-    CHECK(user.ValueCount(kExcludeKey) == 0);
-}
-
 TEST_CASE_FIXTURE(SettingsWindow, "exclude rows behind a gap stay in the store") {
     Write(kExcludeKey, {{L"0", L"row 0"}, {L"1", L"row 1"}, {L"3", L"row 3"}});
     transfer.LoadSettings();
-    CHECK(ExcludeRows() == Texts{L"row 0", L"row 1"});
+    CHECK(ListBoxRows(lstExclude.Hwnd()) == Rows{L"row 0", L"row 1"});
     lstExclude.RemoveItem(0);
     lstExclude.AddItem(L"new");
     transfer.SaveSettings();
@@ -218,12 +197,25 @@ TEST_CASE_FIXTURE(SettingsWindow,
     }
 }
 
-TEST_CASE_FIXTURE(SettingsWindow, "the log and the lists under other names are not stored") {
+TEST_CASE_FIXTURE(SettingsWindow,
+                  "lists under other names, the log and the link are neither loaded nor stored") {
+    Write(kExcludeKey, {{L"0", L"http://a.example"}});
+    lstExtra.AddItem(L"kept");
+    lvwExtra.Add(1, L"kept");
+    lblNavSite.Caption(L"http://www.calvane.example/");
+    transfer.LoadSettings();
+    CHECK(lstExtra.ListCount() == 1);
+    CHECK(lvwExtra.Count() == 1);
+    CHECK(lblNavSite.Caption() == L"http://www.calvane.example/");
+    lstExclude.Clear();
     lstClosedWnd.AddItem(L"http://closed");
-    lstExtra.AddItem(L"extra");
-    lvwExtra.Add(1, L"extra");
     transfer.SaveSettings();
-    CHECK_FALSE(user.Exists(kExcludeKey));
+    CHECK(user.ValueCount(kExcludeKey) == 0);
     CHECK_FALSE(user.Exists(kBannersKey));
     CHECK_FALSE(HasStored(L"lstClosedWnd"));
+}
+
+TEST_CASE_FIXTURE(SettingsWindow, "without a chosen pause key an empty one is stored") {
+    transfer.SaveSettings();
+    CHECK(Stored(L"Pause Key").empty());
 }

@@ -11,7 +11,8 @@ constexpr UINT kTickMs = 10;
 BOOL CALLBACK FindDialog(HWND hwnd, LPARAM found) {
     wchar_t className[16]{};
     GetClassNameW(hwnd, className, 16);
-    if (!IsWindowVisible(hwnd) || lstrcmpW(className, L"#32770") != 0) return TRUE;
+    if (!IsWindowVisible(hwnd) || GetWindow(hwnd, GW_OWNER) == nullptr) return TRUE;
+    if (lstrcmpW(className, L"#32770") != 0) return TRUE;
     *reinterpret_cast<HWND*>(found) = hwnd;
     return FALSE;
 }

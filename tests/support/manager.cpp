@@ -5,6 +5,7 @@
 #include "platform/automation_error.h"
 #include "platform/text.h"
 #include "tests/support/automation.h"
+#include "tests/support/other_process.h"
 #include "tests/support/program.h"
 
 namespace {
@@ -81,11 +82,7 @@ void Manager::Type(const wchar_t* name, const std::wstring& text) {
 }
 
 std::wstring Manager::Text(const wchar_t* name) {
-    const HWND control = Control(name);
-    std::wstring text(static_cast<size_t>(SendMessageW(control, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
-    text.resize(static_cast<size_t>(
-        SendMessageW(control, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()))));
-    return text;
+    return ShownText(Control(name));
 }
 
 void Manager::LetGo() {

@@ -32,25 +32,6 @@ bool SettingsWindow::HasStored(const std::wstring& value) const {
     return user.Exists(Schema::kSettingsKey, value);
 }
 
-std::vector<std::wstring> SettingsWindow::ExcludeRows() const {
-    std::vector<std::wstring> rows;
-    for (int row = 0; row < lstExclude.ListCount(); ++row)
-        rows.push_back(lstExclude.List(row));
-    return rows;
-}
-
-std::vector<std::wstring> SettingsWindow::Rows(const ListView& list, int subItems) {
-    std::vector<std::wstring> rows;
-    for (int position = 1; position <= list.Count(); ++position) {
-        std::wstring row = list.Text(position);
-        for (int subItem = 1; subItem <= subItems; ++subItem)
-            row += L'|' + list.SubItem(position, subItem);
-        row += list.Checked(position) ? L"|x" : L"|";
-        rows.push_back(row);
-    }
-    return rows;
-}
-
 void SettingsWindow::Reload(const Event& done) {
     events.push_back("reload");
     if (onReload) onReload();

@@ -47,11 +47,6 @@ public:
     std::wstring Stored(const std::wstring& value) const;
     bool HasStored(const std::wstring& value) const;
 
-    std::vector<std::wstring> ExcludeRows() const;
-
-    // A row as "name|sub-item 1|...|x", the x only where the row is checked.
-    static std::vector<std::wstring> Rows(const ListView& list, int subItems);
-
     TestHive machine{HKEY_LOCAL_MACHINE};
     TestHive user{HKEY_CURRENT_USER};
 

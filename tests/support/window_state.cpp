@@ -1,6 +1,7 @@
 #include "tests/support/window_state.h"
 
 #include "platform/text.h"
+#include "tests/support/other_process.h"
 #include "tests/support/settings_window.h"
 
 namespace {
@@ -76,7 +77,7 @@ WindowState StateOf(const SettingsWindow& window) {
     state.speed = window.txtSpeed.Text();
     state.pause = window.txtPause.Text();
     state.extraText = window.txtExtra.Text();
-    state.exclude = window.ExcludeRows();
+    state.exclude = ListBoxRows(window.lstExclude.Hwnd());
     state.banners = RowsOf(window.lvwBanners, 2);
     state.search = RowsOf(window.lvwSearchURLs, 1);
     state.pauseKey = window.cboPauseKey.Text();

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "tests/support/manager.h"
-#include "tests/window/other_process.h"
+#include "tests/support/other_process.h"
 
 // The values of a key below the settings' root as "name=text", sorted by name. Any that is no REG_SZ shows
 // its type too, and one that is stored with a terminating NUL shows that. Empty for a key that does not

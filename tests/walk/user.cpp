@@ -53,11 +53,10 @@ User::User(bool keepSettings) {
 
 // The first calls after a manager was killed can still be sent to it: they fail, and are tried again.
 void User::Start(bool keepSettings) {
-    m_controls.clear();
     for (const DWORD start = GetTickCount();; PumpFor(50)) {
         try {
             m_manager.emplace(keepSettings);
-            m_manager->Instance(formShow);
+            Show();
             break;
         } catch (const AutomationError& error) {
             m_manager.reset();
@@ -85,6 +84,11 @@ void User::KillAndRestart() {
 void User::EndAndRestart() {
     m_manager.reset();
     Start(true);
+}
+
+void User::Show() {
+    m_controls.clear();
+    m_manager->Instance(formShow);
 }
 
 HWND User::Find(const wchar_t* name) {
@@ -115,10 +119,6 @@ Shown User::Look() {
     shown.search = Searches();
     shown.canApply = CanPress(L"cmdApply");
     return shown;
-}
-
-int User::SelectedRow(const wchar_t* list) {
-    return static_cast<int>(SendMessageW(Find(list), LB_GETCURSEL, 0, 0));
 }
 
 void User::Press(const wchar_t* name) {

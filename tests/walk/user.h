@@ -8,7 +8,7 @@
 #include <string>
 
 #include "tests/support/manager.h"
-#include "tests/window/other_process.h"
+#include "tests/support/other_process.h"
 
 enum class Page { Settings, Exclude, Log, Banners, Search, About };
 
@@ -40,13 +40,17 @@ public:
     // Lets the manager end by itself, and starts it again.
     void EndAndRestart();
 
+    // The window, to the front; one that has gone is made again.
+    void Show();
+
+    Manager& Program() { return *m_manager; }
+
     void TurnTo(Page page);
     Shown Look();
     Rows Excluded() { return ListBoxRows(Find(L"lstExclude")); }
     Rows Logged() { return ListBoxRows(Find(L"lstClosedWnd")); }
     Rows Banners() { return ListViewRows(Find(L"lvwBanners")); }
     Rows Searches() { return ListViewRows(Find(L"lvwSearchURLs")); }
-    int SelectedRow(const wchar_t* list);
     bool CanPress(const wchar_t* name) { return IsWindowEnabled(Find(name)) != FALSE; }
     bool IsWindowShown() { return IsWindowVisible(m_manager->Window()) != FALSE; }
     bool IsChecked(const wchar_t* name) { return SendMessageW(Find(name), BM_GETCHECK, 0, 0) == BST_CHECKED; }

@@ -20,15 +20,3 @@ std::wstring ComboText(HWND combo);
 // Headings of a list view, and its rows as "text|sub-item 1|...|x", the x only where the row is checked.
 Rows Headings(HWND list);
 Rows ListViewRows(HWND list);
-
-// The range and the one step of a spin control; step 0 where it speeds up.
-struct SpinRange {
-    int minimum;
-    int maximum;
-    int step;
-    bool operator==(const SpinRange&) const = default;
-};
-SpinRange RangeOf(HWND spin);
-
-// The control with the focus in the thread of window.
-HWND FocusOf(HWND window);

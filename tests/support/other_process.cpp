@@ -1,4 +1,4 @@
-#include "tests/window/other_process.h"
+#include "tests/support/other_process.h"
 
 #include <commctrl.h>
 
@@ -139,21 +139,4 @@ Rows ListViewRows(HWND list) {
         rows.push_back(text);
     }
     return rows;
-}
-
-SpinRange RangeOf(HWND spin) {
-    const auto range = static_cast<DWORD>(SendMessageW(spin, UDM_GETRANGE, 0, 0));
-    RemoteMemory memory(spin, 2 * sizeof(UDACCEL));
-    const LRESULT steps = SendMessageW(spin, UDM_GETACCEL, 2, memory.Parameter());
-    UDACCEL first{};
-    memory.Read(0, &first, sizeof(first));
-    return {static_cast<short>(HIWORD(range)), static_cast<short>(LOWORD(range)),
-            steps == 1 ? static_cast<int>(first.nInc) : 0};
-}
-
-HWND FocusOf(HWND window) {
-    GUITHREADINFO info{};
-    info.cbSize = sizeof(info);
-    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
-    return info.hwndFocus;
 }

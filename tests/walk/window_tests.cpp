@@ -1,0 +1,107 @@
+// The window by keyboard alone, with real keys, and how it goes while a dialog is open.
+#include <doctest.h>
+
+#include <commctrl.h>
+
+#include <functional>
+
+#include "lists/resource.h"
+#include "tests/support/automation.h"
+#include "tests/support/shown_text.h"
+#include "tests/walk/user.h"
+
+namespace {
+
+INPUT InputOf(WORD key, DWORD flags) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = key;
+    input.ki.wScan = static_cast<WORD>(MapVirtualKeyW(key, MAPVK_VK_TO_VSC));
+    input.ki.dwFlags = flags | (key == VK_NEXT ? KEYEVENTF_EXTENDEDKEY : 0);
+    return input;
+}
+
+struct Keyboard : User {
+    bool IsInFront() {
+        DWORD process = 0;
+        GetWindowThreadProcessId(GetForegroundWindow(), &process);
+        DWORD own = 0;
+        GetWindowThreadProcessId(Program().Window(), &own);
+        return process == own;
+    }
+
+    // Presses the keys, releases them in the opposite order and waits for what they do. On a busy machine the
+    // screen may tell late that the window of an earlier test has lost the focus, which Wine takes to mean
+    // this one: the keys are lost then, and pressed again when it is in front, as somebody would.
+    bool Press(std::vector<WORD> keys, const std::function<bool()>& effect) {
+        std::vector<INPUT> inputs;
+        for (const WORD key : keys)
+            inputs.push_back(InputOf(key, 0));
+        for (auto key = keys.rbegin(); key != keys.rend(); ++key)
+            inputs.push_back(InputOf(*key, KEYEVENTF_KEYUP));
+        bool isPressed = false;
+        return WaitUntil([&] {
+            if (isPressed && effect()) return true;
+            if (!IsInFront()) {
+                Show();
+                Sleep(200);
+                isPressed = false;
+            } else if (!isPressed) {
+                SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
+                isPressed = true;
+            }
+            return false;
+        });
+    }
+};
+
+struct DialogOf {
+    Page page;
+    const wchar_t* button;
+    const wchar_t* title;
+};
+
+}  // namespace
+
+TEST_CASE("by keyboard alone an address is added and applied, and the window hidden") {
+    Keyboard user;
+    CHECK(user.Press({VK_CONTROL, VK_NEXT},
+                     [&] { return SendMessageW(user.Find(L"tab"), TCM_GETCURSEL, 0, 0) == 1; }));
+    HWND dialog = nullptr;
+    REQUIRE(user.Press({VK_MENU, 'U'}, [&] {
+        dialog = FindWindowW(L"#32770", L"Add Web Site URL");
+        return dialog != nullptr && GetForegroundWindow() == dialog;
+    }));
+    CHECK(user.Press({'A'}, [&] { return ShownText(GetDlgItem(dialog, IDC_TXTURL)) == L"http://a"; }));
+    CHECK(user.Press({VK_RETURN}, [&] { return !IsWindow(dialog); }));
+    CHECK(user.Excluded() == Rows{L"http://a"});
+    CHECK(user.Press({VK_MENU, 'A'}, [&] { return !user.CanPress(L"cmdApply"); }));
+    CHECK(Setting(L"Exclude", L"0") == L"http://a");
+    CHECK(user.Press({VK_ESCAPE}, [&] { return !user.IsWindowShown(); }));
+}
+
+TEST_CASE("the window goes with its open dialog, the next one is whole, and ReleaseConfig ends it likewise") {
+    for (const DialogOf& each : {DialogOf{Page::Exclude, L"cmdAddURL", L"Add Web Site URL"},
+                                 {Page::Settings, L"cmdSoundFile", L"Select a Sound File"}}) {
+        CAPTURE(std::wstring(each.title));
+        User user;
+        Manager& manager = user.Program();
+        const HWND window = manager.Window();
+        user.TurnTo(each.page);
+        HWND dialog = user.Open(each.button, each.title);
+        CHECK_FALSE(IsWindowEnabled(window));
+        Put(manager.Form().Get(), L"b_OKtoUnload", true);
+        PostMessageW(window, WM_CLOSE, 0, 0);
+        CHECK(WaitUntil([&] { return !IsWindow(window) && !IsWindow(dialog); }));
+        CHECK(manager.Running());
+
+        user.Show();
+        CHECK(IsWindowEnabled(manager.Window()));
+        user.TurnTo(each.page);
+        dialog = user.Open(each.button, each.title);
+        CHECK(manager.Control()->ReleaseConfig() == S_OK);
+        CHECK(manager.WaitForEnd());
+        CHECK_FALSE(IsWindow(dialog));
+        manager.LetGo();
+    }
+}
