@@ -5,26 +5,17 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/wine.sh
 . tools/wine.sh
+# shellcheck source=tests/support/script.sh
+. tests/support/script.sh
 
-kWork=$WINEPREFIX/work
 kTarget=i686-w64-mingw32
 kSigned="$kWork/signed build"
 kInstalled="$WINEPREFIX/drive_c/Program Files/Calvane"
 ! Is64Bit || kInstalled="$WINEPREFIX/drive_c/Program Files (x86)/Calvane"
 
-Fail() {
-    echo "FAILED: $*" >&2
-    exit 1
-}
-
 # Runs COMMAND...
 Runs() {
     "$@" >"$kWork/output" 2>&1 || { tail -40 "$kWork/output" >&2; Fail "$*"; }
-}
-
-# SameLines WHAT FILE FILE
-SameLines() {
-    diff "$2" "$3" >&2 || Fail "$1"
 }
 
 # Names ZIP: of the files in it.

@@ -5,6 +5,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/wine.sh
 . tools/wine.sh
+# shellcheck source=tests/support/script.sh
+. tests/support/script.sh
 
 kSetup=$BUILD_DIR/CalvaneSetup.exe
 # The installer, the manager and what looks at their work are programs of 32 bits.
@@ -25,25 +27,6 @@ kUninstallKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Calvane'
 kSettingsKey='HKCU\Software\Calvane\Settings'
 kRunKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Run'
 kRunValue='Calvane Config Manager'
-# Outside of drive_c, whose files are compared.
-kWork=$WINEPREFIX/work
-
-Fail() {
-    echo "FAILED: $*" >&2
-    exit 1
-}
-
-# Equal WHAT FOUND EXPECTED
-Equal() {
-    [[ $2 == "$3" ]] || Fail "$1 is \"$2\", not \"$3\""
-}
-
-# Exits CODE PROGRAM [ARGUMENT...]; of a code above 255 this system knows the lowest byte alone.
-Exits() {
-    local code=0
-    Wine 60 "${@:2}" >"$kWork/output" 2>&1 || code=$?
-    ((code == $1 % 256)) || { cat "$kWork/output" >&2; Fail "${*:2} ended with $code, not $1"; }
-}
 
 # WaitFor SECONDS COMMAND...
 WaitFor() {

@@ -13,7 +13,6 @@
 
 #include "platform/com/server_process.h"
 #include "platform/text.h"
-#include "tests/support/crash.h"
 #include "tests/support/crash_watch.h"
 
 namespace {

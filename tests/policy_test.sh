@@ -5,29 +5,13 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/wine.sh
 . tools/wine.sh
+# shellcheck source=tests/support/script.sh
+. tests/support/script.sh
 
 kAdmx=packaging/policy/calvane.admx
 kStartupAdmx=packaging/policy/calvane-startup.admx
 kDefaults=packaging/policy/calvane-defaults.reg
 kSettingsKey='Software\Calvane\Settings'
-kWork=$WINEPREFIX/work
-
-Fail() {
-    echo "FAILED: $*" >&2
-    exit 1
-}
-
-# Equal WHAT FOUND EXPECTED
-Equal() {
-    [[ $2 == "$3" ]] || Fail "$1 is \"$2\", not \"$3\""
-}
-
-# Runs PROGRAM [ARGUMENT...]
-Runs() {
-    local code=0
-    Wine 60 "$@" >"$kWork/output" 2>&1 || code=$?
-    ((code == 0)) || { cat "$kWork/output" >&2; Fail "$* ended with $code"; }
-}
 
 # XPath EXPRESSION FILE: elements are named by e:.
 XPath() {
@@ -41,11 +25,6 @@ Values() {
     XPath "$1" "$2" | sed -E 's/^ *[a-zA-Z]+="(.*)"$/\1/' | sort
 }
 
-# SameLines WHAT FILE FILE
-SameLines() {
-    diff "$2" "$3" >"$kWork/difference" || { cat "$kWork/difference" >&2; Fail "$1"; }
-}
-
 # ReadStore: a line for each value of the user's store: key, name, type, data.
 ReadStore() {
     Wine 60 reg query 'HKCU\Software\Calvane' /s >"$kWork/store" 2>&1 || Fail "no store"
@@ -55,15 +34,15 @@ ReadStore() {
 
 # FirstStart: the manager starts, hidden, and ends.
 FirstStart() {
-    Runs cscript //nologo "Z:${kWork//\//\\}\\first_run.vbs"
-    Runs "$BUILD_DIR/CalvaneConfigLoader.exe" /release
+    Exits 0 cscript //nologo "Z:${kWork//\//\\}\\first_run.vbs"
+    Exits 0 "$BUILD_DIR/CalvaneConfigLoader.exe" /release
 }
 
 UsePrefix "$WINEPREFIX"
 mkdir -p "$kWork/en-US"
 
 # --- Current
-Runs "$BUILD_DIR/schema_export.exe" "Z:${kWork//\//\\}"
+Exits 0 "$BUILD_DIR/schema_export.exe" "Z:${kWork//\//\\}"
 for file in calvane.admx en-US/calvane.adml calvane-startup.admx en-US/calvane-startup.adml calvane-defaults.reg; do
     SameLines "$file is not current: run tools/export_schema.sh" "packaging/policy/$file" "$kWork/$file"
 done
@@ -143,8 +122,8 @@ Equal "the path proposed" "$(XPath 'string(//e:textBox[@refId="Run"]/e:defaultVa
     packaging/policy/en-US/calvane-startup.adml)" '"C:\Program Files (x86)\Calvane\CalvaneConfigLoader.exe"'
 
 # --- The defaults to import are those of a first start, but for the folder of the sound
-Runs reg delete 'HKCU\Software\Calvane' /f
-Runs reg import "Z:${PWD//\//\\}\\${kDefaults//\//\\}"
+Exits 0 reg delete 'HKCU\Software\Calvane' /f
+Exits 0 reg import "Z:${PWD//\//\\}\\${kDefaults//\//\\}"
 ReadStore | sort >"$kWork/imported"
 # Names are compared without regard to case.
 sed 's/\(\t[0-9]*\)Url\t/\1URL\t/' "$kWork/values" | sort >"$kWork/expected"
@@ -156,9 +135,9 @@ ReadStore | sort >"$kWork/kept"
 SameLines "the defaults after a start" "$kWork/imported" "$kWork/kept"
 
 # --- "Exclude only these sites": the list by policy, everything else by the first start
-Runs reg delete 'HKCU\Software\Calvane' /f
+Exits 0 reg delete 'HKCU\Software\Calvane' /f
 for row in '0 www.example.com' '1 news.example.org'; do
-    Runs reg add 'HKCU\Software\Calvane\Exclude' /v "${row%% *}" /t REG_SZ /d "${row#* }" /f
+    Exits 0 reg add 'HKCU\Software\Calvane\Exclude' /v "${row%% *}" /t REG_SZ /d "${row#* }" /f
 done
 FirstStart
 ReadStore | sort >"$kWork/kept"

@@ -5,15 +5,12 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 # shellcheck source=tools/wine.sh
 . tools/wine.sh
+# shellcheck source=tests/support/script.sh
+. tests/support/script.sh
 # shellcheck source=tools/tray.sh
 . tools/tray.sh
 
 kSeconds=30
-
-Fail() {
-    echo "FAILED: $*" >&2
-    exit 1
-}
 
 WindowShows() { xdotool search --onlyvisible --name '^Calvane$' >/dev/null 2>&1; }
 WindowIsHidden() { ! WindowShows; }

@@ -8,7 +8,7 @@
 #include "lists/frm_add_search.h"
 #include "lists/frm_add_url.h"
 #include "platform/text.h"
-#include "tests/entry/inside.h"
+#include "tests/entry/window_inside.h"
 #include "tests/support/other_process.h"
 
 namespace {
@@ -55,21 +55,15 @@ void VisitDialog(const std::function<void(const Surface&)>& visit) {
 
 }  // namespace
 
-void ForEachPage(HWND window, const std::function<void(const Surface& page)>& visit) {
-    const HWND tabs = GetDlgItem(window, IDC_TAB);
-    const auto count = static_cast<int>(SendMessageW(tabs, TCM_GETITEMCOUNT, 0, 0));
-    for (int page = 0; page < count; ++page) {
-        SendMessageW(tabs, TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
-        visit(SurfaceOf(window, TabText(tabs, page)));
-    }
-    SendMessageW(tabs, TCM_SETCURFOCUS, 0, 0);
-}
-
 void ForEachSurface(const std::function<void(const Surface& surface)>& visit) {
     {
         InsideWithoutEngine inside;
         inside.Instance(formShow);
-        ForEachPage(reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd)), visit);
+        const HWND tabs = GetDlgItem(Window(), IDC_TAB);
+        for (int page = 0; page < TabCtrl_GetItemCount(tabs); ++page) {
+            TabCtrl_SetCurFocus(tabs, page);
+            visit(SurfaceOf(Window(), TabText(tabs, page)));
+        }
     }
     VisitDialog<frmAddUrl>(visit);
     VisitDialog<frmAddBannerSize>(visit);
@@ -89,9 +83,8 @@ RECT BoundsOf(HWND control) {
 RECT StripOf(HWND tabs) {
     RECT strip{};
     RECT last{};
-    SendMessageW(tabs, TCM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&strip));
-    const LRESULT count = SendMessageW(tabs, TCM_GETITEMCOUNT, 0, 0);
-    SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(count - 1), reinterpret_cast<LPARAM>(&last));
+    TabCtrl_GetItemRect(tabs, 0, &strip);
+    TabCtrl_GetItemRect(tabs, TabCtrl_GetItemCount(tabs) - 1, &last);
     strip.right = last.right;
     MapWindowPoints(tabs, HWND_DESKTOP, reinterpret_cast<POINT*>(&strip), 2);
     return strip;

@@ -18,9 +18,6 @@ struct Surface {
 // store is a throw-away one, and there is no engine.
 void ForEachSurface(const std::function<void(const Surface& surface)>& visit);
 
-// The pages of a window that is there already, likewise; the first page is shown again in the end.
-void ForEachPage(HWND window, const std::function<void(const Surface& page)>& visit);
-
 DWORD StyleOf(HWND control);
 RECT BoundsOf(HWND control);           // on the screen
 RECT StripOf(HWND tabs);               // where the tabs themselves are, on the screen

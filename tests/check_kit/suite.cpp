@@ -3,7 +3,9 @@
 #include <windows.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <sstream>
 
 #include "platform/handle.h"
@@ -13,15 +15,10 @@
 
 namespace {
 
-std::string BytesOfFile(const std::wstring& path) {
-    std::string bytes;
-    if (FILE* const file = _wfopen(path.c_str(), L"r")) {
-        char part[4096];
-        while (const size_t length = std::fread(part, 1, sizeof(part), file))
-            bytes.append(part, length);
-        std::fclose(file);
-    }
-    return bytes;
+// Its text; empty where there is none.
+std::string TextOfFile(const std::wstring& path) {
+    std::ifstream file{std::filesystem::path(path)};
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 // Whether the program ended in time; its exit code.
@@ -69,7 +66,7 @@ bool ReadOutput(Outcome& outcome) {
 
 std::vector<Suite> ReadSuites(const std::wstring& path) {
     std::vector<Suite> suites;
-    std::istringstream lines(BytesOfFile(path));
+    std::istringstream lines(TextOfFile(path));
     for (std::string line; std::getline(lines, line);) {
         Suite suite;
         std::istringstream words(line);
@@ -88,7 +85,7 @@ Outcome Run(const Suite& suite, const std::wstring& folder) {
     DWORD code = 0;
     const bool ended =
         RunProgram(ServerDirectory() + L'\\' + FromAnsi(suite.name) + L".exe", log, suite.seconds, code);
-    outcome.output = BytesOfFile(log);
+    outcome.output = TextOfFile(log);
     const bool hasSummary = ReadOutput(outcome);
     if (!ended) {
         outcome.note = "stopped after " + std::to_string(suite.seconds) + " s";
@@ -98,7 +95,7 @@ Outcome Run(const Suite& suite, const std::wstring& folder) {
         outcome.note = "exit code " + std::to_string(code);
     }
     if (!outcome.note.empty()) {
-        outcome.note += ", in test case: " + BytesOfFile(current);
+        outcome.note += ", in test case: " + TextOfFile(current);
         while (outcome.note.ends_with('\n'))
             outcome.note.pop_back();
         if (outcome.failed == 0) outcome.failed = 1;

@@ -7,14 +7,11 @@
 #include "app/resource.h"
 #include "lists/resource.h"
 #include "options/resource.h"
-#include "platform/handle.h"
 #include "store/first_run.h"
 #include "tests/support/plain_log.h"
 #include "tray/picture_array.h"
 
 namespace {
-
-constexpr int kLogLines = 40;
 
 BOOL CALLBACK Take(HWND hwnd, LPARAM windows) {
     reinterpret_cast<std::vector<HWND>*>(windows)->push_back(hwnd);
@@ -34,23 +31,6 @@ std::vector<HWND> ConfigWindows() {
     return windows;
 }
 
-const std::wstring& LogPath() {
-    static const std::wstring path = [] {
-        wchar_t folder[MAX_PATH] = L"";
-        GetTempPathW(MAX_PATH, folder);
-        return std::wstring(folder) + L"pairs_tests." + std::to_wstring(GetCurrentProcessId()) + L".log";
-    }();
-    return path;
-}
-
-// Every third line is equal to an earlier one.
-std::string LogText() {
-    std::string text;
-    for (int i = 0; i < kLogLines; ++i)
-        text += "http://site" + std::to_string(i % 3 == 0 ? i / 2 : i) + ".example/page\r\n";
-    return text;
-}
-
 ULONG ReferencesOf(IUnknown* object) {
     if (object == nullptr) return 0;
     object->AddRef();
@@ -68,20 +48,10 @@ Case::Case() : locks(Locks()) {
         banners[field].bytes = "55";
     banners["5Use"].bytes = "True";
     m_filled = registry.contents;
-    const std::string text = LogText();
-    {
-        const FileHandle file(
-            CreateFileW(LogPath().c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, 0, nullptr));
-        DWORD written = 0;
-        WriteFile(file.Get(), text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
-    }
-    outside.engine.script.logFile = LogPath();
+    const std::string text = RepeatingLog();
+    outside.engine.script.logFile = m_folder.Write(L"closed.log", text);
     for (const std::string& line : PlainNewestLines(text, 25))
         newestLines.emplace_back(line.begin(), line.end());
-}
-
-Case::~Case() {
-    DeleteFileW(LogPath().c_str());
 }
 
 void Case::HaveWindow() {
@@ -243,19 +213,6 @@ void Case::Settle() {
     PumpPosted();
     outside.clock.TickLate();
     PumpPosted();
-}
-
-std::vector<std::wstring> Case::Rows(int list) const {
-    std::vector<std::wstring> rows;
-    const HWND hwnd = Child(list);
-    const auto count = static_cast<WPARAM>(SendMessageW(hwnd, LB_GETCOUNT, 0, 0));
-    for (WPARAM row = 0; hwnd != nullptr && row < count; ++row) {
-        std::wstring text(static_cast<size_t>(SendMessageW(hwnd, LB_GETTEXTLEN, row, 0)) + 1, L'\0');
-        text.resize(
-            static_cast<size_t>(SendMessageW(hwnd, LB_GETTEXT, row, reinterpret_cast<LPARAM>(text.data()))));
-        rows.push_back(text);
-    }
-    return rows;
 }
 
 int Case::ItemCount(int listView) const {

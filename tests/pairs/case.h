@@ -8,7 +8,9 @@
 
 #include "tests/entry/inside.h"
 #include "tests/pairs/outside.h"
+#include "tests/support/other_process.h"
 #include "tests/support/registry_calls.h"
+#include "tests/support/test_folder.h"
 #include "tray/tray_menu.h"
 
 inline constexpr DISPID kKilled = 1;
@@ -25,7 +27,6 @@ inline constexpr UINT kEngineAgainTick = 100;
 class Case : public Inside {
 public:
     Case();
-    ~Case();
 
     // The configuration window; null where there is none. More than one is counted by Windows().
     HWND Window() const;
@@ -62,7 +63,7 @@ public:
     // Until nothing is left to be done: messages, ticks.
     void Settle();
 
-    std::vector<std::wstring> Rows(int list) const;
+    Rows RowsOf(int list) const { return ListBoxRows(Child(list)); }
     int ItemCount(int listView) const;
 
     // The rows that a key of the store holds, whose numbers begin with first.
@@ -84,9 +85,10 @@ public:
     References Held() const;
 
     // What the log must show.
-    std::vector<std::wstring> newestLines;
+    Rows newestLines;
 
 private:
+    TestFolder m_folder;
     RegistryContents m_filled;
 
     // All windows within m_parent, which do not change once it calls out.

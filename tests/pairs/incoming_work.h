@@ -30,4 +30,11 @@ struct IncomingWork {
 std::span<const IncomingWork> IncomingCalls();
 std::span<const IncomingWork> IncomingInputs();
 std::span<const IncomingWork> IncomingEvents();
-std::vector<IncomingWork> IncomingWorks();  // all of them
+
+// All of them.
+inline std::vector<IncomingWork> IncomingWorks() {
+    std::vector<IncomingWork> works;
+    for (const auto part : {IncomingCalls(), IncomingInputs(), IncomingEvents()})
+        works.insert(works.end(), part.begin(), part.end());
+    return works;
+}

@@ -17,17 +17,18 @@ struct OutgoingCall {
     const char* name;
     const char* call;  // as Outside::LetIn names it
 
-    // Makes the manager ready for it and brings it about; the window exists by then unless isStart.
-    void (*prepare)(Case&);
-    void (*make)(Case&);
+    // Makes the manager ready for it and brings it about; the window exists by then unless IsStart().
+    void (*prepare)(Case&) = [](Case&) {};
+    void (*make)(Case&) = nullptr;
 
-    bool isEngine = false;  // the engine is called
-    bool isStart = false;   // the window is made meanwhile
-    bool isLoad = false;    // settings are being loaded meanwhile
-    bool isUnload = false;  // the window goes
     Mark mark = Mark::Untouched;
+    bool isLoad = false;  // settings are being loaded meanwhile
     bool hasOneMoment = false;
-    bool leavesCommands = false;  // to the engine
+
+    bool IsEngine() const;        // the engine is called
+    bool IsStart() const;         // the window is made meanwhile
+    bool IsUnload() const;        // the window goes
+    bool LeavesCommands() const;  // to the engine
 };
 
 std::span<const OutgoingCall> OutgoingCalls();

@@ -1,6 +1,7 @@
 #include "tests/pairs/outside.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -51,6 +52,10 @@ void Outside::LetIn(const char* call, Moment moment, std::function<void()> work)
     m_call = call;
     m_moment = moment;
     m_work = std::move(work);
+}
+
+bool Outside::IsEngineCall(std::string_view call) {
+    return std::ranges::find(kEngineCalls, call) != std::end(kEngineCalls);
 }
 
 void Outside::Reach(const char* call, Moment moment) {

@@ -9,6 +9,7 @@
 #include <functional>
 #include <set>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "tests/engine_control/fake_engine.h"
@@ -31,6 +32,8 @@ public:
     // Lets work in at the next call of this name, once. Names: those of FakeEngine, "Unadvise"; "Picture";
     // "NIM_ADD", "NIM_MODIFY", "NIM_DELETE"; "Dialog", "MessageBox", "FileDialog", "Menu".
     void LetIn(const char* call, Moment moment, std::function<void()> work);
+
+    static bool IsEngineCall(std::string_view call);
 
     // Whether the call came, and with it the work.
     bool HasComeIn() const noexcept { return !m_work; }

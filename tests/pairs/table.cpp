@@ -41,12 +41,12 @@ void CheckWindow(Problems& problems, const Case& manager, const OutgoingCall& ro
     problems.Check(windows <= 1, std::to_string(windows) + " windows");
     const bool takes = hasComeIn && column.takesWindow;
     const bool shows = hasComeIn && column.showsWindow;
-    if (row.isUnload) {
+    if (row.IsUnload()) {
         problems.Check((windows == 1) == shows,
                        shows ? "no window although one was asked for" : "a window came back");
     } else if (!takes) {
         problems.Check(windows == 1, "the window is gone");
-    } else if (!row.isStart) {
+    } else if (!row.IsStart()) {
         problems.Check(windows == 0, "the window is still there");
     }
     if (windows == 0) {
@@ -54,7 +54,7 @@ void CheckWindow(Problems& problems, const Case& manager, const OutgoingCall& ro
         problems.Check(manager.outside.engine.popup == nullptr, "an engine without a window");
         return;
     }
-    if (shows && row.isUnload)
+    if (shows && row.IsUnload())
         problems.Check(IsWindowVisible(manager.Window()) != FALSE, "the window is not shown");
     problems.Check(IsWindowEnabled(manager.Window()) != FALSE, "the window is disabled");
     problems.Check(g_lngConfigHwnd == HandleToLong(manager.Window()), "g_lngConfigHwnd is not the window");
@@ -70,7 +70,7 @@ void CheckWindow(Problems& problems, const Case& manager, const OutgoingCall& ro
 void CheckContents(Problems& problems, const Case& manager, const OutgoingCall& row,
                    const IncomingWork& column, Mark mark, bool isFresh) {
     if (manager.Window() == nullptr) return;
-    const auto rows = manager.Rows(IDC_LSTCLOSEDWND);
+    const auto rows = manager.RowsOf(IDC_LSTCLOSEDWND);
     problems.Check(rows.size() <= 25, std::to_string(rows.size()) + " rows in the log");
     problems.Check(std::set(rows.begin(), rows.end()).size() == rows.size(), "equal rows in the log");
     problems.Check(rows == manager.newestLines,
@@ -80,7 +80,7 @@ void CheckContents(Problems& problems, const Case& manager, const OutgoingCall& 
         problems.Check(manager.IsEnabled(IDC_CMDAPPLY) == marked,
                        marked ? "a change is not marked" : "a mark without a change");
     }
-    CheckList(problems, "lstExclude", manager.Rows(IDC_LSTEXCLUDE).size(),
+    CheckList(problems, "lstExclude", manager.RowsOf(IDC_LSTEXCLUDE).size(),
               manager.StoredRows("Exclude", 0, ""), column.editsExclude);
     CheckList(problems, "lvwBanners", static_cast<size_t>(manager.ItemCount(IDC_LVWBANNERS)),
               manager.StoredRows("Banners", 1, "Name"), column.editsBanners);
@@ -119,7 +119,7 @@ void RunNext(Case& manager, const OutgoingCall& row, std::span<const IncomingWor
              Counts& counts) {
     Problems problems;
     Case::References held{};
-    if (!row.isStart) {
+    if (!row.IsStart()) {
         manager.HaveWindow();
         held = manager.Held();
     }
@@ -149,15 +149,15 @@ void RunNext(Case& manager, const OutgoingCall& row, std::span<const IncomingWor
     manager.outside.LetNothingIn();
     const bool hasComeIn = came == Came::In;
     CheckWindow(problems, manager, row, column, hasComeIn);
-    const bool isFresh = manager.Window() != (row.isStart ? within : before);
+    const bool isFresh = manager.Window() != (row.IsStart() ? within : before);
     CheckContents(problems, manager, row, column, hasComeIn ? column.mark : Mark::Untouched, isFresh);
     problems.Check(manager.outside.mostIcons <= 1, "more than one icon at a time");
-    if (row.isStart || isFresh || manager.Window() == nullptr) {
+    if (row.IsStart() || isFresh || manager.Window() == nullptr) {
         CheckEnd(problems, manager);
-        if (row.isStart && column.mark == Mark::Cleared) manager.FillStore();
+        if (row.IsStart() && column.mark == Mark::Cleared) manager.FillStore();
     } else {
         manager.Restore(row.mark != Mark::Untouched || column.mark != Mark::Untouched || column.typesText,
-                        column.leavesCommands || row.leavesCommands);
+                        column.leavesCommands || row.LeavesCommands());
         problems.Check(manager.Held() == held, "a reference is kept");
         problems.Check(manager.outside.clock.Running() == 0, "a timer is kept");
         problems.Check(manager.outside.pictureBoxes == 0, "a picture box is kept");

@@ -250,17 +250,6 @@ int MostIcons() {
     return most;
 }
 
-Lines LogRows(HWND list) {
-    Lines rows;
-    const auto count = static_cast<WPARAM>(SendMessageW(list, LB_GETCOUNT, 0, 0));
-    for (WPARAM row = 0; row < count; ++row) {
-        wchar_t text[100] = L"";
-        SendMessageW(list, LB_GETTEXT, row, reinterpret_cast<LPARAM>(text));
-        rows.emplace_back(text);
-    }
-    return rows;
-}
-
 // The first thing that does not hold; empty where all does.
 std::string Problem(Stage& stage, const Log& log, const Row& row, const Column& column) {
     const std::vector<HWND> windows = stage.Windows();
@@ -279,8 +268,8 @@ std::string Problem(Stage& stage, const Log& log, const Row& row, const Column& 
     if (column.showsWindow && row.isUnload && !IsWindowVisible(windows.front())) return "a hidden window";
     if (ShownIcons() != 1) return "no icon";
     if (stage.engine.Popups() != 1 || stage.engine.Connections() != 1) return "not one engine";
-    const Lines rows = LogRows(stage.manager.Control(L"lstClosedWnd"));
-    if (rows != log.Newest()) return "not the log: " + std::to_string(rows.size()) + " rows";
+    const Rows rows = ListBoxRows(stage.manager.Control(L"lstClosedWnd"));
+    if (rows != log.newest) return "not the log: " + std::to_string(rows.size()) + " rows";
     const bool isMarked = IsWindowEnabled(stage.manager.Control(L"cmdApply")) != FALSE;
     if (!row.isStart && !row.isUnload && isMarked != IsMarked(row, column))
         return isMarked ? "a mark without a change" : "a change is not marked";

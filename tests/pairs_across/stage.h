@@ -7,33 +7,30 @@
 #include <thread>
 #include <vector>
 
+#include "platform/text.h"
 #include "tests/engine/session.h"
 #include "tests/support/automation.h"
+#include "tests/support/other_process.h"
 #include "tests/support/plain_log.h"
 #include "tests/support/program.h"
+#include "tests/support/test_folder.h"
 
-inline constexpr size_t kLogRows = 25;
-
-// A log that has equal lines, and more than are shown.
-class Log {
-public:
-    Log();
-    Log(const Log&) = delete;
-    Log& operator=(const Log&) = delete;
-    ~Log() { DeleteFileW(m_path.c_str()); }
-
-    const std::wstring& Path() const noexcept { return m_path; }
-    const Lines& Newest() const noexcept { return m_newest; }
-
-private:
-    std::wstring m_path;
-    Lines m_newest;
+// What the manager shows of a log.
+struct Log {
+    TestFolder folder;
+    std::wstring path = folder.Write(L"closed.log", RepeatingLog());
+    Rows newest = [] {
+        Rows rows;
+        for (const std::string& line : PlainNewestLines(RepeatingLog(), 25))
+            rows.push_back(FromAnsi(line));
+        return rows;
+    }();
 };
 
 // A manager, and what a pair needs of it. The window is not made yet.
 struct Stage : Session {
     explicit Stage(const Log& log) {
-        Put(engine.Control(), L"LogFile", log.Path());
+        Put(engine.Control(), L"LogFile", log.path);
         engine.RaiseByItself(false);
         process = ProcessesOf(L"SentrelConfig.exe").at(0);
     }

@@ -13,6 +13,7 @@
 #include "tests/pairs/guarded_memory.h"
 #include "tests/pairs/incoming_work.h"
 #include "tests/support/automation.h"
+#include "tests/support/error_of.h"
 #include "tray/picture_array.h"
 #include "tray/picture_box.h"
 
@@ -72,10 +73,12 @@ const char* TextOf(Moment moment) {
     return moment == Moment::BeforeReply ? " before the reply" : " behind the reply";
 }
 
+constexpr Moment kMoments[] = {Moment::BeforeReply, Moment::AfterReply};
+
 template <class Body>
 void ForEachPair(Body body) {
     for (const OutgoingCall& row : OutgoingCalls()) {
-        for (const Moment moment : {Moment::BeforeReply, Moment::AfterReply}) {
+        for (const Moment moment : kMoments) {
             if (moment == Moment::BeforeReply || !row.hasOneMoment)
                 body(row, moment, std::string(row.name) + TextOf(moment));
         }
@@ -144,13 +147,7 @@ void CheckFormRefused(_frmConfig& form) {
     REFUSED(form.ControlHwnd(name.Value().bstrVal, &number));
     // By name, as scripts ask.
     for (const wchar_t* const member : {L"hWnd", L"Visible", L"Caption", L"m_oShellIcon"}) {
-        HRESULT result = S_OK;
-        try {
-            Get(&form, member);
-        } catch (const AutomationError& error) {
-            result = error.Code();
-        }
-        REFUSED(result);
+        REFUSED(ErrorOf([&] { Get(&form, member); }));
     }
 }
 
@@ -180,12 +177,25 @@ void CheckAllRefused(const Client& client) {
     if (client.picture != nullptr) CheckPictureRefused(*client.picture.Get());
 }
 
-int ends = 0;
+// Of this process, which ends nothing but notes that it would have ended.
+struct Ending {
+    static BOOL WINAPI NoteEnd(HANDLE, UINT) {
+        ++ends;
+        return TRUE;
+    }
 
-BOOL WINAPI NoteEnd(HANDLE, UINT) {
-    ++ends;
-    return TRUE;
-}
+    // Class objects that still took new clients while the window goes would give them a dying process.
+    static HRESULT WINAPI NoteSuspension() {
+        isSuspended = true;
+        return S_OK;
+    }
+
+    static inline int ends = 0;
+    static inline bool isSuspended = false;
+    const GuardedMemory memory;
+    const ImportPatch suspend{"ole32.dll", "CoSuspendClassObjects", &NoteSuspension};
+    const ImportPatch end{"kernel32.dll", "TerminateProcess", &NoteEnd};
+};
 
 void CheckGone(Case& manager) {
     manager.Settle();
@@ -195,16 +205,8 @@ void CheckGone(Case& manager) {
     CHECK(manager.outside.engine.popup == nullptr);
     CHECK(manager.outside.engine.script.Count("Popup gone with its events") == 0);
     CHECK(manager.outside.clock.Running() == 0);
-    CHECK(ends == 1);
+    CHECK(Ending::ends == 1);
     CHECK(g_frmConfig == nullptr);
-}
-
-// Class objects that still took new clients while the window goes would give them a dying process.
-bool isSuspended = false;
-
-HRESULT WINAPI NoteSuspension() {
-    isSuspended = true;
-    return S_OK;
 }
 
 constexpr const char* kAloneIn = "alone: ReleaseConfig in a call";
@@ -219,15 +221,12 @@ TEST_CASE("ReleaseConfig during whatever call takes everything away for good") {
     CheckAlone(kAloneIn, pairs);
 }
 
-TEST_CASE("alone: ReleaseConfig in a call" * doctest::skip(true)) {
-    const GuardedMemory memory;
-    const ImportPatch suspend("ole32.dll", "CoSuspendClassObjects", &NoteSuspension);
-    const ImportPatch end("kernel32.dll", "TerminateProcess", &NoteEnd);
+TEST_CASE_FIXTURE(Ending, "alone: ReleaseConfig in a call" * doctest::skip(true)) {
     ForEachPair([&](const OutgoingCall& row, Moment moment, const std::string& name) {
         SUBCASE(name.c_str()) {
             CAPTURE(name);
             Case manager;
-            if (!row.isStart) manager.HaveWindow();
+            if (!row.IsStart()) manager.HaveWindow();
             const Client client(manager);
             row.prepare(manager);
             HRESULT ended = E_FAIL;
@@ -250,18 +249,15 @@ TEST_CASE("alone: ReleaseConfig in a call" * doctest::skip(true)) {
 TEST_CASE("nothing that comes in while ReleaseConfig takes the window away brings anything back") {
     std::vector<std::string> pairs;
     for (const char* const call : kCallsOfRelease) {
-        for (const Moment moment : {Moment::BeforeReply, Moment::AfterReply})
+        for (const Moment moment : kMoments)
             pairs.push_back(std::string(call) + TextOf(moment));
     }
     CheckAlone(kAloneDuring, pairs);
 }
 
-TEST_CASE("alone: everything during the calls of ReleaseConfig" * doctest::skip(true)) {
-    const GuardedMemory memory;
-    const ImportPatch suspend("ole32.dll", "CoSuspendClassObjects", &NoteSuspension);
-    const ImportPatch end("kernel32.dll", "TerminateProcess", &NoteEnd);
+TEST_CASE_FIXTURE(Ending, "alone: everything during the calls of ReleaseConfig" * doctest::skip(true)) {
     for (const char* const call : kCallsOfRelease) {
-        for (const Moment moment : {Moment::BeforeReply, Moment::AfterReply}) {
+        for (const Moment moment : kMoments) {
             SUBCASE((std::string(call) + TextOf(moment)).c_str()) {
                 Case manager;
                 manager.HaveWindow();

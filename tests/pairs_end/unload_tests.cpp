@@ -3,5 +3,5 @@
 #include "tests/pairs/table.h"
 
 TEST_CASE("whatever comes in while the window goes breaks nothing") {
-    RunRows([](const OutgoingCall& row) { return row.isUnload; });
+    RunRows([](const OutgoingCall& row) { return row.IsUnload(); });
 }

@@ -66,15 +66,11 @@ SIZE ClientSize(HWND control) {
     return {client.right, client.bottom};
 }
 
+// format: DT_NOPREFIX, or 0 where the character after a "&" is drawn as the access key.
 Caption OneLine(const std::string& where, HWND control, const std::wstring& text, SIZE round,
                 UINT format = DT_NOPREFIX) {
     const SIZE size = FontMeter(control).Measure(text, DT_SINGLELINE | format);
     return {where, {size.cx + round.cx, size.cy + round.cy}, ClientSize(control)};
-}
-
-// Draws the character after a "&" as the access key.
-Caption WithAccessKey(const std::string& where, HWND control, const std::wstring& text, SIZE round) {
-    return OneLine(where, control, text, round, 0);
 }
 
 // A label breaks its text between words.
@@ -110,16 +106,13 @@ std::vector<Caption> HeadingsOf(const std::string& where, HWND list, int longer)
 // scrolls, and a tab out of sight has an empty rectangle and no space at all.
 Caption TabsOf(const std::string& where, HWND tabs, int longer) {
     Caption caption{where, {2 * kTabStripMargin, 0}, ClientSize(tabs)};
-    const FontMeter meter(tabs);
-    const auto count = static_cast<int>(SendMessageW(tabs, TCM_GETITEMCOUNT, 0, 0));
-    for (int tab = 0; tab < count; ++tab) {
+    for (int tab = 0; tab < TabCtrl_GetItemCount(tabs); ++tab) {
         RECT item{};
-        SendMessageW(tabs, TCM_GETITEMRECT, static_cast<WPARAM>(tab), reinterpret_cast<LPARAM>(&item));
+        TabCtrl_GetItemRect(tabs, tab, &item);
         if (IsRectEmpty(&item)) item.right = caption.space.cx + 1;
         const std::wstring text = TabText(tabs, tab);
-        caption.needed.cx += item.right - item.left +
-                             meter.Measure(Lengthened(text, longer), DT_SINGLELINE).cx -
-                             meter.Measure(text, DT_SINGLELINE).cx;
+        caption.needed.cx += item.right - item.left + SizeOfText(tabs, Lengthened(text, longer)).cx -
+                             SizeOfText(tabs, text).cx;
         caption.needed.cy = std::max(caption.needed.cy, item.bottom);
     }
     return caption;
@@ -151,6 +144,10 @@ int Scaled(int pixels) {
     return MulDiv(pixels, Dpi(), 96);
 }
 
+SIZE SizeOfText(HWND control, const std::wstring& text) {
+    return FontMeter(control).Measure(text, DT_SINGLELINE | DT_NOPREFIX);
+}
+
 std::wstring FontOf(HWND control) {
     return FontMeter(control).Family();
 }
@@ -169,14 +166,14 @@ std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int long
         case Role::Link:
             return {OneLine(where, control, text, {})};
         case Role::Button:
-            return {WithAccessKey(where, control, text,
-                                  {2 * Scaled(kButtonMargin), 2 * GetSystemMetrics(SM_CYEDGE)})};
+            return {OneLine(where, control, text,
+                            {2 * Scaled(kButtonMargin), 2 * GetSystemMetrics(SM_CYEDGE)}, 0)};
         case Role::CheckBox:
         case Role::OptionButton:
-            return {WithAccessKey(where, control, text,
-                                  {GetSystemMetrics(SM_CXMENUCHECK) + Scaled(kGlyphGap), 0})};
+            return {
+                OneLine(where, control, text, {GetSystemMetrics(SM_CXMENUCHECK) + Scaled(kGlyphGap), 0}, 0)};
         case Role::Frame:
-            return {WithAccessKey(where, control, text, {2 * Scaled(kFrameMargin), 0})};
+            return {OneLine(where, control, text, {2 * Scaled(kFrameMargin), 0}, 0)};
         case Role::Combo:
             return Items(where, control, longer);
         case Role::List:

@@ -27,6 +27,9 @@ int Dpi();
 // Pixels of 96 dpi in pixels of this screen.
 int Scaled(int pixels);
 
+// Of the text in the control's own font, on one line.
+SIZE SizeOfText(HWND control, const std::wstring& text);
+
 // The name of the font that the control writes in, as the system has found it.
 std::wstring FontOf(HWND control);
 

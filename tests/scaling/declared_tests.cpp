@@ -8,6 +8,7 @@
 #include <fstream>
 
 #include "tests/accessibility/surfaces.h"
+#include "tests/scaling/captions.h"
 #include "tests/support/test_folder.h"
 #include "tests/support/other_process.h"
 
@@ -28,17 +29,9 @@ RECT WithSpin(HWND control) {
 
 // Four dialog units across and eight down, in pixels of the font that the controls of a page have.
 SIZE UnitsOf(HWND page) {
-    constexpr wchar_t kLetters[] = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
-    const HDC dc = GetDC(page);
-    const HGDIOBJ before =
-        SelectObject(dc, reinterpret_cast<HGDIOBJ>(SendMessageW(GetTopWindow(page), WM_GETFONT, 0, 0)));
-    TEXTMETRICW metrics{};
-    SIZE extent{};
-    GetTextMetricsW(dc, &metrics);
-    GetTextExtentPoint32W(dc, kLetters, 52, &extent);
-    SelectObject(dc, before);
-    ReleaseDC(page, dc);
-    return {(extent.cx / 26 + 1) / 2, metrics.tmHeight};
+    const SIZE letters =
+        SizeOfText(GetTopWindow(page), L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz");
+    return {(letters.cx / 26 + 1) / 2, letters.cy};
 }
 
 std::string PlaceOf(HWND control) {

@@ -9,25 +9,12 @@
 #include <map>
 #include <vector>
 
-#include "app/resource.h"
 #include "platform/controls/image_box.h"
-#include "tests/entry/inside.h"
+#include "tests/entry/window_inside.h"
 #include "tests/scaling/captions.h"
 #include "tests/scaling/monitor.h"
 
 namespace {
-
-HWND Window() {
-    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
-}
-
-HWND OnPage(int id) {
-    HWND page = nullptr;
-    while ((page = FindWindowExW(Window(), page, L"#32770", nullptr)) != nullptr) {
-        if (const HWND control = GetDlgItem(page, id)) return control;
-    }
-    return nullptr;
-}
 
 SIZE SizeOf(HICON icon) {
     ICONINFO info{};
@@ -50,7 +37,7 @@ constexpr SIZE kRowPicture{22, 16};
 
 void CheckRowPictures(int dpi) {
     for (const int list : {IDC_LVWBANNERS, IDC_LVWSEARCHURLS}) {
-        const HIMAGELIST images = ListView_GetImageList(OnPage(list), LVSIL_SMALL);
+        const HIMAGELIST images = ListView_GetImageList(ControlOf(list), LVSIL_SMALL);
         int width = 0;
         int height = 0;
         REQUIRE(ImageList_GetIconSize(images, &width, &height));
@@ -123,12 +110,12 @@ const std::map<int, int> kLogos{
 // In pixels, of the largest logo that its place has space for.
 int LogoThatFits() {
     RECT box{};
-    GetClientRect(OnPage(IDC_IMGLOGO), &box);
+    GetClientRect(ControlOf(IDC_IMGLOGO), &box);
     return std::prev(kLogos.upper_bound(std::min(box.right, box.bottom)))->first;
 }
 
 void CheckLogo(int dpi) {
-    const HWND logo = OnPage(IDC_IMGLOGO);
+    const HWND logo = ControlOf(IDC_IMGLOGO);
     const std::vector<DWORD> shown = Print(logo);
     CHECK(LogoThatFits() >= dpi);
     for (const auto& [pixels, resource] : kLogos) {
@@ -186,7 +173,7 @@ TEST_CASE("the logo is the largest that there is space for, pixel by pixel") {
     CheckLogo(Dpi());
     if (LogoThatFits() == kLogos.rbegin()->first) return;
     RECT client{};
-    GetClientRect(OnPage(IDC_IMGLOGO), &client);
+    GetClientRect(ControlOf(IDC_IMGLOGO), &client);
     const SIZE drawn{LogoThatFits(), LogoThatFits()};
     const RECT bounds = PictureBounds(drawn, {client.right, client.bottom});
     CHECK(bounds.right - bounds.left == drawn.cx);

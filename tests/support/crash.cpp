@@ -1,10 +1,8 @@
-#include "tests/support/crash.h"
-
 #include <doctest.h>
 
-#include <windows.h>
-
 #include <cstdio>
+
+#include "tests/support/crash_watch.h"
 
 namespace {
 

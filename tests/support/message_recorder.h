@@ -18,16 +18,18 @@ public:
         UINT type;
     };
 
-    MessageRecorder();
+    MessageRecorder() { s_active = this; }
     MessageRecorder(const MessageRecorder&) = delete;
     MessageRecorder& operator=(const MessageRecorder&) = delete;
-    ~MessageRecorder();
 
     std::vector<Message> messages;
 
 private:
-    static int WINAPI Show(HWND owner, const wchar_t* text, const wchar_t* title, UINT type);
+    static int WINAPI Show(HWND owner, const wchar_t* text, const wchar_t* title, UINT type) {
+        s_active->messages.push_back({owner, text, title, type});
+        return IDOK;
+    }
 
-    static MessageRecorder* s_active;
-    ImportPatch m_patch;
+    static inline MessageRecorder* s_active = nullptr;
+    const ImportPatch m_patch{"user32.dll", "MessageBoxW", &Show};
 };

@@ -26,3 +26,10 @@ std::vector<std::string> PlainNewestLines(std::string_view log, std::size_t limi
     }
     return rows;
 }
+
+std::string RepeatingLog() {
+    std::string text;
+    for (int i = 0; i < 40; ++i)
+        text += "http://site" + std::to_string(i % 3 == 0 ? i / 2 : i) + ".example/page\r\n";
+    return text;
+}

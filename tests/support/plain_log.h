@@ -18,3 +18,6 @@ std::vector<std::string> PlainNewestLines(
     const std::function<std::string(const std::string&)>& textOf = [](const std::string& line) {
         return line;
     });
+
+// A log that has more lines than are shown, every third of them equal to an earlier one.
+std::string RepeatingLog();
