@@ -3,7 +3,6 @@
 
 #include "platform/com/variant.h"
 #include "tests/engine/session.h"
-#include "tests/engine/tray.h"
 #include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/shown_text.h"
@@ -16,16 +15,6 @@ struct Commanded : Session {
         engine.RaiseByItself(false);
     }
 
-    // With every item enabled.
-    void StartAsDesigned() {
-        engine.State(7);
-        Start();
-    }
-
-    bool Receives(const Lines& calls) {
-        return WaitUntil([&] { return engine.Calls() == calls; });
-    }
-
     // Nothing more comes for longer than a period of the menu's timer.
     bool ReceivesNothing() {
         const Lines before = engine.Calls();
@@ -36,33 +25,6 @@ struct Commanded : Session {
 
 }  // namespace
 
-TEST_CASE(
-    "the engine's state at the start shows in the menu: 2 and 3 alike, an unknown one changes nothing") {
-    Commanded session;
-    MenuLook expected = MenuLook::Other;
-    SUBCASE("2") {
-        session.engine.State(2);
-        expected = MenuLook::Stopped;
-    }
-    SUBCASE("3") {
-        session.engine.State(3);
-        expected = MenuLook::Stopped;
-    }
-    SUBCASE("4") {
-        session.engine.State(4);
-        expected = MenuLook::Designed;
-    }
-    SUBCASE("It cannot be read") {
-        session.engine.Fail(L"State");
-        expected = MenuLook::Designed;
-    }
-    session.Start();
-    CHECK(LookOfMenu(session.window) == expected);
-    // A change of the state is learned from events only.
-    session.engine.State(expected == MenuLook::Stopped ? 1 : 2);
-    CHECK(LookOfMenu(session.window) == expected);
-}
-
 TEST_CASE("a command reaches the engine half a second after the menu has closed on it, not before") {
     struct Row {
         wchar_t mnemonic;
@@ -70,7 +32,9 @@ TEST_CASE("a command reaches the engine half a second after the menu has closed 
         MenuLook after;
     };
     Commanded session;
-    session.StartAsDesigned();
+    // With every item enabled.
+    session.engine.State(7);
+    session.Start();
     Put(session.engine.Control(), L"Stamped", true);
     // Each row leaves the next one's item enabled.
     for (const Row& row : {Row{L'p', L" Pause", MenuLook::Designed}, Row{L't', L" Stop", MenuLook::Stopped},
@@ -100,27 +64,30 @@ TEST_CASE("Pause leaves the menu alone until the engine reports it; the menu fol
     session.Start();
     REQUIRE(LookOfMenu(session.window) == MenuLook::Running);
     Command(session.window, L'p');
-    CHECK(session.Receives({L"Pause"}));
+    CHECK(WaitUntil([&] { return session.engine.Calls() == Lines{L"Pause"}; }));
     CHECK(LookOfMenu(session.window) == MenuLook::Running);
-    session.engine.Raise(L"Paused");
-    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
-    session.engine.Raise(L"Started");
-    CHECK(LookOfMenu(session.window) == MenuLook::Running);
-    session.engine.Raise(L"Stopped");
-    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
-    session.engine.Raise(L"Killed");
-    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
-    session.engine.Raise(L"Started");
+    const std::pair<const wchar_t*, MenuLook> events[] = {{L"Paused", MenuLook::Stopped},
+                                                          {L"Started", MenuLook::Running},
+                                                          {L"Stopped", MenuLook::Stopped},
+                                                          {L"Killed", MenuLook::Stopped},
+                                                          {L"Started", MenuLook::Running}};
+    for (const auto& [event, look] : events) {
+        session.engine.Raise(event);
+        CHECK(LookOfMenu(session.window) == look);
+    }
     session.engine.RaiseByItself(true);
     Command(session.window, L'p');
-    CHECK(session.Receives({L"Pause", L"Pause"}));
     CHECK(WaitUntil([&] { return LookOfMenu(session.window) == MenuLook::Stopped; }));
 }
 
-TEST_CASE("a disabled item does nothing") {
+TEST_CASE("a disabled item and Esc do nothing, and an open menu has an event the next time") {
     Commanded session;
-    session.engine.State(2);
     session.Start();
+    PopUpMenu(session.window);
+    CHECK(LookOfOpenMenu() == MenuLook::Running);
+    session.engine.Raise(L"Stopped");
+    CloseMenu();
+    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
     for (const wchar_t mnemonic : {L't', L'p'}) {
         PopUpMenu(session.window);
         PostMessageW(OpenMenu(), WM_CHAR, mnemonic, 1);
@@ -131,20 +98,8 @@ TEST_CASE("a disabled item does nothing") {
     CHECK(session.engine.Calls() == Lines{});
 }
 
-TEST_CASE("an event that comes while the menu is open is in it the next time, and Esc chooses nothing") {
-    Commanded session;
-    session.Start();
-    PopUpMenu(session.window);
-    CHECK(LookOfOpenMenu() == MenuLook::Running);
-    session.engine.Raise(L"Stopped");
-    CloseMenu();
-    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
-    CHECK(session.ReceivesNothing());
-    CHECK(session.engine.Calls() == Lines{});
-}
-
 TEST_CASE("Open shows the hidden window in the foreground, and its close box hides it again") {
-    Commanded session;
+    Session session;
     session.Start();
     CHECK_FALSE(session.Visible());
     Command(session.window, L'o');
@@ -154,15 +109,4 @@ TEST_CASE("Open shows the hidden window in the foreground, and its close box hid
     CHECK(WaitUntil([&] { return !session.Visible(); }));
     CHECK(IsWindow(session.window));
     CHECK(session.engine.Calls() == Lines{});
-}
-
-TEST_CASE("a command that waits when the window is left by Exit is never sent") {
-    Commanded session;
-    session.Start();
-    Command(session.window, L't');
-    Command(session.window, L'x');
-    REQUIRE(WaitUntil([&] { return !IsWindow(session.window); }));
-    PumpFor(900);
-    CHECK(session.engine.Count(L"Stop") == 0);
-    CHECK(session.engine.Count(L"ReleasePopup") == 1);
 }

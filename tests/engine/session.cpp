@@ -15,10 +15,38 @@ REGISTER_EXCEPTION_TRANSLATOR(const AutomationError& error) {
     return text;
 }
 
-void Session::Start() {
+void Session::Open() {
     window = manager.Window();
     apply = manager.Control(L"cmdApply");
+}
+
+void Session::Start() {
+    Open();
     engine.ClearCalls();
+}
+
+void Session::CheckWorks(bool hasEngine) {
+    manager.Instance(formShow);
+    CHECK(Visible());
+    const std::wstring before = manager.Text(L"txtSpeed");
+    const std::wstring stored = Setting(L"Settings", L"txtSpeed");
+    const size_t reloads = hasEngine ? engine.Count(L"ReloadSettings") : 0;
+    Spin(L"udbSpeed", before != L"10");
+    CHECK(manager.Text(L"txtSpeed") != before);
+    CHECK(Marked());
+    const DWORD start = GetTickCount();
+    Press(L"cmdApply");
+    CHECK(WaitUntil([&] { return !Marked(); }));
+    CHECK(GetTickCount() - start < kHang);
+    CHECK(Setting(L"Settings", L"txtSpeed") != stored);
+    if (hasEngine) CHECK(engine.Count(L"ReloadSettings") == reloads + 1);
+    Press(L"cmdRefreshLog");
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    CHECK(WaitUntil([&] { return !Visible(); }));
+    Command(window, L'o');
+    CHECK(WaitUntil([&] { return Visible(); }));
+    CHECK(WaitForIcon());
+    CHECK(ShellHasIcon(window));
 }
 
 // Posted: a program that is in the midst of another's SendMessage may not call a third by COM.

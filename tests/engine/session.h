@@ -5,12 +5,21 @@
 #include "tests/engine/tray.h"
 #include "tests/support/manager.h"
 
+// COM gives up a server that does not serve after 30 seconds: a call that takes as long waits for what is
+// gone.
+inline constexpr DWORD kHang = 25000;  // milliseconds
+
 // Members are made in their order: the engine gets its orders before the manager starts.
 struct Session {
     explicit Session(bool keepSettings = false) : manager(BeginTrayRecord(), keepSettings) {}
 
-    // Starts the manager's window, hidden, and forgets what the engine was called by that.
+    // Makes the manager's window, hidden. Start forgets what the engine was called by that.
+    void Open();
     void Start();
+
+    // What a user expects of the manager, with an engine or without: Apply, Refresh List, the window, the
+    // icon.
+    void CheckWorks(bool hasEngine = true);
 
     HWND Window() { return window; }
     bool Visible() const { return IsWindowVisible(window) != FALSE; }

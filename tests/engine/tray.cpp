@@ -6,7 +6,6 @@
 
 #include "app/resource.h"
 #include "store/server_directory.h"
-#include "tests/engine/user_input.h"
 #include "tests/support/manager.h"
 
 namespace {
@@ -62,11 +61,6 @@ std::wstring DesignedMenu(wchar_t start, wchar_t stop, wchar_t pause) {
            L"&Pause Sentrel\n-\n+&Open Calvane Configuration\n+E&xit Calvane\n";
 }
 
-HWND MenuWindow() {
-    const HWND menu = FindWindowW(L"#32768", nullptr);
-    return menu != nullptr && IsWindowVisible(menu) ? menu : nullptr;
-}
-
 }  // namespace
 
 std::wstring BeginTrayRecord() {
@@ -89,10 +83,6 @@ int ShownIcons() {
     return Done(NIM_ADD) - Done(NIM_DELETE);
 }
 
-int IconsAdded() {
-    return Done(NIM_ADD);
-}
-
 bool WaitForIcon() {
     return WaitForIconAfter(0);
 }
@@ -100,7 +90,7 @@ bool WaitForIcon() {
 bool WaitForIconAfter(int added) {
     return WaitUntil([&] {
         const std::vector<ShellCall> calls = ShellCalls();
-        return IconsAdded() > added && ShownIcons() == 1 && NameOf(calls.back()) == "add rest";
+        return Done(NIM_ADD) > added && ShownIcons() == 1 && NameOf(calls.back()) == "add rest";
     });
 }
 
@@ -120,14 +110,39 @@ void PostGesture(HWND configWindow, UINT mouseMessage) {
     PostMessageW(configWindow, kCallback, 1, static_cast<LPARAM>(mouseMessage));
 }
 
+void MoveMouseTo(POINT position) {
+    SetCursorPos(position.x, position.y);
+    Sleep(50);
+}
+
+void LeftClick() {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    for (const DWORD flags : {MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP}) {
+        input.mi.dwFlags = flags;
+        SendInput(1, &input, sizeof(input));
+    }
+}
+
+void TypeKey(WORD virtualKey) {
+    INPUT input{};
+    input.type = INPUT_KEYBOARD;
+    input.ki.wVk = virtualKey;
+    for (const DWORD flags : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) {
+        input.ki.dwFlags = flags;
+        SendInput(1, &input, sizeof(input));
+    }
+}
+
 HWND OpenMenu() {
-    return MenuWindow();
+    const HWND menu = FindWindowW(L"#32768", nullptr);
+    return menu != nullptr && IsWindowVisible(menu) ? menu : nullptr;
 }
 
 HWND WaitForMenu() {
     HWND menu = nullptr;
     WaitUntil([&] {
-        menu = MenuWindow();
+        menu = OpenMenu();
         GUITHREADINFO info{};
         info.cbSize = sizeof(info);
         return menu != nullptr && GetGUIThreadInfo(GetWindowThreadProcessId(menu, nullptr), &info) &&
@@ -137,7 +152,7 @@ HWND WaitForMenu() {
 }
 
 bool MenuCloses() {
-    return WaitUntil([] { return MenuWindow() == nullptr && Record().menusClosed == Record().menusShown; });
+    return WaitUntil([] { return OpenMenu() == nullptr && Record().menusClosed == Record().menusShown; });
 }
 
 HWND PopUpMenu(HWND configWindow) {
@@ -151,12 +166,12 @@ HWND PopUpMenu(HWND configWindow) {
 }
 
 void CloseMenu() {
-    PostMessageW(MenuWindow(), WM_KEYDOWN, VK_ESCAPE, 1);
+    PostMessageW(OpenMenu(), WM_KEYDOWN, VK_ESCAPE, 1);
     REQUIRE(MenuCloses());
 }
 
 void Choose(wchar_t mnemonic) {
-    PostMessageW(MenuWindow(), WM_CHAR, mnemonic, 1);
+    PostMessageW(OpenMenu(), WM_CHAR, mnemonic, 1);
     REQUIRE(MenuCloses());
     REQUIRE(Record().chosen != 0);
 }
@@ -166,7 +181,7 @@ void Command(HWND configWindow, wchar_t mnemonic) {
     constexpr int kTries = 3;
     for (int i = 0; i < kTries; ++i) {
         PopUpMenu(configWindow);
-        PostMessageW(MenuWindow(), WM_CHAR, mnemonic, 1);
+        PostMessageW(OpenMenu(), WM_CHAR, mnemonic, 1);
         REQUIRE(MenuCloses());
         if (Record().chosen != 0) return;
     }

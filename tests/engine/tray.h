@@ -19,7 +19,6 @@ bool ShellHasIcon(HWND configWindow);
 
 // The icon as the calls that the shell has carried out have left it.
 int ShownIcons();
-int IconsAdded();  // since the record's beginning
 
 // Waits until there is one and it rests: its adding, with the resting picture, was the last call.
 bool WaitForIcon();
@@ -31,6 +30,11 @@ std::string IconStory(size_t first = 0);
 
 // What the icon's callback tells the window: a mouse message over the icon.
 void PostGesture(HWND configWindow, UINT mouseMessage);
+
+// The real mouse and keyboard: what they do depends on what lies under the pointer and has the focus.
+void MoveMouseTo(POINT position);
+void LeftClick();
+void TypeKey(WORD virtualKey);
 
 // The open menu's window; null when none is open.
 HWND OpenMenu();

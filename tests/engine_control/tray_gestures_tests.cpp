@@ -98,7 +98,7 @@ TEST_CASE_FIXTURE(GesturesFixture, "opening the configuration shows the window")
 
 TEST_CASE_FIXTURE(
     GesturesFixture,
-    "leaving lets the window unload, then posts it a close message, be there icon's events or not") {
+    "leaving lets the window unload, then posts it a close message, whether the icon has events or not") {
     SUBCASE("with events") {
         Connect();
     }
@@ -111,9 +111,10 @@ TEST_CASE_FIXTURE(
     CHECK(b_OKtoUnload);
 }
 
-TEST_CASE_FIXTURE(GesturesFixture,
-                  "the place of a mouse event, in twips, brings the window to the foreground, and a double click "
-                  "shows it, the right button pops up the menu without a default item") {
+TEST_CASE_FIXTURE(
+    GesturesFixture,
+    "any mouse event of the icon brings the window to the foreground; a double click, in twips, "
+    "shows it, a release of the right button pops up the menu without a default item") {
     Connect();
     const std::pair<float, Calls> rows[] = {
         {7725.0f, {"Show"}}, {7755.0f, {"Pop up"}}, {0.0f, {}},    {515.0f, {}},  {517.0f, {}},

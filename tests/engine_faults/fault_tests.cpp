@@ -1,55 +1,15 @@
 // Engines that are missing, fail, die, or speak at the wrong moment.
 #include <doctest.h>
 
-#include "platform/automation_error.h"
 #include "platform/com/variant.h"
 #include "tests/engine/session.h"
-#include "tests/engine/tray.h"
 #include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/shown_text.h"
 
 namespace {
 
-// COM gives up a server that does not serve after 30 seconds: a call that takes as long waits for what is
-// gone.
-constexpr DWORD kHang = 25000;  // milliseconds
-
-// What a user expects of the manager without any engine.
-void CheckUsable(Session& session) {
-    session.manager.Instance(formShow);
-    CHECK(session.Visible());
-    const HWND tab = session.manager.Control(L"tab");
-    constexpr const wchar_t* kOnPages[] = {L"chkBeep",    L"lstExclude",    L"lstClosedWnd",
-                                           L"lvwBanners", L"lvwSearchURLs", L"lblAbout"};
-    for (const wchar_t* const control : kOnPages) {
-        CAPTURE(ToAnsi(control));
-        CHECK(IsWindowVisible(session.manager.Control(control)) != FALSE);
-        PostMessageW(tab, WM_KEYDOWN, VK_RIGHT, 1);
-        session.Settle();
-    }
-    for (size_t i = 0; i < std::size(kOnPages); ++i)
-        PostMessageW(tab, WM_KEYDOWN, VK_LEFT, 1);
-    session.Settle();
-
-    const std::wstring before = session.manager.Text(L"txtSpeed");
-    session.Spin(L"udbSpeed", before != L"10");
-    CHECK(session.manager.Text(L"txtSpeed") != before);
-    const std::wstring stored = Setting(L"Settings", L"txtSpeed");
-    const DWORD start = GetTickCount();
-    session.Press(L"cmdApply");
-    CHECK(WaitUntil([&] { return !session.Marked(); }));
-    CHECK(GetTickCount() - start < kHang);
-    CHECK(Setting(L"Settings", L"txtSpeed") != stored);
-    session.Press(L"cmdRefreshLog");
-    PostMessageW(session.window, WM_CLOSE, 0, 0);
-    CHECK(WaitUntil([&] { return !session.Visible(); }));
-    Command(session.window, L'o');
-    CHECK(WaitUntil([&] { return session.Visible(); }));
-    CHECK(ShellHasIcon(session.window));
-}
-
-bool Becomes(Session& session, MenuLook look) {
+bool Becomes(const Session& session, MenuLook look) {
     return WaitUntil([&] { return LookOfMenu(session.window) == look; });
 }
 
@@ -57,26 +17,27 @@ bool HasEngine(Session& session) {
     return Get(session.manager.Form().Get(), L"m_oPopup").Value().pdispVal != nullptr;
 }
 
+void CheckExit(Session& session) {
+    const DWORD start = GetTickCount();
+    Command(session.window, L'x');
+    CHECK(WaitUntil([&] { return !IsWindow(session.window); }));
+    CHECK_FALSE(ShellHasIcon(session.window));
+    session.manager.LetGo();
+    CHECK(session.manager.WaitForEnd());
+    CHECK(GetTickCount() - start < kHang);
+    CHECK(ShownIcons() == 0);
+}
+
 }  // namespace
 
-TEST_CASE("without a registered engine the manager works, and its menu stays as designed") {
+TEST_CASE("without a registered engine the menu stays as designed, and follows commands as if they arrived") {
     const NoEngineRegistered none;
     Manager manager(BeginTrayRecord());
     const DWORD start = GetTickCount();
     const HWND window = manager.Window();
     CHECK(GetTickCount() - start < kHang);
-    CHECK(Get(manager.Form().Get(), L"m_oPopup").Value().pdispVal == nullptr);
-    CHECK(LookOfMenu(window) == MenuLook::Designed);
     CHECK(WaitForIcon());
-    const HWND apply = manager.Control(L"cmdApply");
-    CHECK(IsWindowEnabled(apply) == FALSE);
-    PostMessageW(manager.Control(L"chkBeep"), BM_CLICK, 0, 0);
-    CHECK(WaitUntil([&] { return IsWindowEnabled(apply) != FALSE; }));
-    PostMessageW(apply, BM_CLICK, 0, 0);
-    CHECK(WaitUntil([&] { return IsWindowEnabled(apply) == FALSE; }));
-    CHECK(Setting(L"Settings", L"chkBeep") == L"1");
-
-    // Commands go nowhere, and the menu follows them as if they had arrived.
+    CHECK(LookOfMenu(window) == MenuLook::Designed);
     Command(window, L't');
     CHECK(WaitUntil([&] { return LookOfMenu(window) == MenuLook::Stopped; }));
     Command(window, L's');
@@ -84,34 +45,14 @@ TEST_CASE("without a registered engine the manager works, and its menu stays as 
     Command(window, L'p');
     PumpFor(700);
     CHECK(LookOfMenu(window) == MenuLook::Running);
-    Command(window, L'o');
-    CHECK(WaitUntil([&] { return IsWindowVisible(window) != FALSE; }));
     Command(window, L'x');
     CHECK(WaitUntil([&] { return !IsWindow(window); }));
-    manager.LetGo();
-    CHECK(manager.WaitForEnd());
-    CHECK(ShownIcons() == 0);
 }
 
-TEST_CASE("an engine object that cannot be created leaves a window that works") {
+TEST_CASE(
+    "an engine that fails in every call leaves a manager that works, with a menu as if it had succeeded") {
     Session session;
-    SUBCASE("CreatePopup fails") {
-        session.engine.Fail(L"CreatePopup");
-        session.Start();
-    }
-    SUBCASE("The engine dies in CreatePopup") {
-        session.engine.DieIn(L"CreatePopup");
-        session.window = session.manager.Window();
-        session.apply = session.manager.Control(L"cmdApply");
-        CHECK(StandIn::Ended());
-    }
-    CHECK_FALSE(HasEngine(session));
-    CHECK(LookOfMenu(session.window) == MenuLook::Designed);
-    CheckUsable(session);
-}
-
-TEST_CASE("a state or a log that cannot be read leaves everything else working") {
-    Session session;
+    session.engine.RaiseByItself(false);
     session.engine.Fail(L"State");
     session.engine.Fail(L"LogFile");
     session.Start();
@@ -119,93 +60,61 @@ TEST_CASE("a state or a log that cannot be read leaves everything else working")
     CHECK(session.engine.Connections() == 1);
     CHECK(LookOfMenu(session.window) == MenuLook::Designed);
     CHECK(SendMessageW(session.manager.Control(L"lstClosedWnd"), LB_GETCOUNT, 0, 0) == 0);
-    CheckUsable(session);
-    CHECK(session.engine.Count(L"ReloadSettings") == 1);
-    session.engine.Raise(L"Stopped");
-    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
-}
 
-TEST_CASE("a command that fails in the engine is done with, and the menu is as if it had succeeded") {
-    Session session;
-    session.engine.RaiseByItself(false);
-    session.Start();
-    for (const wchar_t* const member : {L"Start", L"Stop", L"Pause", L"ReloadSettings", L"LogFile"})
+    for (const wchar_t* const member :
+         {L"Start", L"Stop", L"Pause", L"ReloadSettings", L"LogFile", L"ReleasePopup"})
         session.engine.Fail(member);
     Command(session.window, L'p');
     CHECK(WaitUntil([&] { return session.engine.Count(L"Pause") == 1; }));
-    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CHECK(LookOfMenu(session.window) == MenuLook::Designed);
     Command(session.window, L't');
     CHECK(Becomes(session, MenuLook::Stopped));
     Command(session.window, L's');
     CHECK(Becomes(session, MenuLook::Running));
     CHECK(session.engine.Calls() == Lines{L"Pause", L"Stop", L"Start"});
-    CheckUsable(session);
-    CHECK(session.engine.Count(L"ReloadSettings") == 1);
-    // The next command is served as ever.
+    session.CheckWorks();
+    // The next command is served as ever, and so are events.
     Command(session.window, L't');
     CHECK(WaitUntil([&] { return session.engine.Calls().back() == L"Stop"; }));
-}
-
-TEST_CASE("a leave that fails does not keep the window") {
-    Session session;
-    session.engine.Fail(L"ReleasePopup");
-    session.Start();
-    Command(session.window, L'x');
-    CHECK(WaitUntil([&] { return !IsWindow(session.window); }));
+    session.engine.Raise(L"Started");
+    CHECK(LookOfMenu(session.window) == MenuLook::Running);
+    CheckExit(session);
     CHECK(session.engine.Count(L"ReleasePopup") == 1);
     CHECK(session.engine.Popups() == 0);
-    CHECK_FALSE(ShellHasIcon(session.window));
-    session.manager.LetGo();
-    CHECK(session.manager.WaitForEnd());
 }
 
 TEST_CASE("an engine that dies in a call leaves a manager that works") {
-    Session session;
-    session.Start();
-    SUBCASE("Stop") {
-        session.engine.DieIn(L"Stop");
-        Command(session.window, L't');
-        CHECK(StandIn::Ended());
-        CHECK(Becomes(session, MenuLook::Stopped));
-    }
-    SUBCASE("Pause") {
-        session.engine.DieIn(L"Pause");
-        Command(session.window, L'p');
-        CHECK(StandIn::Ended());
-        CHECK(LookOfMenu(session.window) == MenuLook::Running);
-    }
-    SUBCASE("ReloadSettings") {
-        session.engine.DieIn(L"ReloadSettings");
-        session.Apply();
+    struct Row {
+        const wchar_t* member;
+        void (*call)(Session& session);  // null: the window's making calls it
+        MenuLook look;
+    };
+    const Row rows[] = {
+        {L"CreatePopup", nullptr, MenuLook::Designed},
+        {L"State", nullptr, MenuLook::Designed},
+        {L"Start", [](Session& session) { Command(session.window, L's'); }, MenuLook::Running},
+        {L"Stop", [](Session& session) { Command(session.window, L't'); }, MenuLook::Stopped},
+        {L"Pause", [](Session& session) { Command(session.window, L'p'); }, MenuLook::Designed},
+        {L"ReloadSettings", [](Session& session) { session.Apply(); }, MenuLook::Designed},
+        {L"LogFile", [](Session& session) { session.Press(L"cmdRefreshLog"); }, MenuLook::Designed},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(ToAnsi(row.member));
+        Session session;
+        // With every item of the menu enabled.
+        session.engine.State(7);
+        if (row.call != nullptr) session.Start();
+        session.engine.DieIn(row.member);
+        if (row.call == nullptr) {
+            session.Open();
+        } else {
+            row.call(session);
+        }
         CHECK(StandIn::Ended());
         CHECK(WaitUntil([&] { return !session.Marked(); }));
+        CHECK(Becomes(session, row.look));
+        session.CheckWorks(false);
     }
-    SUBCASE("LogFile") {
-        session.engine.DieIn(L"LogFile");
-        session.Press(L"cmdRefreshLog");
-        CHECK(StandIn::Ended());
-    }
-    CheckUsable(session);
-}
-
-TEST_CASE("an engine that dies in State or in Start leaves a manager that works") {
-    Session session;
-    SUBCASE("State") {
-        session.engine.DieIn(L"State");
-        session.window = session.manager.Window();
-        session.apply = session.manager.Control(L"cmdApply");
-        CHECK(StandIn::Ended());
-        CHECK(LookOfMenu(session.window) == MenuLook::Designed);
-    }
-    SUBCASE("Start") {
-        session.engine.State(2);
-        session.Start();
-        session.engine.DieIn(L"Start");
-        Command(session.window, L's');
-        CHECK(StandIn::Ended());
-        CHECK(Becomes(session, MenuLook::Running));
-    }
-    CheckUsable(session);
 }
 
 TEST_CASE("the manager ends as ever when its engine dies in the leave or has died before") {
@@ -220,15 +129,8 @@ TEST_CASE("the manager ends as ever when its engine dies in the leave or has die
     SUBCASE("Terminated before") {
         StandIn::End(StandIn::Death::ByForce);
     }
-    const DWORD start = GetTickCount();
-    Command(session.window, L'x');
-    CHECK(WaitUntil([&] { return !IsWindow(session.window); }));
-    CHECK_FALSE(ShellHasIcon(session.window));
-    session.manager.LetGo();
-    CHECK(session.manager.WaitForEnd());
-    CHECK(GetTickCount() - start < kHang);
+    CheckExit(session);
     CHECK(StandIn::Ended());
-    CHECK(ShownIcons() == 0);
 }
 
 TEST_CASE("an engine killed between two calls is missed by nobody but its commands") {
@@ -243,17 +145,16 @@ TEST_CASE("an engine killed between two calls is missed by nobody but its comman
     CHECK(Becomes(session, MenuLook::Stopped));
     Command(session.window, L's');
     CHECK(Becomes(session, MenuLook::Running));
-    CheckUsable(session);
+    session.CheckWorks(false);
 }
 
 TEST_CASE("a terminated engine that COM still takes for alive leaves a manager that starts and works") {
     Session session;
     StandIn::End(StandIn::Death::ByForce);
     const DWORD start = GetTickCount();
-    session.window = session.manager.Window();
-    session.apply = session.manager.Control(L"cmdApply");
+    session.Open();
     CHECK(GetTickCount() - start < kHang);
-    CheckUsable(session);
+    session.CheckWorks(false);
 }
 
 TEST_CASE("an engine killed while it is being called lets the manager go on") {
@@ -267,24 +168,10 @@ TEST_CASE("an engine killed while it is being called lets the manager go on") {
     CHECK(session.Marked());
     StandIn::End(StandIn::Death::ByForce);
     CHECK(WaitUntil([&] { return !session.Marked(); }));
-    CheckUsable(session);
+    session.CheckWorks(false);
 }
 
-TEST_CASE("an engine that is slow with a command is not given it twice") {
-    Session session;
-    session.Start();
-    const HeldCall held = session.engine.Hold(L"Stop");
-    Command(session.window, L't');
-    REQUIRE(held.Arrives());
-    // Longer than the manager's timer takes twice, then once more.
-    PumpFor(1300);
-    held.LetGo();
-    PumpFor(1100);
-    CHECK(session.engine.Calls() == Lines{L"Stop"});
-    CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
-}
-
-TEST_CASE("events that come while a dialog is open do all that they do") {
+TEST_CASE("events that come while a dialog is open do all that they do, and so does a command") {
     Session session;
     session.manager.Instance(formShow);
     session.Start();
@@ -295,12 +182,8 @@ TEST_CASE("events that come while a dialog is open do all that they do") {
     CHECK(WaitForIconAfter(1));
     session.engine.Raise(L"Stopped");
     CHECK(LookOfMenu(session.window) == MenuLook::Stopped);
-    // A command from the menu is carried out meanwhile.
     Command(session.window, L's');
     CHECK(WaitUntil([&] { return session.engine.Calls() == Lines{L"Start"}; }));
-    CHECK(IsWindow(dialog));
     CHECK(IsWindowEnabled(session.window) == FALSE);
     CHECK(session.CancelDialog(dialog));
-    session.Settle();
-    CHECK(session.Marked());
 }
