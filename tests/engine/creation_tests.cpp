@@ -56,6 +56,11 @@ TEST_CASE(
     }
     SUBCASE("End of the Windows session") {
         CHECK(SendMessageW(first, WM_QUERYENDSESSION, 0, 0) != 0);
+        // Called off at first.
+        SendMessageW(first, WM_ENDSESSION, FALSE, 0);
+        session.Settle();
+        CHECK(IconStory() == "add rest");
+        CHECK(session.engine.Calls() == Lines{});
         PostMessageW(first, WM_ENDSESSION, TRUE, 0);
         checkLeft();
     }

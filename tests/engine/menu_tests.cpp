@@ -98,15 +98,27 @@ TEST_CASE("a disabled item and Esc do nothing, and an open menu has an event the
     CHECK(session.engine.Calls() == Lines{});
 }
 
-TEST_CASE("Open shows the hidden window in the foreground, and its close box hides it again") {
+TEST_CASE("Open shows the hidden window in the foreground, and its close box hides it with all that it has") {
     Session session;
     session.Start();
+    REQUIRE(WaitForIcon());
     CHECK_FALSE(session.Visible());
     Command(session.window, L'o');
     CHECK(WaitUntil([&] { return session.Visible(); }));
     CHECK(WaitUntil([&] { return GetForegroundWindow() == session.window; }));
-    PostMessageW(session.window, WM_CLOSE, 0, 0);
-    CHECK(WaitUntil([&] { return !session.Visible(); }));
-    CHECK(IsWindow(session.window));
+    for (const UINT message : {WM_CLOSE, WM_SYSCOMMAND}) {
+        CAPTURE(message);
+        session.manager.Instance(formShow);
+        session.Spin(L"udbSpeed", true);
+        PostMessageW(session.window, message, message == WM_SYSCOMMAND ? SC_CLOSE : 0, 0);
+        CHECK(WaitUntil([&] { return !session.Visible(); }));
+    }
+    CHECK(session.manager.Window() == session.window);
+    CHECK(session.manager.Text(L"txtSpeed") == L"8");
+    CHECK(session.Marked());
+    CHECK(Setting(L"Settings", L"txtSpeed") == L"1000");
     CHECK(session.engine.Calls() == Lines{});
+    CHECK(session.engine.Popups() == 1);
+    CHECK(session.engine.Connections() == 1);
+    CHECK(IconStory() == "add rest");
 }

@@ -30,13 +30,22 @@ void CheckExit(Session& session) {
 
 }  // namespace
 
-TEST_CASE("without a registered engine the menu stays as designed, and follows commands as if they arrived") {
+TEST_CASE("without a registered engine the window works, and its menu follows commands as if they arrived") {
     const NoEngineRegistered none;
     Manager manager(BeginTrayRecord());
     const DWORD start = GetTickCount();
     const HWND window = manager.Window();
     CHECK(GetTickCount() - start < kHang);
+    CHECK(Get(manager.Form().Get(), L"m_oPopup").Value().pdispVal == nullptr);
     CHECK(WaitForIcon());
+    const HWND apply = manager.Control(L"cmdApply");
+    PostMessageW(manager.Control(L"chkBeep"), BM_CLICK, 0, 0);
+    CHECK(WaitUntil([&] { return IsWindowEnabled(apply) != FALSE; }));
+    PostMessageW(manager.Control(L"cmdRefreshLog"), BM_CLICK, 0, 0);
+    PostMessageW(apply, BM_CLICK, 0, 0);
+    CHECK(WaitUntil([&] { return IsWindowEnabled(apply) == FALSE; }));
+    CHECK(Setting(L"Settings", L"chkBeep") == L"1");
+
     CHECK(LookOfMenu(window) == MenuLook::Designed);
     Command(window, L't');
     CHECK(WaitUntil([&] { return LookOfMenu(window) == MenuLook::Stopped; }));
@@ -45,6 +54,8 @@ TEST_CASE("without a registered engine the menu stays as designed, and follows c
     Command(window, L'p');
     PumpFor(700);
     CHECK(LookOfMenu(window) == MenuLook::Running);
+    Command(window, L'o');
+    CHECK(WaitUntil([&] { return IsWindowVisible(window) != FALSE; }));
     Command(window, L'x');
     CHECK(WaitUntil([&] { return !IsWindow(window); }));
 }
