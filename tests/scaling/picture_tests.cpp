@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <string_view>
 #include <vector>
 
 #include "platform/controls/image_box.h"
@@ -86,6 +87,35 @@ std::vector<DWORD> Print(HWND control) {
     return result;
 }
 
+// The one at rest and the three frames.
+std::vector<ComPtr<IDispatch>> TrayPictures() {
+    std::vector<ComPtr<IDispatch>> pictures(4);
+    REQUIRE(g_frmConfig->get_picShellIcon(&pictures[0]) == S_OK);
+    for (short frame = 0; frame < 3; ++frame)
+        REQUIRE(g_frmConfig->get_picTray(frame, &pictures[static_cast<size_t>(frame) + 1]) == S_OK);
+    return pictures;
+}
+
+// A taskbar on a monitor of another resolution than the window's.
+struct Taskbar {
+    Taskbar() { s_patch = &patch; }
+
+    static UINT WINAPI DpiForWindow(HWND window) {
+        return static_cast<UINT>(window == Window() ? Dpi() : s_dpi);
+    }
+
+    static FARPROC WINAPI Find(HMODULE library, LPCSTR name) {
+        if (std::string_view(name) != "GetDpiForWindow") {
+            return s_patch->Original<decltype(&GetProcAddress)>()(library, name);
+        }
+        return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&DpiForWindow));
+    }
+
+    static inline int s_dpi = 0;
+    static inline const ImportPatch* s_patch = nullptr;
+    const ImportPatch patch{"kernel32.dll", "GetProcAddress", &Find};
+};
+
 // What a box of the size of the logo shows of a picture.
 std::vector<DWORD> PrintInBoxOf(HWND logo, int resource) {
     constexpr int kOtherId = 3999;
@@ -129,14 +159,8 @@ void CheckLogo(int dpi) {
 TEST_CASE("icons have the size of the system's small icons, and are drawn for it") {
     InsideWithoutEngine inside;
     inside.Instance(FormHide);
-    ComPtr<IDispatch> picture;
-    REQUIRE(g_frmConfig->get_picShellIcon(&picture) == S_OK);
-    CHECK(IsSmallIcon(IconOf(picture.Get())));
-    for (short index = 0; index < 3; ++index) {
-        picture.Reset();
-        REQUIRE(g_frmConfig->get_picTray(index, &picture) == S_OK);
+    for (const ComPtr<IDispatch>& picture : TrayPictures())
         CHECK(IsSmallIcon(IconOf(picture.Get())));
-    }
     CHECK(IsSmallIcon(reinterpret_cast<HICON>(SendMessageW(Window(), WM_GETICON, ICON_SMALL, 0))));
 
     CheckRowPictures(Dpi());
@@ -164,6 +188,19 @@ TEST_CASE("icons and logo follow a move between monitors") {
         CHECK(icon(ICON_SMALL).cx == MulDiv(16, dpi, kDefaultDpi));
         CHECK(icon(ICON_BIG).cx == MulDiv(32, dpi, kDefaultDpi));
         CheckLogo(dpi);
+    }
+}
+
+TEST_CASE("the tray's pictures follow the taskbar to another monitor") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    const Taskbar taskbar;
+    for (const int dpi : {144, 96, 192}) {
+        CAPTURE(dpi);
+        Taskbar::s_dpi = dpi;
+        SendMessageW(Window(), RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
+        for (const ComPtr<IDispatch>& picture : TrayPictures())
+            CHECK(SizeOf(IconOf(picture.Get())).cx == MulDiv(16, dpi, kDefaultDpi));
     }
 }
 
