@@ -2,6 +2,7 @@
 
 #include "platform/com/variant.h"
 #include "tests/standin/engine_process.h"
+#include "tests/support/automation.h"
 
 namespace {
 
@@ -9,12 +10,12 @@ namespace {
 struct TestValue {
     static constexpr wchar_t kKey[] = L"Software\\Calvane Standin Tests";
 
-    static void Write(DWORD type, const void* data, DWORD size) {
+    static void Write(DWORD type, std::string_view data) {
         HKEY key = nullptr;
         REQUIRE(RegCreateKeyExW(HKEY_CURRENT_USER, kKey, 0, nullptr, 0, KEY_WRITE, nullptr, &key, nullptr) ==
                 ERROR_SUCCESS);
-        CHECK(RegSetValueExA(key, "txtSpeed", 0, type, static_cast<const BYTE*>(data), size) ==
-              ERROR_SUCCESS);
+        CHECK(RegSetValueExA(key, "txtSpeed", 0, type, reinterpret_cast<const BYTE*>(data.data()),
+                             static_cast<DWORD>(data.size())) == ERROR_SUCCESS);
         RegCloseKey(key);
     }
 
@@ -23,7 +24,7 @@ struct TestValue {
 
 }  // namespace
 
-TEST_CASE("the calls are written down in their order with their arguments") {
+TEST_CASE("the calls are written down in their order with their arguments, and CreatePopup leaves the mode") {
     const EngineProcess engine;
     const ComPtr<_SentrelApp> app = Create<_SentrelApp>(CLSID_SentrelApp);
     const ComPtr<_Popup> popup = CreatePopup();
@@ -36,13 +37,9 @@ TEST_CASE("the calls are written down in their order with their arguments") {
           L"Pause\r\nReloadSettings\r\nLogFile\r\n");
     CHECK(engine.control->ClearCalls() == S_OK);
     CHECK(engine.Calls() == L"");
-}
-
-TEST_CASE("CreatePopup leaves the mode as it was") {
-    const EngineProcess engine;
     long mode = 3;
-    ComPtr<_Popup> popup;
-    CHECK(Create<_SentrelApp>(CLSID_SentrelApp)->CreatePopup(-1, -2, &mode, &popup) == S_OK);
+    ComPtr<_Popup> other;
+    CHECK(app->CreatePopup(-1, -2, &mode, &other) == S_OK);
     CHECK(mode == 3);
     CHECK(engine.Calls() == L"CreatePopup hwnd=-1 form=-2 mode=3\r\n");
 }
@@ -54,48 +51,28 @@ TEST_CASE("the members of the engine object stand in the order that its clients 
 
     // The first seven slots are IDispatch's.
     void* const* const slots = *reinterpret_cast<void* const* const*>(popup.Get());
-    using Get = HRESULT(STDMETHODCALLTYPE*)(void*, void*);
+    using Property = HRESULT(STDMETHODCALLTYPE*)(void*, void*);
     using Method = HRESULT(STDMETHODCALLTYPE*)(void*);
     long state = 0;
     BSTR log = nullptr;
-    CHECK(reinterpret_cast<Get>(slots[7])(popup.Get(), &state) == S_OK);
+    CHECK(reinterpret_cast<Property>(slots[7])(popup.Get(), &state) == S_OK);
     for (int slot = 8; slot <= 11; ++slot)
         CHECK(reinterpret_cast<Method>(slots[slot])(popup.Get()) == S_OK);
-    CHECK(reinterpret_cast<Get>(slots[12])(popup.Get(), &log) == S_OK);
+    CHECK(reinterpret_cast<Property>(slots[12])(popup.Get(), &log) == S_OK);
     CHECK(TakeText(log) == engine.LogFile());
     CHECK(engine.Calls() == L"State\r\nStart\r\nStop\r\nPause\r\nReloadSettings\r\nLogFile\r\n");
 }
 
 TEST_CASE("scripts reach the controls by name") {
     const EngineProcess engine;
+    const ComPtr<IDispatch> script = CreateByName(L"SentrelStandin.Control");
+    CHECK_THROWS(Get(script.Get(), L"NoSuchMember"));
+    Put(script.Get(), L"state", 3L);
+    CHECK(engine.State() == 3);
+    CHECK(ToLong(Get(script.Get(), L"State")) == 3);
     CLSID classId{};
-    REQUIRE(CLSIDFromProgID(L"SentrelStandin.Control", &classId) == S_OK);
-    CHECK(IsEqualCLSID(classId, CLSID_Control));
     REQUIRE(CLSIDFromProgID(L"Sentrel1.SentrelApp", &classId) == S_OK);
     CHECK(IsEqualCLSID(classId, CLSID_SentrelApp));
-
-    const ComPtr<IDispatch> script = Create<IDispatch>(CLSID_Control);
-    const auto idOf = [&](const wchar_t* name) {
-        OLECHAR* names = const_cast<OLECHAR*>(name);
-        DISPID id = DISPID_UNKNOWN;
-        script->GetIDsOfNames(IID_NULL, &names, 1, LOCALE_USER_DEFAULT, &id);
-        return id;
-    };
-    CHECK(idOf(L"NoSuchMember") == DISPID_UNKNOWN);
-    REQUIRE(idOf(L"state") != DISPID_UNKNOWN);
-
-    Variant value(3L);
-    VARIANT argument = value.Value();
-    DISPID put = DISPID_PROPERTYPUT;
-    DISPPARAMS given{&argument, &put, 1, 1};
-    CHECK(script->Invoke(idOf(L"State"), IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &given, nullptr,
-                         nullptr, nullptr) == S_OK);
-    CHECK(engine.State() == 3);
-    DISPPARAMS none{};
-    Variant state;
-    CHECK(script->Invoke(idOf(L"State"), IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &none,
-                         state.Receive(), nullptr, nullptr) == S_OK);
-    CHECK(ToLong(state) == 3);
 }
 
 TEST_CASE("stamped lines start with the time of the call") {
@@ -125,16 +102,17 @@ TEST_CASE("ReloadSettings tells what a watched value held when it arrived") {
     };
     CHECK(engine.control->put_WatchValue(Text(std::wstring(TestValue::kKey) + L"\\txtSpeed")) == S_OK);
     CHECK(reload() == L"ReloadSettings txtSpeed missing\r\n");
+    struct Row {
+        DWORD type;
+        std::string_view stored;
+        const wchar_t* told;
+    };
     // Settings are stored without a terminating NUL.
-    TestValue::Write(REG_SZ, "1000", 4);
-    CHECK(reload() == L"ReloadSettings txtSpeed=1000\r\n");
-    TestValue::Write(REG_SZ, "500", 3);
-    CHECK(reload() == L"ReloadSettings txtSpeed=500\r\n");
-    TestValue::Write(REG_SZ, "", 0);
-    CHECK(reload() == L"ReloadSettings txtSpeed=\r\n");
-    const DWORD number = 5;
-    TestValue::Write(REG_DWORD, &number, sizeof(number));
-    CHECK(reload() == L"ReloadSettings txtSpeed unreadable\r\n");
+    for (const Row& row : {Row{REG_SZ, "1000", L"=1000"}, Row{REG_SZ, "500", L"=500"}, Row{REG_SZ, "", L"="},
+                           Row{REG_DWORD, "four", L" unreadable"}}) {
+        TestValue::Write(row.type, row.stored);
+        CHECK(reload() == std::wstring(L"ReloadSettings txtSpeed") + row.told + L"\r\n");
+    }
     CHECK(engine.control->put_WatchValue(nullptr) == S_OK);
     CHECK(reload() == L"ReloadSettings\r\n");
 }

@@ -1,20 +1,9 @@
 #include "tests/standin/engine_process.h"
 
-#include "platform/automation_error.h"
-#include "tests/support/program.h"
-
 std::wstring TakeText(BSTR text) {
     std::wstring copy = text == nullptr ? L"" : std::wstring(text, SysStringLen(text));
     SysFreeString(text);
     return copy;
-}
-
-std::vector<DWORD> EngineProcesses() {
-    return ProcessesOf(kEngineProgram);
-}
-
-bool EngineEnds() {
-    return ProgramEnds(kEngineProgram);
 }
 
 ComPtr<_Popup> CreatePopup() {

@@ -15,6 +15,7 @@
 #include "platform/com/variant.h"
 #include "sentrel1.h"
 #include "standin.h"
+#include "tests/support/program.h"
 
 inline constexpr wchar_t kEngineProgram[] = L"SentrelStandin.exe";
 
@@ -31,8 +32,13 @@ private:
 // The text of a BSTR, which is freed.
 std::wstring TakeText(BSTR text);
 
-std::vector<DWORD> EngineProcesses();
-bool EngineEnds();
+inline std::vector<DWORD> EngineProcesses() {
+    return ProcessesOf(kEngineProgram);
+}
+
+inline bool EngineEnds() {
+    return ProgramEnds(kEngineProgram);
+}
 
 template <class Interface>
 ComPtr<Interface> Create(REFCLSID classId) {

@@ -3,9 +3,8 @@
 #include "platform/text.h"
 #include "standin/engine/resource.h"
 #include "tests/standin/engine_process.h"
-#include "tests/standin/temporary_log.h"
 #include "tests/support/message_pump.h"
-#include "tests/support/program.h"
+#include "tests/support/test_folder.h"
 
 namespace {
 
@@ -30,10 +29,11 @@ std::wstring ControlText(int id) {
 
 TEST_CASE("started by hand, the engine that serves the clients opens its window") {
     const EngineProcess engine;
-    const TemporaryPath log;
+    const TestFolder folder;
+    const std::wstring log = folder.Path(L"closed.log");
     const ComPtr<_Popup> popup = CreatePopup();
     EventLog events(popup.Get());
-    CHECK(engine.control->put_LogFile(Text(log.path)) == S_OK);
+    CHECK(engine.control->put_LogFile(Text(log)) == S_OK);
     CHECK(EngineWindow() == nullptr);
     const std::vector<DWORD> serving = EngineProcesses();
     REQUIRE(serving.size() == 1);
@@ -47,15 +47,18 @@ TEST_CASE("started by hand, the engine that serves the clients opens its window"
     CHECK(EngineProcesses() == serving);
     CHECK(ControlText(IDC_STATE) == L"Running");
 
-    Click(IDC_STOP);
-    CHECK(PumpUntil([&] { return events.events == Events{L"Stopped"}; }));
-    CHECK(ControlText(IDC_STATE) == L"Stopped");
-    Click(IDC_PAUSE);
-    CHECK(PumpUntil([&] { return events.events == Events{L"Stopped", L"Paused"}; }));
-    CHECK(ControlText(IDC_STATE) == L"Paused");
-    Click(IDC_START);
-    CHECK(PumpUntil([&] { return events.events == Events{L"Stopped", L"Paused", L"Started"}; }));
-    CHECK(ControlText(IDC_STATE) == L"Running");
+    struct Row {
+        int button;
+        const wchar_t* state;
+    };
+    Events expected;
+    for (const Row& row :
+         {Row{IDC_STOP, L"Stopped"}, Row{IDC_PAUSE, L"Paused"}, Row{IDC_START, L"Started"}}) {
+        Click(row.button);
+        expected.push_back(row.state);
+        CHECK(PumpUntil([&] { return events.events == expected; }));
+        CHECK(ControlText(IDC_STATE) == (row.button == IDC_START ? L"Running" : expected.back()));
+    }
     CHECK(engine.control->put_State(8) == S_OK);
     CHECK(ControlText(IDC_STATE) == L"State 8");
 
@@ -64,7 +67,7 @@ TEST_CASE("started by hand, the engine that serves the clients opens its window"
     Click(IDC_CLOSE_POPUP);
     CHECK(PumpUntil([&] { return events.events.size() == 4; }));
     CHECK(events.events.back() == L"Killed 0 " + address);
-    CHECK(FileBytes(log.path) == ToAnsi(address) + "\r\n");
+    CHECK(BytesOf(log) == ToAnsi(address) + "\r\n");
     EndEngine();
 }
 
