@@ -7,6 +7,7 @@
 #include "platform/automation_error.h"
 #include "platform/com/variant.h"
 #include "tests/support/automation.h"
+#include "tests/support/other_process.h"
 
 // What another process returned is the first thing to know of a call that failed.
 REGISTER_EXCEPTION_TRANSLATOR(const AutomationError& error) {
@@ -61,12 +62,7 @@ void Session::Settle() {
 }
 
 void Session::Spin(const wchar_t* upDown, bool up) {
-    const HWND control = manager.Control(upDown);
-    RECT area{};
-    GetClientRect(control, &area);
-    const LPARAM place = MAKELPARAM(area.right / 2, up ? area.bottom / 4 : area.bottom * 3 / 4);
-    SendMessageW(control, WM_LBUTTONDOWN, MK_LBUTTON, place);
-    SendMessageW(control, WM_LBUTTONUP, 0, place);
+    ClickArrow(manager.Control(upDown), up);
 }
 
 void Session::Apply() {

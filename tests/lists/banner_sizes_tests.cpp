@@ -29,12 +29,12 @@ TEST_CASE_FIXTURE(
     BannerPage, "added to the four defaults, 90 by 728 is the checked row User Banner 0, the next number 1") {
     AddSize(L"90", L"728");
     REQUIRE(lvwBanners.Count() == 5);
-    CHECK(Row(5) == L"User Banner 0|728|90|True");
+    CHECK(Row(5) == L"User Banner 0|728|90|x");
     CHECK(changes == 1);
     AddSize(L"1", L"2");
-    CHECK(Row(6) == L"User Banner 1|2|1|True");
+    CHECK(Row(6) == L"User Banner 1|2|1|x");
     CHECK(changes == 2);
-    CHECK(Row(1) == L"Full Banner|468|60|True");
+    CHECK(Row(1) == L"Full Banner|468|60|x");
 }
 
 TEST_CASE_FIXTURE(BannerPage, "after deleting row 5 of 6 a second row is named User Banner 1") {
@@ -47,15 +47,15 @@ TEST_CASE_FIXTURE(BannerPage, "after deleting row 5 of 6 a second row is named U
     CHECK(changes == 1);
     CHECK(recorder.messages.empty());
     AddSize(L"3", L"3");
-    CHECK(Row(5) == L"User Banner 1|2|2|True");
-    CHECK(Row(6) == L"User Banner 1|3|3|True");
+    CHECK(Row(5) == L"User Banner 1|2|2|x");
+    CHECK(Row(6) == L"User Banner 1|3|3|x");
 }
 
 TEST_CASE_FIXTURE(BannerPage,
                   "a list of fewer than four rows counts on below 0, and its rows are protected as well") {
     lvwBanners.Clear();
     AddSize(L"1", L"2");
-    CHECK(Row(1) == L"User Banner -4|2|1|True");
+    CHECK(Row(1) == L"User Banner -4|2|1|x");
     lvwBanners.Select(1);
     Click(cmdRemoveSize);
     CHECK(lvwBanners.Count() == 1);
@@ -105,7 +105,7 @@ TEST_CASE_FIXTURE(BannerPage,
     const std::wstring name(1000, L'n');
     AddRow(name, name, L"1", true);
     lvwBanners.Checked(5, false);
-    CHECK(Row(5) == name + L'|' + name + L"|1|False");
+    CHECK(Row(5) == name + L'|' + name + L"|1");
     CHECK(changes == 0);
 }
 
@@ -150,7 +150,7 @@ TEST_CASE_FIXTURE(BannerPage, "sizes that are not numbers, and the height 0, are
                           TypeText(dialog, kHeight, L"10");
                       },
                       kOK});
-    CHECK(Row(5) == L"User Banner 0|0|10|True");
+    CHECK(Row(5) == L"User Banner 0|0|10|x");
 }
 
 TEST_CASE_FIXTURE(

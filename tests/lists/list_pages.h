@@ -16,6 +16,7 @@
 #include "options/commands.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/message_recorder.h"
+#include "tests/support/other_process.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
 #include "tests/support/test_window.h"
@@ -26,10 +27,7 @@ inline const DialogScript::Step kOK = [](HWND dialog) { ClickButton(dialog, IDOK
 inline const DialogScript::Step kCancel = [](HWND dialog) { ClickButton(dialog, IDCANCEL); };
 
 inline Texts RowsOf(const ListBox& list) {
-    Texts rows;
-    for (int i = 0; i < list.ListCount(); ++i)
-        rows.push_back(list.List(i));
-    return rows;
+    return ListBoxRows(list.Hwnd());
 }
 
 // What all of them have: a count of the changes that they mark and the messages that they show.
@@ -83,10 +81,9 @@ struct BannerPage : ListPage, BannerControls {
         lvwBanners.Checked(row, use);
     }
 
-    // "name|width|height|use"
+    // "name|width|height|x", the x only where it is checked.
     std::wstring Row(int position) const {
-        return lvwBanners.Text(position) + L'|' + lvwBanners.SubItem(position, 1) + L'|' +
-               lvwBanners.SubItem(position, 2) + (lvwBanners.Checked(position) ? L"|True" : L"|False");
+        return ListViewRows(lvwBanners.Hwnd()).at(static_cast<size_t>(position) - 1);
     }
     int RowCount() const { return lvwBanners.Count(); }
 
@@ -117,10 +114,9 @@ struct SearchPage : ListPage, SearchControls {
         lvwSearchURLs.Checked(row, use);
     }
 
-    // "name|address|use"
+    // "name|address|x", likewise.
     std::wstring Row(int position) const {
-        return lvwSearchURLs.Text(position) + L'|' + lvwSearchURLs.SubItem(position, 1) +
-               (lvwSearchURLs.Checked(position) ? L"|True" : L"|False");
+        return ListViewRows(lvwSearchURLs.Hwnd()).at(static_cast<size_t>(position) - 1);
     }
     int RowCount() const { return lvwSearchURLs.Count(); }
 

@@ -38,10 +38,10 @@ TEST_CASE_FIXTURE(
     "an added engine is a checked row at the end, as typed, also with the untouched http://, a name of "
     "blanks, or what is there already") {
     const std::pair<std::vector<DialogScript::Step>, const wchar_t*> additions[] = {
-        {{Enter(L" Three ", L"three.example "), kOK}, L" Three |three.example |True"},
-        {{[](HWND dialog) { TypeText(dialog, kName, L"Four"); }, kOK}, L"Four|http://|True"},
-        {{[](HWND dialog) { TypeText(dialog, kName, L" "); }, kOK}, L" |http://|True"},
-        {{Enter(L"One", L"http://one"), kOK}, L"One|http://one|True"}};
+        {{Enter(L" Three ", L"three.example "), kOK}, L" Three |three.example |x"},
+        {{[](HWND dialog) { TypeText(dialog, kName, L"Four"); }, kOK}, L"Four|http://|x"},
+        {{[](HWND dialog) { TypeText(dialog, kName, L" "); }, kOK}, L" |http://|x"},
+        {{Enter(L"One", L"http://one"), kOK}, L"One|http://one|x"}};
     for (const auto& [steps, row] : additions) {
         changes = 0;
         const int before = RowCount();
@@ -103,12 +103,12 @@ TEST_CASE_FIXTURE(SearchPage,
 TEST_CASE_FIXTURE(SearchPage, "an edited row keeps its place and its box, unchecked or checked") {
     lvwSearchURLs.Select(2);
     Play(cmdEditSearch, {Enter(L"Zwei", L"http://zwei"), kOK});
-    CHECK(Row(1) == L"One|http://one|True");
-    CHECK(Row(2) == L"Zwei|http://zwei|False");
+    CHECK(Row(1) == L"One|http://one|x");
+    CHECK(Row(2) == L"Zwei|http://zwei");
     CHECK(changes == 1);
     lvwSearchURLs.Select(1);
     Play(cmdEditSearch, {Enter(L"Eins", L"http://eins"), kOK});
-    CHECK(Row(1) == L"Eins|http://eins|True");
+    CHECK(Row(1) == L"Eins|http://eins|x");
     CHECK(RowCount() == 2);
     CHECK(changes == 2);
 }
@@ -126,16 +126,16 @@ TEST_CASE_FIXTURE(SearchPage,
     };
     enter(L"1.6");
     CHECK(RowCount() == 2);
-    CHECK(Row(2) == L"New|http://new|False");
+    CHECK(Row(2) == L"New|http://new");
     enter(L"0.0");
     CHECK(RowCount() == 3);
-    CHECK(Row(3) == L"New|http://new|True");
+    CHECK(Row(3) == L"New|http://new|x");
 }
 
 TEST_CASE_FIXTURE(SearchPage, "a cancelled edit leaves the row as it is and yet marks a change") {
     lvwSearchURLs.Select(2);
     Play(cmdEditSearch, {Enter(L"Zwei", L"http://zwei"), kCancel});
-    CHECK(Row(2) == L"Two|http://two|False");
+    CHECK(Row(2) == L"Two|http://two");
     CHECK(changes == 1);
 }
 

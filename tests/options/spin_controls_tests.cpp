@@ -1,35 +1,17 @@
 // The spin controls of the speed and the pause.
 #include <string>
 
+#include "tests/support/other_process.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
 
 namespace {
 
-enum class Arrow { Up, Down };
-
-// A click on an arrow of the spin control with the mouse.
-void ClickArrow(const UpDown& spin, Arrow arrow) {
-    RECT bounds;
-    GetClientRect(spin.Hwnd(), &bounds);
-    const int y = arrow == Arrow::Up ? bounds.bottom / 4 : bounds.bottom * 3 / 4;
-    const LPARAM point = MAKELPARAM(bounds.right / 2, y);
-    SendMessageW(spin.Hwnd(), WM_LBUTTONDOWN, MK_LBUTTON, point);
-    SendMessageW(spin.Hwnd(), WM_LBUTTONUP, 0, point);
-}
-
 // An arrow key in the text box.
-void PressKey(const TextBox& box, Arrow arrow) {
-    const WPARAM key = arrow == Arrow::Up ? VK_UP : VK_DOWN;
+void PressKey(const TextBox& box, bool up) {
+    const WPARAM key = up ? VK_UP : VK_DOWN;
     SendMessageW(box.Hwnd(), WM_KEYDOWN, key, 1);
     SendMessageW(box.Hwnd(), WM_KEYUP, key, static_cast<LPARAM>(0xC0000001));
-}
-
-void Type(const TextBox& box, const std::wstring& text) {
-    SendMessageW(box.Hwnd(), EM_SETSEL, 0, -1);
-    SendMessageW(box.Hwnd(), WM_CLEAR, 0, 0);
-    for (const wchar_t character : text)
-        SendMessageW(box.Hwnd(), WM_CHAR, character, 1);
 }
 
 struct Spin {
@@ -49,17 +31,17 @@ TEST_CASE("the arrows step by 1, by mouse and by key, and stop at the ends") {
         for (const bool byKey : {false, true}) {
             CAPTURE(std::wstring(spin.box.Name()));
             CAPTURE(byKey);
-            const auto step = [&](Arrow arrow) {
-                byKey ? PressKey(spin.box, arrow) : ClickArrow(spin.arrows, arrow);
+            const auto step = [&](bool up) {
+                byKey ? PressKey(spin.box, up) : ClickArrow(spin.arrows.Hwnd(), up);
             };
             spin.box.Text(std::to_wstring(spin.minimum));
             for (int value = spin.minimum; value <= spin.maximum + 2; ++value) {
                 CHECK(spin.box.Text() == std::to_wstring(std::min(value, spin.maximum)));
-                step(Arrow::Up);
+                step(true);
             }
             for (int value = spin.maximum; value >= spin.minimum - 2; --value) {
                 CHECK(spin.box.Text() == std::to_wstring(std::max(value, spin.minimum)));
-                step(Arrow::Down);
+                step(false);
             }
         }
     }
@@ -83,14 +65,14 @@ TEST_CASE(
     ShowWindow(page.window.Hwnd(), SW_SHOW);
     for (const Row& row : rows) {
         CAPTURE(std::wstring(row.typed));
-        for (const Arrow arrow : {Arrow::Up, Arrow::Down}) {
+        for (const bool up : {true, false}) {
             // The last step ends at 6, which is where a text that is no number starts from.
             page.txtSpeed.Text(L"5");
-            ClickArrow(page.udbSpeed, Arrow::Up);
-            Type(page.txtSpeed, row.typed);
+            ClickArrow(page.udbSpeed.Hwnd(), true);
+            TypeInto(page.txtSpeed.Hwnd(), row.typed);
             CHECK(page.txtSpeed.Text() == row.typed);
-            ClickArrow(page.udbSpeed, arrow);
-            CHECK(page.txtSpeed.Text() == (arrow == Arrow::Up ? row.afterUp : row.afterDown));
+            ClickArrow(page.udbSpeed.Hwnd(), up);
+            CHECK(page.txtSpeed.Text() == (up ? row.afterUp : row.afterDown));
         }
     }
 }
@@ -107,29 +89,29 @@ TEST_CASE("after a load an emptied box goes on from the loaded value, and the lo
     CHECK(changes == 0);
     const long speed = ToLong(Variant(page.txtSpeed.Text()));
     for (TextBox* const box : {&page.txtPause, &page.txtSpeed})
-        Type(*box, L"");
-    ClickArrow(page.udbPause, Arrow::Up);
+        TypeInto(box->Hwnd(), L"");
+    ClickArrow(page.udbPause.Hwnd(), true);
     CHECK(page.txtPause.Text() == L"13");
-    ClickArrow(page.udbSpeed, Arrow::Down);
+    ClickArrow(page.udbSpeed.Hwnd(), false);
     CHECK(page.txtSpeed.Text() == std::to_wstring(speed - 1));
     CHECK(changes == 2);
     // The next load counts as much as the first.
     page.transfer.LoadSettings();
-    Type(page.txtPause, L"");
-    ClickArrow(page.udbPause, Arrow::Down);
+    TypeInto(page.txtPause.Hwnd(), L"");
+    ClickArrow(page.udbPause.Hwnd(), false);
     CHECK(page.txtPause.Text() == L"11");
     // From beyond the range the end of the range.
     page.Store(L"txtPause", L"90000");
     page.transfer.LoadSettings();
     CHECK(page.txtPause.Text() == L"90");
-    Type(page.txtPause, L"");
-    ClickArrow(page.udbPause, Arrow::Down);
+    TypeInto(page.txtPause.Hwnd(), L"");
+    ClickArrow(page.udbPause.Hwnd(), false);
     CHECK(page.txtPause.Text() == L"29");
 }
 
 TEST_CASE("the pause takes no more than 3 typed characters") {
     SettingsWindow page;
-    Type(page.txtPause, L"12345");
+    TypeInto(page.txtPause.Hwnd(), L"12345");
     CHECK(page.txtPause.Text() == L"123");
 }
 
@@ -142,12 +124,12 @@ TEST_CASE("the arrows mark a change, typing does not, and neither does an arrow 
             ShowWindow(page.window.Hwnd(), SW_SHOW);
             UpDown& spin = speed ? page.udbSpeed : page.udbPause;
             TextBox& box = speed ? page.txtSpeed : page.txtPause;
-            const auto stepUp = [&] { byKey ? PressKey(box, Arrow::Up) : ClickArrow(spin, Arrow::Up); };
-            Type(box, speed ? L"10" : L"30");
+            const auto stepUp = [&] { byKey ? PressKey(box, true) : ClickArrow(spin.Hwnd(), true); };
+            TypeInto(box.Hwnd(), speed ? L"10" : L"30");
             CHECK_FALSE(page.cmdApply.Enabled());
             stepUp();
             CHECK_FALSE(page.cmdApply.Enabled());
-            Type(box, L"3");
+            TypeInto(box.Hwnd(), L"3");
             CHECK_FALSE(page.cmdApply.Enabled());
             stepUp();
             CHECK(page.cmdApply.Enabled());

@@ -90,7 +90,7 @@ TEST_CASE_FIXTURE(BannerPage,
             [&](bool isClosed) {
                 CHECK(lvwBanners.Count() == (isClosed ? 5 : 4));
                 if (!isClosed) return;
-                CHECK(Row(5) == L"User Banner 0|3400000000|1200000000|True");
+                CHECK(Row(5) == L"User Banner 0|3400000000|1200000000|x");
                 lvwBanners.Remove(5);
             });
 }
@@ -102,14 +102,14 @@ TEST_CASE_FIXTURE(SearchPage,
         SweepOK(*this, cmdAddSearch, {{IDC_TXTNAME, kName}, {IDC_TXTURL, kAddress}}, [&](bool isClosed) {
             CHECK(lvwSearchURLs.Count() == (isClosed ? 3 : 2));
             if (!isClosed) return;
-            CHECK(Row(3) == row + L"|True");
+            CHECK(Row(3) == row + L"|x");
             lvwSearchURLs.Remove(3);
         });
     }
     SUBCASE("an edited one") {
         lvwSearchURLs.Select(2);
         SweepOK(*this, cmdEditSearch, {{IDC_TXTNAME, kName}, {IDC_TXTURL, kAddress}}, [&](bool isClosed) {
-            CHECK(Row(2) == (isClosed ? row + L"|False" : L"Two|http://two|False"));
+            CHECK(Row(2) == (isClosed ? row : L"Two|http://two"));
             lvwSearchURLs.Text(2, L"Two");
             lvwSearchURLs.SubItem(2, 1, L"http://two");
         });

@@ -3,6 +3,7 @@
 #include <doctest.h>
 
 #include "tests/support/message_pump.h"
+#include "tests/support/other_process.h"
 
 namespace {
 
@@ -80,10 +81,7 @@ void PostKey(UINT virtualKey) {
 }
 
 std::wstring TextIn(HWND dialog, int id) {
-    const HWND control = GetDlgItem(dialog, id);
-    std::wstring text(static_cast<size_t>(GetWindowTextLengthW(control)) + 1, L'\0');
-    text.resize(static_cast<size_t>(GetWindowTextW(control, text.data(), static_cast<int>(text.size()))));
-    return text;
+    return ShownText(GetDlgItem(dialog, id));
 }
 
 int FocusedId() {

@@ -74,11 +74,7 @@ void Manager::Click(const wchar_t* name) {
 }
 
 void Manager::Type(const wchar_t* name, const std::wstring& text) {
-    const HWND control = Control(name);
-    SendMessageW(control, EM_SETSEL, 0, -1);
-    if (text.empty()) SendMessageW(control, WM_CLEAR, 0, 0);
-    for (const wchar_t character : text)
-        SendMessageW(control, WM_CHAR, character, 1);
+    TypeInto(Control(name), text);
 }
 
 std::wstring Manager::Text(const wchar_t* name) {

@@ -140,3 +140,19 @@ Rows ListViewRows(HWND list) {
     }
     return rows;
 }
+
+void TypeInto(HWND box, const std::wstring& text) {
+    SendMessageW(box, EM_SETSEL, 0, -1);
+    if (text.empty()) SendMessageW(box, WM_CLEAR, 0, 0);
+    for (const wchar_t character : text)
+        SendMessageW(box, WM_CHAR, character, 1);
+    SendMessageW(box, WM_KEYUP, VK_END, 1);
+}
+
+void ClickArrow(HWND spin, bool up) {
+    RECT area{};
+    GetClientRect(spin, &area);
+    const LPARAM point = MAKELPARAM(area.right / 2, up ? area.bottom / 4 : area.bottom * 3 / 4);
+    SendMessageW(spin, WM_LBUTTONDOWN, MK_LBUTTON, point);
+    SendMessageW(spin, WM_LBUTTONUP, 0, point);
+}

@@ -1,4 +1,4 @@
-// Reads controls that live in another process.
+// Reads controls, also those that live in another process, and does to them what a user does.
 #pragma once
 
 #include <windows.h>
@@ -20,3 +20,9 @@ std::wstring ComboText(HWND combo);
 // Headings of a list view, and its rows as "text|sub-item 1|...|x", the x only where the row is checked.
 Rows Headings(HWND list);
 Rows ListViewRows(HWND list);
+
+// Types over the whole text, a key after the other.
+void TypeInto(HWND box, const std::wstring& text);
+
+// Clicks the upper or lower arrow of a spin control.
+void ClickArrow(HWND spin, bool up);

@@ -154,16 +154,20 @@ HKEY RegistryCalls::Handle(const std::string& name) const {
     throw std::runtime_error("no such handle: " + name);
 }
 
-template <class Arguments, class InMemory, class InSystem>
-LSTATUS RegistryCalls::Pass(RegistryFunction function, HKEY key, LPCSTR name, Arguments arguments,
-                            InMemory inMemory, InSystem inSystem) {
-    if (!IsWatching()) return m_isMemory ? inMemory() : inSystem();
+template <class Function, class Describe, class InMemory, class... Arguments>
+LSTATUS RegistryCalls::Pass(RegistryFunction function, HKEY key, LPCSTR name, Describe describe,
+                            InMemory inMemory, Arguments... arguments) {
+    const auto call = [&] {
+        const auto& patch = *m_patches[static_cast<size_t>(function)];
+        return m_isMemory ? inMemory() : patch.Original<Function*>()(arguments...);
+    };
+    if (!IsWatching()) return call();
     const size_t index = m_calls.size();
     if (m_isRecording) {
         const auto opened = m_open.find(key);
         m_calls.push_back({function, opened == m_open.end() ? "" : opened->second.path,
                            name == nullptr ? "" : name, "", "", ERROR_SUCCESS});
-        m_calls[index].arguments = NameOf(key) + (name == nullptr ? "" : ", " + Quoted(name)) + arguments();
+        m_calls[index].arguments = NameOf(key) + (name == nullptr ? "" : ", " + Quoted(name)) + describe();
     }
     LSTATUS result = m_counter.Cause().error;
     if (!m_counter.Fails(function)) {
@@ -171,7 +175,7 @@ LSTATUS RegistryCalls::Pass(RegistryFunction function, HKEY key, LPCSTR name, Ar
             const Switched aside(m_isAside);
             beforeCall(function, name == nullptr ? "" : name);
         }
-        result = m_isMemory ? inMemory() : inSystem();
+        result = call();
     }
     if (m_isRecording) m_calls[index].result = result;
     return result;
@@ -206,7 +210,7 @@ StoredKey* RegistryCalls::Find(HKEY key) {
 
 LSTATUS WINAPI RegistryCalls::Open(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
     RegistryCalls& self = *s_current;
-    const LSTATUS result = self.Pass(
+    const LSTATUS result = self.Pass<decltype(RegOpenKeyExA)>(
         RegistryFunction::Open, root, path,
         [&] { return ", " + std::to_string(options) + ", " + Hex(access); },
         [&]() -> LSTATUS {
@@ -214,17 +218,14 @@ LSTATUS WINAPI RegistryCalls::Open(HKEY root, LPCSTR path, DWORD options, REGSAM
             *key = reinterpret_cast<HKEY>(0x1000 + self.m_handedOut);
             return ERROR_SUCCESS;
         },
-        [&] {
-            return self.Original<decltype(&RegOpenKeyExA)>(RegistryFunction::Open)(root, path, options,
-                                                                                   access, key);
-        });
+        root, path, options, access, key);
     return self.HandOut(result, root, path, *key);
 }
 
 LSTATUS WINAPI RegistryCalls::Query(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
                                     LPDWORD size) {
     RegistryCalls& self = *s_current;
-    return self.Pass(
+    return self.Pass<decltype(RegQueryValueExA)>(
         RegistryFunction::Query, key, name,
         [&] {
             return ", type " + std::to_string(*type) + ", " + Filling(data, *size) + ", " +
@@ -243,17 +244,14 @@ LSTATUS WINAPI RegistryCalls::Query(HKEY key, LPCSTR name, LPDWORD reserved, LPD
             std::copy(bytes.begin(), bytes.end(), data);
             return ERROR_SUCCESS;
         },
-        [&] {
-            return self.Original<decltype(&RegQueryValueExA)>(RegistryFunction::Query)(key, name, reserved,
-                                                                                       type, data, size);
-        });
+        key, name, reserved, type, data, size);
 }
 
 LSTATUS WINAPI RegistryCalls::Info(HKEY key, LPSTR keyClass, LPDWORD classLength, LPDWORD reserved,
                                    LPDWORD subkeys, LPDWORD maxSubkey, LPDWORD maxClass, LPDWORD values,
                                    LPDWORD maxName, LPDWORD maxData, LPDWORD security, PFILETIME written) {
     RegistryCalls& self = *s_current;
-    return self.Pass(
+    return self.Pass<decltype(RegQueryInfoKeyA)>(
         RegistryFunction::Info, key, nullptr,
         [&] { return ", " + Filling(keyClass, kClassBuffer) + ", " + std::to_string(*classLength); },
         [&]() -> LSTATUS {
@@ -261,18 +259,15 @@ LSTATUS WINAPI RegistryCalls::Info(HKEY key, LPSTR keyClass, LPDWORD classLength
             *classLength = 0;
             return ERROR_SUCCESS;
         },
-        [&] {
-            return self.Original<decltype(&RegQueryInfoKeyA)>(RegistryFunction::Info)(
-                key, keyClass, classLength, reserved, subkeys, maxSubkey, maxClass, values, maxName, maxData,
-                security, written);
-        });
+        key, keyClass, classLength, reserved, subkeys, maxSubkey, maxClass, values, maxName, maxData,
+        security, written);
 }
 
 LSTATUS WINAPI RegistryCalls::Create(HKEY root, LPCSTR path, DWORD reserved, LPSTR keyClass, DWORD options,
                                      REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY key,
                                      LPDWORD disposition) {
     RegistryCalls& self = *s_current;
-    const LSTATUS result = self.Pass(
+    const LSTATUS result = self.Pass<decltype(RegCreateKeyExA)>(
         RegistryFunction::Create, root, path,
         [&] {
             self.m_calls.back().data = keyClass;
@@ -284,10 +279,7 @@ LSTATUS WINAPI RegistryCalls::Create(HKEY root, LPCSTR path, DWORD reserved, LPS
             *key = reinterpret_cast<HKEY>(0x1000 + self.m_handedOut);
             return ERROR_SUCCESS;
         },
-        [&] {
-            return self.Original<decltype(&RegCreateKeyExA)>(RegistryFunction::Create)(
-                root, path, reserved, keyClass, options, access, security, key, disposition);
-        });
+        root, path, reserved, keyClass, options, access, security, key, disposition);
     return self.HandOut(result, root, path, *key);
 }
 
@@ -295,7 +287,7 @@ LSTATUS WINAPI RegistryCalls::Set(HKEY key, LPCSTR name, DWORD reserved, DWORD t
                                   DWORD size) {
     RegistryCalls& self = *s_current;
     const auto bytes = [&] { return std::string(reinterpret_cast<const char*>(data), size); };
-    return self.Pass(
+    return self.Pass<decltype(RegSetValueExA)>(
         RegistryFunction::Set, key, name,
         [&] {
             self.m_calls.back().data = bytes() + (type == REG_SZ ? "" : " of type " + std::to_string(type));
@@ -308,44 +300,41 @@ LSTATUS WINAPI RegistryCalls::Set(HKEY key, LPCSTR name, DWORD reserved, DWORD t
             (*stored)[name] = {type, bytes()};
             return ERROR_SUCCESS;
         },
-        [&] {
-            return self.Original<decltype(&RegSetValueExA)>(RegistryFunction::Set)(key, name, reserved, type,
-                                                                                   data, size);
-        });
+        key, name, reserved, type, data, size);
 }
 
 LSTATUS WINAPI RegistryCalls::DeleteValue(HKEY key, LPCSTR name) {
     RegistryCalls& self = *s_current;
-    return self.Pass(
+    return self.Pass<decltype(RegDeleteValueA)>(
         RegistryFunction::DeleteValue, key, name, [] { return std::string(); },
         [&]() -> LSTATUS {
             StoredKey* const stored = self.Find(key);
             if (stored == nullptr) return ERROR_KEY_DELETED;
             return stored->erase(name) == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
         },
-        [&] { return self.Original<decltype(&RegDeleteValueA)>(RegistryFunction::DeleteValue)(key, name); });
+        key, name);
 }
 
 LSTATUS WINAPI RegistryCalls::DeleteKey(HKEY root, LPCSTR path) {
     RegistryCalls& self = *s_current;
-    return self.Pass(
+    return self.Pass<decltype(RegDeleteKeyA)>(
         RegistryFunction::DeleteKey, root, path, [] { return std::string(); },
         [&]() -> LSTATUS {
             return self.contents.erase(self.PathOf(root, path)) == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
         },
-        [&] { return self.Original<decltype(&RegDeleteKeyA)>(RegistryFunction::DeleteKey)(root, path); });
+        root, path);
 }
 
 LSTATUS WINAPI RegistryCalls::Close(HKEY key) {
     RegistryCalls& self = *s_current;
     const bool isWatching = self.IsWatching();
-    const LSTATUS result = self.Pass(
+    const LSTATUS result = self.Pass<decltype(RegCloseKey)>(
         RegistryFunction::Close, key, nullptr, [] { return std::string(); },
         [&]() -> LSTATUS {
             if (RootName(key) == nullptr && !self.m_open.contains(key)) ++self.strayHandles;
             return ERROR_SUCCESS;
         },
-        [&] { return self.Original<decltype(&RegCloseKey)>(RegistryFunction::Close)(key); });
+        key);
     if (result == ERROR_SUCCESS && isWatching) self.m_open.erase(key);
     return result;
 }

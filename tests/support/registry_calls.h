@@ -143,18 +143,15 @@ private:
     static LSTATUS WINAPI Close(HKEY key);
 
     bool IsWatching() const { return !m_isAside && (m_isMemory || m_isRecording); }
-    template <class Arguments, class InMemory, class InSystem>
-    LSTATUS Pass(RegistryFunction function, HKEY key, LPCSTR name, Arguments arguments, InMemory inMemory,
-                 InSystem inSystem);
+    // Makes the call of a function: describe returns the rest of its line, behind key and name; inMemory does
+    // in memory what the system does with the arguments.
+    template <class Function, class Describe, class InMemory, class... Arguments>
+    LSTATUS Pass(RegistryFunction function, HKEY key, LPCSTR name, Describe describe, InMemory inMemory,
+                 Arguments... arguments);
     LSTATUS HandOut(LSTATUS result, HKEY root, LPCSTR path, HKEY key);
     std::string NameOf(HKEY key) const;
     std::string PathOf(HKEY root, LPCSTR path);
     StoredKey* Find(HKEY key);
-
-    template <class Pointer>
-    Pointer Original(RegistryFunction function) const {
-        return m_patches[static_cast<size_t>(function)]->Original<Pointer>();
-    }
 
     static RegistryCalls* s_current;
     const bool m_isMemory;

@@ -17,19 +17,6 @@ std::vector<ListRow> RowsOf(const ListView& list, int fields) {
     return rows;
 }
 
-void PutCheck(const Control& button, bool checked) {
-    if ((SendMessageW(button.Hwnd(), BM_GETCHECK, 0, 0) == BST_CHECKED) != checked)
-        SettingsWindow::Check(button, checked);
-}
-
-void PutText(TextBox& box, const std::wstring& text) {
-    if (box.Text() != text) box.Text(text);
-}
-
-void PutEnabled(Control& control, bool enabled) {
-    if (control.Enabled() != enabled) control.Enabled(enabled);
-}
-
 void PutRows(ListView& list, const std::vector<ListRow>& rows) {
     const RedrawPause pause(list);
     list.Clear();
@@ -94,12 +81,12 @@ WindowState StateOf(const SettingsWindow& window) {
 }
 
 void Put(SettingsWindow& window, const WindowState& state) {
-    PutCheck(window.chkPlaySound, state.playSound == 1);
-    PutCheck(window.chkBeep, state.beep == 1);
-    PutCheck(window.chkExtra, state.extra == 1);
-    PutText(window.txtSpeed, state.speed);
-    PutText(window.txtPause, state.pause);
-    PutText(window.txtExtra, state.extraText);
+    SettingsWindow::Check(window.chkPlaySound, state.playSound == 1);
+    SettingsWindow::Check(window.chkBeep, state.beep == 1);
+    SettingsWindow::Check(window.chkExtra, state.extra == 1);
+    window.txtSpeed.Text(state.speed);
+    window.txtPause.Text(state.pause);
+    window.txtExtra.Text(state.extraText);
     {
         const RedrawPause pause(window.lstExclude);
         window.lstExclude.Clear();
@@ -113,13 +100,13 @@ void Put(SettingsWindow& window, const WindowState& state) {
     if (state.pauseKey.empty())
         SendMessageW(window.cboPauseKey.Hwnd(), CB_SETCURSEL, static_cast<WPARAM>(-1), 0);
     window.popupNotice.m_strSoundFile = state.soundFile;
-    PutCheck(window.optStartup, state.selectedMode == L"Startup");
-    PutCheck(window.optLoadWithKiller, state.selectedMode == L"RunOnly");
-    PutCheck(window.optLoadFromMenu, state.selectedMode == L"Manual");
+    SettingsWindow::Check(window.optStartup, state.selectedMode == L"Startup");
+    SettingsWindow::Check(window.optLoadWithKiller, state.selectedMode == L"RunOnly");
+    SettingsWindow::Check(window.optLoadFromMenu, state.selectedMode == L"Manual");
     window.generalOptions.m_strStartupMode = state.mode;
-    PutEnabled(window.cmdSoundFile, state.canChooseSound);
-    PutEnabled(window.cmdTestSound, state.canTestSound);
-    PutEnabled(window.cmdApply, state.canApply);
+    window.cmdSoundFile.Enabled(state.canChooseSound);
+    window.cmdTestSound.Enabled(state.canTestSound);
+    window.cmdApply.Enabled(state.canApply);
 }
 
 std::string Difference(const WindowState& actual, const WindowState& expected) {

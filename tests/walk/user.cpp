@@ -152,15 +152,6 @@ std::wstring User::PressAndRead(HWND dialog, int button) {
     return message;
 }
 
-void User::Type(HWND dialog, int id, const std::wstring& text) {
-    const HWND box = GetDlgItem(dialog, id);
-    SendMessageW(box, EM_SETSEL, 0, -1);
-    if (text.empty()) SendMessageW(box, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(L""));
-    for (const wchar_t character : text)
-        SendMessageW(box, WM_CHAR, character, 1);
-    SendMessageW(box, WM_KEYUP, VK_END, 1);
-}
-
 void User::Close(HWND dialog, int button) {
     PostMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
     WaitUntilGone(dialog);
@@ -204,31 +195,23 @@ void User::Tick(const wchar_t* list, int row) {
     Key(list, VK_SPACE);
 }
 
-void User::Spin(const wchar_t* name, bool up) {
-    RECT area{};
-    GetClientRect(Find(name), &area);
-    const LPARAM point = MAKELPARAM(area.right / 2, up ? area.bottom / 4 : area.bottom * 3 / 4);
-    SendMessageW(Find(name), WM_LBUTTONDOWN, MK_LBUTTON, point);
-    SendMessageW(Find(name), WM_LBUTTONUP, 0, point);
-}
-
 void User::AddExcluded(const std::wstring& address) {
     const HWND dialog = Open(L"cmdAddURL", L"Add Web Site URL");
-    Type(dialog, IDC_TXTURL, address);
+    TypeInto(GetDlgItem(dialog, IDC_TXTURL), address);
     Close(dialog, IDOK);
 }
 
 void User::AddBanner(const std::wstring& height, const std::wstring& width) {
     const HWND dialog = Open(L"cmdAddSize", L"New Banner Height and Width");
-    Type(dialog, IDC_TXTHEIGHT, height);
-    Type(dialog, IDC_TXTWIDTH, width);
+    TypeInto(GetDlgItem(dialog, IDC_TXTHEIGHT), height);
+    TypeInto(GetDlgItem(dialog, IDC_TXTWIDTH), width);
     Close(dialog, IDOK);
 }
 
 void User::AddSearch(const std::wstring& name, const std::wstring& address) {
     const HWND dialog = Open(L"cmdAddSearch", L"Add Search Address");
-    Type(dialog, IDC_TXTNAME, name);
-    Type(dialog, IDC_TXTURL, address);
+    TypeInto(GetDlgItem(dialog, IDC_TXTNAME), name);
+    TypeInto(GetDlgItem(dialog, IDC_TXTURL), address);
     Close(dialog, IDOK);
 }
 

@@ -66,7 +66,9 @@ public:
     std::wstring PressAndRead(const wchar_t* name);
 
     // In a dialog. Close presses the button and waits until the dialog is gone.
-    void Type(HWND dialog, int id, const std::wstring& text);
+    static void Type(HWND dialog, int id, const std::wstring& text) {
+        TypeInto(GetDlgItem(dialog, id), text);
+    }
     void Close(HWND dialog, int button);
     std::wstring PressAndRead(HWND dialog, int button);
 
@@ -76,7 +78,7 @@ public:
     void Key(const wchar_t* name, UINT virtualKey);
 
     // Presses the upper or lower arrow of a spin control.
-    void Spin(const wchar_t* name, bool up);
+    void Spin(const wchar_t* name, bool up) { ClickArrow(Find(name), up); }
 
     // The whole dialogs, filled in and closed by OK.
     void AddExcluded(const std::wstring& address);
