@@ -3,71 +3,19 @@
 // of its own.
 #include <doctest.h>
 
-#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "platform/com/bstr.h"
-#include "platform/handle.h"
-#include "platform/text.h"
 #include "tests/pairs/guarded_memory.h"
 #include "tests/pairs/incoming_work.h"
+#include "tests/support/alone.h"
 #include "tests/support/automation.h"
 #include "tests/support/error_of.h"
 #include "tray/picture_array.h"
 #include "tray/picture_box.h"
 
 namespace {
-
-constexpr wchar_t kPassed[] = L"CalvanePairsPassed";
-constexpr LONG kMostProcesses = 1000;
-constexpr size_t kAtATime = 4;
-
-// Tells the process that started this one that a pair has been gone through to its end.
-void NotePassed() {
-    const FileHandle passed(OpenSemaphoreW(SEMAPHORE_MODIFY_STATE, FALSE, kPassed));
-    ReleaseSemaphore(passed.Get(), 1, nullptr);
-}
-
-FileHandle StartAlone(const char* test, const std::string& subcase) {
-    wchar_t program[MAX_PATH];
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    std::wstring line = L"\"" + std::wstring(program) + L"\" --no-skip --minimal \"--test-case=" +
-                        FromAnsi(test) + L"\" \"--subcase=" + FromAnsi(subcase) + L"\"";
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    REQUIRE(CreateProcessW(program, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
-                           &process));
-    CloseHandle(process.hThread);
-    return FileHandle(process.hProcess);
-}
-
-// Runs each subcase in a process of its own, a few at a time.
-void CheckAlone(const char* test, const std::vector<std::string>& subcases) {
-    const FileHandle passed(CreateSemaphoreW(nullptr, 0, kMostProcesses, kPassed));
-    std::vector<FileHandle> running;
-    const auto wait = [&](size_t most) {
-        while (running.size() > most) {
-            DWORD code = STILL_ACTIVE;
-            CHECK(WaitForSingleObject(running.front().Get(), 60000) == WAIT_OBJECT_0);
-            GetExitCodeProcess(running.front().Get(), &code);
-            CHECK(code == 0);
-            running.erase(running.begin());
-        }
-    };
-    for (const std::string& subcase : subcases) {
-        wait(kAtATime - 1);
-        running.push_back(StartAlone(test, subcase));
-    }
-    wait(0);
-    size_t count = 0;
-    while (WaitForSingleObject(passed.Get(), 0) == WAIT_OBJECT_0)
-        ++count;
-    std::printf("%s: %u pairs in processes of their own, %u passed\n", test,
-                static_cast<unsigned>(subcases.size()), static_cast<unsigned>(count));
-    CHECK(count == subcases.size());
-}
 
 const char* TextOf(Moment moment) {
     return moment == Moment::BeforeReply ? " before the reply" : " behind the reply";
@@ -179,22 +127,16 @@ void CheckAllRefused(const Client& client) {
 
 // Of this process, which ends nothing but notes that it would have ended.
 struct Ending {
-    static BOOL WINAPI NoteEnd(HANDLE, UINT) {
-        ++ends;
-        return TRUE;
-    }
-
     // Class objects that still took new clients while the window goes would give them a dying process.
     static HRESULT WINAPI NoteSuspension() {
         isSuspended = true;
         return S_OK;
     }
 
-    static inline int ends = 0;
     static inline bool isSuspended = false;
     const GuardedMemory memory;
     const ImportPatch suspend{"ole32.dll", "CoSuspendClassObjects", &NoteSuspension};
-    const ImportPatch end{"kernel32.dll", "TerminateProcess", &NoteEnd};
+    const NotedEnd end;
 };
 
 void CheckGone(Case& manager) {
@@ -205,7 +147,7 @@ void CheckGone(Case& manager) {
     CHECK(manager.outside.engine.popup == nullptr);
     CHECK(manager.outside.engine.script.Count("Popup gone with its events") == 0);
     CHECK(manager.outside.clock.Running() == 0);
-    CHECK(Ending::ends == 1);
+    CHECK(NotedEnd::Count() == 1);
     CHECK(g_frmConfig == nullptr);
 }
 
