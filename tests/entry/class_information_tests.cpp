@@ -1,11 +1,10 @@
-// What the objects tell scripts about themselves.
+// What the objects tell scripts about themselves, and how long they keep the process.
 #include <doctest.h>
 
 #include "tests/entry/inside.h"
 
-TEST_CASE("the shared object tells its class, whose name a script asks for") {
-    InsideWithoutEngine inside;
-    const auto config = inside.Instance(FormHide);
+TEST_CASE_FIXTURE(InsideWithoutEngine, "the shared object tells its class, whose name a script asks for") {
+    const auto config = Instance(FormHide);
     ComPtr<IProvideClassInfo> provider;
     REQUIRE(config->QueryInterface(IID_PPV_ARGS(&provider)) == S_OK);
     CHECK(provider->GetClassInfo(nullptr) == E_POINTER);
@@ -18,10 +17,9 @@ TEST_CASE("the shared object tells its class, whose name a script asks for") {
     info->ReleaseTypeAttr(attributes);
 }
 
-TEST_CASE("every object describes its one interface, and no second one") {
-    InsideWithoutEngine inside;
-    const auto config = inside.Instance(FormHide);
-    IDispatch* const objects[] = {config.Get(), inside.control.Get(), g_frmConfig.Get()};
+TEST_CASE_FIXTURE(InsideWithoutEngine, "every object describes its one interface, and no second one") {
+    const auto config = Instance(FormHide);
+    IDispatch* const objects[] = {config.Get(), control.Get(), g_frmConfig.Get()};
     for (IDispatch* const object : objects) {
         CHECK(object->GetTypeInfoCount(nullptr) == E_POINTER);
         UINT count = 0;
@@ -45,4 +43,21 @@ TEST_CASE("errors are told of the object's own interface") {
     REQUIRE(control.As(&errors) == S_OK);
     CHECK(errors->InterfaceSupportsErrorInfo(__uuidof(_ConfigControl)) == S_OK);
     CHECK(errors->InterfaceSupportsErrorInfo(__uuidof(_Config)) == S_FALSE);
+}
+
+TEST_CASE("the window, each client's control and each client's reference lock the process") {
+    const ULONG before = Locks();
+    {
+        InsideWithoutEngine inside;
+        CHECK(Locks() == before + 1);
+        ComPtr<IDispatch> config = inside.Instance(FormHide);
+        const ULONG held = Locks();
+        config.Reset();
+        const ULONG loaded = Locks();
+        CHECK(loaded < held);
+        g_frmConfig->Unload();
+        CHECK(Locks() < loaded);
+        CHECK(Locks() == before + 1);
+    }
+    CHECK(Locks() == before);
 }

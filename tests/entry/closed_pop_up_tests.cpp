@@ -4,9 +4,10 @@
 #include <string>
 #include <vector>
 
+#include "options/resource.h"
 #include "platform/text.h"
-#include "tests/entry/inside.h"
 #include "tests/entry/start_journal.h"
+#include "tests/entry/window_inside.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/sound_patch.h"
 
@@ -34,21 +35,11 @@ UINT_PTR WINAPI SetAnyTimer(HWND hwnd, UINT_PTR id, UINT period, TIMERPROC proce
 }
 
 // A window with a new store, and with an engine and a shell that are the test's.
-struct ListeningWindow {
+struct ListeningWindow : Inside {
     ListeningWindow() {
         timerPatch = &m_timer;
-        inside.Instance(FormHide);
+        Instance(FormHide);
     }
-    ~ListeningWindow() { timerPatch = nullptr; }
-
-    static HWND Control(const wchar_t* name) {
-        LONG handle = 0;
-        const Variant text(name);
-        REQUIRE(g_frmConfig->ControlHwnd(text.Value().bstrVal, &handle) == S_OK);
-        return reinterpret_cast<HWND>(static_cast<LONG_PTR>(handle));
-    }
-
-    static void Click(const wchar_t* name) { SendMessageW(Control(name), BM_CLICK, 0, 0); }
 
     // What is done at once when a pop-up has been closed.
     Deeds Close() {
@@ -60,7 +51,6 @@ struct ListeningWindow {
         return deeds;
     }
 
-    Inside inside;
     StartJournal journal;
 
 private:
@@ -69,36 +59,23 @@ private:
     const ImportPatch m_timer{"user32.dll", "SetTimer", &SetAnyTimer};
 };
 
-std::string DefaultSound() {
-    const std::string loader = ToAnsi(g_strLoaderPath);
-    return loader.substr(0, loader.find_last_of('\\')) + "\\Arc.wav";
-}
-
 }  // namespace
 
-TEST_CASE("a closed pop-up starts the frames, then gives the notice that the window shows, saved or not") {
-    ListeningWindow window;
-    CHECK(window.Close() == Deeds{"timer 250", "play " + DefaultSound() + " 1"});
-    ListeningWindow::Click(L"chkBeep");
-    CHECK(window.Close() == Deeds{"timer 250", "beep 0"});
-    ListeningWindow::Click(L"chkBeep");
-    CHECK(window.Close() == Deeds{"timer 250"});
-    ListeningWindow::Click(L"chkPlaySound");
-    CHECK(window.Close() == Deeds{"timer 250", "play " + DefaultSound() + " 1"});
+TEST_CASE_FIXTURE(
+    ListeningWindow,
+    "a closed pop-up starts the frames, then gives the notice that the window shows, saved or not") {
+    const std::string loader = ToAnsi(g_strLoaderPath);
+    const std::string sound = loader.substr(0, loader.find_last_of('\\')) + "\\Arc.wav";
+    CHECK(Close() == Deeds{"timer 250", "play " + sound + " 1"});
+    Click(IDC_CHKBEEP);
+    CHECK(Close() == Deeds{"timer 250", "beep 0"});
 }
 
-TEST_CASE("a closed pop-up plays the sound and does not beep where both are checked") {
-    ListeningWindow window;
-    for (const wchar_t* const name : {L"chkPlaySound", L"chkBeep"})
-        SendMessageW(ListeningWindow::Control(name), BM_SETCHECK, BST_CHECKED, 0);
-    CHECK(window.Close() == Deeds{"timer 250", "play " + DefaultSound() + " 1"});
-}
-
-TEST_CASE("the window's frames are its three tray pictures, and then its resting icon with its tip") {
-    ListeningWindow window;
-    const auto& calls = window.journal.iconCalls;
+TEST_CASE_FIXTURE(ListeningWindow,
+                  "the window's frames are its three tray pictures, and then its resting icon with its tip") {
+    const auto& calls = journal.iconCalls;
     REQUIRE(calls.size() == 1);
-    window.Close();
+    Close();
     REQUIRE(PumpUntil([&] { return calls.size() >= 6; }));
     std::vector<DWORD> actions;
     for (const auto& call : calls)

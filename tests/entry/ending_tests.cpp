@@ -1,16 +1,18 @@
 // What happens in a process that ReleaseConfig is about to end. It refuses everything from then on, so that
-// each of these cases runs in a process of its own.
+// each of these cases runs in a process of its own. Calls that come in meanwhile are the suite "pairs_end"'s.
 #include <doctest.h>
 
 #include <commctrl.h>
 
-#include "platform/text.h"
-#include "tests/entry/alone.h"
 #include "tests/entry/start_journal.h"
+#include "tests/entry/window_inside.h"
+#include "tests/support/alone.h"
 #include "tests/support/message_pump.h"
 
 namespace {
 
+constexpr const char* kEnds[] = {"with a window", "without a window", "with a full queue",
+                                 "without a message"};
 constexpr const char* kMoments[] = {"CreateInstance", "CreatePopup", "State", "LogFile"};
 
 // Calls as clients' calls come, the next as soon as there is a result.
@@ -24,90 +26,56 @@ BOOL WINAPI PostNothing(HWND, UINT, WPARAM, LPARAM) {
     return FALSE;
 }
 
-}  // namespace
-
-TEST_CASE("ReleaseConfig takes the window away and ends the process after its reply") {
-    CheckInOwnProcess(L"alone: ReleaseConfig with a window");
+bool HasEnded() {
+    return NotedEnd::Count() == 1;
 }
 
-TEST_CASE("alone: ReleaseConfig with a window" * doctest::skip(true)) {
+}  // namespace
+
+TEST_CASE(
+    "ReleaseConfig takes the window away and ends the process after its reply, in the midst of clients' "
+    "calls too, and at once where no message can be posted") {
+    CheckAlone("alone: ReleaseConfig", {std::begin(kEnds), std::end(kEnds)});
+}
+
+TEST_CASE("alone: ReleaseConfig" * doctest::skip(true)) {
     const NotedEnd end;
     InsideWithoutEngine inside;
     const auto config = inside.Instance(FormHide);
-    const auto window = reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
-    CHECK(inside.control->ReleaseConfig() == S_OK);
+    const HWND window = Window();
+    SUBCASE("with a window") {
+        CHECK(inside.control->ReleaseConfig() == S_OK);
+        CHECK(g_lngClientCount == 0);
+        CHECK(NotedEnd::Count() == 0);
+        CHECK(PumpUntil(HasEnded));
+    }
+    SUBCASE("without a window") {
+        g_frmConfig->Unload();
+        CHECK(inside.control->ReleaseConfig() == S_OK);
+        CHECK(PumpUntil(HasEnded));
+    }
+    SUBCASE("with a full queue") {
+        const HWND client =
+            CreateWindowExW(0, WC_STATICW, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+        SetWindowLongPtrW(client, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CallAgain));
+        for (int i = 0; i < 3; ++i)
+            PostMessageW(client, WM_APP, 0, 0);
+        inside.control->ReleaseConfig();
+        CHECK(PumpUntil(HasEnded, 5000));
+        DestroyWindow(client);
+    }
+    SUBCASE("without a message") {
+        const ImportPatch post("user32.dll", "PostMessageW", &PostNothing);
+        inside.control->ReleaseConfig();
+        CHECK(HasEnded());
+    }
     CHECK_FALSE(IsWindow(window));
     CHECK(g_frmConfig == nullptr);
-    CHECK(g_lngClientCount == 0);
-    CHECK(ends == 0);
-
-    SUBCASE("clients that come late get an error") {
-        ComPtr<IDispatch> late;
-        CHECK(inside.Instance(formShow, late) == CO_E_SERVER_STOPPING);
-        CHECK(late == nullptr);
-        CHECK(inside.control->ReleaseConfig() == CO_E_SERVER_STOPPING);
-        VARIANT value;
-        CHECK(g_oConfig->get_ConfigHwnd(&value) == CO_E_SERVER_STOPPING);
-        CHECK(g_oConfig->get_ConfigForm(&value) == CO_E_SERVER_STOPPING);
-        CHECK(g_oConfig->get_ShellIconClass(&value) == CO_E_SERVER_STOPPING);
-        CHECK(g_lngClientCount == 0);
-    }
-    CHECK(ends == 0);
-    CHECK(PumpUntil([] { return ends == 1; }));
-}
-
-TEST_CASE("ReleaseConfig ends the process however many messages clients' calls leave in its queue") {
-    CheckInOwnProcess(L"alone: ReleaseConfig with a full queue");
-}
-
-TEST_CASE("alone: ReleaseConfig with a full queue" * doctest::skip(true)) {
-    const NotedEnd end;
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
-    const HWND client =
-        CreateWindowExW(0, WC_STATICW, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
-    SetWindowLongPtrW(client, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CallAgain));
-    for (int i = 0; i < 3; ++i)
-        PostMessageW(client, WM_APP, 0, 0);
-    inside.control->ReleaseConfig();
-    CHECK(PumpUntil([] { return ends == 1; }, 5000));
-    DestroyWindow(client);
-}
-
-TEST_CASE("ReleaseConfig ends the process at once where no message can be posted") {
-    CheckInOwnProcess(L"alone: ReleaseConfig without a message");
-}
-
-TEST_CASE("alone: ReleaseConfig without a message" * doctest::skip(true)) {
-    const NotedEnd end;
-    const ImportPatch post("user32.dll", "PostMessageW", &PostNothing);
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
-    inside.control->ReleaseConfig();
-    CHECK(ends == 1);
-    CHECK(g_frmConfig == nullptr);
-}
-
-TEST_CASE("ReleaseConfig without a window ends the process all the same") {
-    CheckInOwnProcess(L"alone: ReleaseConfig without a window");
-}
-
-TEST_CASE("alone: ReleaseConfig without a window" * doctest::skip(true)) {
-    const NotedEnd end;
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
-    inside.Instance(FormHide);
-    g_frmConfig->Unload();
-    CHECK(inside.control->ReleaseConfig() == S_OK);
-    CHECK(g_frmConfig == nullptr);
-    CHECK(g_lngClientCount == 1);
-    CHECK(PumpUntil([] { return ends == 1; }));
+    NotePassed();
 }
 
 TEST_CASE("ReleaseConfig that comes in while the engine is being connected ends the start with an error") {
-    for (const char* const moment : kMoments) {
-        CheckInOwnProcess(L"alone: ReleaseConfig while the engine is called", FromAnsi(moment));
-    }
+    CheckAlone("alone: ReleaseConfig while the engine is called", {std::begin(kMoments), std::end(kMoments)});
 }
 
 TEST_CASE("alone: ReleaseConfig while the engine is called" * doctest::skip(true)) {
@@ -116,19 +84,11 @@ TEST_CASE("alone: ReleaseConfig while the engine is called" * doctest::skip(true
     StartJournal journal;
     for (const char* const moment : kMoments) {
         SUBCASE(moment) {
-            HRESULT ended = E_FAIL;
-            journal.engine.script.within[moment] = [&] {
-                ended = MakeObject<ConfigControl>()->ReleaseConfig();
-            };
+            journal.engine.script.within[moment] = [] { MakeObject<ConfigControl>()->ReleaseConfig(); };
             ComPtr<IDispatch> config;
             CHECK(inside.Instance(formShow, config) == CO_E_SERVER_STOPPING);
-            CHECK(ended == S_OK);
             CHECK(config == nullptr);
-            CHECK(g_frmConfig == nullptr);
-            CHECK(journal.Count("window") == 1);
-            CHECK(FindWindowW(L"#32770", L"Calvane") == nullptr);
-            CHECK(ends == 0);
-            CHECK(PumpUntil([] { return ends == 1; }));
+            NotePassed();
         }
     }
 }

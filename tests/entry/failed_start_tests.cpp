@@ -1,8 +1,12 @@
-// Windows that cannot be made.
+// Windows that cannot be made or loaded.
 #include <doctest.h>
 
+#include <memory>
+#include <new>
+
 #include "app/resource.h"
-#include "tests/entry/inside.h"
+#include "store/settings_schema.h"
+#include "tests/entry/window_inside.h"
 
 namespace {
 
@@ -18,6 +22,35 @@ HWND WINAPI Refuse(HINSTANCE instance, LPCWSTR resource, HWND parent, DLGPROC pr
                                                                  parameter);
 }
 
+// Memory runs out while the first default is written.
+LONG WINAPI RunOutOfMemory(HKEY, LPCSTR, DWORD, DWORD, const BYTE*, DWORD) {
+    throw std::bad_alloc();
+}
+
+struct Failure {
+    int dialog;  // that is not made; 0 where the defaults cannot be written
+    HRESULT result;
+};
+
+constexpr Failure kFailures[] = {{IDD_CONFIG, HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES)},
+                                 {IDD_PAGE_SETTINGS, HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES)},
+                                 {IDD_PAGE_ABOUT, HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES)},
+                                 {0, E_OUTOFMEMORY}};
+
+// While it exists nothing else works.
+struct Failing {
+    explicit Failing(const Failure& failure) {
+        makeDialog = &m_makeDialog;
+        refused = failure.dialog;
+        if (failure.dialog == 0)
+            m_setValue = std::make_unique<ImportPatch>("advapi32.dll", "RegSetValueExA", &RunOutOfMemory);
+    }
+
+private:
+    const ImportPatch m_makeDialog{"user32.dll", "CreateDialogParamW", &Refuse};
+    std::unique_ptr<ImportPatch> m_setValue;
+};
+
 size_t WindowCount() {
     size_t count = 0;
     HWND window = nullptr;
@@ -29,59 +62,59 @@ size_t WindowCount() {
     return count;
 }
 
-}  // namespace
-
-TEST_CASE("a window or a page that cannot be made gives the caller an error, and a later call works") {
-    for (const int dialog : {IDD_CONFIG, IDD_PAGE_SETTINGS, IDD_PAGE_ABOUT}) {
-        CAPTURE(dialog);
-        InsideWithoutEngine inside;
-        const ULONG locks = Locks();
-        {
-            const ImportPatch patch("user32.dll", "CreateDialogParamW", &Refuse);
-            makeDialog = &patch;
-            refused = dialog;
-            for (const long showType : {2L, 1L, 3L}) {
-                ComPtr<IDispatch> config;
-                CHECK(inside.Instance(showType, config) == HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES));
-                CHECK(config == nullptr);
-                CHECK(g_oConfig == nullptr);
-                CHECK(g_frmConfig == nullptr);
-                CHECK(g_lngConfigHwnd == 0);
-                CHECK(g_lngClientCount == 0);
-                CHECK(WindowCount() == 0);
-                CHECK(Locks() == locks);
-            }
-        }
-        const auto config = inside.Instance(FormHide);
-        CHECK(config != nullptr);
-        CHECK(g_lngClientCount == 1);
-        CHECK(WindowCount() == 1);
-        CHECK(IsWindow(reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd))));
-    }
+void CheckWorks(InsideWithoutEngine& inside) {
+    inside.Instance(formShow);
+    CHECK(IsShown());
+    CHECK(WindowCount() == 1);
+    CHECK(inside.user.Text(Schema::kSettingsKey, L"First Time") == L"True");
 }
 
-TEST_CASE(
-    "a window that cannot be made again after its unloading gives the caller an error, and a later call "
-    "works") {
-    for (const int dialog : {IDD_CONFIG, IDD_PAGE_LOG}) {
-        CAPTURE(dialog);
+}  // namespace
+
+TEST_CASE("a start that fails gives the caller an error and leaves nothing behind, and a later call works") {
+    for (const Failure& failure : kFailures) {
+        CAPTURE(failure.dialog);
         InsideWithoutEngine inside;
-        const auto config = inside.Instance(FormHide);
-        g_frmConfig->Unload();
         const ULONG locks = Locks();
-        {
-            const ImportPatch patch("user32.dll", "CreateDialogParamW", &Refuse);
-            makeDialog = &patch;
-            refused = dialog;
-            ComPtr<IDispatch> again;
-            CHECK(inside.Instance(formShow, again) == HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES));
-            VARIANT handle;
-            CHECK(g_oConfig->get_ConfigHwnd(&handle) == HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES));
-            CHECK(handle.vt == VT_EMPTY);
+        for (const long showType : {2L, 1L, 3L}) {
+            const Failing failing(failure);
+            ComPtr<IDispatch> config;
+            CHECK(inside.Instance(showType, config) == failure.result);
+            CHECK(config == nullptr);
+            CHECK(g_oConfig == nullptr);
+            CHECK(g_frmConfig == nullptr);
+            CHECK(g_lngConfigHwnd == 0);
+            CHECK(g_lngClientCount == 0);
             CHECK(WindowCount() == 0);
             CHECK(Locks() == locks);
         }
-        CHECK(inside.Instance(formShow).Get() == config.Get());
-        CHECK(WindowCount() == 1);
+        CheckWorks(inside);
+        CHECK(g_lngClientCount == 1);
+    }
+}
+
+TEST_CASE("a window that cannot be made or loaded again gives the caller an error, and a later call works") {
+    for (const Failure& failure : kFailures) {
+        CAPTURE(failure.dialog);
+        InsideWithoutEngine inside;
+        const auto config = inside.Instance(FormHide);
+        g_frmConfig->Unload();
+        inside.user.Delete(Schema::kSettingsKey, L"First Time");
+        const ULONG locks = Locks();
+        {
+            const Failing failing(failure);
+            ComPtr<IDispatch> again;
+            CHECK(inside.Instance(formShow, again) == failure.result);
+            VARIANT handle;
+            CHECK(g_oConfig->get_ConfigHwnd(&handle) == failure.result);
+            CHECK(handle.vt == VT_EMPTY);
+            CHECK_FALSE(IsShown());
+            // A window that only lacks its settings waits for them.
+            CHECK(WindowCount() == (failure.dialog == 0 ? 1 : 0));
+            if (failure.dialog != 0) CHECK(Locks() == locks);
+            CHECK(g_lngClientCount == 1);
+        }
+        CheckWorks(inside);
+        CHECK(inside.Instance(FormHide).Get() == config.Get());
     }
 }

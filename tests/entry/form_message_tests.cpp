@@ -4,31 +4,25 @@
 #include "tests/entry/window_inside.h"
 #include "tests/support/plain_window.h"
 
-TEST_CASE("without a window no message is the window's") {
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
+TEST_CASE_FIXTURE(InsideWithoutEngine, "keys of another window, or without a window, are left alone") {
+    Instance(FormHide);
     const PlainWindow other;
-    CHECK(IsFormMessage(Key(GetDlgItem(Window(), IDC_TAB), VK_TAB)));
-    g_frmConfig->Unload();
-    CHECK_FALSE(IsFormMessage(Key(nullptr, VK_TAB)));
-    CHECK_FALSE(IsFormMessage(Key(other.Hwnd(), VK_TAB)));
-}
-
-TEST_CASE("keys of another window of the thread are left alone") {
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
-    const PlainWindow other;
-    const HeldKeys held{VK_CONTROL};
-    for (const WPARAM key : {VK_TAB, VK_NEXT, VK_PRIOR, VK_ESCAPE, VK_RETURN}) {
-        CHECK_FALSE(IsFormMessage(Key(other.Hwnd(), key)));
+    {
+        const HeldKeys held{VK_CONTROL};
+        for (const WPARAM key : {VK_TAB, VK_NEXT, VK_PRIOR, VK_ESCAPE, VK_RETURN})
+            CHECK_FALSE(IsFormMessage(Key(other.Hwnd(), key)));
+        CHECK_FALSE(IsFormMessage(Key(nullptr, VK_TAB)));
+        CHECK(SelectedTab() == 0);
     }
-    CHECK_FALSE(IsFormMessage(Key(nullptr, VK_TAB)));
-    CHECK(SelectedTab() == 0);
+    CHECK(IsFormMessage(Key(ControlOf(IDC_TAB), VK_TAB)));
+    g_frmConfig->Unload();
+    for (const HWND window : {other.Hwnd(), HWND{}})
+        CHECK_FALSE(IsFormMessage(Key(window, VK_TAB)));
 }
 
-TEST_CASE("Ctrl with Tab, Page Down and Page Up walks the pages round, whoever has the focus") {
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "Ctrl with Tab, Page Down and Page Up walks the pages round, whoever has the focus") {
+    Instance(FormHide);
     for (const HWND focus : {Window(), GetDlgItem(Window(), IDC_TAB), GetDlgItem(Window(), IDC_CMDOK)}) {
         const HeldKeys held{VK_CONTROL};
         for (const int expected : {1, 2, 3, 4, 5, 0}) {
@@ -47,23 +41,22 @@ TEST_CASE("Ctrl with Tab, Page Down and Page Up walks the pages round, whoever h
     }
 }
 
-TEST_CASE("where another program has taken the tabs away the page keys do nothing") {
-    InsideWithoutEngine inside;
-    const auto config = inside.Instance(formShow);
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "where another program has taken the tabs away the page keys do nothing") {
+    Instance(formShow);
     SendDlgItemMessageW(Window(), IDC_TAB, TCM_DELETEALLITEMS, 0, 0);
-    SetFocus(GetDlgItem(Window(), IDC_CMDOK));
-    const HeldKeys control({VK_CONTROL});
+    SetFocus(ControlOf(IDC_CMDOK));
+    const HeldKeys held{VK_CONTROL};
     for (const WPARAM key : {VK_TAB, VK_NEXT, VK_PRIOR}) {
-        CHECK(IsFormMessage(Key(GetDlgItem(Window(), IDC_CMDOK), key)));
+        CHECK(IsFormMessage(Key(ControlOf(IDC_CMDOK), key)));
         CHECK(SelectedTab() == -1);
-        CHECK(GetFocus() == GetDlgItem(Window(), IDC_CMDOK));
+        CHECK(GetFocus() == ControlOf(IDC_CMDOK));
     }
 }
 
-TEST_CASE("the pages stay with another key held or without Ctrl") {
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
-    const HWND tabs = GetDlgItem(Window(), IDC_TAB);
+TEST_CASE_FIXTURE(InsideWithoutEngine, "the pages stay with Alt held, without Ctrl or when a key goes up") {
+    Instance(FormHide);
+    const HWND tabs = ControlOf(IDC_TAB);
     {
         const HeldKeys held{VK_CONTROL, VK_MENU};
         IsFormMessage(Key(tabs, VK_TAB));
@@ -71,7 +64,7 @@ TEST_CASE("the pages stay with another key held or without Ctrl") {
         CHECK(SelectedTab() == 0);
     }
     {
-        const HeldKeys held{};
+        const HeldKeys none{};
         IsFormMessage(Key(tabs, VK_TAB));
         CHECK(SelectedTab() == 0);
     }

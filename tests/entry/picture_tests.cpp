@@ -30,10 +30,10 @@ std::string ColoursOf(HICON icon) {
 
 }  // namespace
 
-TEST_CASE("the resting picture and the three frames are icons of 16 pixels, and no two look alike") {
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "the resting picture and the three frames are icons of 16 pixels, and no two look alike") {
     REQUIRE(GetSystemMetrics(SM_CXSMICON) == kSide);
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
+    Instance(FormHide);
     std::set<std::string> pictures;
     ComPtr<IDispatch> box;
     REQUIRE(g_frmConfig->get_picShellIcon(&box) == S_OK);

@@ -1,23 +1,23 @@
 #include "tests/entry/start_journal.h"
 
+#include <algorithm>
+
 #include "app/config_globals.h"
 #include "app/frm_config.h"
 #include "app/resource.h"
 #include "tray/bas_shell_notify.h"
 
-StartJournal* StartJournal::s_active = nullptr;
-
-StartJournal::StartJournal()
-    : m_makeDialog("user32.dll", "CreateDialogParamW", &MakeDialog),
-      m_notify("shell32.dll", "Shell_NotifyIconA", &Notify),
-      m_open("advapi32.dll", "RegOpenKeyExA", &Open),
-      m_query("advapi32.dll", "RegQueryValueExA", &Query),
-      m_set("advapi32.dll", "RegSetValueExA", &Set) {
+StartJournal::StartJournal() {
     s_active = this;
     for (const char* const member :
          {"CreateInstance", "CreatePopup", "Advise", "State", "LogFile", "Popup gone", "ReleasePopup"}) {
         engine.script.within[member] = [member] { Note(std::string("engine:") + member); };
     }
+    store.beforeCall = [](RegistryFunction function, const std::string& name) {
+        if (function == RegistryFunction::Open) Note("open:" + name);
+        if (function == RegistryFunction::Query) Note("read:" + name);
+        if (function == RegistryFunction::Set) Note("write:" + name);
+    };
 }
 
 // The engine goes with the journal: the window takes leave of it before.
@@ -33,24 +33,18 @@ void StartJournal::Note(const std::string& text) {
 }
 
 int StartJournal::First(const std::string& text) const {
-    for (size_t i = 0; i < entries.size(); ++i) {
-        if (entries[i].text == text) return static_cast<int>(i);
-    }
-    return -1;
+    const auto found = std::ranges::find(entries, text, &Entry::text);
+    return found == entries.end() ? -1 : static_cast<int>(found - entries.begin());
 }
 
 int StartJournal::Last(const std::string& text) const {
-    for (size_t i = entries.size(); i-- > 0;) {
-        if (entries[i].text == text) return static_cast<int>(i);
-    }
-    return -1;
+    const auto found = std::find_if(entries.rbegin(), entries.rend(),
+                                    [&](const Entry& entry) { return entry.text == text; });
+    return static_cast<int>(entries.rend() - found) - 1;
 }
 
 int StartJournal::Count(const std::string& text) const {
-    int count = 0;
-    for (const Entry& entry : entries)
-        count += entry.text == text ? 1 : 0;
-    return count;
+    return static_cast<int>(std::ranges::count(entries, text, &Entry::text));
 }
 
 HWND WINAPI StartJournal::MakeDialog(HINSTANCE instance, LPCWSTR resource, HWND parent, DLGPROC procedure,
@@ -60,27 +54,11 @@ HWND WINAPI StartJournal::MakeDialog(HINSTANCE instance, LPCWSTR resource, HWND 
     return original(instance, resource, parent, procedure, parameter);
 }
 
+// The taskbar of the screen is left alone.
 BOOL WINAPI StartJournal::Notify(DWORD message, PNOTIFYICONDATAA data) {
     if (s_active == nullptr) return TRUE;
     Note("icon:" + std::to_string(message));
     s_active->iconCalls.push_back({message, std::string(reinterpret_cast<const char*>(data), data->cbSize),
                                    GetPropA(data->hWnd, "OldWndProc") != nullptr});
     return TRUE;
-}
-
-LONG WINAPI StartJournal::Open(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
-    Note(std::string("open:") + path);
-    return s_active->m_open.Original<decltype(&RegOpenKeyExA)>()(root, path, options, access, key);
-}
-
-LONG WINAPI StartJournal::Query(HKEY key, LPCSTR value, LPDWORD reserved, LPDWORD type, LPBYTE data,
-                                LPDWORD size) {
-    Note(std::string("read:") + value);
-    return s_active->m_query.Original<decltype(&RegQueryValueExA)>()(key, value, reserved, type, data, size);
-}
-
-LONG WINAPI StartJournal::Set(HKEY key, LPCSTR value, DWORD reserved, DWORD type, const BYTE* data,
-                              DWORD size) {
-    Note(std::string("write:") + value);
-    return s_active->m_set.Original<decltype(&RegSetValueExA)>()(key, value, reserved, type, data, size);
 }

@@ -9,6 +9,7 @@
 
 #include "tests/engine_control/fake_engine.h"
 #include "tests/support/import_patch.h"
+#include "tests/support/registry_calls.h"
 
 // One at a time. Entries: "window" (the configuration window is made), "page" (one of its pages), "engine:"
 // and a member of the engine, "icon:" and the number that the shell is asked with (0 adds, 2 removes),
@@ -22,6 +23,13 @@ public:
         std::wstring loaderPath;  // g_strLoaderPath likewise
     };
 
+    // A call to the shell about the icon.
+    struct IconCall {
+        DWORD action;
+        std::string record;  // as many bytes as cbSize says
+        bool isHooked;       // whether the icon's window was hooked by then
+    };
+
     StartJournal();
     StartJournal(const StartJournal&) = delete;
     StartJournal& operator=(const StartJournal&) = delete;
@@ -32,33 +40,19 @@ public:
     int Last(const std::string& text) const;
     int Count(const std::string& text) const;
 
-    // A call to the shell about the icon.
-    struct IconCall {
-        DWORD action;
-        std::string record;  // as many bytes as cbSize says
-        bool isHooked;       // whether the icon's window was hooked by then
-    };
+    static void Note(const std::string& text);
 
     std::vector<Entry> entries;
     std::vector<IconCall> iconCalls;
     FakeEngine engine;
-
-    // The shell takes icons; the taskbar of the screen is left alone.
-    static void Note(const std::string& text);
+    RegistryCalls store{RegistryCalls::Of::Memory};  // the user's settings, none at first
 
 private:
     static HWND WINAPI MakeDialog(HINSTANCE instance, LPCWSTR resource, HWND parent, DLGPROC procedure,
                                   LPARAM parameter);
     static BOOL WINAPI Notify(DWORD message, PNOTIFYICONDATAA data);
-    static LONG WINAPI Open(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key);
-    static LONG WINAPI Query(HKEY key, LPCSTR value, LPDWORD reserved, LPDWORD type, LPBYTE data,
-                             LPDWORD size);
-    static LONG WINAPI Set(HKEY key, LPCSTR value, DWORD reserved, DWORD type, const BYTE* data, DWORD size);
 
-    static StartJournal* s_active;
-    const ImportPatch m_makeDialog;
-    const ImportPatch m_notify;
-    const ImportPatch m_open;
-    const ImportPatch m_query;
-    const ImportPatch m_set;
+    static inline StartJournal* s_active = nullptr;
+    const ImportPatch m_makeDialog{"user32.dll", "CreateDialogParamW", &MakeDialog};
+    const ImportPatch m_notify{"shell32.dll", "Shell_NotifyIconA", &Notify};
 };

@@ -3,15 +3,18 @@
 
 #include <cstring>
 
-#include "app/resource.h"
-#include "tests/entry/inside.h"
 #include "tests/entry/start_journal.h"
+#include "tests/entry/window_inside.h"
 #include "tests/support/automation.h"
 #include "tests/support/shown_text.h"
 
 namespace {
 
-constexpr char kSettingsOpened[] = "open:Software\\Calvane\\Settings";
+struct Started : Inside {
+    Started() { Instance(FormHide); }
+
+    StartJournal journal;
+};
 
 const ImportPatch* modulePath = nullptr;
 bool atRoot = false;
@@ -26,33 +29,20 @@ DWORD WINAPI PathAtRoot(HMODULE module, LPWSTR path, DWORD size) {
     return static_cast<DWORD>(lstrlenW(path));
 }
 
-std::wstring FolderOfThisProgram() {
+std::wstring LoaderBesideThisProgram() {
     wchar_t path[MAX_PATH];
     GetModuleFileNameW(nullptr, path, MAX_PATH);
-    std::wstring folder(path);
-    folder.resize(folder.find_last_of(L'\\'));
-    return folder;
-}
-
-bool IsShown() {
-    VARIANT_BOOL visible = VARIANT_FALSE;
-    CHECK(g_frmConfig->get_Visible(&visible) == S_OK);
-    return visible == VARIANT_TRUE;
+    const std::wstring program(path);
+    return program.substr(0, program.find_last_of(L'\\')) + L"\\CalvaneConfigLoader.exe";
 }
 
 }  // namespace
 
-TEST_CASE("the loader's path is built first, then come the window, the engine, the icon and the settings") {
-    Inside inside;
-    StartJournal journal;
-    inside.Instance(FormHide);
-
-    const std::wstring loader = FolderOfThisProgram() + L"\\CalvaneConfigLoader.exe";
-    REQUIRE_FALSE(journal.entries.empty());
-    CHECK(journal.entries.front().text == "window");
-    CHECK(journal.entries.front().loaderPath == loader);
-    CHECK(g_strLoaderPath == loader);
-
+TEST_CASE_FIXTURE(
+    Started,
+    "the loader's path is built first, then come the window, the engine, the icon and the settings") {
+    CHECK(journal.entries.at(0).text == "window");
+    CHECK(journal.entries.at(0).loaderPath == LoaderBesideThisProgram());
     CHECK(journal.Count("window") == 1);
     CHECK(journal.Count("page") == 6);
     CHECK(journal.Last("page") < journal.First("engine:CreateInstance"));
@@ -60,18 +50,42 @@ TEST_CASE("the loader's path is built first, then come the window, the engine, t
     CHECK(journal.First("engine:CreatePopup") < journal.First("engine:State"));
     CHECK(journal.Count("icon:0") == 1);
     CHECK(journal.First("engine:State") < journal.First("icon:0"));
-    CHECK(journal.First("icon:0") < journal.First(kSettingsOpened));
-    CHECK(journal.Last("write:First Time") < journal.First("engine:LogFile"));
+    CHECK(journal.First("icon:0") < journal.First("open:Software\\Calvane\\Settings"));
     CHECK(journal.Last("read:1Name") < journal.First("engine:LogFile"));
     CHECK(journal.First("engine:LogFile") < journal.First("read:Startup"));
     CHECK(journal.engine.script.mode == 2);
     CHECK(journal.engine.script.configHwnd == g_lngConfigHwnd);
 }
 
-TEST_CASE("the icon is added to the hooked window with an empty tip, and gets its tip after that") {
-    Inside inside;
-    StartJournal journal;
-    inside.Instance(FormHide);
+TEST_CASE_FIXTURE(Started, "the defaults are all written before any setting is read") {
+    const int lastWrite = journal.Last("write:First Time");
+    CHECK(journal.Count("write:First Time") == 1);
+    int reads = 0;
+    for (int i = 0; i < static_cast<int>(journal.entries.size()); ++i) {
+        const std::string& text = journal.entries[static_cast<size_t>(i)].text;
+        CAPTURE(text);
+        if (text.starts_with("write:")) CHECK(i <= lastWrite);
+        if (!text.starts_with("read:")) continue;
+        CHECK(i > lastWrite);
+        ++reads;
+    }
+    CHECK(reads > 40);
+}
+
+TEST_CASE_FIXTURE(Started, "the window's handle is stored when the window has been loaded, not before") {
+    for (const auto& entry : journal.entries) {
+        CAPTURE(entry.text);
+        CHECK(entry.configHwnd == 0);
+    }
+    CHECK(IsWindow(Window()));
+    Variant handle;
+    CHECK(g_oConfig->get_ConfigHwnd(handle.Receive()) == S_OK);
+    CHECK(handle.Value().vt == VT_I4);
+    CHECK(handle.Value().lVal == g_lngConfigHwnd);
+}
+
+TEST_CASE_FIXTURE(Started,
+                  "the icon is added to the hooked window with an empty tip, and gets its tip after that") {
     REQUIRE(journal.iconCalls.size() == 1);
     const StartJournal::IconCall& call = journal.iconCalls[0];
     CHECK(call.isHooked);
@@ -88,64 +102,8 @@ TEST_CASE("the icon is added to the hooked window with an empty tip, and gets it
     CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"Calvane Sentrel");
 }
 
-TEST_CASE("the defaults are all written before any setting is read") {
-    Inside inside;
-    StartJournal journal;
-    inside.Instance(FormHide);
-
-    const int lastWrite = journal.Last("write:First Time");
-    REQUIRE(lastWrite > 0);
-    CHECK(journal.Count("write:First Time") == 1);
-    // The key is missing: it is asked for once.
-    const int asked = journal.First(kSettingsOpened);
-    REQUIRE(asked >= 0);
-    CHECK(asked < journal.First("write:chkBeep"));
-    int reads = 0;
-    for (int i = 0; i < static_cast<int>(journal.entries.size()); ++i) {
-        const std::string& text = journal.entries[static_cast<size_t>(i)].text;
-        CAPTURE(text);
-        if (text.starts_with("write:")) CHECK(i <= lastWrite);
-        if (text.starts_with("open:") && i != asked) CHECK(i > lastWrite);
-        if (text.starts_with("read:")) {
-            CHECK(i > lastWrite);
-            ++reads;
-        }
-    }
-    CHECK(reads > 40);
-    CHECK(journal.Count("read:1Name") == 2);
-    CHECK(journal.First("read:chkPlaySound") < journal.First("read:chkBeep"));
-}
-
-TEST_CASE("a store that has its defaults is only read") {
-    Inside inside;
-    inside.user.Write(L"Software\\Calvane\\Settings", L"First Time", L"no");
-    StartJournal journal;
-    inside.Instance(FormHide);
-    CHECK(journal.Count("read:First Time") == 1);
-    for (const auto& entry : journal.entries) {
-        CAPTURE(entry.text);
-        CHECK_FALSE(entry.text.starts_with("write:"));
-    }
-}
-
-TEST_CASE("the window's handle is stored when the window has been loaded, not before") {
-    Inside inside;
-    StartJournal journal;
-    const auto config = inside.Instance(FormHide);
-    for (const auto& entry : journal.entries) {
-        CAPTURE(entry.text);
-        CHECK(entry.configHwnd == 0);
-    }
-    CHECK(IsWindow(reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd))));
-    Variant handle;
-    CHECK(g_oConfig->get_ConfigHwnd(handle.Receive()) == S_OK);
-    CHECK(handle.Value().vt == VT_I4);
-    CHECK(handle.Value().lVal == g_lngConfigHwnd);
-}
-
 TEST_CASE("a server in a drive's root gets a loader path with a doubled separator") {
-    Inside inside;
-    const ImportPatch noEngine("ole32.dll", "CoCreateInstance", &NoEngine);
+    InsideWithoutEngine inside;
     g_oConfig = MakeObject<Config>();
     const ImportPatch path("kernel32.dll", "GetModuleFileNameW", &PathAtRoot);
     modulePath = &path;
@@ -156,61 +114,41 @@ TEST_CASE("a server in a drive's root gets a loader path with a doubled separato
 }
 
 TEST_CASE(
-    "a second client that asks while the engine is being connected gets the same Config and no window yet") {
-    Inside inside;
-    StartJournal journal;
-    for (const char* const moment : {"CreateInstance", "CreatePopup", "LogFile"}) {
-        SUBCASE(moment) {
-            ComPtr<IDispatch> nested;
-            bool shown = true;
-            size_t windows = 0;
-            journal.engine.script.within[moment] = [&] {
-                if (nested != nullptr) return;
-                const auto other = MakeObject<ConfigControl>();
-                long showType = formShow;
-                CHECK(other->ConfigInstance(&showType, &nested) == S_OK);
-                shown = IsShown();
-                windows = static_cast<size_t>(journal.Count("window"));
-            };
-            const auto config = inside.Instance(FormHide);
-            CHECK(nested != nullptr);
-            CHECK(nested.Get() == config.Get());
-            CHECK(windows == 1);
-            CHECK_FALSE(shown);
-            CHECK(journal.Count("window") == 1);
-            CHECK(journal.Count("engine:CreatePopup") + (std::string(moment) == "CreatePopup" ? 1 : 0) == 1);
-            CHECK(journal.Count("read:chkPlaySound") == 1);
-            CHECK(journal.Count("icon:0") == 1);
-            CHECK(g_lngClientCount == 2);
-            // What was asked for meanwhile is done as soon as the window is loaded.
-            CHECK(IsShown());
-        }
-    }
-}
-
-TEST_CASE("a second client that asks for the About page while the engine is being connected gets it") {
-    Inside inside;
-    StartJournal journal;
-    journal.engine.script.within["CreatePopup"] = [] {
-        long showType = kShowAbout;
+    "a second client that asks while the engine is being connected gets the same Config, and what it asks "
+    "the window for is done as soon as that is loaded") {
+    struct Row {
+        const char* moment;
+        long showType;
+        bool isShown;
+        int tab = 0;
+    };
+    constexpr Row kRows[] = {
+        {"CreateInstance", formShow, true}, {"CreatePopup", formShow, true},
+        {"LogFile", formShow, true},        {"CreatePopup", kShowAbout, true, 5},
+        {"CreatePopup", FormHide, false},   {"CreatePopup", 0, false},
+        {"CreatePopup", 4, false},
+    };
+    for (const Row& row : kRows) {
+        CAPTURE(row.moment);
+        CAPTURE(row.showType);
+        Inside inside;
+        StartJournal journal;
         ComPtr<IDispatch> nested;
-        CHECK(MakeObject<ConfigControl>()->ConfigInstance(&showType, &nested) == S_OK);
-    };
-    inside.Instance(FormHide);
-    CHECK(IsShown());
-    const HWND tabs = GetDlgItem(reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd)), IDC_TAB);
-    CHECK(SendMessageW(tabs, TCM_GETCURSEL, 0, 0) == 5);
-}
-
-TEST_CASE("a second client that hides nothing leaves the window hidden") {
-    Inside inside;
-    StartJournal journal;
-    journal.engine.script.within["CreatePopup"] = [] {
-        for (long showType : {2L, 0L, 4L}) {
-            ComPtr<IDispatch> nested;
+        journal.engine.script.within[row.moment] = [&] {
+            if (nested != nullptr) return;
+            long showType = row.showType;
             CHECK(MakeObject<ConfigControl>()->ConfigInstance(&showType, &nested) == S_OK);
-        }
-    };
-    inside.Instance(FormHide);
-    CHECK_FALSE(IsShown());
+            CHECK_FALSE(IsShown());
+        };
+        const auto config = inside.Instance(FormHide);
+        CHECK(nested != nullptr);
+        CHECK(nested.Get() == config.Get());
+        CHECK(journal.Count("window") == 1);
+        CHECK(journal.engine.script.Count("CreatePopup") == 1);
+        CHECK(journal.Count("read:chkPlaySound") == 1);
+        CHECK(journal.Count("icon:0") == 1);
+        CHECK(g_lngClientCount == 2);
+        CHECK(IsShown() == row.isShown);
+        CHECK(SelectedTab() == row.tab);
+    }
 }

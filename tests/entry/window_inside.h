@@ -13,6 +13,12 @@ inline HWND Window() {
     return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
 }
 
+inline bool IsShown() {
+    VARIANT_BOOL visible = VARIANT_FALSE;
+    CHECK(g_frmConfig->get_Visible(&visible) == S_OK);
+    return visible == VARIANT_TRUE;
+}
+
 // A control of the frame or of a page.
 inline HWND ControlOf(int id) {
     if (const HWND control = GetDlgItem(Window(), id)) return control;
@@ -20,6 +26,14 @@ inline HWND ControlOf(int id) {
         if (const HWND control = GetDlgItem(page, id)) return control;
     }
     throw std::runtime_error("no such control");
+}
+
+inline void Click(int id) {
+    SendMessageW(ControlOf(id), BM_CLICK, 0, 0);
+}
+
+inline int SelectedTab() {
+    return static_cast<int>(SendDlgItemMessageW(Window(), IDC_TAB, TCM_GETCURSEL, 0, 0));
 }
 
 inline bool IsFormMessage(MSG message) {
@@ -51,7 +65,3 @@ struct HeldKeys {
 
     BYTE before[256]{};
 };
-
-inline int SelectedTab() {
-    return static_cast<int>(SendDlgItemMessageW(Window(), IDC_TAB, TCM_GETCURSEL, 0, 0));
-}
