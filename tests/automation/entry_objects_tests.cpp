@@ -1,18 +1,14 @@
 // ConfigControl and Config as clients in other processes see them.
 #include <doctest.h>
 
-#include <tlhelp32.h>
-
-#include <climits>
-
 #include "platform/automation_error.h"
 #include "platform/com/event_connection.h"
-#include "platform/handle.h"
 #include "platform/com/variant.h"
 #include "tests/support/automation.h"
-#include "tests/support/manager.h"
 #include "tests/support/killed_servers.h"
+#include "tests/support/manager.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/program.h"
 
 namespace {
 
@@ -29,10 +25,6 @@ ComPtr<_ConfigControl> AnotherControl() {
     return control;
 }
 
-int SelectedTab(Manager& manager) {
-    return static_cast<int>(SendMessageW(manager.Control(L"tab"), TCM_GETCURSEL, 0, 0));
-}
-
 size_t ConfigWindowCount() {
     size_t count = 0;
     HWND window = nullptr;
@@ -41,104 +33,27 @@ size_t ConfigWindowCount() {
     return count;
 }
 
-int ManagerCount() {
-    const FileHandle processes(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
-    PROCESSENTRY32W process{};
-    process.dwSize = sizeof(process);
-    int count = 0;
-    for (BOOL more = Process32FirstW(processes.Get(), &process); more != FALSE;
-         more = Process32NextW(processes.Get(), &process)) {
-        count += lstrcmpiW(process.szExeFile, L"SentrelConfig.exe") == 0 ? 1 : 0;
-    }
-    return count;
+size_t ManagerCount() {
+    return ProcessesOf(L"SentrelConfig.exe").size();
 }
 
 bool NoManagerIsLeft() {
-    return WaitUntil([] { return ManagerCount() == 0; });
+    return ProgramEnds(L"SentrelConfig.exe");
 }
 
 }  // namespace
 
-TEST_CASE("two calls yield the same Config and no second window") {
-    Manager manager;
-    const auto first = Identity(manager.Instance(FormHide).Get());
-    const HWND window = manager.Window();
-    const auto second = Identity(manager.Instance(FormHide).Get());
-    CHECK(first.Get() == second.Get());
-    CHECK(manager.Window() == window);
-    CHECK(ConfigWindowCount() == 1);
-}
-
-TEST_CASE("a second client's control gives the same Config") {
-    Manager manager;
-    const auto mine = Identity(manager.Instance(FormHide).Get());
-    const auto other = AnotherControl();
-    LONG hidden = FormHide;
-    ComPtr<IDispatch> config;
-    REQUIRE(other->ConfigInstance(&hidden, &config) == S_OK);
-    CHECK(Identity(config.Get()).Get() == mine.Get());
-}
-
-TEST_CASE("show type 2 loads all settings and leaves the window hidden") {
-    Manager manager;
-    manager.Instance(FormHide);
-    CHECK(IsWindowVisible(manager.Window()) == FALSE);
-    CHECK(manager.Text(L"txtSpeed") == L"6");
-    CHECK(SendMessageW(manager.Control(L"lvwBanners"), LVM_GETITEMCOUNT, 0, 0) == 4);
-    CHECK(SendMessageW(manager.Control(L"lvwSearchURLs"), LVM_GETITEMCOUNT, 0, 0) == 6);
-}
-
-TEST_CASE("show type 1 shows the window on the tab that was last selected") {
-    Manager manager;
-    manager.Instance(formShow);
-    CHECK(IsWindowVisible(manager.Window()) != FALSE);
-    CHECK(SelectedTab(manager) == 0);
-    manager.Instance(3);
-    Call(manager.Form().Get(), L"Hide");
-    manager.Instance(formShow);
-    CHECK(IsWindowVisible(manager.Window()) != FALSE);
-    CHECK(SelectedTab(manager) == 5);
-}
-
-TEST_CASE("show type 3 shows the window with the About tab selected") {
-    Manager manager;
-    manager.Instance(3);
-    CHECK(IsWindowVisible(manager.Window()) != FALSE);
-    CHECK(SelectedTab(manager) == 5);
-    CHECK(IsWindowVisible(manager.Control(L"lblAbout")) != FALSE);
-    CHECK(IsWindowVisible(manager.Control(L"chkBeep")) == FALSE);
-}
-
-TEST_CASE("any other show type neither shows nor hides") {
-    for (const long showType : {0L, 4L, -1L, LONG_MIN, LONG_MAX}) {
-        CAPTURE(showType);
-        Manager manager;
-        manager.Instance(showType);
-        CHECK(IsWindowVisible(manager.Window()) == FALSE);
-        manager.Instance(formShow);
-        manager.Instance(showType);
-        CHECK(IsWindowVisible(manager.Window()) != FALSE);
-    }
-}
-
-TEST_CASE("the show type is never written") {
-    Manager manager;
-    for (const LONG before : {1L, 2L, 3L, 77L}) {
-        LONG showType = before;
-        ComPtr<IDispatch> config;
-        REQUIRE(manager.Control()->ConfigInstance(&showType, &config) == S_OK);
-        CHECK(showType == before);
-    }
-}
-
-TEST_CASE("one ReleaseConfig ends the manager for every client") {
+TEST_CASE("clients share one Config and one window, and one ReleaseConfig ends the manager for all of them") {
     Manager manager;
     const auto config = manager.Instance(FormHide);
+    const HWND window = manager.Window();
     const auto other = AnotherControl();
     LONG hidden = FormHide;
     ComPtr<IDispatch> otherConfig;
     REQUIRE(other->ConfigInstance(&hidden, &otherConfig) == S_OK);
-    const HWND window = manager.Window();
+    CHECK(Identity(otherConfig.Get()).Get() == Identity(config.Get()).Get());
+    CHECK(Identity(manager.Instance(FormHide).Get()).Get() == Identity(config.Get()).Get());
+    CHECK(ConfigWindowCount() == 1);
 
     CHECK(other->ReleaseConfig() == S_OK);
     CHECK(IsWindow(window) == FALSE);
@@ -165,16 +80,6 @@ TEST_CASE("ReleaseConfig before any ConfigInstance ends the process all the same
     LONG hidden = FormHide;
     ComPtr<IDispatch> config;
     CHECK(FAILED(control->ConfigInstance(&hidden, &config)));
-}
-
-TEST_CASE("ConfigHwnd is a Variant with a 32-bit integer: the window's handle, the same at each call") {
-    Manager manager;
-    const auto config = manager.Instance(FormHide);
-    const Variant handle = Get(config.Get(), L"ConfigHwnd");
-    CHECK(handle.Value().vt == VT_I4);
-    const auto window = reinterpret_cast<HWND>(static_cast<LONG_PTR>(handle.Value().lVal));
-    CHECK(window == FindWindowW(L"#32770", L"Calvane"));
-    CHECK(Get(config.Get(), L"ConfigHwnd").Value().lVal == handle.Value().lVal);
 }
 
 TEST_CASE("ConfigForm hands out the window with its public members") {
@@ -270,18 +175,6 @@ TEST_CASE("a hidden loaded window keeps the manager alive without any client") {
     CHECK(manager.WaitForEnd());
 }
 
-TEST_CASE("without a window the manager ends with its last client") {
-    Manager manager;
-    const HWND window = manager.Window();
-    Put(manager.Form().Get(), L"b_OKtoUnload", true);
-    PostMessageA(window, WM_CLOSE, 0, 0);
-    REQUIRE(WaitUntil([&] { return !IsWindow(window); }));
-    PumpFor(300);
-    CHECK(manager.Running());
-    manager.LetGo();
-    CHECK(manager.WaitForEnd());
-}
-
 TEST_CASE("a client that only creates the control and lets go leaves no process behind") {
     REQUIRE(NoManagerIsLeft());
     {
@@ -289,44 +182,4 @@ TEST_CASE("a client that only creates the control and lets go leaves no process 
         CHECK(ManagerCount() == 1);
     }
     CHECK(NoManagerIsLeft());
-}
-
-TEST_CASE("after the exit a client that still holds the manager gets a new window") {
-    Manager manager;
-    manager.Instance(FormHide);
-    const HWND first = manager.Window();
-    Put(manager.Form().Get(), L"b_OKtoUnload", true);
-    PostMessageA(first, WM_CLOSE, 0, 0);
-    REQUIRE(WaitUntil([&] { return !IsWindow(first); }));
-
-    SUBCASE("by showing it") {
-        manager.Instance(formShow);
-        CHECK(IsWindowVisible(manager.Window()) != FALSE);
-    }
-    SUBCASE("by reading its handle") {
-        CHECK(IsWindow(manager.Window()) != FALSE);
-    }
-    CHECK(manager.Text(L"txtSpeed") == L"6");
-    CHECK_FALSE(ToBool(Get(manager.Form().Get(), L"b_OKtoUnload")));
-    CHECK(Get(manager.Form().Get(), L"m_oShellIcon").Value().pdispVal != nullptr);
-    // The close box only hides the new one too.
-    const HWND second = manager.Window();
-    SendMessageW(second, WM_CLOSE, 0, 0);
-    CHECK(IsWindow(second) != FALSE);
-}
-
-TEST_CASE("reading the members of an unloaded window does not load it") {
-    Manager manager;
-    const HWND window = manager.Window();
-    const auto form = manager.Form();
-    const auto config = manager.Instance(FormHide);
-    Put(form.Get(), L"b_OKtoUnload", true);
-    PostMessageA(window, WM_CLOSE, 0, 0);
-    REQUIRE(WaitUntil([&] { return !IsWindow(window); }));
-    const Variant icon = Get(config.Get(), L"ShellIconClass");
-    CHECK(icon.Value().vt == VT_DISPATCH);
-    CHECK(icon.Value().pdispVal == nullptr);
-    CHECK_FALSE(ToBool(Get(form.Get(), L"Visible")));
-    manager.Instance(FormHide);
-    CHECK(FindWindowW(L"#32770", L"Calvane") == nullptr);
 }

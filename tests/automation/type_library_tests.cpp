@@ -1,216 +1,193 @@
 // What the manager's public type library says.
 #include <doctest.h>
 
-#include <map>
+#include <cstdio>
 #include <set>
 #include <string>
+#include <vector>
 
+#include "platform/com/bstr.h"
 #include "platform/com/dispatch_object.h"
-#include "tray/type_libraries.h"
 #include "platform/com/variant.h"
+#include "platform/text.h"
 #include "sentrel_config.h"
+#include "tests/support/shown_text.h"
+#include "tray/type_libraries.h"
 
 namespace {
 
-ComPtr<ITypeLib> PublicLibrary() {
-    ComPtr<ITypeLib> library;
-    const ComPtr<ITypeInfo> info = OwnTypeInfo(kPublicTypeLibrary, __uuidof(_Config));
-    UINT index = 0;
-    ThrowIfFailed(info->GetContainingTypeLib(&library, &index));
-    return library;
+using Lines = std::vector<std::string>;
+
+std::string NameOf(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
+    BstrHandle name;
+    ThrowIfFailed(info->GetDocumentation(member, name.Put(), nullptr, nullptr, nullptr));
+    return ToAnsi(name.Get());
 }
 
-std::wstring NameOf(ITypeInfo* info, MEMBERID member = MEMBERID_NIL) {
-    BSTR name = nullptr;
-    ThrowIfFailed(info->GetDocumentation(member, &name, nullptr, nullptr, nullptr));
-    std::wstring text(name, SysStringLen(name));
-    SysFreeString(name);
+// The flags that are set, by their names.
+std::string Flags(int flags, std::initializer_list<std::pair<int, const char*>> names) {
+    std::string text;
+    for (const auto& [flag, name] : names) {
+        if ((flags & flag) != 0) text += std::string(name) + ' ';
+    }
     return text;
 }
 
-// A description that is released with its owner.
-template <class Description, class Releaser>
-class Described {
-public:
-    Described(ComPtr<ITypeInfo> info, Description* description)
-        : m_info(std::move(info)), m_description(description) {}
-    Described(const Described&) = delete;
-    Described& operator=(const Described&) = delete;
-    ~Described() { Releaser()(m_info.Get(), m_description); }
-    Description* operator->() const { return m_description; }
+std::string TypeFlags(WORD flags) {
+    return Flags(flags, {{TYPEFLAG_FDUAL, "dual"},
+                         {TYPEFLAG_FOLEAUTOMATION, "oleautomation"},
+                         {TYPEFLAG_FNONEXTENSIBLE, "nonextensible"},
+                         {TYPEFLAG_FHIDDEN, "hidden"},
+                         {TYPEFLAG_FCANCREATE, "creatable"},
+                         {TYPEFLAG_FAPPOBJECT, "appobject"},
+                         {TYPEFLAG_FPREDECLID, "predeclared"}});
+}
 
-private:
-    const ComPtr<ITypeInfo> m_info;
-    Description* const m_description;
-};
+std::string TypeName(const TYPEDESC& type) {
+    switch (type.vt) {
+        case VT_PTR:
+            return TypeName(*type.lptdesc) + '*';
+        case VT_VARIANT:
+            return "VARIANT";
+        case VT_I4:
+            return "long";
+        case VT_DISPATCH:
+            return "IDispatch*";
+        case VT_HRESULT:
+            return "HRESULT";
+        case VT_VOID:
+            return "void";
+        default:
+            return "type " + std::to_string(type.vt);
+    }
+}
 
-struct ReleaseAttributes {
-    void operator()(ITypeInfo* info, TYPEATTR* attributes) const { info->ReleaseTypeAttr(attributes); }
-};
-struct ReleaseFunction {
-    void operator()(ITypeInfo* info, FUNCDESC* function) const { info->ReleaseFuncDesc(function); }
-};
+std::string FunctionLine(ITypeInfo* info, const FUNCDESC& function) {
+    char number[16];
+    std::snprintf(number, sizeof(number), "%08lX ", static_cast<unsigned long>(function.memid));
+    std::string text = number;
+    if (function.funckind == FUNC_PUREVIRTUAL)
+        text += "in slot " + std::to_string(function.oVft / static_cast<int>(sizeof(void*))) + ": ";
+    if (function.invkind == INVOKE_PROPERTYGET) text += "get ";
+    text += TypeName(function.elemdescFunc.tdesc) + ' ' + NameOf(info, function.memid) + '(';
+    for (SHORT i = 0; i < function.cParams; ++i) {
+        const ELEMDESC& parameter = function.lprgelemdescParam[i];
+        text += (i == 0 ? "" : ", ") +
+                Flags(parameter.paramdesc.wParamFlags,
+                      {{PARAMFLAG_FIN, "in"}, {PARAMFLAG_FOUT, "out"}, {PARAMFLAG_FRETVAL, "retval"}}) +
+                TypeName(parameter.tdesc);
+    }
+    return text + ')';
+}
 
-Described<TYPEATTR, ReleaseAttributes> AttributesOf(const ComPtr<ITypeInfo>& info) {
+// The flags of a type in the first line; its members, interfaces or values in the others.
+Lines Describe(const ComPtr<ITypeInfo>& info) {
     TYPEATTR* attributes = nullptr;
     ThrowIfFailed(info->GetTypeAttr(&attributes));
-    return {info, attributes};
+    Lines lines{TypeFlags(attributes->wTypeFlags)};
+    for (UINT i = 0; i < attributes->cFuncs; ++i) {
+        FUNCDESC* function = nullptr;
+        ThrowIfFailed(info->GetFuncDesc(i, &function));
+        lines.push_back(FunctionLine(info.Get(), *function));
+        info->ReleaseFuncDesc(function);
+    }
+    for (UINT i = 0; i < attributes->cVars; ++i) {
+        VARDESC* variable = nullptr;
+        ThrowIfFailed(info->GetVarDesc(i, &variable));
+        lines.push_back(NameOf(info.Get(), variable->memid) + " = " +
+                        std::to_string(ToLong(*variable->lpvarValue)));
+        info->ReleaseVarDesc(variable);
+    }
+    for (UINT i = 0; attributes->typekind == TKIND_COCLASS && i < attributes->cImplTypes; ++i) {
+        HREFTYPE reference = 0;
+        ComPtr<ITypeInfo> implemented;
+        INT flags = 0;
+        ThrowIfFailed(info->GetRefTypeOfImplType(i, &reference));
+        ThrowIfFailed(info->GetRefTypeInfo(reference, &implemented));
+        ThrowIfFailed(info->GetImplTypeFlags(i, &flags));
+        lines.push_back(Flags(flags, {{IMPLTYPEFLAG_FDEFAULT, "default"}, {IMPLTYPEFLAG_FSOURCE, "source"}}) +
+                        NameOf(implemented.Get()));
+    }
+    info->ReleaseTypeAttr(attributes);
+    return lines;
 }
 
-Described<FUNCDESC, ReleaseFunction> FunctionOf(const ComPtr<ITypeInfo>& info, UINT index) {
-    FUNCDESC* function = nullptr;
-    ThrowIfFailed(info->GetFuncDesc(index, &function));
-    return {info, function};
+ComPtr<ITypeInfo> Type(REFGUID id) {
+    return OwnTypeInfo(kPublicTypeLibrary, id);
 }
 
-// The dual interfaces as vtables, whose functions follow those of IDispatch in the order of declaration.
+// A dual interface as its vtable, whose functions follow those of IDispatch in the order of declaration.
 ComPtr<ITypeInfo> Vtable(REFGUID id) {
-    const ComPtr<ITypeInfo> dispatch = OwnTypeInfo(kPublicTypeLibrary, id);
-    if (AttributesOf(dispatch)->typekind == TKIND_INTERFACE) return dispatch;
     HREFTYPE reference = 0;
-    ThrowIfFailed(dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference));
     ComPtr<ITypeInfo> vtable;
-    ThrowIfFailed(dispatch->GetRefTypeInfo(reference, &vtable));
+    ThrowIfFailed(Type(id)->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference));
+    ThrowIfFailed(Type(id)->GetRefTypeInfo(reference, &vtable));
     return vtable;
 }
 
-constexpr WORD kDualFlags =
-    TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION | TYPEFLAG_FNONEXTENSIBLE | TYPEFLAG_FHIDDEN;
+ComPtr<ITypeLib> Library() {
+    ComPtr<ITypeLib> library;
+    UINT index = 0;
+    ThrowIfFailed(Type(__uuidof(_Config))->GetContainingTypeLib(&library, &index));
+    return library;
+}
 
 }  // namespace
 
 TEST_CASE("the library is SentrelConfig 1.0 and holds six types") {
-    const auto library = PublicLibrary();
-    BSTR name = nullptr;
-    REQUIRE(library->GetDocumentation(-1, &name, nullptr, nullptr, nullptr) == S_OK);
-    CHECK(std::wstring(name) == L"SentrelConfig");
-    SysFreeString(name);
+    const auto library = Library();
+    BstrHandle name;
+    REQUIRE(library->GetDocumentation(-1, name.Put(), nullptr, nullptr, nullptr) == S_OK);
+    CHECK(ToAnsi(name.Get()) == "SentrelConfig");
     TLIBATTR* attributes = nullptr;
     REQUIRE(library->GetLibAttr(&attributes) == S_OK);
     CHECK(attributes->wMajorVerNum == 1);
     CHECK(attributes->wMinorVerNum == 0);
     library->ReleaseTLibAttr(attributes);
 
-    std::set<std::wstring> names;
+    std::set<std::string> names;
     for (UINT index = 0; index < library->GetTypeInfoCount(); ++index) {
         ComPtr<ITypeInfo> info;
         REQUIRE(library->GetTypeInfo(index, &info) == S_OK);
         names.insert(NameOf(info.Get()));
     }
-    CHECK(names == std::set<std::wstring>{L"_Config", L"__Config", L"Config", L"_ConfigControl",
-                                          L"ConfigControl", L"ConfigState"});
+    CHECK(names == std::set<std::string>{"_Config", "__Config", "Config", "_ConfigControl", "ConfigControl",
+                                         "ConfigState"});
 }
 
 TEST_CASE("_Config is dual, hidden, not extensible, with its three properties in order") {
-    const auto vtable = Vtable(__uuidof(_Config));
-    const auto attributes = AttributesOf(vtable);
-    CHECK((attributes->wTypeFlags & kDualFlags) == kDualFlags);
-    REQUIRE(attributes->cFuncs == 3);
-    const std::pair<std::wstring, MEMBERID> members[] = {
-        {L"ConfigHwnd", 0x68030002}, {L"ConfigForm", 0x68030001}, {L"ShellIconClass", 0x68030000}};
-    for (UINT index = 0; index < 3; ++index) {
-        CAPTURE(index);
-        const auto function = FunctionOf(vtable, index);
-        CHECK(NameOf(vtable.Get(), function->memid) == members[index].first);
-        CHECK(function->memid == members[index].second);
-        CHECK(function->invkind == INVOKE_PROPERTYGET);
-        REQUIRE(function->cParams == 1);
-        CHECK(function->lprgelemdescParam[0].tdesc.vt == VT_PTR);
-        CHECK(function->lprgelemdescParam[0].tdesc.lptdesc->vt == VT_VARIANT);
-        CHECK(function->oVft == static_cast<SHORT>((7 + index) * sizeof(void*)));
-    }
+    CHECK(Describe(Vtable(__uuidof(_Config))) ==
+          Lines{"dual oleautomation nonextensible hidden ",
+                "68030002 in slot 7: get HRESULT ConfigHwnd(out retval VARIANT*)",
+                "68030001 in slot 8: get HRESULT ConfigForm(out retval VARIANT*)",
+                "68030000 in slot 9: get HRESULT ShellIconClass(out retval VARIANT*)"});
 }
 
 TEST_CASE("_ConfigControl is dual, hidden, not extensible, with its two methods in order") {
-    const auto vtable = Vtable(__uuidof(_ConfigControl));
-    const auto attributes = AttributesOf(vtable);
-    CHECK((attributes->wTypeFlags & kDualFlags) == kDualFlags);
-    REQUIRE(attributes->cFuncs == 2);
-
-    const auto instance = FunctionOf(vtable, 0);
-    CHECK(NameOf(vtable.Get(), instance->memid) == L"ConfigInstance");
-    CHECK(instance->memid == 0x60030000);
-    CHECK(instance->invkind == INVOKE_FUNC);
-    REQUIRE(instance->cParams == 2);
-    const ELEMDESC& showType = instance->lprgelemdescParam[0];
-    CHECK(showType.tdesc.vt == VT_PTR);
-    CHECK(showType.tdesc.lptdesc->vt == VT_I4);
-    CHECK((showType.paramdesc.wParamFlags & (PARAMFLAG_FIN | PARAMFLAG_FOUT)) ==
-          (PARAMFLAG_FIN | PARAMFLAG_FOUT));
-    CHECK(instance->oVft == static_cast<SHORT>(7 * sizeof(void*)));
-    const ELEMDESC& config = instance->lprgelemdescParam[1];
-    REQUIRE(config.tdesc.vt == VT_PTR);
-    CHECK(config.tdesc.lptdesc->vt == VT_DISPATCH);
-    CHECK((config.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0);
-
-    const auto release = FunctionOf(vtable, 1);
-    CHECK(NameOf(vtable.Get(), release->memid) == L"ReleaseConfig");
-    CHECK(release->memid == 0x60030001);
-    CHECK(release->invkind == INVOKE_FUNC);
-    CHECK(release->cParams == 0);
-    CHECK(release->oVft == static_cast<SHORT>(8 * sizeof(void*)));
+    CHECK(Describe(Vtable(__uuidof(_ConfigControl))) ==
+          Lines{"dual oleautomation nonextensible hidden ",
+                "60030000 in slot 7: HRESULT ConfigInstance(in out long*, out retval IDispatch**)",
+                "60030001 in slot 8: HRESULT ReleaseConfig()"});
 }
 
 TEST_CASE("__Config is a hidden event interface with ConfigClosed as member 1") {
-    const auto info = OwnTypeInfo(kPublicTypeLibrary, __uuidof(__Config));
-    const auto attributes = AttributesOf(info);
-    CHECK(attributes->typekind == TKIND_DISPATCH);
-    CHECK((attributes->wTypeFlags & TYPEFLAG_FHIDDEN) != 0);
-    MEMBERID id = MEMBERID_NIL;
-    LPOLESTR name = const_cast<LPOLESTR>(L"ConfigClosed");
-    REQUIRE(info->GetIDsOfNames(&name, 1, &id) == S_OK);
-    CHECK(id == 1);
-    REQUIRE(attributes->cFuncs == 1);
-    CHECK(attributes->cVars == 0);
-    const auto event = FunctionOf(info, 0);
-    CHECK(event->memid == 1);
-    CHECK(event->cParams == 0);
-    CHECK(event->elemdescFunc.tdesc.vt == VT_VOID);
+    CHECK(Describe(Type(__uuidof(__Config))) == Lines{"hidden ", "00000001 void ConfigClosed()"});
 }
 
 TEST_CASE("Config cannot be created and has _Config and the source __Config as defaults") {
-    const auto info = OwnTypeInfo(kPublicTypeLibrary, __uuidof(Config));
-    const auto attributes = AttributesOf(info);
-    CHECK(attributes->typekind == TKIND_COCLASS);
-    CHECK((attributes->wTypeFlags & TYPEFLAG_FCANCREATE) == 0);
-    REQUIRE(attributes->cImplTypes == 2);
-    const std::pair<std::wstring, INT> interfaces[] = {
-        {L"_Config", IMPLTYPEFLAG_FDEFAULT}, {L"__Config", IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}};
-    for (UINT index = 0; index < 2; ++index) {
-        HREFTYPE reference = 0;
-        ComPtr<ITypeInfo> implemented;
-        INT flags = 0;
-        REQUIRE(info->GetRefTypeOfImplType(index, &reference) == S_OK);
-        REQUIRE(info->GetRefTypeInfo(reference, &implemented) == S_OK);
-        REQUIRE(info->GetImplTypeFlags(index, &flags) == S_OK);
-        CHECK(NameOf(implemented.Get()) == interfaces[index].first);
-        CHECK(flags == interfaces[index].second);
-    }
+    CHECK(Describe(Type(__uuidof(Config))) == Lines{"", "default _Config", "default source __Config"});
 }
 
 TEST_CASE("ConfigControl can be created and is the application object, predeclared") {
-    const auto attributes = AttributesOf(OwnTypeInfo(kPublicTypeLibrary, __uuidof(ConfigControl)));
-    CHECK(attributes->typekind == TKIND_COCLASS);
-    CHECK((attributes->wTypeFlags & TYPEFLAG_FCANCREATE) != 0);
-    CHECK((attributes->wTypeFlags & TYPEFLAG_FAPPOBJECT) != 0);
-    CHECK((attributes->wTypeFlags & TYPEFLAG_FPREDECLID) != 0);
+    CHECK(Describe(Type(__uuidof(ConfigControl))) ==
+          Lines{"creatable appobject predeclared ", "default _ConfigControl"});
 }
 
 TEST_CASE("ConfigState names 1 and 2") {
-    const auto library = PublicLibrary();
     MEMBERID ids[1] = {MEMBERID_NIL};
     ComPtr<ITypeInfo> info;
     USHORT count = 1;
     wchar_t name[] = L"ConfigState";
-    REQUIRE(library->FindName(name, 0, info.GetAddressOf(), ids, &count) == S_OK);
-    REQUIRE(count == 1);
-    REQUIRE(AttributesOf(info)->cVars == 2);
-    const std::pair<std::wstring, LONG> values[] = {{L"formShow", 1}, {L"FormHide", 2}};
-    for (UINT index = 0; index < 2; ++index) {
-        VARDESC* variable = nullptr;
-        REQUIRE(info->GetVarDesc(index, &variable) == S_OK);
-        CHECK(NameOf(info.Get(), variable->memid) == values[index].first);
-        CHECK(ToLong(*variable->lpvarValue) == values[index].second);
-        info->ReleaseVarDesc(variable);
-    }
+    REQUIRE(Library()->FindName(name, 0, info.GetAddressOf(), ids, &count) == S_OK);
+    CHECK(Describe(info) == Lines{"", "formShow = 1", "FormHide = 2"});
 }
