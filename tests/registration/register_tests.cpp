@@ -1,24 +1,54 @@
 // Registering and unregistering, seen in the registry itself.
 #include <doctest.h>
 
+#include <functional>
+
 #include "platform/executable_path.h"
+#include "platform/text.h"
 #include "tests/registration/test_server.h"
 #include "tests/support/only_under_wine.h"
 
-TEST_CASE(
+namespace {
+
+// The public type library of the manager, and one of its interfaces.
+constexpr wchar_t kLibrary[] = L"{5260E1ED-AE71-44D7-8381-905CDE9DC4A2}";
+constexpr wchar_t kInterface[] = L"{A833FC8B-B3F9-4D85-B884-CE90AF699049}";
+
+const std::wstring kClasses = L"Software\\Classes\\";
+const std::wstring kProgId = kClasses + L"RegistrationTests.First";
+
+struct Registered : CleanRegistry {
+    Registered() {
+        REQUIRE(RegisterServer(TestServer()) == S_OK);
+        once = ExportClasses();
+    }
+
+    Export once;
+};
+
+std::wstring OfMachine(const std::wstring& key, const wchar_t* name = nullptr) {
+    return Stored(HKEY_LOCAL_MACHINE, key, name);
+}
+
+void Delete(const std::wstring& key) {
+    RegDeleteTreeW(HKEY_LOCAL_MACHINE, key.c_str());
+}
+
+}  // namespace
+
+TEST_CASE_FIXTURE(
+    Registered,
     "a registered class names its server, quoted and as it stands, its program id and its type library" *
-    kAsAdministrator) {
-    const CleanRegistry clean;
-    REQUIRE(RegisterServer(TestServer()) == S_OK);
+        kAsAdministrator) {
     const std::wstring key = kFirstKey;
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key) == L"First test class");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\LocalServer32") == L'"' + ExecutablePath() + L'"');
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\LocalServer32", L"ServerExecutable") == ExecutablePath());
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\ProgID") == L"RegistrationTests.First");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\TypeLib") == L"{5260E1ED-AE71-44D7-8381-905CDE9DC4A2}");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\Version") == L"1.0");
-    CHECK(ExportClasses().contains(L"[HKLM\\CLSID\\{9D2C1A40-5B7E-4C11-8E01-3A5277106B01}\\Programmable]"));
-    CHECK(Stored(HKEY_LOCAL_MACHINE, L"Software\\Classes\\RegistrationTests.First") == L"First test class");
+    CHECK(OfMachine(key) == L"First test class");
+    CHECK(OfMachine(kFirstServerKey) == L'"' + ExecutablePath() + L'"');
+    CHECK(OfMachine(kFirstServerKey, L"ServerExecutable") == ExecutablePath());
+    CHECK(OfMachine(key + L"\\ProgID") == L"RegistrationTests.First");
+    CHECK(OfMachine(key + L"\\TypeLib") == kLibrary);
+    CHECK(OfMachine(key + L"\\Version") == L"1.0");
+    CHECK(once.contains(L"[HKLM\\CLSID\\{9D2C1A40-5B7E-4C11-8E01-3A5277106B01}\\Programmable]"));
+    CHECK(OfMachine(kProgId) == L"First test class");
     CLSID classId{};
     CHECK(CLSIDFromProgID(L"RegistrationTests.First", &classId) == S_OK);
     CHECK(IsEqualCLSID(classId, kFirstClass));
@@ -27,97 +57,68 @@ TEST_CASE(
     CHECK(RegisteredLibraryPath() == ExecutablePath());
 }
 
-TEST_CASE("the marshaler finds the interfaces of a registered type library" * kAsAdministrator) {
-    const CleanRegistry clean;
-    REQUIRE(RegisterServer(TestServer()) == S_OK);
-    // The interface of ConfigControl, and the marshaler for dual interfaces.
-    const std::wstring key = L"Software\\Classes\\Interface\\{A833FC8B-B3F9-4D85-B884-CE90AF699049}";
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\TypeLib") == L"{5260E1ED-AE71-44D7-8381-905CDE9DC4A2}");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\TypeLib", L"Version") == L"1.0");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, key + L"\\ProxyStubClsid32") ==
-          L"{00020424-0000-0000-C000-000000000046}");
+TEST_CASE_FIXTURE(Registered,
+                  "the marshaler finds the interfaces of a registered type library" * kAsAdministrator) {
+    const std::wstring key = kClasses + L"Interface\\" + kInterface;
+    CHECK(OfMachine(key + L"\\TypeLib") == kLibrary);
+    CHECK(OfMachine(key + L"\\TypeLib", L"Version") == L"1.0");
+    // The marshaler for dual interfaces.
+    CHECK(OfMachine(key + L"\\ProxyStubClsid32") == L"{00020424-0000-0000-C000-000000000046}");
 }
 
-TEST_CASE("unregistering removes exactly what registering wrote" * kAsAdministrator) {
-    const CleanRegistry clean;
-    REQUIRE(RegisterServer(TestServer()) == S_OK);
-    CHECK(ExportClasses() != clean.before);
-    CHECK(UnregisterServer(TestServer()) == S_OK);
-    CHECK(Difference(clean.before, ExportClasses()) == "");
-}
-
-TEST_CASE("registering twice leaves what registering once leaves" * kAsAdministrator) {
-    const CleanRegistry clean;
-    REQUIRE(RegisterServer(TestServer()) == S_OK);
-    const Export once = ExportClasses();
+TEST_CASE_FIXTURE(
+    Registered,
+    "registering twice leaves what registering once leaves, and unregistering removes exactly that" *
+        kAsAdministrator) {
+    CHECK(once != before);
     CHECK(RegisterServer(TestServer()) == S_OK);
     CHECK(Difference(once, ExportClasses()) == "");
-    CHECK(UnregisterServer(TestServer()) == S_OK);
-    CHECK(UnregisterServer(TestServer()) == S_OK);
-    CHECK(Difference(clean.before, ExportClasses()) == "");
+    for (int i = 0; i < 2; ++i) {
+        CHECK(UnregisterServer(TestServer()) == S_OK);
+        CHECK(Difference(before, ExportClasses()) == "");
+    }
 }
 
-TEST_CASE("registering from another folder replaces the paths" * kAsAdministrator) {
-    const CleanRegistry clean;
-    REQUIRE(RegisterServer(TestServer()) == S_OK);
-    const Export here = ExportClasses();
-    const std::wstring key = std::wstring(kFirstKey) + L"\\LocalServer32";
-    std::wstring other = kOtherServer;
-    Store(HKEY_LOCAL_MACHINE, key, nullptr, L'"' + other + L'"');
-    Store(HKEY_LOCAL_MACHINE, key, L"ServerExecutable", other);
-    REQUIRE(RegisterTypeLib(PublicLibrary().Get(), other.data(), nullptr) == S_OK);
-    REQUIRE(RegisteredLibraryPath() == other);
+TEST_CASE_FIXTURE(Registered, "registering from another folder replaces the paths" * kAsAdministrator) {
+    MoveElsewhere(std::wstring(L"\"") + kOtherServer + L'"');
+    REQUIRE(RegisteredLibraryPath() == kOtherServer);
     CHECK(RegisterServer(TestServer()) == S_OK);
-    CHECK(Difference(here, ExportClasses()) == "");
+    CHECK(Difference(once, ExportClasses()) == "");
 }
 
-TEST_CASE("a registration from a folder that is gone is removed all the same" * kAsAdministrator) {
-    const CleanRegistry clean;
-    REQUIRE(RegisterServer(TestServer()) == S_OK);
-    std::wstring other = kOtherServer;
-    REQUIRE(RegisterTypeLib(PublicLibrary().Get(), other.data(), nullptr) == S_OK);
-    CHECK(UnregisterServer(TestServer()) == S_OK);
-    CHECK(Difference(clean.before, ExportClasses()) == "");
+TEST_CASE("a registration that is damaged or of a folder that is gone is removed all the same" *
+          kAsAdministrator) {
+    struct Row {
+        const char* what;
+        std::function<void()> damage;
+    };
+    const Row rows[] = {
+        {"a folder that is gone", [] { MoveElsewhere(kOtherServer); }},
+        {"no value of the server key",
+         [] { RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, kFirstServerKey, nullptr); }},
+        {"no class", [] { Delete(kFirstKey); }},
+        {"no program id", [] { Delete(kProgId); }},
+        {"no type library", [] { Delete(kClasses + L"TypeLib\\" + kLibrary); }},
+        {"no interface", [] { Delete(kClasses + L"Interface\\" + kInterface); }},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.what);
+        const Registered registered;
+        row.damage();
+        CHECK(UnregisterServer(TestServer()) == S_OK);
+        CHECK(Difference(registered.before, ExportClasses()) == "");
+    }
 }
 
-TEST_CASE("a registration of which parts are missing is removed" * kAsAdministrator) {
-    const CleanRegistry clean;
-    REQUIRE(RegisterServer(TestServer()) == S_OK);
-    const std::wstring classes = L"Software\\Classes\\";
-    SUBCASE("A value of the server key") {
-        RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, (std::wstring(kFirstKey) + L"\\LocalServer32").c_str(),
-                           nullptr);
-    }
-    SUBCASE("The class") {
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, kFirstKey);
-    }
-    SUBCASE("The program id") {
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE, (classes + L"RegistrationTests.First").c_str());
-    }
-    SUBCASE("The type library") {
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE,
-                       (classes + L"TypeLib\\{5260E1ED-AE71-44D7-8381-905CDE9DC4A2}").c_str());
-    }
-    SUBCASE("One interface") {
-        RegDeleteTreeW(HKEY_LOCAL_MACHINE,
-                       (classes + L"Interface\\{A833FC8B-B3F9-4D85-B884-CE90AF699049}").c_str());
-    }
-    CHECK(UnregisterServer(TestServer()) == S_OK);
-    CHECK(Difference(clean.before, ExportClasses()) == "");
-}
-
-TEST_CASE("what somebody else keeps in the keys stays" * kAsAdministrator) {
-    const CleanRegistry clean;
-    const std::wstring progId = L"Software\\Classes\\RegistrationTests.First";
-    REQUIRE(RegisterServer(TestServer()) == S_OK);
+TEST_CASE_FIXTURE(Registered, "what somebody else keeps in the keys stays" * kAsAdministrator) {
     Store(HKEY_LOCAL_MACHINE, kFirstKey, L"AppID", L"somebody else's");
-    Store(HKEY_LOCAL_MACHINE, progId + L"\\shell", nullptr, L"open");
+    Store(HKEY_LOCAL_MACHINE, kProgId + L"\\shell", nullptr, L"open");
     CHECK(UnregisterServer(TestServer()) == S_OK);
-    CHECK(Stored(HKEY_LOCAL_MACHINE, kFirstKey, L"AppID") == L"somebody else's");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, kFirstKey) == L"(none)");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, progId + L"\\shell") == L"open");
-    CHECK(Stored(HKEY_LOCAL_MACHINE, progId) == L"(none)");
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, kFirstKey);
-    RegDeleteTreeW(HKEY_LOCAL_MACHINE, progId.c_str());
-    CHECK(Difference(clean.before, ExportClasses()) == "");
+    CHECK(OfMachine(kFirstKey, L"AppID") == L"somebody else's");
+    CHECK(OfMachine(kFirstKey) == L"(none)");
+    CHECK(OfMachine(kProgId + L"\\shell") == L"open");
+    CHECK(OfMachine(kProgId) == L"(none)");
+    Delete(kFirstKey);
+    Delete(kProgId);
+    CHECK(Difference(before, ExportClasses()) == "");
 }

@@ -44,6 +44,12 @@ Export ExportKeys(const std::vector<std::wstring>& keys) {
     return lines;
 }
 
+void RegisterLibrary(std::wstring path) {
+    ComPtr<ITypeLib> library;
+    REQUIRE(LoadTypeLibEx(ExecutablePath().c_str(), REGKIND_NONE, &library) == S_OK);
+    REQUIRE(RegisterTypeLib(library.Get(), path.data(), nullptr) == S_OK);
+}
+
 }  // namespace
 
 ServerDescription TestServer() {
@@ -93,10 +99,10 @@ void Store(HKEY hive, const std::wstring& key, const wchar_t* name, const std::w
                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t))) == ERROR_SUCCESS);
 }
 
-ComPtr<ITypeLib> PublicLibrary() {
-    ComPtr<ITypeLib> library;
-    REQUIRE(LoadTypeLibEx(ExecutablePath().c_str(), REGKIND_NONE, &library) == S_OK);
-    return library;
+void MoveElsewhere(const std::wstring& commandLine) {
+    Store(HKEY_LOCAL_MACHINE, kFirstServerKey, nullptr, commandLine);
+    Store(HKEY_LOCAL_MACHINE, kFirstServerKey, L"ServerExecutable", kOtherServer);
+    RegisterLibrary(kOtherServer);
 }
 
 std::wstring RegisteredLibraryPath() {
@@ -114,5 +120,5 @@ CleanRegistry::CleanRegistry() : m_libraryPath(RegisteredLibraryPath()) {
 
 CleanRegistry::~CleanRegistry() {
     UnregisterServer(TestServer());
-    if (!m_libraryPath.empty()) RegisterTypeLib(PublicLibrary().Get(), m_libraryPath.data(), nullptr);
+    if (!m_libraryPath.empty()) RegisterLibrary(m_libraryPath);
 }

@@ -17,6 +17,8 @@ inline constexpr CLSID kFirstClass = {
 inline constexpr CLSID kSecondClass = {
     0x9d2c1a40, 0x5b7e, 0x4c11, {0x8e, 0x01, 0x3a, 0x52, 0x77, 0x10, 0x6b, 0x02}};
 inline constexpr wchar_t kFirstKey[] = L"Software\\Classes\\CLSID\\{9D2C1A40-5B7E-4C11-8E01-3A5277106B01}";
+inline constexpr wchar_t kFirstServerKey[] =
+    L"Software\\Classes\\CLSID\\{9D2C1A40-5B7E-4C11-8E01-3A5277106B01}\\LocalServer32";
 inline constexpr wchar_t kOtherServer[] = L"C:\\elsewhere\\server.exe";
 
 ServerDescription TestServer();
@@ -37,7 +39,8 @@ std::string Difference(const Export& before, const Export& after);
 std::wstring Stored(HKEY hive, const std::wstring& key, const wchar_t* name = nullptr);
 void Store(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text);
 
-ComPtr<ITypeLib> PublicLibrary();
+// As if the server had been registered from another folder, with this command line.
+void MoveElsewhere(const std::wstring& commandLine);
 
 // Where the machine's registry says that the public type library lies; empty where it does not.
 std::wstring RegisteredLibraryPath();
