@@ -72,6 +72,9 @@ TEST_CASE("a class object makes what is asked for, within no other object") {
         [](REFIID id, void** object) { return MakeObject<Made>()->QueryInterface(id, object); });
     IClassFactory* const classObject = offered.registered.classObject.Get();
     CHECK(classObject->CreateInstance(nullptr, IID_IUnknown, nullptr) == E_POINTER);
+    CHECK(classObject->QueryInterface(IID_IUnknown, nullptr) == E_POINTER);
+    ComPtr<IDispatch> dispatch;
+    CHECK(classObject->QueryInterface(IID_PPV_ARGS(&dispatch)) == E_NOINTERFACE);
     ComPtr<IUnknown> made;
     CHECK(classObject->CreateInstance(nullptr, IID_PPV_ARGS(&made)) == S_OK);
     CHECK(made != nullptr);

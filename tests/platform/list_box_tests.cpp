@@ -1,10 +1,12 @@
-// What a list box does for rows that are wider than it is, and for whoever wants a row elsewhere.
+// What a list box does for rows that are wider than it is, for whoever wants a row elsewhere, and for rows
+// that are none.
 #include "platform/controls/list_box.h"
 
 #include <doctest.h>
 
 #include <string>
 
+#include "tests/support/error_of.h"
 #include "tests/support/import_patch.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_window.h"
@@ -125,53 +127,52 @@ TEST_CASE_FIXTURE(ListPage, "a list of many rows is measured without asking the 
     CHECK(Fits(kLonger));
 }
 
-TEST_CASE_FIXTURE(ListPage, "Ctrl+C copies the selected row as it stands") {
+TEST_CASE_FIXTURE(ListPage, "Ctrl+C, and no other key, copies the selected row as it stands") {
     const std::wstring text = L"http://\x43f\x440\x438\x43c\x435\x440.example/\x4e00";
     list.AddItem(L"other");
     list.AddItem(text);
     SetClipboard(window.Hwnd(), L"before");
-    SUBCASE("and nothing where none is selected") {
-        Key(kCopy);
-        CHECK(Clipboard(window.Hwnd()) == L"before");
-    }
-    SUBCASE("the second") {
-        list.ListIndex(1);
-        Key(kCopy);
-        CHECK(Clipboard(window.Hwnd()) == text);
-        CHECK(list.ListIndex() == 1);
-    }
-    SUBCASE("and no other key does") {
-        list.ListIndex(1);
-        Key(L'c');
-        CHECK(Clipboard(window.Hwnd()) == L"before");
-    }
+    Key(kCopy);
+    CHECK(Clipboard(window.Hwnd()) == L"before");
+    list.ListIndex(1);
+    Key(L'c');
+    CHECK(Clipboard(window.Hwnd()) == L"before");
+    Key(kCopy);
+    CHECK(Clipboard(window.Hwnd()) == text);
+    CHECK(list.ListIndex() == 1);
 }
-
-namespace {
-
-bool isEmptied = false;
-
-BOOL WINAPI RefuseToOpen(HWND) {
-    return FALSE;
-}
-
-BOOL WINAPI NoteEmptying() {
-    isEmptied = true;
-    return TRUE;
-}
-
-}  // namespace
 
 TEST_CASE_FIXTURE(ListPage, "a clipboard that another program holds stays as it is") {
     list.AddItem(L"row");
     list.ListIndex(0);
     SetClipboard(window.Hwnd(), L"before");
-    isEmptied = false;
+    static bool isEmptied = false;
+    struct Held {
+        static BOOL WINAPI RefuseToOpen(HWND) { return FALSE; }
+        static BOOL WINAPI NoteEmptying() { return isEmptied = true; }
+    };
     {
-        const ImportPatch held("user32.dll", "OpenClipboard", &RefuseToOpen);
-        const ImportPatch emptied("user32.dll", "EmptyClipboard", &NoteEmptying);
+        const ImportPatch held("user32.dll", "OpenClipboard", &Held::RefuseToOpen);
+        const ImportPatch emptied("user32.dll", "EmptyClipboard", &Held::NoteEmptying);
         Key(kCopy);
     }
     CHECK_FALSE(isEmptied);
     CHECK(Clipboard(window.Hwnd()) == L"before");
+}
+
+TEST_CASE_FIXTURE(ListPage, "a list box refuses rows that are none, and keeps the selected one") {
+    list.AddItem(L"first");
+    list.AddItem(L"second");
+    list.ListIndex(1);
+    int clicks = 0;
+    list.Click = [&] { ++clicks; };
+    for (const int row : {-2, 2}) {
+        CAPTURE(row);
+        CHECK(ErrorOf([&] { list.ListIndex(row); }) == HresultOf(ErrorNumber::InvalidPropertyValue));
+        CHECK(list.ListIndex() == 1);
+    }
+    CHECK(clicks == 0);
+    list.ListIndex(-1);
+    CHECK(list.ListIndex() == -1);
+    CHECK(clicks == 1);
 }

@@ -54,18 +54,10 @@ TEST_CASE("a dialog stays on the screen where its owner stands at an edge") {
     const RECT work = WorkArea();
     const LONG middleX = (work.left + work.right) / 2;
     const LONG middleY = (work.top + work.bottom) / 2;
-    SUBCASE("the left one") {
-        CHECK(Centred({work.left, middleY - 20, work.left + 40, middleY + 20}).left == work.left);
-    }
-    SUBCASE("the right one") {
-        CHECK(Centred({work.right - 40, middleY - 20, work.right, middleY + 20}).right == work.right);
-    }
-    SUBCASE("the upper one") {
-        CHECK(Centred({middleX - 20, work.top, middleX + 20, work.top + 40}).top == work.top);
-    }
-    SUBCASE("the lower one") {
-        CHECK(Centred({middleX - 20, work.bottom - 40, middleX + 20, work.bottom}).bottom == work.bottom);
-    }
+    CHECK(Centred({work.left, middleY - 20, work.left + 40, middleY + 20}).left == work.left);
+    CHECK(Centred({work.right - 40, middleY - 20, work.right, middleY + 20}).right == work.right);
+    CHECK(Centred({middleX - 20, work.top, middleX + 20, work.top + 40}).top == work.top);
+    CHECK(Centred({middleX - 20, work.bottom - 40, middleX + 20, work.bottom}).bottom == work.bottom);
 }
 
 TEST_CASE("a dialog larger than the screen shows its upper left corner") {

@@ -30,38 +30,35 @@ struct LateTicks {
     // A message that KillTimer has left in the queue.
     static void Tick(const Set& timer) { timer.procedure(timer.owner, WM_TIMER, timer.id, GetTickCount()); }
 
+    LateTicks() {
+        timer->Tick = [this] { ++ticks; };
+        timer->Start(window.Hwnd());
+    }
+
     ImportPatch start{"user32.dll", "SetTimer", &NoteTimer};
     ImportPatch stop{"user32.dll", "KillTimer", &ForgetTimer};
     PlainWindow window;
     int ticks = 0;
+    std::unique_ptr<Timer> timer = std::make_unique<Timer>(10U);
 };
 
 }  // namespace
 
 TEST_CASE_FIXTURE(LateTicks, "a timer that runs ticks") {
-    Timer timer(10);
-    timer.Tick = [this] { ++ticks; };
-    timer.Start(window.Hwnd());
     Tick(set);
     Tick(set);
     CHECK(ticks == 2);
 }
 
 TEST_CASE_FIXTURE(LateTicks, "a tick that comes behind the stop of its timer is none") {
-    Timer timer(10);
-    timer.Tick = [this] { ++ticks; };
-    timer.Start(window.Hwnd());
-    timer.Stop();
+    timer->Stop();
     Tick(set);
     CHECK(ticks == 0);
 }
 
 TEST_CASE_FIXTURE(LateTicks, "a tick of an earlier start is none of the later one") {
-    Timer timer(10);
-    timer.Tick = [this] { ++ticks; };
-    timer.Start(window.Hwnd());
     const Set first = set;
-    timer.Start(window.Hwnd());
+    timer->Start(window.Hwnd());
     Tick(first);
     CHECK(ticks == 0);
     Tick(set);
@@ -69,13 +66,8 @@ TEST_CASE_FIXTURE(LateTicks, "a tick of an earlier start is none of the later on
 }
 
 TEST_CASE_FIXTURE(LateTicks, "a tick that outlives its timer's object touches none") {
-    auto timer = std::make_unique<Timer>(10U);
-    timer->Tick = [this] { ++ticks; };
-    timer->Start(window.Hwnd());
-    const Set first = set;
-    const UINT_PTR address = reinterpret_cast<UINT_PTR>(timer.get());
+    CHECK(set.id != reinterpret_cast<UINT_PTR>(timer.get()));
     timer.reset();
-    CHECK(first.id != address);
-    Tick(first);
+    Tick(set);
     CHECK(ticks == 0);
 }

@@ -1,11 +1,9 @@
-// What controls take for the user's choice, and which rows can be chosen.
+// What a combo box takes for the user's choice.
 #include <doctest.h>
 
 #include <windows.h>
 
 #include "platform/controls/combo_box.h"
-#include "platform/controls/list_box.h"
-#include "tests/support/error_of.h"
 #include "tests/support/test_window.h"
 
 TEST_CASE("a combo box raises its click for a choice, and not for being focused, opened or closed") {
@@ -24,24 +22,5 @@ TEST_CASE("a combo box raises its click for a choice, and not for being focused,
         CHECK(clicks == 0);
     }
     notify(CBN_SELCHANGE);
-    CHECK(clicks == 1);
-}
-
-TEST_CASE("a list box refuses rows that are none, and keeps the selected one") {
-    ListBox list(L"list", 100);
-    const TestWindow window({&list});
-    list.AddItem(L"first");
-    list.AddItem(L"second");
-    list.ListIndex(1);
-    int clicks = 0;
-    list.Click = [&] { ++clicks; };
-    for (const int row : {-2, 2}) {
-        CAPTURE(row);
-        CHECK(ErrorOf([&] { list.ListIndex(row); }) == HresultOf(ErrorNumber::InvalidPropertyValue));
-        CHECK(list.ListIndex() == 1);
-    }
-    CHECK(clicks == 0);
-    list.ListIndex(-1);
-    CHECK(list.ListIndex() == -1);
     CHECK(clicks == 1);
 }
