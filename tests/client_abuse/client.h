@@ -1,13 +1,8 @@
 // Clients of the manager.
 #pragma once
 
-#include <doctest.h>
-
-#include <string>
-
 #include "platform/automation_error.h"
 #include "platform/com/variant.h"
-#include "platform/text.h"
 #include "tests/support/automation.h"
 #include "tests/support/manager.h"
 
@@ -33,18 +28,3 @@ struct Client {
     ComPtr<_ConfigControl> control;
     ComPtr<IDispatch> config;
 };
-
-// Starts a client in a process of its own, which runs one of this suite's skipped test cases.
-inline ProcessHandle StartClient(const char* test) {
-    wchar_t program[MAX_PATH]{};
-    GetModuleFileNameW(nullptr, program, MAX_PATH);
-    std::wstring command =
-        L'"' + std::wstring(program) + L"\" --no-skip --out=NUL \"--test-case=" + FromAnsi(test) + L'"';
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    REQUIRE(CreateProcessW(program, command.data(), nullptr, nullptr, FALSE, DETACHED_PROCESS, nullptr,
-                           nullptr, &startup, &process));
-    CloseHandle(process.hThread);
-    return ProcessHandle(process.hProcess);
-}

@@ -5,48 +5,20 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string>
+#include <vector>
 
 namespace {
 
-constexpr UINT kWithAddresses[] = {WM_CREATE,
-                                   WM_SETTEXT,
-                                   WM_GETTEXT,
-                                   WM_SETTINGCHANGE,
-                                   WM_DEVMODECHANGE,
-                                   WM_GETMINMAXINFO,
-                                   WM_DRAWITEM,
-                                   WM_MEASUREITEM,
-                                   WM_DELETEITEM,
-                                   WM_COMPAREITEM,
-                                   WM_CHARTOITEM,
-                                   WM_VKEYTOITEM,
-                                   WM_WINDOWPOSCHANGING,
-                                   WM_WINDOWPOSCHANGED,
-                                   WM_COPYDATA,
-                                   WM_NOTIFY,
-                                   WM_HELP,
-                                   WM_STYLECHANGING,
-                                   WM_STYLECHANGED,
-                                   WM_NCCREATE,
-                                   WM_NCCALCSIZE,
-                                   WM_GETDLGCODE,
-                                   WM_INITDIALOG,
-                                   WM_SIZING,
-                                   WM_MOVING,
-                                   WM_DEVICECHANGE,
-                                   WM_MDICREATE,
-                                   WM_NEXTMENU,
-                                   WM_INPUT,
-                                   WM_GETOBJECT,
-                                   WM_TIMER,
-                                   WM_ASKCBFORMATNAME,
-                                   WM_CANCELJOURNAL,
-                                   WM_TCARD,
-                                   WM_MENUGETOBJECT,
-                                   WM_POWERBROADCAST,
-                                   WM_INPUTLANGCHANGE,
-                                   WM_INPUTLANGCHANGEREQUEST};
+constexpr UINT kWithAddresses[] = {
+    // Of windows.
+    WM_CREATE, WM_NCCREATE, WM_NCCALCSIZE, WM_SETTEXT, WM_GETTEXT, WM_GETMINMAXINFO, WM_WINDOWPOSCHANGING,
+    WM_WINDOWPOSCHANGED, WM_STYLECHANGING, WM_STYLECHANGED, WM_SIZING, WM_MOVING, WM_TIMER,
+    // Of dialogs, controls and menus.
+    WM_INITDIALOG, WM_GETDLGCODE, WM_NOTIFY, WM_HELP, WM_TCARD, WM_DRAWITEM, WM_MEASUREITEM, WM_DELETEITEM,
+    WM_COMPAREITEM, WM_CHARTOITEM, WM_VKEYTOITEM, WM_NEXTMENU, WM_MENUGETOBJECT, WM_MDICREATE, WM_GETOBJECT,
+    // Of the system and of other programs.
+    WM_SETTINGCHANGE, WM_DEVMODECHANGE, WM_DEVICECHANGE, WM_POWERBROADCAST, WM_COPYDATA, WM_INPUT,
+    WM_ASKCBFORMATNAME, WM_CANCELJOURNAL, WM_INPUTLANGCHANGE, WM_INPUTLANGCHANGEREQUEST};
 
 // They end the window or the session, or wait in a loop of their own for a mouse that does not come.
 constexpr UINT kEndingOrWaiting[] = {
@@ -62,40 +34,23 @@ constexpr UINT kEndingOrWaiting[] = {
     // Fonts and characters that are none make the edit control of Wine fail by itself.
     WM_SETFONT, WM_UNICHAR};
 
-struct ClassMessage {
+struct ClassMessages {
     const wchar_t* className;
-    UINT message;
+    std::vector<UINT> messages;
 };
 
 // Without addresses.
-constexpr ClassMessage kOfClasses[] = {{WC_BUTTONW, BM_CLICK},
-                                       {WC_BUTTONW, BM_SETCHECK},
-                                       {WC_BUTTONW, BM_GETCHECK},
-                                       {WC_BUTTONW, BM_SETSTATE},
-                                       {WC_LISTBOXW, LB_SETCURSEL},
-                                       {WC_LISTBOXW, LB_GETTEXTLEN},
-                                       {WC_LISTBOXW, LB_DELETESTRING},
-                                       {WC_LISTBOXW, LB_SETTOPINDEX},
-                                       {WC_LISTBOXW, LB_GETCOUNT},
-                                       {WC_LISTBOXW, LB_SETITEMDATA},
-                                       {WC_COMBOBOXW, CB_SETCURSEL},
-                                       {WC_COMBOBOXW, CB_GETLBTEXTLEN},
-                                       {WC_COMBOBOXW, CB_SETTOPINDEX},
-                                       {WC_COMBOBOXW, CB_SETITEMHEIGHT},
-                                       {WC_LISTVIEWW, LVM_DELETEITEM},
-                                       {WC_LISTVIEWW, LVM_ENSUREVISIBLE},
-                                       {WC_LISTVIEWW, LVM_SETCOLUMNWIDTH},
-                                       {WC_LISTVIEWW, LVM_GETITEMSTATE},
-                                       {WC_LISTVIEWW, LVM_SCROLL},
-                                       {WC_LISTVIEWW, LVM_GETNEXTITEM},
-                                       {WC_LISTVIEWW, LVM_REDRAWITEMS},
-                                       {WC_TABCONTROLW, TCM_SETCURSEL},
-                                       {WC_TABCONTROLW, TCM_SETCURFOCUS},
-                                       {WC_TABCONTROLW, TCM_GETROWCOUNT},
-                                       {UPDOWN_CLASSW, UDM_SETPOS},
-                                       {UPDOWN_CLASSW, UDM_SETPOS32},
-                                       {UPDOWN_CLASSW, UDM_GETPOS},
-                                       {UPDOWN_CLASSW, UDM_SETBASE}};
+const ClassMessages kOfClasses[] = {
+    {WC_BUTTONW, {BM_CLICK, BM_SETCHECK, BM_GETCHECK, BM_SETSTATE}},
+    {WC_LISTBOXW,
+     {LB_SETCURSEL, LB_GETTEXTLEN, LB_DELETESTRING, LB_SETTOPINDEX, LB_GETCOUNT, LB_SETITEMDATA}},
+    {WC_COMBOBOXW, {CB_SETCURSEL, CB_GETLBTEXTLEN, CB_SETTOPINDEX, CB_SETITEMHEIGHT}},
+    {WC_LISTVIEWW,
+     {LVM_DELETEITEM, LVM_ENSUREVISIBLE, LVM_SETCOLUMNWIDTH, LVM_GETITEMSTATE, LVM_SCROLL, LVM_GETNEXTITEM,
+      LVM_REDRAWITEMS}},
+    {WC_TABCONTROLW, {TCM_SETCURSEL, TCM_SETCURFOCUS, TCM_GETROWCOUNT}},
+    {UPDOWN_CLASSW, {UDM_SETPOS, UDM_SETPOS32, UDM_GETPOS, UDM_SETBASE}},
+};
 
 template <size_t count>
 bool Contains(const UINT (&messages)[count], UINT message) {
@@ -191,10 +146,11 @@ MSG RandomControlMessage(Chance& chance, HWND control) {
         if (message.message == WM_CHAR) message.wParam = L' ' + chance.Below(95);
         return message;
     }
-    const ClassMessage& own = chance.From(kOfClasses);
+    const ClassMessages& own = chance.From(kOfClasses);
+    const UINT ownMessage = chance.From(own.messages);
     if (chance.OneIn(3) && lstrcmpiW(own.className, className) == 0 &&
-        (own.message != BM_CLICK || chance.OneIn(10))) {
-        message.message = own.message;
+        (ownMessage != BM_CLICK || chance.OneIn(10))) {
+        message.message = ownMessage;
         // A row that there may be.
         if (chance.OneIn(2)) message.wParam = chance.Below(12);
     } else {

@@ -1,27 +1,40 @@
 // Senseless calls of every object in this process.
 #include <doctest.h>
 
-#include <shellapi.h>
-#include <commdlg.h>
 #include <ocidl.h>
 
-#include "tests/client_abuse/quiet_system.h"
 #include "shell_notification_interface.h"
+#include "tests/client_abuse/quiet_system.h"
 #include "tests/client_abuse/random_calls.h"
 #include "tests/entry/inside.h"
 #include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
 
-TEST_CASE("senseless calls of every object leave the window as usable as before") {
-    const long calls = Chance::Count("ABUSE_CALLS", 60000);
+namespace {
+
+// The objects that clients have of a hidden window.
+struct Objects {
     const QuietSystem quiet;
     InsideWithoutEngine inside;
+    const ComPtr<IDispatch> control = static_cast<IDispatch*>(inside.control.Get());
     const ComPtr<IDispatch> config = inside.Instance(FormHide);
-    const LONG window = g_lngConfigHwnd;
     const ComPtr<IDispatch> form = ObjectIn(Get(config.Get(), L"ConfigForm"));
     const ComPtr<IDispatch> icon = ObjectIn(Get(config.Get(), L"ShellIconClass"));
     const ComPtr<IDispatch> picture = ObjectIn(Get(form.Get(), L"picShellIcon"));
     const ComPtr<IDispatch> frame = ObjectIn(Get(form.Get(), L"picTray", {1L}));
+};
+
+HRESULT Invoke(IDispatch* object, DISPID member, WORD flags, DISPPARAMS arguments) {
+    Variant result;
+    return object->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &arguments, result.Receive(), nullptr,
+                          nullptr);
+}
+
+}  // namespace
+
+TEST_CASE_FIXTURE(Objects, "senseless calls of every object leave the window as usable as before") {
+    const long calls = Chance::Count("ABUSE_CALLS", 60000);
+    const LONG window = g_lngConfigHwnd;
     std::vector<LONG> windows{window};
     for (const wchar_t* const name : {L"tab", L"lstExclude", L"cmdOK", L"txtSpeed"})
         windows.push_back(ToLong(Call(form.Get(), L"ControlHwnd", {name})));
@@ -32,7 +45,7 @@ TEST_CASE("senseless calls of every object leave the window as usable as before"
     long succeeded = 0;
     {
         RandomCalls random(chance,
-                           {{static_cast<IDispatch*>(inside.control.Get()), {0x60030000}, {0x60030001}},
+                           {{control, {0x60030000}, {0x60030001}},
                             {config, {0x68030000, 0x68030001, 0x68030002}, {}},
                             {form, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11}, {}},
                             {icon, {1, 2, 3, 4, 5}, {}},
@@ -69,24 +82,12 @@ TEST_CASE("senseless calls of every object leave the window as usable as before"
     CHECK(IsWindowVisible(reinterpret_cast<HWND>(static_cast<LONG_PTR>(window))));
 }
 
-namespace {
-
-HRESULT Invoke(IDispatch* object, DISPID member, WORD flags, DISPPARAMS arguments) {
-    Variant result;
-    return object->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, flags, &arguments, result.Receive(), nullptr,
-                          nullptr);
-}
-
-}  // namespace
-
-TEST_CASE(
+TEST_CASE_FIXTURE(
+    Objects,
     "arguments for a property without any go to the object in it, and are refused where there is none") {
     constexpr DISPID kPopup = 3;
     constexpr DISPID kCaption = 7;
     constexpr DISPID kIconBox = 9;
-    const QuietSystem quiet;
-    InsideWithoutEngine inside;
-    const ComPtr<IDispatch> form = ObjectIn(Get(inside.Instance(FormHide).Get(), L"ConfigForm"));
     REQUIRE(Get(form.Get(), L"m_oPopup").Value().pdispVal == nullptr);
     const Variant one(1L);
     VARIANT values[] = {one.Value(), one.Value()};
@@ -108,37 +109,29 @@ TEST_CASE(
                        nullptr, nullptr) == DISP_E_BADPARAMCOUNT);
 }
 
-TEST_CASE("counts of arguments without the arguments are refused by every object") {
-    const QuietSystem quiet;
-    InsideWithoutEngine inside;
-    const ComPtr<IDispatch> config = inside.Instance(FormHide);
-    const ComPtr<IDispatch> form = ObjectIn(Get(config.Get(), L"ConfigForm"));
-    const ComPtr<IDispatch> objects[] = {static_cast<IDispatch*>(inside.control.Get()), config, form,
-                                         ObjectIn(Get(config.Get(), L"ShellIconClass")),
-                                         ObjectIn(Get(form.Get(), L"picShellIcon"))};
+TEST_CASE_FIXTURE(Objects, "counts of arguments without the arguments are refused by every object") {
+    IDispatch* const objects[] = {control.Get(), config.Get(), form.Get(), icon.Get(), picture.Get()};
     const Variant one(1L);
     VARIANT value = one.Value();
     constexpr WORD kFlags[] = {DISPATCH_METHOD, DISPATCH_PROPERTYGET, DISPATCH_PROPERTYPUT};
     DISPID named[] = {DISPID_PROPERTYPUT, 0, 1};
-    for (const ComPtr<IDispatch>& object : objects) {
+    for (IDispatch* const object : objects) {
         for (const DISPID member : {DISPID{1}, DISPID{10}, DISPID{0x60030000}, DISPID{0x68030000}}) {
             for (const WORD flags : kFlags) {
                 CAPTURE(member);
                 CAPTURE(flags);
-                CHECK(Invoke(object.Get(), member, flags, {nullptr, nullptr, 1, 0}) == E_INVALIDARG);
-                CHECK(Invoke(object.Get(), member, flags, {&value, nullptr, 1, 1}) == E_INVALIDARG);
-                CHECK(Invoke(object.Get(), member, flags, {&value, named, 1, 3}) == DISP_E_BADPARAMCOUNT);
-                CHECK(Invoke(object.Get(), member, flags, {nullptr, named, 0, 1}) == DISP_E_BADPARAMCOUNT);
+                CHECK(Invoke(object, member, flags, {nullptr, nullptr, 1, 0}) == E_INVALIDARG);
+                CHECK(Invoke(object, member, flags, {&value, nullptr, 1, 1}) == E_INVALIDARG);
+                CHECK(Invoke(object, member, flags, {&value, named, 1, 3}) == DISP_E_BADPARAMCOUNT);
+                CHECK(Invoke(object, member, flags, {nullptr, named, 0, 1}) == DISP_E_BADPARAMCOUNT);
             }
         }
     }
 }
 
-TEST_CASE("an event without the arguments that it counts, or with addresses that are none, is refused") {
+TEST_CASE_FIXTURE(
+    Objects, "an event without the arguments that it counts, or with addresses that are none, is refused") {
     constexpr DISPID kMouseUp = 1;
-    const QuietSystem quiet;
-    InsideWithoutEngine inside;
-    const ComPtr<IDispatch> icon = ObjectIn(Get(inside.Instance(FormHide).Get(), L"ShellIconClass"));
     ComPtr<IConnectionPointContainer> container;
     ComPtr<IConnectionPoint> point;
     ComPtr<IEnumConnections> connections;
