@@ -102,8 +102,7 @@ TEST_CASE("the delivered manager, ended by force in its first run, starts with a
 
 TEST_CASE(
     "the delivered manager, ended by force in an Apply, starts with what the store holds, and a further "
-    "Apply "
-    "leaves just that") {
+    "Apply leaves just that") {
     const NoEngineNoKilled none;
     DeleteSettings();
     Manager(false, Manager::Start::Ahead).Window();  // writes the defaults

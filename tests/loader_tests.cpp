@@ -53,10 +53,11 @@ struct NoClass {
 // Closes message boxes while the test waits for the program that shows them, and keeps the last one's text.
 class MessageBoxes {
 public:
-    MessageBoxes() : m_timer(SetTimer(nullptr, 0, 20, Look)) { g_text.clear(); }
+    MessageBoxes() : m_timer(SetTimer(nullptr, 0, 20, Look)) { Forget(); }
     ~MessageBoxes() { KillTimer(nullptr, m_timer); }
 
     static const std::wstring& Text() { return g_text; }
+    static void Forget() { g_text.clear(); }
 
 private:
     static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
@@ -86,21 +87,22 @@ TEST_CASE("without a switch the loader loads the manager hidden and leaves it ru
     CHECK_FALSE(IsWindowVisible(ManagerWindow()));
 }
 
-TEST_CASE("a switch shows the window of the running manager, in any letter case") {
-    const NoManager none;
-    CHECK(RunProgram(kLoader) == 0);
-    const HWND window = ManagerWindow();
-    REQUIRE(window != nullptr);
-    SUBCASE("/show") {
-        CHECK(RunProgram(kLoader, L"/show") == 0);
+TEST_CASE(
+    "a switch shows the window of the running manager, in any letter case; loading again leaves it shown") {
+    for (const wchar_t* const command : {L"/show", L"/SHOW"}) {
+        const NoManager none;
+        CHECK(RunProgram(kLoader) == 0);
+        const HWND window = ManagerWindow();
+        REQUIRE(window != nullptr);
+        CHECK(RunProgram(kLoader, command) == 0);
+        CHECK(IsShown());
+        CHECK(ManagerWindow() == window);
+        CHECK(SelectedTab() == 0);
+        CHECK(ProcessesOf(kManager).size() == 1);
+        CHECK(RunProgram(kLoader) == 0);
+        PumpFor(500);
+        CHECK(IsWindowVisible(window));
     }
-    SUBCASE("/SHOW") {
-        CHECK(RunProgram(kLoader, L"/SHOW") == 0);
-    }
-    CHECK(IsShown());
-    CHECK(ManagerWindow() == window);
-    CHECK(SelectedTab() == 0);
-    CHECK(ProcessesOf(kManager).size() == 1);
 }
 
 TEST_CASE("the about switch shows the window on its About page") {
@@ -110,43 +112,24 @@ TEST_CASE("the about switch shows the window on its About page") {
     CHECK(SelectedTab() == kAboutTab);
 }
 
-TEST_CASE("loading again leaves a shown window shown") {
-    const NoManager none;
-    CHECK(RunProgram(kLoader, L"/show") == 0);
-    REQUIRE(IsShown());
-    CHECK(RunProgram(kLoader) == 0);
-    PumpFor(500);
-    CHECK(IsWindowVisible(ManagerWindow()));
-}
-
-TEST_CASE("the release switch ends a running manager, and one that does not run it does not start") {
+TEST_CASE("the release switch ends the manager, whatever its window is like, and starts none") {
     const NoManager none;
     CHECK(RunProgram(kLoader, L"/release") == 0);
     CHECK(ProcessesOf(kManager).empty());
-    CHECK(RunProgram(kLoader) == 0);
-    CHECK(ProcessesOf(kManager).size() == 1);
+    SUBCASE("with another caption") {
+        CHECK(RunProgram(kLoader) == 0);
+        REQUIRE(SetWindowTextW(ManagerWindow(), L"Renamed"));
+    }
+    SUBCASE("no window yet") {
+        StartServerAhead(kManager);
+        REQUIRE(ManagerWindow() == nullptr);
+    }
+    REQUIRE(ProcessesOf(kManager).size() == 1);
     CHECK(RunProgram(kLoader, L"/release") == 0);
     CHECK(ProgramEnds(kManager));
     // It can be loaded again.
     CHECK(RunProgram(kLoader) == 0);
     CHECK(ManagerWindow() != nullptr);
-}
-
-TEST_CASE("the release switch ends a manager whose window has another caption") {
-    const NoManager none;
-    CHECK(RunProgram(kLoader) == 0);
-    REQUIRE(SetWindowTextW(ManagerWindow(), L"Renamed"));
-    CHECK(RunProgram(kLoader, L"/release") == 0);
-    CHECK(ProcessesOf(kManager).empty());
-}
-
-TEST_CASE("the release switch ends a manager that has no window yet") {
-    const NoManager none;
-    StartServerAhead(kManager);
-    REQUIRE(ManagerWindow() == nullptr);
-    REQUIRE(ProcessesOf(kManager).size() == 1);
-    CHECK(RunProgram(kLoader, L"/release") == 0);
-    CHECK(ProcessesOf(kManager).empty());
 }
 
 TEST_CASE("the release switch takes no other program's window of the same caption for the manager") {
@@ -166,16 +149,12 @@ TEST_CASE("the exit code tells that no manager is registered; only who waits for
     CHECK(RunProgram(kLoader) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
     CHECK(RunProgram(kLoader, L"/release") == 0);
     CHECK(MessageBoxes::Text().empty());
-    const wchar_t* command = L"";
-    SUBCASE("/show") {
-        command = L"/show";
+    for (const wchar_t* const command : {L"/show", L"/about"}) {
+        CHECK(RunProgram(kLoader, command) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
+        CHECK(MessageBoxes::Text().starts_with(
+            L"The configuration manager cannot be started. Installing Calvane again helps.\n\n0x80040154"));
+        MessageBoxes::Forget();
     }
-    SUBCASE("/about") {
-        command = L"/about";
-    }
-    CHECK(RunProgram(kLoader, command) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
-    CHECK(MessageBoxes::Text().starts_with(
-        L"The configuration manager cannot be started. Installing Calvane again helps.\n\n0x80040154"));
 }
 
 TEST_CASE("the loader has the manager's icon") {

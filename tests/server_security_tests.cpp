@@ -14,13 +14,12 @@
 
 namespace {
 
-// What the server did, in its order, and what the steps return.
+// What the server did, in its order, and what COM returns.
 struct Calls {
     std::vector<std::string> order;
     HRESULT result = S_OK;
 
-    // The arguments of CoInitializeSecurity.
-    bool hasDescriptor = false;
+    // The arguments of CoInitializeSecurity: of the descriptor, and the plain ones.
     SECURITY_DESCRIPTOR_CONTROL control = 0;
     std::string owner;
     std::string group;
@@ -59,24 +58,22 @@ std::vector<std::string> EntriesOf(PACL list) {
 HRESULT WINAPI TakeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG serviceCount,
                             SOLE_AUTHENTICATION_SERVICE* services, void* reserved1, DWORD authentication,
                             DWORD impersonation, void* list, DWORD capabilities, void* reserved3) {
-    g_calls.order.push_back("CoInitializeSecurity");
-    g_calls.hasDescriptor = descriptor != nullptr && IsValidSecurityDescriptor(descriptor);
-    if (g_calls.hasDescriptor) {
-        DWORD revision = 0;
-        PSID owner = nullptr;
-        PSID group = nullptr;
-        PACL entries = nullptr;
-        BOOL present = FALSE;
-        BOOL defaulted = FALSE;
-        CHECK(GetSecurityDescriptorControl(descriptor, &g_calls.control, &revision));
-        CHECK(GetSecurityDescriptorOwner(descriptor, &owner, &defaulted));
-        CHECK(GetSecurityDescriptorGroup(descriptor, &group, &defaulted));
-        CHECK(GetSecurityDescriptorDacl(descriptor, &present, &entries, &defaulted));
-        CHECK(present);
-        g_calls.owner = SidText(owner);
-        g_calls.group = SidText(group);
-        g_calls.entries = EntriesOf(entries);
-    }
+    const bool isValid = descriptor != nullptr && IsValidSecurityDescriptor(descriptor);
+    g_calls.order.push_back(isValid ? "CoInitializeSecurity" : "CoInitializeSecurity without a descriptor");
+    if (!isValid) return g_calls.result;
+    DWORD revision = 0;
+    PSID owner = nullptr;
+    PSID group = nullptr;
+    PACL entries = nullptr;
+    BOOL present = FALSE;
+    BOOL defaulted = FALSE;
+    CHECK(GetSecurityDescriptorControl(descriptor, &g_calls.control, &revision));
+    CHECK(GetSecurityDescriptorOwner(descriptor, &owner, &defaulted));
+    CHECK(GetSecurityDescriptorGroup(descriptor, &group, &defaulted));
+    CHECK(GetSecurityDescriptorDacl(descriptor, &present, &entries, &defaulted));
+    g_calls.owner = SidText(owner);
+    g_calls.group = SidText(group);
+    g_calls.entries = EntriesOf(entries);
     g_calls.services = serviceCount;
     g_calls.othersAreNull =
         services == nullptr && reserved1 == nullptr && list == nullptr && reserved3 == nullptr;
@@ -141,35 +138,30 @@ LSTATUS WINAPI TakeFirstText(HKEY, LPCWSTR, DWORD, DWORD, const BYTE* data, DWOR
     return ERROR_DISK_FULL;
 }
 
-int Embed() {
-    wchar_t command[] = L"-Embedding";
-    return wWinMain(GetModuleHandleW(nullptr), nullptr, command, SW_SHOWDEFAULT);
+// The manager's own entry.
+int Run(std::wstring command) {
+    return wWinMain(GetModuleHandleW(nullptr), nullptr, command.data(), SW_SHOWDEFAULT);
 }
 
 }  // namespace
 
-TEST_CASE("own user, system and administrators are admitted from this machine, and nobody else") {
-    const Recorder recorder;
+TEST_CASE_FIXTURE(Recorder,
+                  "own user, system and administrators are admitted from this machine, and nobody else") {
     CHECK(AdmitOwnUserOnly() == S_OK);
-    REQUIRE(g_calls.hasDescriptor);
     const std::string own = OwnSid();
     const std::string allowed =
         "0 0 3 ";  // an allowing entry, not inherited, COM_RIGHTS_EXECUTE and _EXECUTE_LOCAL
     CHECK(g_calls.entries ==
           std::vector<std::string>{allowed + own, allowed + "S-1-5-18", allowed + "S-1-5-32-544"});
     CHECK(own.starts_with("S-1-"));
-}
-
-TEST_CASE("the descriptor is in absolute form and has an owner and a group") {
-    const Recorder recorder;
-    CHECK(AdmitOwnUserOnly() == S_OK);
+    // The descriptor is in absolute form and has an owner and a group.
     CHECK(g_calls.control == SE_DACL_PRESENT);
-    CHECK(g_calls.owner == OwnSid());
-    CHECK(g_calls.group == OwnSid());
+    CHECK(g_calls.owner == own);
+    CHECK(g_calls.group == own);
 }
 
-TEST_CASE("callers must be authenticated, and servers called may identify the user and no more") {
-    const Recorder recorder;
+TEST_CASE_FIXTURE(Recorder,
+                  "callers must be authenticated, and servers called may identify the user and no more") {
     CHECK(AdmitOwnUserOnly() == S_OK);
     CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity"});
     CHECK(g_calls.authentication == RPC_C_AUTHN_LEVEL_PKT);
@@ -179,19 +171,10 @@ TEST_CASE("callers must be authenticated, and servers called may identify the us
     CHECK(g_calls.othersAreNull);
 }
 
-TEST_CASE("what COM returns is passed on") {
-    const Recorder recorder;
-    for (const HRESULT result : {RPC_E_TOO_LATE, E_OUTOFMEMORY, E_INVALIDARG}) {
-        g_calls.result = result;
-        CHECK(AdmitOwnUserOnly() == result);
-    }
-}
-
-TEST_CASE("a user who cannot be found out is not replaced by everybody") {
-    const Recorder recorder;
+TEST_CASE_FIXTURE(Recorder, "a user who cannot be found out is not replaced by everybody") {
     SUBCASE("no token") {
         const ImportPatch patch("advapi32.dll", "OpenProcessToken", &NoToken);
-        CHECK(AdmitOwnUserOnly() == E_ACCESSDENIED);
+        CHECK(Run(L"-Embedding") == E_ACCESSDENIED);
     }
     SUBCASE("a token that tells nothing") {
         const ImportPatch patch("advapi32.dll", "GetTokenInformation", &NoTokenInformation);
@@ -208,33 +191,25 @@ TEST_CASE("a user who cannot be found out is not replaced by everybody") {
     CHECK(g_calls.order.empty());
 }
 
-TEST_CASE("the manager tells COM whom to admit before it offers its class") {
-    const Recorder recorder;
-    CHECK(Embed() == CO_E_OBJISREG);
+TEST_CASE_FIXTURE(Recorder, "the manager tells COM whom to admit before it offers its class") {
+    CHECK(Run(L"-Embedding") == CO_E_OBJISREG);
     CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity", "CoRegisterClassObject"});
-    CHECK(g_calls.hasDescriptor);
 }
 
-TEST_CASE("the manager serves nobody when COM does not take the list of those to admit") {
-    const Recorder recorder;
-    g_calls.result = E_ACCESSDENIED;
-    CHECK(Embed() == E_ACCESSDENIED);
-    CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity"});
-}
-
-TEST_CASE("the manager serves nobody when its own user cannot be found out") {
-    const Recorder recorder;
-    const ImportPatch patch("advapi32.dll", "OpenProcessToken", &NoToken);
-    CHECK(Embed() == E_ACCESSDENIED);
-    CHECK(g_calls.order.empty());
+TEST_CASE_FIXTURE(
+    Recorder, "the manager serves nobody when COM does not take the list of those to admit, and tells why") {
+    for (const HRESULT result : {E_ACCESSDENIED, RPC_E_TOO_LATE, E_OUTOFMEMORY}) {
+        g_calls.order.clear();
+        g_calls.result = result;
+        CHECK(Run(L"-Embedding") == result);
+        CHECK(g_calls.order == std::vector<std::string>{"CoInitializeSecurity"});
+    }
 }
 
 // The first value that a registration writes is the description of the class.
 TEST_CASE("the manager registers its class under the name that administration tools show") {
     const ImportPatch patch("advapi32.dll", "RegSetValueExW", &TakeFirstText);
     g_firstText.clear();
-    wchar_t command[] = L"/RegServer";
-    CHECK(wWinMain(GetModuleHandleW(nullptr), nullptr, command, SW_SHOWDEFAULT) ==
-          HRESULT_FROM_WIN32(ERROR_DISK_FULL));
+    CHECK(Run(L"/RegServer") == HRESULT_FROM_WIN32(ERROR_DISK_FULL));
     CHECK(g_firstText == L"Calvane configuration manager");
 }
