@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <set>
 #include <sstream>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -64,10 +63,6 @@ std::vector<std::wstring> LibrariesToPlant() {
     return names;
 }
 
-std::wstring ManagerFolder() {
-    return ManagerPath().substr(0, ManagerPath().find_last_of(L'\\'));
-}
-
 std::wstring BesideTest(const wchar_t* name) {
     return ServerDirectory() + L'\\' + name;
 }
@@ -100,30 +95,15 @@ private:
     const std::wstring m_program;
 };
 
-DWORD Run(const std::wstring& program, const std::wstring& arguments) {
-    std::wstring commandLine = L'"' + program + L"\" " + arguments;
-    STARTUPINFOW startup{};
-    startup.cb = sizeof(startup);
-    PROCESS_INFORMATION process{};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup,
-                        &process)) {
-        throw std::runtime_error("not started: " + ToAnsi(program));
-    }
-    DWORD code = STILL_ACTIVE;
-    WaitForSingleObject(process.hProcess, 30000);
-    GetExitCodeProcess(process.hProcess, &code);
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return code;
-}
-
 // The manager is registered from another folder meanwhile.
 class RegisteredElsewhere {
 public:
-    explicit RegisteredElsewhere(const std::wstring& program) { REQUIRE(Run(program, L"/RegServer") == 0); }
+    explicit RegisteredElsewhere(const std::wstring& program) {
+        REQUIRE(RunProgram(program.c_str(), L"/RegServer") == 0);
+    }
     RegisteredElsewhere(const RegisteredElsewhere&) = delete;
     RegisteredElsewhere& operator=(const RegisteredElsewhere&) = delete;
-    ~RegisteredElsewhere() { CHECK(Run(ManagerPath(), L"/RegServer") == 0); }
+    ~RegisteredElsewhere() { CHECK(RunProgram(L"SentrelConfig.exe", L"/RegServer") == 0); }
 };
 
 std::vector<std::wstring> ModulesOf(HWND window) {
@@ -194,7 +174,7 @@ TEST_CASE("a program that takes no care loads each of the planted libraries") {
     std::wstring arguments;
     for (const std::wstring& library : planted.Libraries())
         arguments += L' ' + library;
-    CHECK(Run(planted.Program(), arguments) == 0);
+    CHECK(RunProgram(planted.Program().c_str(), arguments) == 0);
     for (const wchar_t* const library : {L"winmm.dll", L"comctl32.dll", L"propsys.dll"})
         CHECK(FileExists(planted.Folder() + L'\\' + library));
     CHECK(planted.Loaded().size() > 0);
@@ -202,8 +182,7 @@ TEST_CASE("a program that takes no care loads each of the planted libraries") {
 
 TEST_CASE("the manager loads nothing from its own folder, whatever it does") {
     const PlantedFolder planted(ManagerPath(), L"SentrelConfig.exe");
-    REQUIRE(
-        CopyFileW((ManagerFolder() + L"\\Arc.wav").c_str(), (planted.Folder() + L"\\Arc.wav").c_str(), TRUE));
+    REQUIRE(CopyFileW(BesideTest(L"..\\Arc.wav").c_str(), (planted.Folder() + L"\\Arc.wav").c_str(), TRUE));
     {
         const RegisteredElsewhere registered(planted.Program());
         Manager manager;

@@ -4,8 +4,9 @@
 #include <stdexcept>
 #include <string>
 
-bool FindImport(const std::function<bool(const char* module, const char* function, void** slot)>& visit) {
-    auto* const base = reinterpret_cast<BYTE*>(GetModuleHandleW(nullptr));
+bool FindImport(HMODULE importer,
+                const std::function<bool(const char* module, const char* function, void** slot)>& visit) {
+    auto* const base = reinterpret_cast<BYTE*>(importer);
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
     const auto* const nt = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const DWORD imports = nt->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
@@ -36,7 +37,7 @@ void WriteSlot(void** slot, void* value) {
 }
 
 ImportPatch::ImportPatch(const char* module, const char* function, void* replacement, int) {
-    if (!FindImport([&](const char* itsModule, const char* itsName, void** slot) {
+    if (!FindImport(GetModuleHandleW(nullptr), [&](const char* itsModule, const char* itsName, void** slot) {
             m_slot = slot;
             return lstrcmpiA(itsModule, module) == 0 && std::strcmp(itsName, function) == 0;
         })) {

@@ -5,9 +5,10 @@
 
 #include <functional>
 
-// Calls visit for each function that this program imports until it returns true, and returns whether it did.
-// A function without a name is "#" and its number; slot is where the program finds its address.
-bool FindImport(const std::function<bool(const char* module, const char* function, void** slot)>& visit);
+// Calls visit for each function that a module imports until it returns true, and returns whether it did. A
+// function without a name is "#" and its number; slot is where the module finds its address.
+bool FindImport(HMODULE importer,
+                const std::function<bool(const char* module, const char* function, void** slot)>& visit);
 
 void WriteSlot(void** slot, void* value);
 

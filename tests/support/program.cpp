@@ -3,6 +3,7 @@
 #include <tlhelp32.h>
 
 #include <stdexcept>
+#include <string_view>
 
 #include "platform/handle.h"
 #include "platform/text.h"
@@ -30,9 +31,10 @@ constexpr DWORD kStartPatience = 15000;  // milliseconds
 
 // Of the build; the caller closes the process and its thread.
 PROCESS_INFORMATION Start(const wchar_t* program, const std::wstring& arguments, DWORD flags = 0) {
-    std::wstring path = ServerDirectory();
-    path.resize(path.find_last_of(L'\\') + 1);
-    std::wstring commandLine = L'"' + path + program + L"\" " + arguments;
+    const std::wstring folder = ServerDirectory();
+    const bool isWholePath = std::wstring_view(program).find(L':') != std::wstring_view::npos;
+    std::wstring commandLine = L'"' + (isWholePath ? L"" : folder.substr(0, folder.find_last_of(L'\\') + 1)) +
+                               program + L"\" " + arguments;
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process{};

@@ -14,9 +14,9 @@ std::vector<DWORD> ProcessesOf(const wchar_t* program);
 // Whether no process of the program is left within the time. Messages are dispatched meanwhile.
 bool ProgramEnds(const wchar_t* program, DWORD milliseconds = kPatience);
 
-// Runs a program from the folder above the test's own, where the build puts them, and returns its exit code;
-// STILL_ACTIVE when it does not end in time. Messages are dispatched meanwhile. Throws std::runtime_error
-// when it cannot be started.
+// Runs a program, by its full path or its name in the folder above the test's own, where the build puts them,
+// and returns its exit code; STILL_ACTIVE when it does not end in time. Messages are dispatched meanwhile.
+// Throws std::runtime_error when it cannot be started.
 DWORD RunProgram(const wchar_t* program, const std::wstring& arguments = {}, DWORD milliseconds = kPatience);
 
 // Starts a COM server and waits until it is idle; nothing where it runs already. Wine looks for a server that
