@@ -3,9 +3,7 @@
 
 #include <shellapi.h>
 
-#include "platform/com/variant.h"
 #include "tests/engine/session.h"
-#include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/shown_text.h"
 

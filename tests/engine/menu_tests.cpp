@@ -1,7 +1,8 @@
 // The tray menu's commands on their way to the engine, and the engine's events on their way to the menu.
 #include <doctest.h>
 
-#include "platform/com/variant.h"
+#include <utility>
+
 #include "tests/engine/session.h"
 #include "tests/support/automation.h"
 #include "tests/support/message_pump.h"

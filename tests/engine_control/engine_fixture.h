@@ -10,6 +10,7 @@
 #include "tests/support/error_of.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/plain_window.h"
+#include "tests/support/shown_text.h"
 #include "tray/engine_control.h"
 
 using Calls = std::vector<std::string>;

@@ -1,6 +1,7 @@
 #include <doctest.h>
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/automation_error.h"

@@ -1,7 +1,6 @@
 // Engines that are missing, fail, die, or speak at the wrong moment.
 #include <doctest.h>
 
-#include "platform/com/variant.h"
 #include "tests/engine/session.h"
 #include "tests/support/automation.h"
 #include "tests/support/message_pump.h"

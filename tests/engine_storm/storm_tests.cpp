@@ -16,6 +16,7 @@
 #include "tests/long_runs/resources.h"
 #include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
 
 namespace {

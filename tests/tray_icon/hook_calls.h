@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/support/import_patch.h"
+#include "tests/support/shown_text.h"
 
 // One at a time. The calls go on to Windows unless told otherwise; SetForegroundWindow never does.
 class HookCalls {
