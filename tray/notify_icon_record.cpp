@@ -31,6 +31,11 @@ NotifyIconRecord MakeNotifyIconRecord(HWND hwnd, UINT callbackMessage, HICON ico
 }
 
 // The structure that Windows' headers declare is a later, longer form; the shell reads cbSize bytes of it.
-bool NotifyShell(DWORD action, NotifyIconRecord record) {
-    return Shell_NotifyIconA(action, reinterpret_cast<NOTIFYICONDATAA*>(&record)) != FALSE;
+// One that looks for the end of a tip without a terminator finds it behind them.
+bool NotifyShell(DWORD action, const NotifyIconRecord& record) {
+    struct {
+        NotifyIconRecord record;
+        char terminator;
+    } copy{record, '\0'};
+    return Shell_NotifyIconA(action, reinterpret_cast<NOTIFYICONDATAA*>(&copy)) != FALSE;
 }

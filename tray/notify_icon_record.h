@@ -25,4 +25,4 @@ static_assert(sizeof(NotifyIconRecord) == 88, "the size tells the shell which fo
 NotifyIconRecord MakeNotifyIconRecord(HWND hwnd, UINT callbackMessage, HICON icon, std::wstring_view toolTip);
 
 // action: NIM_ADD, NIM_MODIFY or NIM_DELETE. Returns whether the shell did it.
-bool NotifyShell(DWORD action, NotifyIconRecord record);
+bool NotifyShell(DWORD action, const NotifyIconRecord& record);

@@ -14,6 +14,13 @@ std::string BytesOf(const NotifyIconRecord& record) {
     return std::string(reinterpret_cast<const char*>(&record), sizeof(record));
 }
 
+char behindRecord = 'x';
+
+BOOL WINAPI LookBehindRecord(DWORD, NOTIFYICONDATAA* data) {
+    behindRecord = reinterpret_cast<const char*>(data)[sizeof(NotifyIconRecord)];
+    return TRUE;
+}
+
 }  // namespace
 
 TEST_CASE("the record is the 88-byte ANSI form, every byte of it") {
@@ -51,6 +58,12 @@ TEST_CASE("a tip is an ANSI text, its terminator and blanks, cut at 64 character
         CAPTURE(row.what);
         CHECK(BytesOf(MakeNotifyIconRecord(nullptr, 0, nullptr, row.tip)).substr(24) == row.bytes);
     }
+}
+
+TEST_CASE("a shell that looks for the end of a tip without a terminator finds it behind the record") {
+    const ImportPatch patch("shell32.dll", "Shell_NotifyIconA", &LookBehindRecord);
+    NotifyShell(NIM_ADD, MakeNotifyIconRecord(nullptr, 0, nullptr, std::wstring(64, L'x')));
+    CHECK(behindRecord == '\0');
 }
 
 TEST_CASE("the shell gets a copy of the record and its result is passed on") {
