@@ -28,7 +28,8 @@ frmConfig::frmConfig()
       m_trayGestures(m_mnuConfig, *this, b_OKtoUnload),
       m_engine(
           m_mnuConfig, [this] { AnimateTray(); }, [this] { m_popupNotice.Announce(); }),
-      m_excludeList(m_controls.exclude, m_controls.commands.cmdApply, m_markChanged),
+      m_excludeList(
+          m_controls.exclude, [this] { m_changeMark.EnableApply(); }, m_markChanged),
       m_closedLog(
           m_controls.log, m_controls.exclude.lstExclude, [this] { return m_engine.LogFile(); },
           m_markChanged),
@@ -37,8 +38,8 @@ frmConfig::frmConfig()
       m_transfer(m_controls.All(), m_changeMark, m_popupNotice, m_generalOptions, m_closedLog,
                  m_controls.settings.cboPauseKey),
       m_commands(
-          m_controls.commands, m_transfer, [this](Event done) { m_engine.ReloadSettings(std::move(done)); },
-          [this] { HideWindow(); }),
+          m_controls.commands, m_changeMark, m_transfer,
+          [this](Event done) { m_engine.ReloadSettings(std::move(done)); }, [this] { HideWindow(); }),
       m_taskbarCreated(RegisterWindowMessageW(L"TaskbarCreated")) {
     m_controls.tab.Change = [this] { SelectPage(); };
 }

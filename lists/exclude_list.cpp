@@ -5,8 +5,8 @@
 #include "lists/frm_add_url.h"
 #include "platform/automation_error.h"
 
-ExcludeList::ExcludeList(ExcludeControls& controls, Button& cmdApply, Event markChanged)
-    : m_controls(controls), m_cmdApply(cmdApply), m_markChanged(std::move(markChanged)) {
+ExcludeList::ExcludeList(ExcludeControls& controls, Event enableApply, Event markChanged)
+    : m_controls(controls), m_enableApply(std::move(enableApply)), m_markChanged(std::move(markChanged)) {
     m_controls.lstExclude.Click = [this] { lstExclude_Click(); };
     m_controls.cmdAddURL.Click = [this] { cmdAddURL_Click(); };
     m_controls.cmdRemoveURL.Click = [this] { cmdRemoveURL_Click(); };
@@ -29,8 +29,8 @@ void ExcludeList::cmdRemoveURL_Click() {
             // The row above the removed one is selected, not the one that moved up into its place.
             ResumeNext([&] { m_controls.lstExclude.ListIndex(removed == 0 ? 0 : removed - 1); });
         }
-        // Not through the change mark: a removal counts even while settings are being loaded.
-        m_cmdApply.Enabled(true);
+        // A removal counts even while settings are being loaded.
+        m_enableApply();
     }
     if (m_controls.lstExclude.ListCount() == 0) m_controls.cmdRemoveURL.Enabled(false);
 }

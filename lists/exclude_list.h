@@ -19,8 +19,8 @@ struct ExcludeControls {
 class ExcludeList {
 public:
     // The controls outlive this object. markChanged: notes an unsaved change, unless settings are being
-    // loaded. cmdApply is enabled directly by a removal, which counts as a change even then.
-    ExcludeList(ExcludeControls& controls, Button& cmdApply, Event markChanged);
+    // loaded. enableApply: notes it even then, as a removal does.
+    ExcludeList(ExcludeControls& controls, Event enableApply, Event markChanged);
     ExcludeList(const ExcludeList&) = delete;
     ExcludeList& operator=(const ExcludeList&) = delete;
 
@@ -30,6 +30,6 @@ public:
 
 private:
     ExcludeControls& m_controls;
-    Button& m_cmdApply;
+    const Event m_enableApply;
     const Event m_markChanged;
 };

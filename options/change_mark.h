@@ -2,6 +2,7 @@
 #pragma once
 
 #include "platform/controls/button.h"
+#include "platform/generation.h"
 
 class ChangeMark {
 public:
@@ -10,11 +11,21 @@ public:
     // Enables the Apply button, except while the settings are being loaded into the controls: the handlers
     // that call this also run when a control is set from code.
     void MarkChanged() {
-        if (!m_bLoading) m_cmdApply.Enabled(true);
+        if (!m_bLoading) EnableApply();
     }
+
+    // Even while they are being loaded.
+    void EnableApply() {
+        m_changes.Begin();
+        m_cmdApply.Enabled(true);
+    }
+
+    // Of the last change.
+    Generation::Mark LastChange() const noexcept { return m_changes.Current(); }
 
     bool m_bLoading = false;
 
 private:
     Button& m_cmdApply;
+    Generation m_changes;
 };

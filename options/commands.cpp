@@ -2,9 +2,10 @@
 
 #include <utility>
 
-Commands::Commands(CommandControls& controls, SettingsTransfer& transfer,
+Commands::Commands(CommandControls& controls, const ChangeMark& changeMark, SettingsTransfer& transfer,
                    std::function<void(Event done)> reloadSettings, Event hide)
     : m_cmdApply(controls.cmdApply),
+      m_changeMark(changeMark),
       m_transfer(transfer),
       m_reloadSettings(std::move(reloadSettings)),
       m_hide(std::move(hide)) {
@@ -21,10 +22,15 @@ void Commands::cmdOK_Click() {
     m_cmdApply.Enabled(false);
 }
 
-// Saving marks a change, so the mark is cleared last.
+// Saving marks a change, so the mark is cleared last. A busy engine is told after this has returned: what is
+// changed until then stays marked.
 void Commands::cmdApply_Click() {
     m_transfer.SaveSettings();
-    m_reloadSettings([this] { m_cmdApply.Enabled(false); });
+    m_lastApplied.reset();
+    m_reloadSettings([this] {
+        if (!m_lastApplied || m_lastApplied->IsCurrent()) m_cmdApply.Enabled(false);
+    });
+    m_lastApplied.emplace(m_changeMark.LastChange());
 }
 
 // The mark stays: a window that is shown again after Cancel may offer Apply although it shows the stored

@@ -60,7 +60,7 @@ struct ExcludePage : ListPage, ExcludeControls, CommandControls {
     Texts Rows() const { return RowsOf(lstExclude); }
     int RowCount() const { return lstExclude.ListCount(); }
 
-    ExcludeList page{*this, cmdApply, markChanged};
+    ExcludeList page{*this, [this] { cmdApply.Enabled(true); }, markChanged};
     TestWindow window{Join({ExcludeControls::all, CommandControls::all})};
 };
 

@@ -127,7 +127,7 @@ constexpr OutgoingCall kCalls[] = {
      .call = "ReloadSettings",
      .prepare = ApplyRefused,
      .make = TickEngineAgain,
-     .mark = Mark::Cleared},
+     .mark = Mark::ClearedUnlessChanged},
     {.name = "Start", .call = "Start", .prepare = Command<mnuStartKiller>, .make = TickCommand},
     {.name = "Stop", .call = "Stop", .prepare = Command<mnuStopKiller>, .make = TickCommand},
     {.name = "Pause", .call = "Pause", .prepare = Command<mnuPauseKiller>, .make = TickCommand},

@@ -11,6 +11,7 @@ enum class Mark {
     Set,
     SetEvenWhileLoading,
     Cleared,
+    ClearedUnlessChanged,
 };
 
 struct OutgoingCall {

@@ -26,6 +26,7 @@ struct Problems {
 bool IsMarked(Mark outer, Mark inner, bool isLoad) {
     if (outer == Mark::Cleared) return false;
     if (outer == Mark::Set) return true;
+    if (outer == Mark::ClearedUnlessChanged && inner == Mark::Cleared) return false;
     return inner == Mark::SetEvenWhileLoading || (inner == Mark::Set && !isLoad);
 }
 

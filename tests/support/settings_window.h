@@ -73,7 +73,8 @@ public:
     AboutPage aboutPage{*this};
     ClosedLog closedLog{*this, lstExclude, [this] { return logFile(); }, markChanged};
     SettingsTransfer transfer{controls, changeMark, popupNotice, generalOptions, closedLog, cboPauseKey};
-    Commands commands{*this, transfer, [this](const Event& done) { Reload(done); }, [this] { Hide(); }};
+    Commands commands{*this, changeMark, transfer, [this](const Event& done) { Reload(done); },
+                      [this] { Hide(); }};
 
 private:
     void Reload(const Event& done);
