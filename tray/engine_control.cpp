@@ -125,7 +125,7 @@ void EngineControl::Disconnect(HWND configHwnd, LONG formReferenceAddress) {
 }
 
 void EngineControl::ReloadSettings(Event done) {
-    Give({&_Popup::ReloadSettings, nullptr, std::move(done), kTriesAgain});
+    Give({&_Popup::ReloadSettings, std::move(done), kTriesAgain});
 }
 
 // What was refused earlier goes first.
@@ -154,7 +154,6 @@ bool EngineControl::HasGiven(Order& order) {
     ResumeNext([&] { result = (Engine().Get()->*order.member)(); });
     const bool isReleased = !connection.IsCurrent();
     if (!isReleased && IsRefusedForNow(result) && order.triesLeft-- > 0) return false;
-    if (order.pending != nullptr) this->*order.pending = false;
     if (!isReleased) order.done();
     return true;
 }
@@ -211,28 +210,18 @@ void EngineControl::EnableMenuTimer() {
 // An engine that takes longer than a period lets the next tick in: the command is not given twice.
 void EngineControl::tmMenu_Timer() {
     if (std::exchange(m_bServing, true)) return;
+    const Generation::Mark connection = m_connections.Current();
     if (bStartPending) {
-        Give({&_Popup::Start, &EngineControl::bStartPending,
-              [this] {
-                  m_menu.EnableRunningMenu();
-                  EndServing();
-              },
-              kTriesAgain});
+        Give({&_Popup::Start, [this] { m_menu.EnableRunningMenu(); }, kTriesAgain});
+        bStartPending = false;
     } else if (bStopPending) {
-        Give({&_Popup::Stop, &EngineControl::bStopPending,
-              [this] {
-                  m_menu.EnableStoppedMenu();
-                  EndServing();
-              },
-              kTriesAgain});
+        Give({&_Popup::Stop, [this] { m_menu.EnableStoppedMenu(); }, kTriesAgain});
+        bStopPending = false;
     } else if (bPausePending) {
-        Give({&_Popup::Pause, &EngineControl::bPausePending, [this] { EndServing(); }, kTriesAgain});
-    } else {
-        EndServing();
+        Give({&_Popup::Pause, [] {}, kTriesAgain});
+        bPausePending = false;
     }
-}
-
-void EngineControl::EndServing() noexcept {
+    if (!connection.IsCurrent()) return;
     m_bServing = false;
     m_tmMenu.Stop();
 }

@@ -80,7 +80,6 @@ private:
     using Member = HRESULT (STDMETHODCALLTYPE _Popup::*)();
     struct Order {
         Member member;
-        bool EngineControl::*pending;  // the flag that the order clears; null where it has none
         Event done;
         int triesLeft;
     };
@@ -89,7 +88,6 @@ private:
 
     // Returns false when the call is to be made again.
     bool HasGiven(Order& order);
-    void EndServing() noexcept;
 
     ComPtr<_Popup> Engine() const;
 

@@ -73,13 +73,14 @@ TEST_CASE_FIXTURE(RefusingEngine, "a menu command that is refused for now reache
         ConnectQuietly();
         Refuse(command.member, RPC_E_CALL_REJECTED, 2);
         Choose(command);
-        REQUIRE(PumpUntil([&] { return !server.script.calls.empty(); }));
-        CHECK(Enabled() == command.menuBefore);
-        CHECK(engine.tmMenu().Running());
         REQUIRE(Tick());
-        CHECK(server.script.calls == Calls(3, command.member));
+        CHECK(server.script.calls == Calls{command.member});
+        CHECK(Enabled() == command.menuBefore);
+        REQUIRE(PumpUntil([&] { return server.script.calls.size() == 3; }));
         CHECK(Enabled() == command.menuAfter);
         CHECK_FALSE(AnyPending());
+        PumpFor(300);
+        CHECK(server.script.calls == Calls(3, command.member));
     }
 }
 
@@ -90,9 +91,22 @@ TEST_CASE_FIXTURE(RefusingEngine, "what was refused first is given first") {
     engine.mnuStartKiller_Click();
     engine.tmMenu_Timer();
     CHECK(server.script.calls == Calls{"ReloadSettings"});
-    REQUIRE(Tick());
+    REQUIRE(PumpUntil([&] { return server.script.Count("Start") == 1; }));
     CHECK(server.script.calls == Calls{"ReloadSettings", "ReloadSettings", "ReloadSettings", "Start"});
     CHECK(done == 1);
+}
+
+TEST_CASE_FIXTURE(RefusingEngine, "a command chosen while an earlier one is refused for now follows it") {
+    ConnectQuietly();
+    Refuse("Start", RPC_E_CALL_REJECTED, 8);
+    engine.mnuStartKiller_Click();
+    REQUIRE(Tick());
+    engine.mnuStopKiller_Click();
+    REQUIRE(PumpUntil([&] { return server.script.Count("Stop") == 1; }));
+    CHECK(server.script.calls.back() == "Stop");
+    CHECK(server.script.Count("Start") == 9);
+    CHECK(Enabled() == kStopped);
+    CHECK_FALSE(AnyPending());
 }
 
 TEST_CASE_FIXTURE(RefusingEngine, "a refused call is given up when the engine is released") {
