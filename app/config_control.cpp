@@ -68,6 +68,19 @@ void EndProcessSoon() {
     if (!PostMessageW(window, WM_APP, 0, 0)) EndProcess();
 }
 
+// For an engine that does not reply while the window lets go of it. One that is busy may take ten seconds.
+constexpr DWORD kLeaveTime = 30000;  // milliseconds
+
+void CALLBACK EndWithoutLeave(void*, BOOLEAN) {
+    EndProcess();
+}
+
+// Whatever this thread waits for.
+void EndProcessInTime() {
+    HANDLE timer = nullptr;
+    CreateTimerQueueTimer(&timer, nullptr, &EndWithoutLeave, nullptr, kLeaveTime, 0, WT_EXECUTEONLYONCE);
+}
+
 }  // namespace
 
 STDMETHODIMP ConfigControl::ConfigInstance(long* nShowType, IDispatch** config) {
@@ -75,8 +88,9 @@ STDMETHODIMP ConfigControl::ConfigInstance(long* nShowType, IDispatch** config) 
     *config = nullptr;
     return ComMethod([&] {
         if (g_oConfig == nullptr) ConfigInMaking().Initialise();
-        // Another client's ReleaseConfig may have come in while the window was made.
-        if (ServerProcess::Stopping()) throw AutomationError(CO_E_SERVER_STOPPING);
+        // Another client's ReleaseConfig may have come in while the window was made; or this call, while one
+        // that could not be made is taken down again.
+        if (g_frmConfig == nullptr) throw AutomationError(CO_E_SERVER_STOPPING);
         if (*nShowType == kShowWindow) g_frmConfig->ShowModeless();
         if (*nShowType == kShowAbout) g_frmConfig->ShowAbout();
         CountClients(+1);
@@ -88,6 +102,7 @@ STDMETHODIMP ConfigControl::ReleaseConfig() {
     return ComMethod([&] {
         CountClients(-1);
         ServerProcess::Stop();
+        EndProcessInTime();
         if (g_frmConfig != nullptr) g_frmConfig->Unload();
         // Left to the process: a handler of the window may be further down on the stack, in a dialog's loop.
         g_frmConfig.Detach();
