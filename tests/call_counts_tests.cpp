@@ -21,7 +21,6 @@ using EngineCalls = std::vector<std::string>;
 
 // Longer than any period of its timers: the animation's, the menu's and that of an icon which is refused.
 constexpr DWORD kIdleMilliseconds = 2500;
-constexpr DWORD kQuietMilliseconds = 500;
 
 // What a first run writes; what is read of it: four options, 16 and 18 values of the two lists, the startup
 // mode, the pause key and the sound file.
@@ -46,11 +45,6 @@ std::vector<UINT> MessagesWithin(DWORD milliseconds) {
         }
     }
     return messages;
-}
-
-void WaitForQuiet() {
-    for (int tries = 0; tries < 20 && !MessagesWithin(kQuietMilliseconds).empty(); ++tries)
-        continue;
 }
 
 struct CountedManager {
@@ -93,12 +87,17 @@ struct CountedManager {
         CHECK(engine.script.calls == ofEngine);
     }
 
-    // While no message comes, nothing of the manager runs.
+    // While no message comes, nothing of the manager runs. What the screen has to tell, however late, it
+    // tells once; what the manager did by itself would come in each period.
     void CheckIdle() {
-        WaitForQuiet();
-        engine.script.calls.clear();
-        CHECK(MessagesWithin(kIdleMilliseconds) == std::vector<UINT>{});
-        CHECK(engine.script.calls.empty());
+        constexpr int kPeriods = 8;
+
+        bool isIdle = false;
+        for (int i = 0; i < kPeriods && !isIdle; ++i) {
+            engine.script.calls.clear();
+            isIdle = MessagesWithin(kIdleMilliseconds).empty() && engine.script.calls.empty();
+        }
+        CHECK(isIdle);
     }
 
     TestFolder folder;
@@ -165,7 +164,7 @@ TEST_CASE_FIXTURE(CountedManager, "a manager, hidden or shown, on whatever page,
 TEST_CASE_FIXTURE(CountedManager,
                   "a notice keeps the manager busy for three frames and the end, and leaves it idle again") {
     Start();
-    WaitForQuiet();
+    CheckIdle();
     shell.calls.clear();
     engine.Raise(1, {0L, L"http://ads.example.com"});
     const std::vector<UINT> messages = MessagesWithin(kIdleMilliseconds);
