@@ -30,6 +30,20 @@ bool HasEnded() {
     return NotedEnd::Count() == 1;
 }
 
+// A timer of Windows' own threads, whose time comes when the test says so.
+struct ThreadTimer {
+    static BOOL WINAPI Create(HANDLE*, HANDLE, WAITORTIMERCALLBACK callback, void*, DWORD due, DWORD period,
+                              ULONG) {
+        CHECK(due == 30000);
+        CHECK(period == 0);
+        s_callback = callback;
+        return TRUE;
+    }
+
+    static inline WAITORTIMERCALLBACK s_callback = nullptr;
+    const ImportPatch patch{"kernel32.dll", "CreateTimerQueueTimer", &Create};
+};
+
 }  // namespace
 
 TEST_CASE(
@@ -71,6 +85,28 @@ TEST_CASE("alone: ReleaseConfig" * doctest::skip(true)) {
     }
     CHECK_FALSE(IsWindow(window));
     CHECK(g_frmConfig == nullptr);
+    NotePassed();
+}
+
+TEST_CASE("ReleaseConfig ends the process half a minute later where the engine does not reply") {
+    CheckAlone("alone: ReleaseConfig with a silent engine");
+}
+
+TEST_CASE("alone: ReleaseConfig with a silent engine" * doctest::skip(true)) {
+    const NotedEnd end;
+    const ThreadTimer timer;
+    Inside inside;
+    FakeEngine engine;
+    bool hasEnded = false;
+    engine.script.within["ReleasePopup"] = [&] {
+        CHECK_FALSE(HasEnded());
+        REQUIRE(static_cast<bool>(ThreadTimer::s_callback));
+        ThreadTimer::s_callback(nullptr, TRUE);
+        hasEnded = HasEnded();
+    };
+    inside.Instance(FormHide);
+    inside.control->ReleaseConfig();
+    CHECK(hasEnded);
     NotePassed();
 }
 

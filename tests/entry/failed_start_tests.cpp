@@ -6,6 +6,7 @@
 
 #include "app/resource.h"
 #include "store/settings_schema.h"
+#include "tests/engine_control/fake_engine.h"
 #include "tests/entry/window_inside.h"
 
 namespace {
@@ -90,6 +91,25 @@ TEST_CASE("a start that fails gives the caller an error and leaves nothing behin
         }
         CheckWorks(inside);
         CHECK(g_lngClientCount == 1);
+    }
+}
+
+TEST_CASE("a client that comes in while a window that could not be loaded is taken down is refused") {
+    for (const long showType : {2L, 1L, 3L}) {
+        CAPTURE(showType);
+        Inside inside;
+        FakeEngine engine;
+        HRESULT result = S_OK;
+        ComPtr<IDispatch> late;
+        engine.script.within["ReleasePopup"] = [&] { result = inside.Instance(showType, late); };
+        const Failing failing(kFailures[3]);
+        ComPtr<IDispatch> config;
+        CHECK(inside.Instance(FormHide, config) == kFailures[3].result);
+        CHECK(result == CO_E_SERVER_STOPPING);
+        CHECK(late == nullptr);
+        CHECK(g_oConfig == nullptr);
+        CHECK(g_frmConfig == nullptr);
+        CHECK(WindowCount() == 0);
     }
 }
 
