@@ -77,7 +77,7 @@ for program in SentrelConfig CalvaneConfigLoader; do
     Sections "$kSigned/$program.exe" >"$kWork/shipped"
     [[ -s $kWork/shipped ]] || Fail "$program has no sections"
     SameLines "the symbols of $program are another program's" "$kWork/shipped" <(Sections "$symbols")
-    [[ -z $($kTarget-objdump -h "$kSigned/$program.exe" | grep debug) ]] || Fail "$program carries its symbols"
+    ! $kTarget-objdump -h "$kSigned/$program.exe" | grep debug >/dev/null || Fail "$program carries its symbols"
     address=$($kTarget-nm "$symbols" | awk '$3 == "_wWinMain@16" { print $1 }')
     line=$($kTarget-addr2line -e "$symbols" "0x$address")
     [[ $line == *main.cpp:[1-9]* && $line != *"$PWD"* && $line != *"$kWork"* ]] || Fail "wWinMain of $program is at \"$line\""

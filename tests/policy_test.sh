@@ -98,7 +98,8 @@ SameLines "the lists settable by the policy are not those stored" "$kWork/stored
 
 # --- What a first start stores can be set by the policy
 while IFS=$'\t' read -r key name _ data; do
-    [[ $key == "$kSettingsKey" ]] && ! grep -qxF "$name" "$kWork/unread" || continue
+    [[ $key == "$kSettingsKey" ]] || continue
+    ! grep -qxF "$name" "$kWork/unread" || continue
     policy="//e:policy[@key=\"$key\" and descendant-or-self::*/@valueName=\"$name\"]"
     [[ -n $(XPath "$policy//e:string[text()=\"$data\"] | $policy//e:text |
         $policy//e:decimal[@minValue <= \"$data\" and @maxValue >= \"$data\"]" "$kAdmx") ]] ||

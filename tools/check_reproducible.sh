@@ -33,8 +33,8 @@ Build "${clones[0]}" 022 UTC
 Build "${clones[1]}" 077 Asia/Tokyo
 
 differ=0
-# shellcheck disable=SC2068 # the patterns are meant
 cd "${clones[0]}/build/release"
+# shellcheck disable=SC2068 # the patterns are meant
 for file in ${kFiles[@]}; do
     cmp "$file" "${clones[1]}/build/release/$file" && echo "same $file" || differ=1
 done
