@@ -31,7 +31,10 @@ constexpr long kRead = 4 + 16 + 18 + 3;
 constexpr long kDeleted = 16 + 4 + 18 + 3;
 constexpr long kWritten = kRead - 1;
 
-// Handles the messages that come within the time and returns their numbers.
+// Of Windows' own timers, which blink carets and follow the mouse.
+constexpr UINT kSystemTimer = 0x118;
+
+// Handles the messages that come within the time and returns the numbers of those that are not Windows' own.
 std::vector<UINT> MessagesWithin(DWORD milliseconds) {
     std::vector<UINT> messages;
     const DWORD start = GetTickCount();
@@ -39,7 +42,7 @@ std::vector<UINT> MessagesWithin(DWORD milliseconds) {
         MsgWaitForMultipleObjects(0, nullptr, FALSE, milliseconds - passed, QS_ALLINPUT);
         MSG message;
         while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-            messages.push_back(message.message);
+            if (message.message != kSystemTimer) messages.push_back(message.message);
             TranslateMessage(&message);
             DispatchMessageW(&message);
         }
