@@ -141,7 +141,7 @@ def prepare(log):
         for path in (SOURCE / layer).rglob("*.*"):
             if path.read_bytes() != (TREE / path.relative_to(SOURCE)).read_bytes():
                 shutil.copy(path, TREE / path.relative_to(SOURCE))
-    build = "cmake --build --preset release --target SentrelConfig SentrelStandin CalvaneConfigLoader"
+    build = "cmake --build --preset release --target SentrelConfig SentrelStandin CalvaneConfigLoader installer"
     for command in (["cmake", "--preset", "release"], build.split(),
                     [str(TREE / "tests" / "launch.sh"), str(BUILD)]):
         if run(command, 3600, log) != 0:

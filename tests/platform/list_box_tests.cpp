@@ -98,6 +98,19 @@ TEST_CASE_FIXTURE(ListPage, "a list scrolls sideways as far as its widest row is
     CHECK(Fits(kLong));
 }
 
+TEST_CASE_FIXTURE(ListPage,
+                  "the removal of the selected row leaves none selected, that of another one keeps it") {
+    for (const wchar_t* const row : {L"a", L"b", L"c", L"d"})
+        list.AddItem(row);
+    list.ListIndex(2);
+    list.RemoveItem(3);
+    CHECK(list.ListIndex() == 2);
+    list.RemoveItem(0);
+    CHECK(list.List(list.ListIndex()) == L"c");
+    list.RemoveItem(1);
+    CHECK(list.ListIndex() == -1);
+}
+
 TEST_CASE_FIXTURE(ListPage, "a larger font scrolls further") {
     list.AddItem(kLong);
     list.AddItem(kLonger);
