@@ -13,7 +13,9 @@ cd /d "%~dp0"
 set saved=%LOCALAPPDATA%\CalvaneCheck
 rem On 64-bit Windows programs of 32 bits, as these are, see another registry than those of 64 bits.
 set reg="%SystemRoot%\System32\reg.exe"
-if exist "%SystemRoot%\SysWOW64\reg.exe" set reg="%SystemRoot%\SysWOW64\reg.exe"
+set reg64=
+if exist "%SystemRoot%\SysWOW64\reg.exe" set reg64=%reg%
+if defined reg64 set reg="%SystemRoot%\SysWOW64\reg.exe"
 set result=2
 
 if exist "%saved%\complete" call :putback
@@ -85,13 +87,23 @@ call %1 "%2\Software\Classes\CLSID\{1DEAABBD-D8F2-4BB5-91C3-ED68E5009EB0}" %2-6
 call %1 "%2\Software\Classes\TypeLib\{5260E1ED-AE71-44D7-8381-905CDE9DC4A2}" %2-7
 call %1 "%2\Software\Classes\TypeLib\{82D7503D-C877-4938-BF10-1E3FEB617B83}" %2-8
 call %1 "%2\Software\Classes\TypeLib\{9B9F3833-D69F-4187-8E9A-51C910F374E7}" %2-9
-call %1 "%2\Software\Classes\Interface\{00433DB0-573D-4801-B12A-0EB32A036708}" %2-10
-call %1 "%2\Software\Classes\Interface\{E9A7E6D8-9C6E-4DEC-AE73-04456755D3B4}" %2-11
-call %1 "%2\Software\Classes\Interface\{A833FC8B-B3F9-4D85-B884-CE90AF699049}" %2-12
-call %1 "%2\Software\Classes\Interface\{2BB53B06-4411-48AB-BC23-EE543279A0C0}" %2-13
-call %1 "%2\Software\Classes\Interface\{3F9A17F1-A228-46E4-AEE9-DF98F778B068}" %2-14
-call %1 "%2\Software\Classes\Interface\{AE855C55-DB37-4765-8AE6-57365E7CF15F}" %2-15
-call %1 "%2\Software\Classes\Interface\{FE5754DD-BF14-449D-947B-0D20D00D3CDF}" %2-16
+call :interfaces %1 %2 %2
+if not defined reg64 exit /b
+rem Those of a type library are registered for programs of 64 bits as well.
+set reg32=%reg%
+set reg=%reg64%
+call :interfaces %1 %2 %2-64
+set reg=%reg32%
+exit /b
+
+:interfaces
+call %1 "%2\Software\Classes\Interface\{00433DB0-573D-4801-B12A-0EB32A036708}" %3-10
+call %1 "%2\Software\Classes\Interface\{E9A7E6D8-9C6E-4DEC-AE73-04456755D3B4}" %3-11
+call %1 "%2\Software\Classes\Interface\{A833FC8B-B3F9-4D85-B884-CE90AF699049}" %3-12
+call %1 "%2\Software\Classes\Interface\{2BB53B06-4411-48AB-BC23-EE543279A0C0}" %3-13
+call %1 "%2\Software\Classes\Interface\{3F9A17F1-A228-46E4-AEE9-DF98F778B068}" %3-14
+call %1 "%2\Software\Classes\Interface\{AE855C55-DB37-4765-8AE6-57365E7CF15F}" %3-15
+call %1 "%2\Software\Classes\Interface\{FE5754DD-BF14-449D-947B-0D20D00D3CDF}" %3-16
 exit /b
 
 :savekey
