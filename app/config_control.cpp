@@ -75,7 +75,7 @@ void CALLBACK EndWithoutLeave(void*, BOOLEAN) {
     EndProcess();
 }
 
-// Whatever this thread waits for.
+// The time is taken by a thread of Windows' own: this one may wait for the engine.
 void EndProcessInTime() {
     HANDLE timer = nullptr;
     CreateTimerQueueTimer(&timer, nullptr, &EndWithoutLeave, nullptr, kLeaveTime, 0, WT_EXECUTEONLYONCE);

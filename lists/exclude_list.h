@@ -19,7 +19,7 @@ struct ExcludeControls {
 class ExcludeList {
 public:
     // The controls outlive this object. markChanged: notes an unsaved change, unless settings are being
-    // loaded. enableApply: notes it even then, as a removal does.
+    // loaded. enableApply: notes one even then: a removal always counts.
     ExcludeList(ExcludeControls& controls, Event enableApply, Event markChanged);
     ExcludeList(const ExcludeList&) = delete;
     ExcludeList& operator=(const ExcludeList&) = delete;
