@@ -242,7 +242,10 @@ TEST_CASE(
     CHECK(CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&next)) ==
           S_OK);
     CHECK(ProcessesOf(kProgram).size() == 2);
-    CHECK(PumpUntil([&] { return board.Sum(&Tally::rounds) > kClients * kRounds / 10; }));
+    // Few calls: the engine may not hold the leave up for longer than the manager waits for it.
+    CHECK(PumpUntil([&] {
+        return std::ranges::all_of(board->tallies, [](const Tally& tally) { return Read(tally.rounds) > 0; });
+    }));
     CHECK(board.Sum(&Tally::refused) > 0);
     CHECK(board.Sum(&Tally::gone) == 0);
     CHECK(ShownIcons() == 0);
