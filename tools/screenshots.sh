@@ -64,11 +64,12 @@ Activate() {
     sleep 0.5
 }
 
-# TakePage PAGE: its picture is in the scratch folder then, as that of the page before the next one.
+# TakePage PAGE: its picture is in the scratch folder then, as that of the page before the next one. A key that comes late
+# must not be taken for one that was lost: pressed twice it would skip a page.
 TakePage() {
     local tries=0
-    until WaitFor 10 PageIsDrawn; do
-        ((++tries < 6)) || Fail "The page $1 did not appear"
+    until WaitFor $kSeconds PageIsDrawn; do
+        ((++tries < 3)) || Fail "The page $1 did not appear"
         [[ ! -e $scratch/before.ppm ]] || { Activate; NextPage; }
     done
     mv "$scratch/page.ppm" "$scratch/before.ppm"
