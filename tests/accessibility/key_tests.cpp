@@ -84,13 +84,11 @@ private:
     }
 };
 
-bool IsChecked(HWND list, int row) {
-    return ListView_GetCheckState(list, row) != 0;
-}
-
 }  // namespace
 
-TEST_CASE("an access key that two buttons share goes round between them, and presses the only one enabled") {
+TEST_CASE_FIXTURE(
+    KeyWindow,
+    "an access key that two buttons share goes round between them, and presses the only one enabled") {
     struct Shared {
         int page;
         wchar_t key;
@@ -100,24 +98,26 @@ TEST_CASE("an access key that two buttons share goes round between them, and pre
     for (const Shared& shared : {Shared{kLog, L'c', IDC_CMDCLEARLIST, IDCANCEL},
                                  Shared{kSearch, L'o', IDC_CMDREMOVESEARCH, IDC_CMDOK}}) {
         CAPTURE(shared.page);
-        const KeyWindow window;
         const HWND onPage = ControlOf(shared.onPage);
         EnableWindow(onPage, TRUE);
-        KeyWindow::Page(shared.page);
+        Page(shared.page);
         for (const wchar_t key : {shared.key, static_cast<wchar_t>(towupper(shared.key)), shared.key}) {
-            KeyWindow::PressWithAlt(key);
-            CHECK(KeyWindow::Focused() == shared.onPage);
-            KeyWindow::PressWithAlt(key);
-            CHECK(KeyWindow::Focused() == shared.ofWindow);
+            PressWithAlt(key);
+            CHECK(Focused() == shared.onPage);
+            PressWithAlt(key);
+            CHECK(Focused() == shared.ofWindow);
         }
-        // Neither was pressed.
-        CHECK(KeyWindow::IsShown());
-        CHECK_FALSE(KeyWindow::CanApply());
+        CHECK(IsShown());
+        CHECK_FALSE(CanApply());
+        Press(VK_SPACE);
+        CHECK_FALSE(IsShown());
 
-        KeyWindow::Focus(IDC_TAB);
+        Instance(formShow);
+        Page(shared.page);
         EnableWindow(onPage, FALSE);
-        KeyWindow::PressWithAlt(shared.key);
-        CHECK_FALSE(KeyWindow::IsShown());
+        PressWithAlt(shared.key);
+        CHECK_FALSE(IsShown());
+        Instance(formShow);
     }
 }
 
@@ -133,16 +133,6 @@ TEST_CASE_FIXTURE(KeyWindow, "access keys reach the buttons of the page that is 
         PressWithAlt(key);
     CHECK(Focused() == IDC_TAB);
     PressWithAlt(L'o');
-    CHECK_FALSE(IsShown());
-}
-
-TEST_CASE_FIXTURE(KeyWindow, "the space bar presses the button that a shared access key has led to") {
-    EnableWindow(ControlOf(IDC_CMDCLEARLIST), TRUE);
-    Page(kLog);
-    PressWithAlt(L'c');
-    PressWithAlt(L'c');
-    REQUIRE(Focused() == IDCANCEL);
-    Press(VK_SPACE);
     CHECK_FALSE(IsShown());
 }
 
@@ -214,24 +204,25 @@ TEST_CASE_FIXTURE(KeyWindow, "Enter presses the button with the focus, and nothi
     }
 }
 
-TEST_CASE("in the lists the arrows select a row, and the space bar ticks one that has a box") {
+TEST_CASE_FIXTURE(KeyWindow,
+                  "in the lists the arrows select a row, and the space bar ticks one that has a box") {
     for (const auto& [page, id] : {std::pair{kExclude, IDC_LSTEXCLUDE},
                                    {kLog, IDC_LSTCLOSEDWND},
                                    {kBanners, IDC_LVWBANNERS},
                                    {kSearch, IDC_LVWSEARCHURLS}}) {
         CAPTURE(page);
-        const KeyWindow window;
-        KeyWindow::Page(page);
+        EnableWindow(ControlOf(IDC_CMDAPPLY), FALSE);
+        Page(page);
         const HWND list = ControlOf(id);
         const bool hasBoxes = page == kBanners || page == kSearch;
         for (const wchar_t* const row : {L"a.example", L"b.example", L"c.example"}) {
             if (!hasBoxes) SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(row));
         }
-        KeyWindow::Press(VK_TAB);
+        Press(VK_TAB);
         REQUIRE(GetFocus() == list);
-        KeyWindow::Press(VK_HOME);
+        Press(VK_HOME);
         for (const auto& [key, row] : {std::pair{VK_DOWN, 1}, {VK_DOWN, 2}, {VK_UP, 1}}) {
-            KeyWindow::Press(static_cast<WPARAM>(key));
+            Press(static_cast<WPARAM>(key));
             const LRESULT selected = hasBoxes ? ListView_GetNextItem(list, -1, LVNI_SELECTED)
                                               : SendMessageW(list, LB_GETCURSEL, 0, 0);
             CHECK(selected == row);
@@ -239,21 +230,21 @@ TEST_CASE("in the lists the arrows select a row, and the space bar ticks one tha
         if (page == kExclude) CHECK(IsWindowEnabled(ControlOf(IDC_CMDREMOVEURL)));
         if (!hasBoxes) continue;
 
-        CHECK_FALSE(KeyWindow::CanApply());
-        const bool before = IsChecked(list, 1);
-        const bool neighbour = IsChecked(list, 2);
-        KeyWindow::Press(VK_SPACE);
-        CHECK(IsChecked(list, 1) == !before);
-        CHECK(KeyWindow::CanApply());
-        KeyWindow::Press(VK_SPACE);
-        CHECK(IsChecked(list, 1) == before);
-        CHECK(IsChecked(list, 2) == neighbour);
+        CHECK_FALSE(CanApply());
+        const UINT before = ListView_GetCheckState(list, 1);
+        const UINT neighbour = ListView_GetCheckState(list, 2);
+        Press(VK_SPACE);
+        CHECK(ListView_GetCheckState(list, 1) != before);
+        CHECK(CanApply());
+        Press(VK_SPACE);
+        CHECK(ListView_GetCheckState(list, 1) == before);
+        CHECK(ListView_GetCheckState(list, 2) == neighbour);
     }
 }
 
 TEST_CASE_FIXTURE(KeyWindow,
                   "the arrows choose among the option buttons, and the space bar ticks check boxes") {
-    const auto isOn = [&](int id) { return SendMessageW(ControlOf(id), BM_GETCHECK, 0, 0) == BST_CHECKED; };
+    const auto isOn = [](int id) { return SendMessageW(ControlOf(id), BM_GETCHECK, 0, 0) == BST_CHECKED; };
     Page(kSettings);
     Press(VK_TAB);
     REQUIRE(Focused() == IDC_OPTLOADWITHKILLER);
@@ -280,9 +271,8 @@ TEST_CASE_FIXTURE(KeyWindow, "what a click on the picture does, the link does by
     const ImportPatch browser("shell32.dll", "ShellExecuteA", &CountOpening);
     Page(kAbout);
     g_timesOpened = 0;
-    const HWND picture = ControlOf(IDC_IMGLOGO);
-    SendMessageW(picture, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
-    SendMessageW(picture, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
+    SendMessageW(ControlOf(IDC_IMGLOGO), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(5, 5));
+    SendMessageW(ControlOf(IDC_IMGLOGO), WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
     CHECK(g_timesOpened == 1);
     Press(VK_TAB);
     REQUIRE(Focused() == IDC_LBLNAVSITE);

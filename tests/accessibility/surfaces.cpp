@@ -106,14 +106,22 @@ Role RoleOf(HWND control) {
     if (name == WC_BUTTONW) return ButtonRole(style);
     if (name == WC_EDITW) return Role::TextBox;
     if (name == WC_COMBOBOXW) return Role::Combo;
-    if (name == WC_LISTBOXW || name == WC_LISTVIEWW) return Role::List;
+    if (name == WC_LISTBOXW) return Role::ListBox;
+    if (name == WC_LISTVIEWW) return Role::ListView;
     if (name == WC_LINK) return Role::Link;
     if (name == UPDOWN_CLASSW) return Role::Spin;
     if (name == WC_TABCONTROLW) return Role::Tabs;
     throw std::runtime_error("a control of unknown kind: " + ToAnsi(name));
 }
 
+std::string NameOf(Role role) {
+    constexpr const char* kNames[] = {"Text",     "Picture", "Button",  "CheckBox", "OptionButton",
+                                      "Frame",    "Link",    "TextBox", "Spin",     "ListBox",
+                                      "ListView", "Combo",   "Tabs"};
+    return kNames[static_cast<int>(role)];
+}
+
 std::string Describe(const Surface& surface, HWND control) {
-    return ToAnsi(surface.name + L": " + ClassOf(control) + L" " + std::to_wstring(GetDlgCtrlID(control)) +
-                  L" \"" + CaptionOf(control) + L'"');
+    return ToAnsi(surface.name) + ": " + NameOf(RoleOf(control)) + " " +
+           std::to_string(GetDlgCtrlID(control)) + " \"" + ToAnsi(CaptionOf(control)) + '"';
 }

@@ -33,11 +33,13 @@ enum class Role {
     Link,
     TextBox,
     Spin,
-    List,
+    ListBox,
+    ListView,
     Combo,
     Tabs
 };
 Role RoleOf(HWND control);
+std::string NameOf(Role role);
 
-// For messages: the surface and what the control says or is.
+// For messages: the surface, and what the control is and says.
 std::string Describe(const Surface& surface, HWND control);

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "tests/accessibility/surfaces.h"
+#include "platform/text.h"
 #include "tests/support/other_process.h"
 
 namespace {
@@ -23,18 +23,19 @@ std::wstring Lengthened(const std::wstring& text, int percent) {
     return added == 0 ? text : text + L' ' + text.substr(0, added - 1);
 }
 
-// A device context that measures in the control's own font.
+// A device context that measures in a font, or in the control's own.
 class FontMeter {
 public:
-    explicit FontMeter(HWND control) : m_control(control), m_dc(GetDC(control)) {
-        const auto font = reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0));
+    FontMeter(HWND window, HFONT font) : m_window(window), m_dc(GetDC(window)) {
         m_before = SelectObject(m_dc, font != nullptr ? font : GetStockObject(SYSTEM_FONT));
     }
+    explicit FontMeter(HWND control)
+        : FontMeter(control, reinterpret_cast<HFONT>(SendMessageW(control, WM_GETFONT, 0, 0))) {}
     FontMeter(const FontMeter&) = delete;
     FontMeter& operator=(const FontMeter&) = delete;
     ~FontMeter() {
         SelectObject(m_dc, m_before);
-        ReleaseDC(m_control, m_dc);
+        ReleaseDC(m_window, m_dc);
     }
 
     // The size of the text as DrawText writes it; width counts where it breaks lines.
@@ -55,7 +56,7 @@ public:
     }
 
 private:
-    HWND m_control;
+    HWND m_window;
     HDC m_dc;
     HGDIOBJ m_before;
 };
@@ -176,8 +177,9 @@ std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int long
             return {OneLine(where, control, text, {2 * Scaled(kFrameMargin), 0}, 0)};
         case Role::Combo:
             return Items(where, control, longer);
-        case Role::List:
-            if (ClassOf(control) == WC_LISTVIEWW) return HeadingsOf(where, control, longer);
+        case Role::ListView:
+            return HeadingsOf(where, control, longer);
+        case Role::ListBox:
             return {OneLine(where, control, L"www.example.com", {2 * Scaled(kListRowMargin), 0})};
         case Role::Tabs:
             return {TabsOf(where, control, longer)};
@@ -190,26 +192,22 @@ std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int long
     return {};
 }
 
-Caption TitleOf(const std::string& where, HWND window, int longer) {
+Caption TitleOf(const Surface& surface, int longer) {
+    const HWND window = surface.window;
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof(metrics);
     SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0);
-    const HDC screen = GetDC(nullptr);
     const HFONT font = CreateFontIndirectW(&metrics.lfCaptionFont);
-    const HGDIOBJ before = SelectObject(screen, font);
-    RECT bounds{};
-    DrawTextW(screen, Lengthened(ShownText(window), longer).c_str(), -1, &bounds,
-              DT_CALCRECT | DT_SINGLELINE | DT_NOPREFIX);
-    SelectObject(screen, before);
+    const SIZE text =
+        FontMeter(window, font).Measure(Lengthened(ShownText(window), longer), DT_SINGLELINE | DT_NOPREFIX);
     DeleteObject(font);
-    ReleaseDC(nullptr, screen);
 
     const DWORD style = StyleOf(window);
     const int buttons = (style & WS_MINIMIZEBOX) != 0 ? 3 : 1;
     const RECT whole = BoundsOf(window);
     const int round = buttons * GetSystemMetrics(SM_CXSIZE) + GetSystemMetrics(SM_CXSMICON) +
                       2 * GetSystemMetrics(SM_CXDLGFRAME) + Scaled(kTextBoxMargin);
-    return {where + ", title",
-            {bounds.right + round, bounds.bottom},
+    return {ToAnsi(surface.name) + ", title",
+            {text.cx + round, text.cy},
             {whole.right - whole.left, GetSystemMetrics(SM_CYCAPTION)}};
 }

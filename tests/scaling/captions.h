@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/accessibility/surfaces.h"
+
 // One text that somebody has to read, in pixels.
 struct Caption {
     std::string where;
@@ -20,7 +22,7 @@ struct Caption {
 std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int longer = 0);
 
 // Of the title bar.
-Caption TitleOf(const std::string& where, HWND window, int longer = 0);
+Caption TitleOf(const Surface& surface, int longer = 0);
 
 int Dpi();
 

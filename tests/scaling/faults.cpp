@@ -99,7 +99,7 @@ std::string TextOf(const std::vector<std::string>& faults) {
 
 std::vector<std::string> FaultsOf(const Surface& surface) {
     std::vector<std::string> faults;
-    AddCutOff(TitleOf(Describe(surface, surface.window), surface.window), faults);
+    AddCutOff(TitleOf(surface), faults);
     for (const HWND control : surface.controls)
         std::ranges::move(FaultsOf(surface, control), std::back_inserter(faults));
     return faults;

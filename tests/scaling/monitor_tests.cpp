@@ -8,14 +8,12 @@
 #include <cstdlib>
 #include <iterator>
 #include <map>
-#include <string>
 #include <vector>
 
-#include "tests/accessibility/surfaces.h"
-#include "tests/entry/window_inside.h"
+#include "app/resource.h"
+#include "tests/scaling/captions.h"
 #include "tests/scaling/faults.h"
 #include "tests/scaling/monitor.h"
-#include "tests/scaling/captions.h"
 #include "tests/support/other_process.h"
 
 namespace {
@@ -49,79 +47,58 @@ bool IsScaled(LONG height, LONG before, int dpi) {
     return std::abs(height - MulDiv(before, dpi, Dpi())) <= 1;
 }
 
-LONG WidthOf(HWND window) {
-    const RECT bounds = BoundsOf(window);
-    return bounds.right - bounds.left;
+// The texts of the tabs keep their distance from the edges.
+void CheckTabPadding(const Surface& surface, int dpi) {
+    // Short ones have more space than they need, since tabs have a least width.
+    constexpr int kSettings = 0;
+    const HWND tabs = GetDlgItem(surface.window, IDC_TAB);
+    if (tabs == nullptr) return;
+    RECT tab{};
+    TabCtrl_GetItemRect(tabs, kSettings, &tab);
+    const LONG beside = tab.right - tab.left - SizeOfText(tabs, TabText(tabs, kSettings)).cx;
+    CHECK(beside >= 2 * MulDiv(kTabPadding, dpi, kDefaultDpi));
 }
 
 }  // namespace
 
-TEST_CASE("window, fonts, places and columns follow each move between monitors, and nothing is cut off") {
+TEST_CASE(
+    "window, fonts, places and columns follow each move between monitors, nothing is cut off, and a "
+    "resolution looks as it did the first time") {
     int checked = 0;
     ForEachSurface([&](const Surface& surface) {
         CAPTURE(surface.name);
+        const std::vector<LONG> start = PlacesOf(surface);
+        const LONG width = start[2] - start[0];
         std::map<HWND, LONG> heights;
         for (const HWND control : surface.controls)
             heights[control] = FontHeightOf(control);
-        const LONG width = WidthOf(surface.window);
+        std::map<int, std::vector<LONG>> first;
         for (const int dpi : kMoves) {
             CAPTURE(dpi);
             const RECT suggested = MoveToMonitor(surface.window, dpi);
             const RECT bounds = BoundsOf(surface.window);
             CHECK(EqualRect(&bounds, &suggested));
             // Letters are a whole number of pixels wide, so that a window is not exactly in proportion.
-            CHECK(std::abs(WidthOf(surface.window) - MulDiv(width, dpi, Dpi())) < width / 4);
-            CHECK((WidthOf(surface.window) > width) == (dpi > Dpi()));
+            CHECK(std::abs(bounds.right - bounds.left - MulDiv(width, dpi, Dpi())) < width / 4);
+            CHECK((bounds.right - bounds.left > width) == (dpi > Dpi()));
             for (const HWND control : surface.controls) {
                 CAPTURE(Describe(surface, control));
                 if (RoleOf(control) != Role::Spin)
                     CHECK(IsScaled(FontHeightOf(control), heights[control], dpi));
                 ++checked;
             }
+            CheckTabPadding(surface, dpi);
             // The frame of the window stays as it is at this process's resolution: Wine does not scale it.
             if (dpi >= Dpi()) CHECK(TextOf(FaultsOf(surface)) == "");
-        }
-        MoveToMonitor(surface.window, Dpi());
-    });
-    CHECK(checked > 60 * static_cast<int>(std::size(kMoves)));
-}
-
-TEST_CASE("the texts of the tabs keep their distance from the edges in proportion") {
-    InsideWithoutEngine inside;
-    inside.Instance(formShow);
-    const HWND tabs = GetDlgItem(Window(), IDC_TAB);
-    // Short ones have more space than they need, since tabs have a least width.
-    constexpr int kSettings = 0;
-    for (const int dpi : kMoves) {
-        CAPTURE(dpi);
-        MoveToMonitor(Window(), dpi);
-        RECT tab{};
-        TabCtrl_GetItemRect(tabs, kSettings, &tab);
-        const LONG beside = tab.right - tab.left - SizeOfText(tabs, TabText(tabs, kSettings)).cx;
-        CHECK(beside >= 2 * MulDiv(kTabPadding, dpi, kDefaultDpi));
-    }
-}
-
-TEST_CASE("after any way through the monitors every bound is the one of the first time") {
-    ForEachSurface([](const Surface& surface) {
-        CAPTURE(surface.name);
-        const POINT place{BoundsOf(surface.window).left, BoundsOf(surface.window).top};
-        const auto moveBack = [&] {
-            SetWindowPos(surface.window, nullptr, place.x, place.y, 0, 0,
-                         SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
-        };
-        const std::vector<LONG> start = PlacesOf(surface);
-        std::map<int, std::vector<LONG>> first;
-        for (const int dpi : kMoves) {
-            CAPTURE(dpi);
-            MoveToMonitor(surface.window, dpi);
             const std::vector<LONG> places = PlacesOf(surface);
             CHECK(first.try_emplace(dpi, places).first->second == places);
         }
         MoveToMonitor(surface.window, Dpi());
-        moveBack();
+        SetWindowPos(surface.window, nullptr, start[0], start[1], 0, 0,
+                     SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
         CHECK(PlacesOf(surface) == start);
     });
+    CHECK(checked > 60 * static_cast<int>(std::size(kMoves)));
 }
 
 TEST_CASE("a window grows at once when the user asks for larger text, and shrinks again") {
