@@ -1,4 +1,4 @@
-// A server of two classes that the tests register, and what the registry holds of it.
+// A server of two classes, registered in a registry of the test's own.
 #pragma once
 
 #include <doctest.h>
@@ -6,53 +6,116 @@
 #include <windows.h>
 #include <oleauto.h>
 
-#include <set>
 #include <string>
+#include <vector>
 
-#include "platform/com/com_ptr.h"
+#include "platform/com/own_type_library.h"
 #include "platform/com/registration.h"
+#include "platform/executable_path.h"
+#include "platform/handle.h"
+#include "tests/support/shown_text.h"
+#include "tests/support/test_hive.h"
+#include "tray/type_libraries.h"
 
 inline constexpr CLSID kFirstClass = {
     0x9d2c1a40, 0x5b7e, 0x4c11, {0x8e, 0x01, 0x3a, 0x52, 0x77, 0x10, 0x6b, 0x01}};
 inline constexpr CLSID kSecondClass = {
     0x9d2c1a40, 0x5b7e, 0x4c11, {0x8e, 0x01, 0x3a, 0x52, 0x77, 0x10, 0x6b, 0x02}};
-inline constexpr wchar_t kFirstKey[] = L"Software\\Classes\\CLSID\\{9D2C1A40-5B7E-4C11-8E01-3A5277106B01}";
-inline constexpr wchar_t kFirstServerKey[] =
-    L"Software\\Classes\\CLSID\\{9D2C1A40-5B7E-4C11-8E01-3A5277106B01}\\LocalServer32";
+
+inline const std::wstring kClasses = L"Software\\Classes\\";
+inline const std::wstring kFirstKey = kClasses + L"CLSID\\{9D2C1A40-5B7E-4C11-8E01-3A5277106B01}";
+inline const std::wstring kFirstServerKey = kFirstKey + L"\\LocalServer32";
+inline const std::wstring kFirstName = kClasses + L"RegistrationTests.First";
+inline const std::wstring kSecondName = kClasses + L"RegistrationTests.Second";
+
+// The public type library of the manager, and where the registry tells its path.
+inline constexpr wchar_t kLibrary[] = L"{5260E1ED-AE71-44D7-8381-905CDE9DC4A2}";
+inline const std::wstring kLibraryKey = kClasses + L"TypeLib\\" + kLibrary;
+inline const std::wstring kLibraryPathKey = kLibraryKey + L"\\1.0\\0\\win32";
+
 inline constexpr wchar_t kOtherServer[] = L"C:\\elsewhere\\server.exe";
 
-ServerDescription TestServer();
+inline ServerDescription TestServer() {
+    return {
+        .classes = {{kFirstClass, L"RegistrationTests.First", L"First test class", kPublicTypeLibrary},
+                    {kSecondClass, L"RegistrationTests.Second", L"Second test class", kPublicTypeLibrary}},
+        .typeLibraries = {kPublicTypeLibrary}};
+}
 
-// Every key and value below a key, one a line.
-using Export = std::set<std::wstring>;
+// The machine's and the user's registry: every key, and every value with its type and size.
+using Export = std::vector<std::wstring>;
 
-// What a registration can touch.
-Export ExportClasses();
+inline void AddKey(HKEY key, const std::wstring& path, Export& lines) {
+    lines.push_back(L'[' + path + L']');
+    wchar_t name[1024];
+    for (DWORD i = 0;; ++i) {
+        wchar_t data[1024]{};
+        DWORD length = 1024;
+        DWORD size = sizeof(data) - sizeof(wchar_t);
+        DWORD type = 0;
+        if (RegEnumValueW(key, i, name, &length, nullptr, &type, reinterpret_cast<BYTE*>(data), &size) !=
+            ERROR_SUCCESS) {
+            break;
+        }
+        lines.push_back(std::wstring(name) + L'=' + data + L", type " + std::to_wstring(type) + L", " +
+                        std::to_wstring(size) + L" bytes");
+    }
+    for (DWORD i = 0; RegEnumKeyW(key, i, name, 1024) == ERROR_SUCCESS; ++i) {
+        RegistryKey child;
+        REQUIRE(RegOpenKeyExW(key, name, 0, KEY_READ, child.Put()) == ERROR_SUCCESS);
+        AddKey(child.Get(), path + L'\\' + name, lines);
+    }
+}
 
-// The same for the test server alone, which is quick to walk.
-Export ExportTestServer();
-
-// The lines that only one of the exports has; empty when they are equal.
-std::string Difference(const Export& before, const Export& after);
+inline Export Exported() {
+    Export lines;
+    AddKey(HKEY_LOCAL_MACHINE, L"HKLM", lines);
+    AddKey(HKEY_CURRENT_USER, L"HKCU", lines);
+    return lines;
+}
 
 // A text of the registry, "(none)" where there is none.
-std::wstring Stored(HKEY hive, const std::wstring& key, const wchar_t* name = nullptr);
-void Store(HKEY hive, const std::wstring& key, const wchar_t* name, const std::wstring& text);
+inline std::wstring Stored(HKEY root, const std::wstring& key, const wchar_t* name = nullptr) {
+    wchar_t text[1024] = L"";
+    DWORD size = sizeof(text);
+    const LSTATUS status = RegGetValueW(root, key.c_str(), name, RRF_RT_REG_SZ, nullptr, text, &size);
+    return status == ERROR_SUCCESS ? text : L"(none)";
+}
 
-// As if the server had been registered from another folder, with this command line.
-void MoveElsewhere(const std::wstring& commandLine);
-
-// Where the machine's registry says that the public type library lies; empty where it does not.
-std::wstring RegisteredLibraryPath();
-
-// Nothing of the test server is registered when a test starts. The type library is the manager's own: a
-// registration of it by the manager returns afterwards.
+// The registry as a test finds it: classes and type libraries of others, and nothing of the test server.
 struct CleanRegistry {
-    CleanRegistry();
-    ~CleanRegistry();
+    CleanRegistry() {
+        // The one that all type libraries refer to.
+        constexpr wchar_t kStandardLibrary[] = L"TypeLib\\{00020430-0000-0000-C000-000000000046}";
+        for (const TestHive* const hive : {&machine, &user}) {
+            hive->Write(kClasses + kStandardLibrary, L"", L"OLE Automation");
+            hive->Write(kClasses + L"Interface", L"", L"");
+        }
+        machine.Write(kClasses + L"CLSID\\{00000000-0000-0000-0000-000000000001}", L"", L"Another class");
+        RegistryKey library;
+        REQUIRE(RegOpenKeyExW(HKEY_LOCAL_MACHINE, (kClasses + kStandardLibrary).c_str(), 0, KEY_ALL_ACCESS,
+                              library.Put()) == ERROR_SUCCESS);
+        REQUIRE(RegCopyTreeW(HKEY_CLASSES_ROOT, kStandardLibrary, library.Get()) == ERROR_SUCCESS);
+        REQUIRE(RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"Software\\Classes", 0, KEY_ALL_ACCESS, m_classes.Put()) ==
+                ERROR_SUCCESS);
+        REQUIRE(RegOverridePredefKey(HKEY_CLASSES_ROOT, m_classes.Get()) == ERROR_SUCCESS);
+        before = Exported();
+    }
+    CleanRegistry(const CleanRegistry&) = delete;
+    CleanRegistry& operator=(const CleanRegistry&) = delete;
+    ~CleanRegistry() { RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
 
+    // As if the server had been registered from another folder, with this command line.
+    void MoveElsewhere(const std::wstring& commandLine) const {
+        machine.Write(kFirstServerKey, L"", commandLine);
+        machine.Write(kFirstServerKey, L"ServerExecutable", kOtherServer);
+        OwnTypeLibrary(kPublicTypeLibrary).Register(false, kOtherServer);
+    }
+
+    const TestHive machine{HKEY_LOCAL_MACHINE};
+    const TestHive user{HKEY_CURRENT_USER};
     Export before;
 
 private:
-    std::wstring m_libraryPath;
+    RegistryKey m_classes;
 };

@@ -1,4 +1,4 @@
-// Decorators of test cases that are skipped on Windows; the reason is printed.
+// A decorator of test cases that are skipped on Windows; the reason is printed.
 #pragma once
 
 #include <doctest.h>
@@ -14,5 +14,3 @@ struct OnlyUnderWine {
     }
 };
 
-// Under Wine everybody is an administrator. On Windows the tests run without such rights.
-inline constexpr OnlyUnderWine kAsAdministrator{"only an administrator may write to the machine's registry"};
