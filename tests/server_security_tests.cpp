@@ -19,11 +19,9 @@ struct Calls {
     std::vector<std::string> order;
     HRESULT result = S_OK;
 
-    // The arguments of CoInitializeSecurity: of the descriptor, and the plain ones.
+    // The arguments of CoInitializeSecurity.
     SECURITY_DESCRIPTOR_CONTROL control = 0;
-    std::string owner;
-    std::string group;
-    std::vector<std::string> entries;
+    std::string descriptor;
     LONG services = 0;
     bool othersAreNull = false;
     DWORD authentication = 0;
@@ -33,26 +31,15 @@ struct Calls {
 
 Calls g_calls;
 
-std::string SidText(PSID sid) {
+// Of the owner, the group and the list of those who are admitted.
+std::string TextOf(PSECURITY_DESCRIPTOR descriptor) {
     wchar_t* text = nullptr;
-    if (sid == nullptr || !ConvertSidToStringSidW(sid, &text)) return "(none)";
+    REQUIRE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
+        descriptor, SDDL_REVISION_1,
+        OWNER_SECURITY_INFORMATION | GROUP_SECURITY_INFORMATION | DACL_SECURITY_INFORMATION, &text, nullptr));
     std::string copy = ToAnsi(text);
     LocalFree(text);
     return copy;
-}
-
-// One line for each entry: its type, its flags, its rights and whom it is about.
-std::vector<std::string> EntriesOf(PACL list) {
-    std::vector<std::string> entries;
-    for (DWORD i = 0; list != nullptr && i < list->AceCount; ++i) {
-        void* entry = nullptr;
-        REQUIRE(GetAce(list, i, &entry));
-        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-        entries.push_back(std::to_string(allowed->Header.AceType) + " " +
-                          std::to_string(allowed->Header.AceFlags) + " " + std::to_string(allowed->Mask) +
-                          " " + SidText(&allowed->SidStart));
-    }
-    return entries;
 }
 
 HRESULT WINAPI TakeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG serviceCount,
@@ -62,18 +49,8 @@ HRESULT WINAPI TakeSecurity(PSECURITY_DESCRIPTOR descriptor, LONG serviceCount,
     g_calls.order.push_back(isValid ? "CoInitializeSecurity" : "CoInitializeSecurity without a descriptor");
     if (!isValid) return g_calls.result;
     DWORD revision = 0;
-    PSID owner = nullptr;
-    PSID group = nullptr;
-    PACL entries = nullptr;
-    BOOL present = FALSE;
-    BOOL defaulted = FALSE;
     CHECK(GetSecurityDescriptorControl(descriptor, &g_calls.control, &revision));
-    CHECK(GetSecurityDescriptorOwner(descriptor, &owner, &defaulted));
-    CHECK(GetSecurityDescriptorGroup(descriptor, &group, &defaulted));
-    CHECK(GetSecurityDescriptorDacl(descriptor, &present, &entries, &defaulted));
-    g_calls.owner = SidText(owner);
-    g_calls.group = SidText(group);
-    g_calls.entries = EntriesOf(entries);
+    g_calls.descriptor = TextOf(descriptor);
     g_calls.services = serviceCount;
     g_calls.othersAreNull =
         services == nullptr && reserved1 == nullptr && list == nullptr && reserved3 == nullptr;
@@ -101,33 +78,23 @@ struct Recorder {
     ImportPatch resume{"ole32.dll", "CoResumeClassObjects", &TakeResume};
 };
 
-std::string OwnSid() {
+std::wstring OwnSid() {
     HANDLE token = nullptr;
     REQUIRE(OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token));
     std::vector<BYTE> bytes(1024);
     DWORD size = 0;
     REQUIRE(GetTokenInformation(token, TokenUser, bytes.data(), static_cast<DWORD>(bytes.size()), &size));
     CloseHandle(token);
-    return SidText(reinterpret_cast<TOKEN_USER*>(bytes.data())->User.Sid);
+    wchar_t* text = nullptr;
+    REQUIRE(ConvertSidToStringSidW(reinterpret_cast<TOKEN_USER*>(bytes.data())->User.Sid, &text));
+    std::wstring copy = text;
+    LocalFree(text);
+    return copy;
 }
 
-BOOL WINAPI NoToken(HANDLE, DWORD, PHANDLE) {
-    SetLastError(ERROR_ACCESS_DENIED);
-    return FALSE;
-}
-
-BOOL WINAPI NoTokenInformation(HANDLE, TOKEN_INFORMATION_CLASS, LPVOID, DWORD, PDWORD) {
-    SetLastError(ERROR_INSUFFICIENT_BUFFER);
-    return FALSE;
-}
-
-BOOL WINAPI NoWellKnownSid(WELL_KNOWN_SID_TYPE, PSID, PSID, DWORD*) {
-    SetLastError(ERROR_INVALID_PARAMETER);
-    return FALSE;
-}
-
-BOOL WINAPI NoEntryWithoutReason(PACL, DWORD, DWORD, PSID) {
-    SetLastError(ERROR_SUCCESS);
+template <DWORD error, class... Arguments>
+BOOL WINAPI Fail(Arguments...) {
+    SetLastError(error);
     return FALSE;
 }
 
@@ -148,16 +115,17 @@ int Run(std::wstring command) {
 TEST_CASE_FIXTURE(Recorder,
                   "own user, system and administrators are admitted from this machine, and nobody else") {
     CHECK(AdmitOwnUserOnly() == S_OK);
-    const std::string own = OwnSid();
-    const std::string allowed =
-        "0 0 3 ";  // an allowing entry, not inherited, COM_RIGHTS_EXECUTE and _EXECUTE_LOCAL
-    CHECK(g_calls.entries ==
-          std::vector<std::string>{allowed + own, allowed + "S-1-5-18", allowed + "S-1-5-32-544"});
-    CHECK(own.starts_with("S-1-"));
-    // The descriptor is in absolute form and has an owner and a group.
+    const std::wstring own = OwnSid();
+    // Entries that allow, are not inherited, and give COM_RIGHTS_EXECUTE and COM_RIGHTS_EXECUTE_LOCAL.
+    const std::wstring expected =
+        L"O:" + own + L"G:" + own + L"D:(A;;0x3;;;" + own + L")(A;;0x3;;;SY)(A;;0x3;;;BA)";
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    REQUIRE(ConvertStringSecurityDescriptorToSecurityDescriptorW(expected.c_str(), SDDL_REVISION_1,
+                                                                 &descriptor, nullptr));
+    CHECK(g_calls.descriptor == TextOf(descriptor));
+    LocalFree(descriptor);
+    // The descriptor is in absolute form.
     CHECK(g_calls.control == SE_DACL_PRESENT);
-    CHECK(g_calls.owner == own);
-    CHECK(g_calls.group == own);
 }
 
 TEST_CASE_FIXTURE(Recorder,
@@ -173,19 +141,24 @@ TEST_CASE_FIXTURE(Recorder,
 
 TEST_CASE_FIXTURE(Recorder, "a user who cannot be found out is not replaced by everybody") {
     SUBCASE("no token") {
-        const ImportPatch patch("advapi32.dll", "OpenProcessToken", &NoToken);
+        const ImportPatch patch("advapi32.dll", "OpenProcessToken",
+                                &Fail<ERROR_ACCESS_DENIED, HANDLE, DWORD, PHANDLE>);
         CHECK(Run(L"-Embedding") == E_ACCESSDENIED);
     }
     SUBCASE("a token that tells nothing") {
-        const ImportPatch patch("advapi32.dll", "GetTokenInformation", &NoTokenInformation);
+        const ImportPatch patch(
+            "advapi32.dll", "GetTokenInformation",
+            &Fail<ERROR_INSUFFICIENT_BUFFER, HANDLE, TOKEN_INFORMATION_CLASS, LPVOID, DWORD, PDWORD>);
         CHECK(AdmitOwnUserOnly() == HRESULT_FROM_WIN32(ERROR_INSUFFICIENT_BUFFER));
     }
     SUBCASE("no account of the system") {
-        const ImportPatch patch("advapi32.dll", "CreateWellKnownSid", &NoWellKnownSid);
+        const ImportPatch patch("advapi32.dll", "CreateWellKnownSid",
+                                &Fail<ERROR_INVALID_PARAMETER, WELL_KNOWN_SID_TYPE, PSID, PSID, DWORD*>);
         CHECK(AdmitOwnUserOnly() == E_INVALIDARG);
     }
     SUBCASE("a failure without a reason") {
-        const ImportPatch patch("advapi32.dll", "AddAccessAllowedAce", &NoEntryWithoutReason);
+        const ImportPatch patch("advapi32.dll", "AddAccessAllowedAce",
+                                &Fail<ERROR_SUCCESS, PACL, DWORD, DWORD, PSID>);
         CHECK(AdmitOwnUserOnly() == E_FAIL);
     }
     CHECK(g_calls.order.empty());
