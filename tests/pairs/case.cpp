@@ -5,8 +5,6 @@
 #include <algorithm>
 
 #include "app/resource.h"
-#include "lists/resource.h"
-#include "options/resource.h"
 #include "store/first_run.h"
 #include "tests/support/plain_log.h"
 #include "tray/picture_array.h"
@@ -18,19 +16,6 @@ BOOL CALLBACK Take(HWND hwnd, LPARAM windows) {
     return TRUE;
 }
 
-BOOL CALLBACK Collect(HWND hwnd, LPARAM windows) {
-    wchar_t name[16] = L"";
-    GetClassNameW(hwnd, name, 16);
-    const bool isConfig = lstrcmpW(name, L"#32770") == 0 && GetWindow(hwnd, GW_OWNER) == nullptr;
-    return isConfig ? Take(hwnd, windows) : TRUE;
-}
-
-std::vector<HWND> ConfigWindows() {
-    std::vector<HWND> windows;
-    EnumThreadWindows(GetCurrentThreadId(), Collect, reinterpret_cast<LPARAM>(&windows));
-    return windows;
-}
-
 ULONG ReferencesOf(IUnknown* object) {
     if (object == nullptr) return 0;
     object->AddRef();
@@ -39,7 +24,7 @@ ULONG ReferencesOf(IUnknown* object) {
 
 }  // namespace
 
-Case::Case() : locks(Locks()) {
+Case::Case() {
     WriteFirstRunDefaults();
     for (const char* const row : {"0", "1", "2"})
         registry.contents["HKCU\\Software\\Calvane\\Exclude"][row].bytes = std::string("excluded") + row;
@@ -86,15 +71,13 @@ void Case::Restore(bool reloads, bool hasCommands) {
     if (SendMessageW(Child(IDC_TAB), TCM_GETCURSEL, 0, 0) != 0)
         SendMessageW(Child(IDC_TAB), TCM_SETCURFOCUS, 0, 0);
     if (outside.icons.empty() || outside.pictureBoxes != 0) {
-        ComPtr<IDispatch> picture;
-        Form()->get_picShellIcon(&picture);
         Icon()->RemoveIcon();
-        Icon()->AddIcon(picture.Get());
+        AddIcon();
     }
     PumpPosted();
 }
 
-Case::References Case::Held() const {
+std::array<ULONG, 3> Case::Held() const {
     ComPtr<_ShellNotification> icon = Icon();
     const ULONG iconReferences = ReferencesOf(icon.Get());
     icon.Reset();
@@ -102,12 +85,8 @@ Case::References Case::Held() const {
 }
 
 HWND Case::Window() const {
-    const auto windows = ConfigWindows();
+    const std::vector<HWND> windows = Outside::Dialogs(false);
     return windows.empty() ? nullptr : windows.front();
-}
-
-size_t Case::Windows() const {
-    return ConfigWindows().size();
 }
 
 HWND Case::Child(int id) const {
@@ -130,6 +109,14 @@ ComPtr<_ShellNotification> Case::Icon() const {
     return icon;
 }
 
+ComPtr<_PictureBox> Case::Picture() const {
+    ComPtr<_PictureBox> box;
+    ComPtr<IDispatch> object;
+    if (g_frmConfig != nullptr) Form()->get_picTray(0, &object);
+    if (object != nullptr) object->QueryInterface(IID_PPV_ARGS(&box));
+    return box;
+}
+
 bool Case::Press(int id) const {
     const HWND button = Child(id);
     if (button == nullptr) return false;
@@ -137,22 +124,21 @@ bool Case::Press(int id) const {
     return true;
 }
 
-bool Case::Select(int list, int row) const {
-    const HWND hwnd = Child(list);
-    if (hwnd == nullptr || SendMessageW(hwnd, LB_GETCOUNT, 0, 0) <= row) return false;
-    SendMessageW(hwnd, LB_SETCURSEL, static_cast<WPARAM>(row), 0);
-    SendMessageW(GetParent(hwnd), WM_COMMAND, MAKEWPARAM(list, LBN_SELCHANGE),
-                 reinterpret_cast<LPARAM>(hwnd));
-    return true;
+bool Case::PressApply() const {
+    EnableWindow(Child(IDC_CMDAPPLY), TRUE);
+    return Press(IDC_CMDAPPLY);
 }
 
-bool Case::SelectItem(int listView, int row) const {
-    const HWND hwnd = Child(listView);
-    if (hwnd == nullptr || SendMessageW(hwnd, LVM_GETITEMCOUNT, 0, 0) <= row) return false;
-    LVITEMW item{};
-    item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
-    item.state = item.stateMask;
-    SendMessageW(hwnd, LVM_SETITEMSTATE, static_cast<WPARAM>(row), reinterpret_cast<LPARAM>(&item));
+bool Case::Select(int list, int row) const {
+    const HWND hwnd = Child(list);
+    if (hwnd == nullptr || RowCount(list) <= row) return false;
+    if (ClassOf(hwnd) == WC_LISTVIEWW) {
+        ListView_SetItemState(hwnd, row, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
+    } else {
+        SendMessageW(hwnd, LB_SETCURSEL, static_cast<WPARAM>(row), 0);
+        SendMessageW(GetParent(hwnd), WM_COMMAND, MAKEWPARAM(list, LBN_SELCHANGE),
+                     reinterpret_cast<LPARAM>(hwnd));
+    }
     return true;
 }
 
@@ -174,14 +160,24 @@ bool Case::Choose(UINT item) {
     return Gesture(WM_RBUTTONUP) && outside.menus > menus;
 }
 
-void Case::EnableApply() const {
-    EnableWindow(Child(IDC_CMDAPPLY), TRUE);
-}
-
 bool Case::Raise(DISPID event, std::vector<Variant> arguments) {
     if (outside.engine.popup == nullptr || outside.engine.ConnectionCount() == 0) return false;
     outside.engine.Raise(event, std::move(arguments));
     return true;
+}
+
+bool Case::NewTaskbar() {
+    const HWND window = Window();
+    if (window == nullptr) return false;
+    outside.icons.clear();
+    SendMessageW(window, RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
+    return true;
+}
+
+void Case::AddIcon() const {
+    ComPtr<IDispatch> picture;
+    Form()->get_picShellIcon(&picture);
+    Icon()->AddIcon(picture.Get());
 }
 
 HRESULT Case::Animate() const {
@@ -194,6 +190,20 @@ HRESULT Case::Animate() const {
         pictures.Item(i, picture.Get());
     }
     return icon->AnimateIcon(pictures.Reference(), kFrameTick, 1, HandleToLong(Window()));
+}
+
+void Case::HaveRefusedIcon(IDispatch* picture) {
+    const auto icon = Icon();
+    icon->RemoveIcon();
+    outside.shellIsBusy = true;
+    icon->AddIcon(picture);
+    outside.shellIsBusy = false;
+}
+
+void Case::HaveRefusedChange() {
+    outside.engine.script.results["ReloadSettings"] = RPC_E_CALL_REJECTED;
+    PressApply();
+    outside.engine.script.results.clear();
 }
 
 void PumpPosted() {
@@ -215,14 +225,8 @@ void Case::Settle() {
     PumpPosted();
 }
 
-int Case::ItemCount(int listView) const {
-    return static_cast<int>(SendMessageW(Child(listView), LVM_GETITEMCOUNT, 0, 0));
-}
-
-size_t Case::StoredRows(const std::string& key, size_t first, const std::string& field) const {
-    const auto stored = registry.contents.find("HKCU\\Software\\Calvane\\" + key);
-    size_t rows = 0;
-    while (stored != registry.contents.end() && stored->second.contains(std::to_string(first + rows) + field))
-        ++rows;
-    return rows;
+int Case::RowCount(int list) const {
+    const HWND hwnd = Child(list);
+    const UINT message = ClassOf(hwnd) == WC_LISTVIEWW ? LVM_GETITEMCOUNT : LB_GETCOUNT;
+    return static_cast<int>(SendMessageW(hwnd, message, 0, 0));
 }

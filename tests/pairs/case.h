@@ -3,14 +3,18 @@
 
 #include <windows.h>
 
+#include <array>
 #include <string>
 #include <vector>
 
+#include "lists/resource.h"
+#include "options/resource.h"
 #include "tests/entry/inside.h"
 #include "tests/pairs/outside.h"
 #include "tests/support/other_process.h"
 #include "tests/support/registry_calls.h"
 #include "tests/support/test_folder.h"
+#include "tray/picture_box.h"
 #include "tray/tray_menu.h"
 
 inline constexpr DISPID kKilled = 1;
@@ -30,7 +34,7 @@ public:
 
     // The configuration window; null where there is none. More than one is counted by Windows().
     HWND Window() const;
-    size_t Windows() const;
+    size_t Windows() const { return Outside::Dialogs(false).size(); }
     HWND Child(int id) const;
     bool IsEnabled(int id) const { return IsWindowEnabled(Child(id)) != FALSE; }
 
@@ -47,42 +51,39 @@ public:
     // References of the test's own, as a client holds them.
     ComPtr<frmConfig> Form() const { return g_frmConfig; }
     ComPtr<_ShellNotification> Icon() const;
+    ComPtr<_PictureBox> Picture() const;
 
     // As the user does it. Each returns false where there is no such window.
     bool Press(int id) const;  // a button
+    bool PressApply() const;   // also while it is disabled
     bool Select(int list, int row) const;
-    bool SelectItem(int listView, int row) const;
     bool TakesGestures() const;          // the icon knows the window only once it has been loaded
     bool Gesture(LPARAM gesture) const;  // over the icon
     bool Choose(UINT item);              // in the tray menu; one that is open keeps others from opening
-    void EnableApply() const;
 
     bool Raise(DISPID event, std::vector<Variant> arguments = {});
+    bool NewTaskbar();
+    void AddIcon() const;     // the window's own
     HRESULT Animate() const;  // with the window's own pictures
+
+    // An icon that the shell refuses as it is busy, and a change that the engine refuses: they are made again
+    // with a later tick.
+    void HaveRefusedIcon(IDispatch* picture);
+    void HaveRefusedChange();
 
     // Until nothing is left to be done: messages, ticks.
     void Settle();
 
-    Rows RowsOf(int list) const { return ListBoxRows(Child(list)); }
-    int ItemCount(int listView) const;
-
-    // The rows that a key of the store holds, whose numbers begin with first.
-    size_t StoredRows(const std::string& key, size_t first, const std::string& field) const;
+    int RowCount(int list) const;
 
     RegistryCalls registry{RegistryCalls::Of::Memory};
     Outside outside;
 
     // The process's locks when nobody but the test's ConfigControl needs it.
-    ULONG locks = 0;
+    ULONG locks = Locks();
 
-    // Who holds what, as long as the window lives.
-    struct References {
-        ULONG locks;
-        ULONG form;
-        ULONG icon;
-        bool operator==(const References&) const = default;
-    };
-    References Held() const;
+    // Who holds what, as long as the window lives: the process, the form, the icon.
+    std::array<ULONG, 3> Held() const;
 
     // What the log must show.
     Rows newestLines;

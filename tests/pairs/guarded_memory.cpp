@@ -5,10 +5,13 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <new>
+#include <span>
+#include <utility>
 
 namespace {
 
@@ -25,23 +28,15 @@ std::size_t next = 0;
 std::uint16_t used[kPages];
 constexpr std::uint16_t kWithin = 0xFFFF;
 
-bool AreFree(std::size_t page, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        if (used[page + i] != 0) return false;
-    }
-    return true;
-}
-
-// count pages to use and one that stays inaccessible.
-std::size_t FindPages(std::size_t count) {
-    for (std::size_t tried = 0; tried < kPages; ++tried) {
+// Takes count pages and one more, which stays inaccessible and belongs to the allocation.
+std::size_t TakePages(std::size_t count) {
+    for (std::size_t tried = 0; tried < kPages; ++tried, ++next) {
         if (next + count + 1 > kPages) next = 0;
-        const std::size_t page = next;
-        if (AreFree(page, count + 1)) {
-            next = page + count + 1;
-            return page;
-        }
-        ++next;
+        const auto pages = std::span(used).subspan(next, count + 1);
+        if (!std::ranges::all_of(pages, [](std::uint16_t page) { return page == 0; })) continue;
+        std::ranges::fill(pages, kWithin);
+        pages[0] = static_cast<std::uint16_t>(count);
+        return std::exchange(next, next + count + 1);
     }
     throw std::bad_alloc();
 }
@@ -54,12 +49,8 @@ bool SetAccess(std::size_t page, std::size_t count, DWORD access) {
 void* Allocate(std::size_t size) {
     if (size == 0) size = 1;
     const std::size_t count = (size + kPage - 1) / kPage;
-    const std::size_t page = FindPages(count);
+    const std::size_t page = TakePages(count);
     if (!SetAccess(page, count, PAGE_READWRITE)) throw std::bad_alloc();
-    used[page] = static_cast<std::uint16_t>(count);
-    // The guard page counts as part of the allocation: the next one begins behind it.
-    for (std::size_t i = 1; i <= count; ++i)
-        used[page + i] = kWithin;
     ++allocations;
     return base + page * kPage + (count * kPage - size) / kAlignment * kAlignment;
 }
@@ -76,8 +67,7 @@ void Release(void* memory) {
     // Released twice, or not where it was allocated.
     if (count == 0 || count == kWithin) RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
     SetAccess(page, count, PAGE_NOACCESS);
-    for (std::size_t i = 0; i <= count; ++i)
-        used[page + i] = 0;
+    std::ranges::fill(std::span(used).subspan(page, count + 1), std::uint16_t{0});
 }
 
 }  // namespace

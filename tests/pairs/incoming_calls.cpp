@@ -1,9 +1,9 @@
 // What clients call: every member of every public object.
+#include <tuple>
 #include <type_traits>
 
 #include "platform/com/event_connection.h"
-#include "tests/pairs/incoming_work.h"
-#include "tray/picture_box.h"
+#include "tests/pairs/pairs.h"
 
 namespace {
 
@@ -21,44 +21,30 @@ Came AnotherControl(Case&) {
     return Came::In;
 }
 
-// Each calls something of an object that is there.
-template <auto kCall>
-Came OnConfig(Case&) {
-    const ComPtr<Config> config = g_oConfig;
-    if (config == nullptr) return Came::NotPossible;
-    kCall(static_cast<_Config&>(*config.Get()));
+// The object with this interface; null where there is none.
+template <class Object>
+ComPtr<Object> Find(Case& manager) {
+    if constexpr (std::is_same_v<Object, _Config>) {
+        return static_cast<_Config*>(g_oConfig.Get());
+    } else if constexpr (std::is_same_v<Object, _frmConfig>) {
+        return static_cast<_frmConfig*>(g_frmConfig.Get());
+    } else if constexpr (std::is_same_v<Object, _ShellNotification>) {
+        return manager.Icon();
+    } else {
+        return manager.Picture();
+    }
+}
+
+template <class Object, auto kCall>
+Came On(Case& manager) {
+    const ComPtr<Object> object = Find<Object>(manager);
+    if (object == nullptr) return Came::NotPossible;
+    kCall(*object.Get(), manager);
     return Came::In;
 }
 
-template <auto kCall>
-Came OnForm(Case&) {
-    const ComPtr<frmConfig> form = g_frmConfig;
-    if (form == nullptr) return Came::NotPossible;
-    kCall(static_cast<_frmConfig&>(*form.Get()));
-    return Came::In;
-}
-
-template <auto kCall>
-Came OnIcon(Case& manager) {
-    const auto icon = manager.Icon();
-    if (icon == nullptr) return Came::NotPossible;
-    kCall(*icon.Get(), manager);
-    return Came::In;
-}
-
-template <auto kCall>
-void WithPicture(_frmConfig& form) {
-    ComPtr<IDispatch> object;
-    ComPtr<_PictureBox> box;
-    form.get_picTray(0, &object);
-    if (object != nullptr && SUCCEEDED(object->QueryInterface(IID_PPV_ARGS(&box)))) kCall(*box.Get());
-}
-
-// Reads a property, whatever its type.
-template <class Object, class Type>
-void Get(Object& object, HRESULT (STDMETHODCALLTYPE Object::*property)(Type*)) {
-    Type value{};
-    (object.*property)(&value);
+template <class Type>
+void Free(Type& value) {
     if constexpr (std::is_same_v<Type, BSTR>) SysFreeString(value);
     if constexpr (std::is_same_v<Type, VARIANT>) VariantClear(&value);
     if constexpr (std::is_same_v<Type, IDispatch*>) {
@@ -66,87 +52,96 @@ void Get(Object& object, HRESULT (STDMETHODCALLTYPE Object::*property)(Type*)) {
     }
 }
 
-template <auto kProperty>
-constexpr auto Read = [](auto& object, auto&...) { Get(object, kProperty); };
+// Calls a member; its last parameter, where there is no argument for it, receives a result.
+template <class Object, class... Parameters>
+Came CallMember(Case& manager, HRESULT (STDMETHODCALLTYPE Object::*member)(Parameters...),
+                auto... arguments) {
+    const ComPtr<Object> object = Find<Object>(manager);
+    if (object == nullptr) return Came::NotPossible;
+    if constexpr (sizeof...(Parameters) == sizeof...(arguments)) {
+        (object.Get()->*member)(arguments...);
+    } else {
+        using Last = std::tuple_element_t<sizeof...(arguments), std::tuple<Parameters...>>;
+        std::remove_pointer_t<Last> result{};
+        (object.Get()->*member)(arguments..., &result);
+        Free(result);
+    }
+    return Came::In;
+}
 
-void Listen(IUnknown& source, const IID& events) {
-    ResumeNext([&] { EventConnection(&source, events, {}); });
+template <auto kMember, auto... kArguments>
+Came Call(Case& manager) {
+    return CallMember(manager, kMember, kArguments...);
+}
+
+template <class Object, class Events>
+Came Listen(Case& manager) {
+    const ComPtr<Object> source = Find<Object>(manager);
+    if (source == nullptr) return Came::NotPossible;
+    ResumeNext([&] { EventConnection(source.Get(), __uuidof(Events), {}); });
+    return Came::In;
 }
 
 BSTR TextOf(const Variant& text) {
     return text.Value().bstrVal;
 }
 
-void AddIcon(_ShellNotification& icon, Case& manager) {
-    ComPtr<IDispatch> picture;
-    manager.Form()->get_picShellIcon(&picture);
-    icon.AddIcon(picture.Get());
-}
-
 constexpr IncomingWork kCalls[] = {
-    {.name = "ConfigInstance(1)", .come = Instance<1>, .showsWindow = true},
-    {.name = "ConfigInstance(2)", .come = Instance<2>},
-    {.name = "ConfigInstance(3)", .come = Instance<3>, .showsWindow = true},
-    {.name = "ConfigInstance of another client", .come = AnotherControl, .showsWindow = true},
-    {.name = "ConfigHwnd", .come = OnConfig<Read<&_Config::get_ConfigHwnd>>},
-    {.name = "ConfigForm", .come = OnConfig<Read<&_Config::get_ConfigForm>>},
-    {.name = "ShellIconClass", .come = OnConfig<Read<&_Config::get_ShellIconClass>>},
-    {.name = "Config's events",
-     .come = OnConfig<[](_Config& config) { Listen(config, __uuidof(__Config)); }>},
-    {.name = "Config's class", .come = OnConfig<[](_Config& config) {
-                                   ComPtr<IProvideClassInfo> provider;
-                                   ComPtr<ITypeInfo> info;
-                                   if (SUCCEEDED(config.QueryInterface(IID_PPV_ARGS(&provider))))
-                                       provider->GetClassInfo(&info);
-                               }>},
-    {.name = "b_OKtoUnload", .come = OnForm<Read<&_frmConfig::get_b_OKtoUnload>>},
-    {.name = "b_OKtoUnload = False",
-     .come = OnForm<[](_frmConfig& form) { form.put_b_OKtoUnload(VARIANT_FALSE); }>},
-    {.name = "b_OKtoUnload = True",
-     .come = OnForm<[](_frmConfig& form) { form.put_b_OKtoUnload(VARIANT_TRUE); }>},
-    {.name = "m_oShellIcon", .come = OnForm<Read<&_frmConfig::get_m_oShellIcon>>},
-    {.name = "m_oPopup", .come = OnForm<Read<&_frmConfig::get_m_oPopup>>},
-    {.name = "Show", .come = OnForm<[](_frmConfig& form) { form.Show(); }>, .showsWindow = true},
-    {.name = "Hide", .come = OnForm<[](_frmConfig& form) { form.Hide(); }>},
-    {.name = "Visible", .come = OnForm<Read<&_frmConfig::get_Visible>>},
-    {.name = "Visible = True",
-     .come = OnForm<[](_frmConfig& form) { form.put_Visible(VARIANT_TRUE); }>,
-     .showsWindow = true},
-    {.name = "Visible = False", .come = OnForm<[](_frmConfig& form) { form.put_Visible(VARIANT_FALSE); }>},
-    {.name = "Caption", .come = OnForm<Read<&_frmConfig::get_Caption>>},
-    {.name = "Caption = text",
-     .come = OnForm<[](_frmConfig& form) { form.put_Caption(TextOf(L"Calvane")); }>},
-    {.name = "hWnd", .come = OnForm<Read<&_frmConfig::get_hWnd>>},
-    {.name = "picShellIcon", .come = OnForm<Read<&_frmConfig::get_picShellIcon>>},
-    {.name = "picTray", .come = OnForm<[](_frmConfig& form) {
-                            ComPtr<IDispatch> picture;
-                            form.get_picTray(2, &picture);
-                        }>},
-    {.name = "ControlHwnd", .come = OnForm<[](_frmConfig& form) {
-                                LONG value;
-                                form.ControlHwnd(TextOf(L"cmdApply"), &value);
-                            }>},
-    {.name = "ToolTip", .come = OnIcon<Read<&_ShellNotification::get_ToolTip>>},
-    {.name = "ToolTip = text",
-     .come = OnIcon<[](_ShellNotification& icon, Case&) { icon.put_ToolTip(TextOf(L"Sentrel")); }>},
-    {.name = "InitShellNotify", .come = OnIcon<[](_ShellNotification& icon, Case& manager) {
-                                    icon.InitShellNotify(HandleToLong(manager.Window()), kTrayCallback);
-                                }>},
-    {.name = "AddIcon", .come = OnIcon<AddIcon>},
-    {.name = "RemoveIcon and AddIcon of a foreign picture",
-     .come = OnIcon<[](_ShellNotification& icon, Case& manager) {
-         icon.RemoveIcon();
-         icon.AddIcon(manager.outside.MakePictureBox().Get());
-     }>,
-     .takesIcon = true},
-    {.name = "RemoveIcon",
-     .come = OnIcon<[](_ShellNotification& icon, Case&) { icon.RemoveIcon(); }>,
-     .takesIcon = true},
-    {.name = "AnimateIcon", .come = OnIcon<[](_ShellNotification&, Case& manager) { manager.Animate(); }>},
-    {.name = "the icon's events",
-     .come = OnIcon<[](_ShellNotification& icon, Case&) { Listen(icon, __uuidof(__ShellNotification)); }>},
-    {.name = "Name of a picture box", .come = OnForm<WithPicture<Read<&_PictureBox::get_Name>>>},
-    {.name = "Picture of a picture box", .come = OnForm<WithPicture<Read<&_PictureBox::get_Picture>>>},
+    {"ConfigInstance(1)", Instance<1>, {.showsWindow = true}},
+    {"ConfigInstance(2)", Instance<2>},
+    {"ConfigInstance(3)", Instance<3>, {.showsWindow = true}},
+    {"ConfigInstance of another client", AnotherControl, {.showsWindow = true}},
+    {"ConfigHwnd", Call<&_Config::get_ConfigHwnd>},
+    {"ConfigForm", Call<&_Config::get_ConfigForm>},
+    {"ShellIconClass", Call<&_Config::get_ShellIconClass>},
+    {"Config's events", Listen<_Config, __Config>},
+    {"Config's class", On<_Config,
+                          [](_Config& config, Case&) {
+                              ComPtr<IProvideClassInfo> provider;
+                              ComPtr<ITypeInfo> info;
+                              if (SUCCEEDED(config.QueryInterface(IID_PPV_ARGS(&provider))))
+                                  provider->GetClassInfo(&info);
+                          }>},
+    {"b_OKtoUnload", Call<&_frmConfig::get_b_OKtoUnload>},
+    {"b_OKtoUnload = False", Call<&_frmConfig::put_b_OKtoUnload, VARIANT_FALSE>},
+    {"b_OKtoUnload = True", Call<&_frmConfig::put_b_OKtoUnload, VARIANT_TRUE>},
+    {"m_oShellIcon", Call<&_frmConfig::get_m_oShellIcon>},
+    {"m_oPopup", Call<&_frmConfig::get_m_oPopup>},
+    {"Show", Call<&_frmConfig::Show>, {.showsWindow = true}},
+    {"Hide", Call<&_frmConfig::Hide>},
+    {"Visible", Call<&_frmConfig::get_Visible>},
+    {"Visible = True", Call<&_frmConfig::put_Visible, VARIANT_TRUE>, {.showsWindow = true}},
+    {"Visible = False", Call<&_frmConfig::put_Visible, VARIANT_FALSE>},
+    {"Caption", Call<&_frmConfig::get_Caption>},
+    {"Caption = text", On<_frmConfig, [](_frmConfig& form, Case&) { form.put_Caption(TextOf(L"Calvane")); }>},
+    {"hWnd", Call<&_frmConfig::get_hWnd>},
+    {"picShellIcon", Call<&_frmConfig::get_picShellIcon>},
+    {"picTray", Call<&_frmConfig::get_picTray, short{2}>},
+    {"ControlHwnd", On<_frmConfig,
+                       [](_frmConfig& form, Case&) {
+                           LONG value;
+                           form.ControlHwnd(TextOf(L"cmdApply"), &value);
+                       }>},
+    {"ToolTip", Call<&_ShellNotification::get_ToolTip>},
+    {"ToolTip = text",
+     On<_ShellNotification, [](_ShellNotification& icon, Case&) { icon.put_ToolTip(TextOf(L"Sentrel")); }>},
+    {"InitShellNotify", On<_ShellNotification,
+                           [](_ShellNotification& icon, Case& manager) {
+                               icon.InitShellNotify(HandleToLong(manager.Window()), kTrayCallback);
+                           }>},
+    {"AddIcon", On<_ShellNotification, [](_ShellNotification&, Case& manager) { manager.AddIcon(); }>},
+    {"RemoveIcon and AddIcon of a foreign picture",
+     On<_ShellNotification,
+        [](_ShellNotification& icon, Case& manager) {
+            icon.RemoveIcon();
+            icon.AddIcon(manager.outside.MakePictureBox().Get());
+        }>,
+     {.takesIcon = true}},
+    {"RemoveIcon", Call<&_ShellNotification::RemoveIcon>, {.takesIcon = true}},
+    {"AnimateIcon", On<_ShellNotification, [](_ShellNotification&, Case& manager) { manager.Animate(); }>},
+    {"the icon's events", Listen<_ShellNotification, __ShellNotification>},
+    {"Name of a picture box", Call<&_PictureBox::get_Name>},
+    {"Picture of a picture box", Call<&_PictureBox::get_Picture>},
 };
 
 }  // namespace

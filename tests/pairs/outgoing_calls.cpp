@@ -1,7 +1,8 @@
-#include "tests/pairs/outgoing_calls.h"
+#include <algorithm>
+#include <iterator>
+#include <string_view>
 
-#include "lists/resource.h"
-#include "options/resource.h"
+#include "tests/pairs/pairs.h"
 #include "tray/picture_array.h"
 
 namespace {
@@ -37,15 +38,6 @@ void HaveForeignIcon(Case& manager) {
     AddForeignIcon(manager);
 }
 
-void NewTaskbar(Case& manager) {
-    manager.outside.icons.clear();
-    SendMessageW(manager.Window(), RegisterWindowMessageW(L"TaskbarCreated"), 0, 0);
-}
-
-void TickFrame(Case& manager) {
-    manager.outside.clock.Tick(kFrameTick);
-}
-
 // A picture of another program in each slot.
 void AnimateForeign(Case& manager) {
     const auto icon = manager.Icon();
@@ -61,26 +53,20 @@ void AnimateToTheEnd(Case& manager) {
     HaveForeignIcon(manager);
     manager.Animate();
     for (int frame = 0; frame < 3; ++frame)
-        TickFrame(manager);
+        manager.outside.clock.Tick(kFrameTick);
 }
 
 void HaveRefusedForeignIcon(Case& manager) {
-    RemoveIcon(manager);
-    manager.outside.shellIsBusy = true;
-    AddForeignIcon(manager);
-    manager.outside.shellIsBusy = false;
+    manager.HaveRefusedIcon(manager.outside.MakePictureBox().Get());
 }
 
-void TickIconAgain(Case& manager) {
-    manager.outside.clock.Tick(kIconAgainTick);
-}
-
-void TickCommand(Case& manager) {
-    manager.outside.clock.Tick(kCommandTick);
+template <UINT kInterval>
+void Tick(Case& manager) {
+    manager.outside.clock.Tick(kInterval);
 }
 
 template <UINT kItem>
-void Command(Case& manager) {
+void Choose(Case& manager) {
     manager.Choose(kItem);
 }
 
@@ -89,90 +75,62 @@ void Press(Case& manager) {
     manager.Press(kId);
 }
 
-void PressApply(Case& manager) {
-    manager.EnableApply();
-    manager.Press(IDC_CMDAPPLY);
-}
-
-void ApplyRefused(Case& manager) {
-    manager.outside.engine.script.results["ReloadSettings"] = RPC_E_CALL_REJECTED;
-    PressApply(manager);
-    manager.outside.engine.script.results.clear();
-}
-
-void TickEngineAgain(Case& manager) {
-    manager.outside.clock.Tick(kEngineAgainTick);
+// What the member function does with the manager.
+template <auto kMember>
+void Do(Case& manager) {
+    (manager.*kMember)();
 }
 
 void RemoveDefaultSize(Case& manager) {
-    manager.SelectItem(IDC_LVWBANNERS, 0);
+    manager.Select(IDC_LVWBANNERS, 0);
     manager.Press(IDC_CMDREMOVESIZE);
 }
 
-void OpenMenu(Case& manager) {
-    manager.Choose(0);
-}
+constexpr auto PressApply = Do<&Case::PressApply>;
 
 constexpr OutgoingCall kCalls[] = {
-    {.name = "the engine is created", .call = "CreateInstance", .make = StartHidden},
-    {.name = "CreatePopup", .call = "CreatePopup", .make = StartHidden},
-    {.name = "the events are connected", .call = "Advise", .make = StartHidden},
-    {.name = "State", .call = "State", .make = StartHidden},
-    {.name = "the shell adds the first icon", .call = "NIM_ADD", .make = StartHidden},
-    {.name = "LogFile in the first load", .call = "LogFile", .make = StartHidden, .isLoad = true},
-    {.name = "LogFile in Cancel", .call = "LogFile", .make = Press<IDCANCEL>, .isLoad = true},
-    {.name = "LogFile in Refresh List", .call = "LogFile", .make = Press<IDC_CMDREFRESHLOG>},
-    {.name = "ReloadSettings", .call = "ReloadSettings", .make = PressApply, .mark = Mark::Cleared},
-    {.name = "ReloadSettings made again",
-     .call = "ReloadSettings",
-     .prepare = ApplyRefused,
-     .make = TickEngineAgain,
-     .mark = Mark::ClearedUnlessChanged},
-    {.name = "Start", .call = "Start", .prepare = Command<mnuStartKiller>, .make = TickCommand},
-    {.name = "Stop", .call = "Stop", .prepare = Command<mnuStopKiller>, .make = TickCommand},
-    {.name = "Pause", .call = "Pause", .prepare = Command<mnuPauseKiller>, .make = TickCommand},
-    {.name = "the events are disconnected", .call = "Unadvise", .make = Exit},
-    {.name = "the shell removes the last icon", .call = "NIM_DELETE", .make = Exit},
-    {.name = "ReleasePopup", .call = "ReleasePopup", .make = Exit},
-    {.name = "ReleasePopup in an unload by code", .call = "ReleasePopup", .make = Unload},
-    {.name = "the picture of a foreign icon",
-     .call = "Picture",
-     .prepare = RemoveIcon,
-     .make = AddForeignIcon},
-    {.name = "the picture in a tick", .call = "Picture", .prepare = AnimateForeign, .make = TickFrame},
-    {.name = "the picture at an animation's end",
-     .call = "Picture",
-     .prepare = AnimateToTheEnd,
-     .make = TickFrame},
-    {.name = "the picture for a new taskbar",
-     .call = "Picture",
-     .prepare = HaveForeignIcon,
-     .make = NewTaskbar},
-    {.name = "the picture for a busy shell",
-     .call = "Picture",
-     .prepare = HaveRefusedForeignIcon,
-     .make = TickIconAgain},
-    {.name = "the shell adds an icon", .call = "NIM_ADD", .prepare = RemoveIcon, .make = AddForeignIcon},
-    {.name = "the shell changes an icon", .call = "NIM_MODIFY", .prepare = AnimateForeign, .make = TickFrame},
-    {.name = "the shell removes an icon", .call = "NIM_DELETE", .make = RemoveIcon},
-    {.name = "the shell adds the icon again",
-     .call = "NIM_ADD",
-     .prepare = AnimateToTheEnd,
-     .make = TickFrame},
-    {.name = "a dialog is open", .call = "Dialog", .make = Press<IDC_CMDADDURL>, .mark = Mark::Set},
-    {.name = "a message box is open", .call = "MessageBox", .make = RemoveDefaultSize, .hasOneMoment = true},
-    {.name = "the file dialog is open",
-     .call = "FileDialog",
-     .make = Press<IDC_CMDSOUNDFILE>,
-     .mark = Mark::Set,
-     .hasOneMoment = true},
-    {.name = "the tray menu is open", .call = "Menu", .make = OpenMenu, .hasOneMoment = true},
+    {"the engine is created", "CreateInstance", StartHidden},
+    {"CreatePopup", "CreatePopup", StartHidden},
+    {"the events are connected", "Advise", StartHidden},
+    {"State", "State", StartHidden},
+    {"the shell adds the first icon", "NIM_ADD", StartHidden},
+    {"LogFile in the first load", "LogFile", StartHidden, {.isLoad = true}},
+    {"LogFile in Cancel", "LogFile", Press<IDCANCEL>, {.isLoad = true}},
+    {"LogFile in Refresh List", "LogFile", Press<IDC_CMDREFRESHLOG>},
+    {"ReloadSettings", "ReloadSettings", PressApply, {.mark = Mark::Cleared}},
+    {"ReloadSettings made again",
+     "ReloadSettings",
+     Tick<kEngineAgainTick>,
+     {.prepare = Do<&Case::HaveRefusedChange>, .mark = Mark::ClearedUnlessChanged}},
+    {"Start", "Start", Tick<kCommandTick>, {.prepare = Choose<mnuStartKiller>}},
+    {"Stop", "Stop", Tick<kCommandTick>, {.prepare = Choose<mnuStopKiller>}},
+    {"Pause", "Pause", Tick<kCommandTick>, {.prepare = Choose<mnuPauseKiller>}},
+    {"the events are disconnected", "Unadvise", Exit},
+    {"the shell removes the last icon", "NIM_DELETE", Exit},
+    {"ReleasePopup", "ReleasePopup", Exit},
+    {"ReleasePopup in an unload by code", "ReleasePopup", Unload},
+    {"the picture of a foreign icon", "Picture", AddForeignIcon, {.prepare = RemoveIcon}},
+    {"the picture in a tick", "Picture", Tick<kFrameTick>, {.prepare = AnimateForeign}},
+    {"the picture at an animation's end", "Picture", Tick<kFrameTick>, {.prepare = AnimateToTheEnd}},
+    {"the picture for a new taskbar", "Picture", Do<&Case::NewTaskbar>, {.prepare = HaveForeignIcon}},
+    {"the picture for a busy shell", "Picture", Tick<kIconAgainTick>, {.prepare = HaveRefusedForeignIcon}},
+    {"the shell adds an icon", "NIM_ADD", AddForeignIcon, {.prepare = RemoveIcon}},
+    {"the shell changes an icon", "NIM_MODIFY", Tick<kFrameTick>, {.prepare = AnimateForeign}},
+    {"the shell removes an icon", "NIM_DELETE", RemoveIcon},
+    {"the shell adds the icon again", "NIM_ADD", Tick<kFrameTick>, {.prepare = AnimateToTheEnd}},
+    {"a dialog is open", "Dialog", Press<IDC_CMDADDURL>, {.mark = Mark::Set}},
+    {"a message box is open", "MessageBox", RemoveDefaultSize, {.hasOneMoment = true}},
+    {"the file dialog is open",
+     "FileDialog",
+     Press<IDC_CMDSOUNDFILE>,
+     {.mark = Mark::Set, .hasOneMoment = true}},
+    {"the tray menu is open", "Menu", Choose<0>, {.hasOneMoment = true}},
 };
 
 }  // namespace
 
 bool OutgoingCall::IsEngine() const {
-    return Outside::IsEngineCall(call);
+    return std::ranges::find(kEngineCalls, std::string_view(call)) != std::end(kEngineCalls);
 }
 
 bool OutgoingCall::IsStart() const {
@@ -184,7 +142,7 @@ bool OutgoingCall::IsUnload() const {
 }
 
 bool OutgoingCall::LeavesCommands() const {
-    return make == TickCommand;
+    return make == Tick<kCommandTick>;
 }
 
 std::span<const OutgoingCall> OutgoingCalls() {

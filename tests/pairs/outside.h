@@ -6,41 +6,73 @@
 #include <shellapi.h>
 #include <commdlg.h>
 
+#include <algorithm>
 #include <functional>
 #include <set>
 #include <string>
-#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "tests/engine_control/fake_engine.h"
 #include "tests/pairs/clock.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/other_process.h"
 #include "tests/support/sound_patch.h"
 #include "tests/tray_icon/fake_picture_box.h"
 
 // Before the one who is called has done anything, or when the answer is there and the caller has not got it.
 enum class Moment { BeforeReply, AfterReply };
 
+inline constexpr const char* kEngineCalls[] = {"CreateInstance", "CreatePopup",    "Advise",      "State",
+                                               "LogFile",        "ReloadSettings", "Start",       "Stop",
+                                               "Pause",          "Unadvise",       "ReleasePopup"};
+
 // One at a time.
 class Outside {
 public:
-    Outside();
+    Outside() {
+        s_current = this;
+        for (const char* const call : kEngineCalls) {
+            engine.script.within[call] = [this, call] { Reach(call, Moment::BeforeReply); };
+            engine.script.behind[call] = [this, call] { Reach(call, Moment::AfterReply); };
+        }
+        SetWindowLongPtrW(m_helper, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&HelperProcedure));
+    }
     Outside(const Outside&) = delete;
     Outside& operator=(const Outside&) = delete;
-    ~Outside();
+    ~Outside() {
+        DestroyWindow(m_helper);
+        s_current = nullptr;
+    }
 
-    // Lets work in at the next call of this name, once. Names: those of FakeEngine, "Unadvise"; "Picture";
-    // "NIM_ADD", "NIM_MODIFY", "NIM_DELETE"; "Dialog", "MessageBox", "FileDialog", "Menu".
-    void LetIn(const char* call, Moment moment, std::function<void()> work);
+    // Lets work in at the next call of this name, once. Names: the engine's; "Picture"; "NIM_ADD",
+    // "NIM_MODIFY", "NIM_DELETE"; "Dialog", "MessageBox", "FileDialog", "Menu".
+    void LetIn(const char* call, Moment moment, std::function<void()> work) {
+        m_call = call;
+        m_moment = moment;
+        m_work = std::move(work);
+    }
 
-    static bool IsEngineCall(std::string_view call);
+    // The dialogs of this thread that have an owner, or those that have none; the topmost comes first.
+    static std::vector<HWND> Dialogs(bool haveOwner) {
+        std::pair<bool, std::vector<HWND>> found(haveOwner, {});
+        EnumThreadWindows(GetCurrentThreadId(), &TakeDialog, reinterpret_cast<LPARAM>(&found));
+        return found.second;
+    }
 
     // Whether the call came, and with it the work.
     bool HasComeIn() const noexcept { return !m_work; }
     void LetNothingIn() noexcept { m_work = nullptr; }
 
     // A picture box of another program, born with one reference.
-    ComPtr<FakePictureBox> MakePictureBox();
+    ComPtr<FakePictureBox> MakePictureBox() {
+        constexpr LONG kPictureHandle = 4711;
+        const auto box = MakeObject<FakePictureBox>(kPictureHandle);
+        ++pictureBoxes;
+        box->asked = [this] { Reach("Picture", Moment::BeforeReply); };
+        box->answered = [this] { Reach("Picture", Moment::AfterReply); };
+        box->gone = [this] { --pictureBoxes; };
+        return box;
+    }
     int pictureBoxes = 0;  // how many there are
 
     FakeEngine engine;
@@ -55,27 +87,96 @@ public:
     int menus = 0;    // shown so far
 
 private:
-    void Reach(const char* call, Moment moment);
+    static BOOL CALLBACK TakeDialog(HWND hwnd, LPARAM parameter) {
+        auto& [haveOwner, dialogs] = *reinterpret_cast<std::pair<bool, std::vector<HWND>>*>(parameter);
+        const bool isOwned = GetWindow(hwnd, GW_OWNER) != nullptr;
+        if (isOwned == haveOwner && ClassOf(hwnd) == L"#32770") dialogs.push_back(hwnd);
+        return TRUE;
+    }
 
-    static BOOL WINAPI Notify(DWORD action, NOTIFYICONDATAA* data);
-    BOOL Answer(DWORD action, const NOTIFYICONDATAA& data);
+    void Reach(const char* call, Moment moment) {
+        if (!m_work || m_call != call || m_moment != moment) return;
+        const auto work = std::exchange(m_work, nullptr);
+        work();
+    }
+
+    static BOOL WINAPI Notify(DWORD action, NOTIFYICONDATAA* data) {
+        const char* const name = action == NIM_ADD      ? "NIM_ADD"
+                                 : action == NIM_MODIFY ? "NIM_MODIFY"
+                                                        : "NIM_DELETE";
+        s_current->Reach(name, Moment::BeforeReply);
+        const BOOL answer = s_current->Answer(action, *data);
+        s_current->Reach(name, Moment::AfterReply);
+        return answer;
+    }
+
+    // As the shell answers: an icon is there once or not at all.
+    BOOL Answer(DWORD action, const NOTIFYICONDATAA& data) {
+        const std::pair<HWND, UINT> icon(data.hWnd, data.uID);
+        if (action == NIM_DELETE) return icons.erase(icon) != 0;
+        if (shellIsBusy) return FALSE;
+        if (action == NIM_MODIFY) return icons.contains(icon);
+        if (!IsWindow(data.hWnd)) return FALSE;
+        const bool isNew = icons.insert(icon).second;
+        mostIcons = std::max(mostIcons, icons.size());
+        return isNew;
+    }
+
     static INT_PTR WINAPI ShowDialog(HINSTANCE instance, LPCWSTR resource, HWND owner, DLGPROC procedure,
-                                     LPARAM parameter);
-    static int WINAPI ShowBox(HWND owner, LPCWSTR text, LPCWSTR title, UINT type);
-    static BOOL WINAPI ShowOpen(OPENFILENAMEW* dialog);
-    static BOOL WINAPI ShowMenu(HMENU menu, UINT flags, int x, int y, HWND owner, LPTPMPARAMS area);
-    static LRESULT CALLBACK HelperProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
-    static HANDLE WINAPI LoadPicture(HINSTANCE, LPCWSTR, UINT, int, int, UINT);
-    static HINSTANCE WINAPI Execute(HWND, LPCSTR, LPCSTR, LPCSTR, LPCSTR, INT);
+                                     LPARAM parameter) {
+        PostMessageW(s_current->m_helper, WM_APP, 0, 0);
+        return s_current->m_dialog.Original<decltype(&DialogBoxParamW)>()(instance, resource, owner,
+                                                                          procedure, parameter);
+    }
+
+    static LRESULT CALLBACK HelperProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message != WM_APP) return DefWindowProcW(hwnd, message, wParam, lParam);
+        const std::vector<HWND> dialogs = Dialogs(true);
+        if (dialogs.empty()) return 0;
+        s_current->Reach("Dialog", Moment::BeforeReply);
+        if (IsWindow(dialogs.front())) SendMessageW(dialogs.front(), WM_COMMAND, IDCANCEL, 0);
+        s_current->Reach("Dialog", Moment::AfterReply);
+        return 0;
+    }
+
+    static int WINAPI ShowBox(HWND, LPCWSTR, LPCWSTR, UINT) {
+        s_current->Reach("MessageBox", Moment::BeforeReply);
+        return IDOK;
+    }
+
+    static BOOL WINAPI ShowOpen(OPENFILENAMEW*) {
+        s_current->Reach("FileDialog", Moment::BeforeReply);
+        return FALSE;
+    }
+
+    static BOOL WINAPI ShowMenu(HMENU, UINT, int, int, HWND, LPTPMPARAMS) {
+        const UINT item = std::exchange(s_current->chosen, 0);
+        ++s_current->menus;
+        s_current->Reach("Menu", Moment::BeforeReply);
+        return static_cast<BOOL>(item);
+    }
+
+    // Nobody looks at the pictures, and to make one takes longer than anything else of a window does.
+    // Windows' own stays when it is destroyed.
+    static HANDLE WINAPI LoadPicture(HINSTANCE, LPCWSTR, UINT, int, int, UINT) {
+        static const HICON picture = LoadIconW(nullptr, IDI_APPLICATION);
+        return picture;
+    }
+
+    static HINSTANCE WINAPI Execute(HWND, LPCSTR, LPCSTR, LPCSTR, LPCSTR, INT) {
+        return reinterpret_cast<HINSTANCE>(33);
+    }
     static BOOL WINAPI Beep(UINT) { return TRUE; }
     static BOOL WINAPI Play(LPCSTR, UINT) { return TRUE; }
 
+    static inline Outside* s_current = nullptr;
     std::string m_call;
     Moment m_moment = Moment::BeforeReply;
     std::function<void()> m_work;
 
     // Gets a message in the loop of the dialog that comes up, as the user's clicks come.
-    HWND m_helper = nullptr;
+    const HWND m_helper =
+        CreateWindowW(L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
 
     const ImportPatch m_notify{"shell32.dll", "Shell_NotifyIconA", &Notify};
     const ImportPatch m_dialog{"user32.dll", "DialogBoxParamW", &ShowDialog};
