@@ -7,50 +7,34 @@
 
 using namespace std::string_literals;
 
-namespace {
-
-struct Row {
-    long number;
-    std::string lowestFirst;
-};
-
-const Row kRows[] = {
-    {0, "\0\0\0\0"s},
-    {1, "\x01\0\0\0"s},
-    {256, "\0\x01\0\0"s},
-    {65536, "\0\0\x01\0"s},
-    {16777216, "\0\0\0\x01"s},
-    {0x04030201, "\x01\x02\x03\x04"s},
-    {2147483647, "\xff\xff\xff\x7f"s},
-    {-1, "\xff\xff\xff\xff"s},
-    {-2, "\xfe\xff\xff\xff"s},
-    {static_cast<long>(0x80000000), "\0\0\0\x80"s},
-    {static_cast<long>(0x80000001), "\x01\0\0\x80"s},
-};
-
-std::string Reversed(const std::string& bytes) {
-    return {bytes.rbegin(), bytes.rend()};
-}
-
-}  // namespace
-
-TEST_CASE("a number becomes four bytes in either order") {
+TEST_CASE("a number becomes four bytes in either order, and is read from them, whatever follows") {
+    struct Row {
+        long number;
+        std::string lowestFirst;
+    };
+    const Row rows[] = {
+        {0, "\0\0\0\0"s},
+        {1, "\x01\0\0\0"s},
+        {256, "\0\x01\0\0"s},
+        {65536, "\0\0\x01\0"s},
+        {16777216, "\0\0\0\x01"s},
+        {0x04030201, "\x01\x02\x03\x04"s},
+        {2147483647, "\xff\xff\xff\x7f"s},
+        {-1, "\xff\xff\xff\xff"s},
+        {-2, "\xfe\xff\xff\xff"s},
+        {static_cast<long>(0x80000000), "\0\0\0\x80"s},
+        {static_cast<long>(0x80000001), "\x01\0\0\x80"s},
+    };
     const Registry registry;
-    for (const Row& row : kRows) {
+    for (const Row& row : rows) {
         CAPTURE(row.number);
+        const std::string highestFirst(row.lowestFirst.rbegin(), row.lowestFirst.rend());
         CHECK(registry.MKLLittleEndian(row.number) == row.lowestFirst);
-        CHECK(registry.MKLBigEndian(row.number) == Reversed(row.lowestFirst));
-    }
-}
-
-TEST_CASE("four bytes become a signed number in either order, whatever follows them") {
-    const Registry registry;
-    for (const Row& row : kRows) {
-        CAPTURE(row.number);
-        CHECK(registry.CVLLittleEndian(row.lowestFirst) == row.number);
-        CHECK(registry.CVLBigEndian(Reversed(row.lowestFirst)) == row.number);
-        CHECK(registry.CVLLittleEndian(row.lowestFirst + "\x7f\xff") == row.number);
-        CHECK(registry.CVLBigEndian(Reversed(row.lowestFirst) + "\x7f\xff") == row.number);
+        CHECK(registry.MKLBigEndian(row.number) == highestFirst);
+        for (const char* const rest : {"", "\x7f\xff"}) {
+            CHECK(registry.CVLLittleEndian(row.lowestFirst + rest) == row.number);
+            CHECK(registry.CVLBigEndian(highestFirst + rest) == row.number);
+        }
     }
 }
 
@@ -66,7 +50,6 @@ TEST_CASE("fewer than four bytes raise error 5") {
 TEST_CASE("a number read as unsigned is itself, or lies above 2147483647") {
     const Registry registry;
     CHECK(registry.UnsignedLong(0) == 0.0);
-    CHECK(registry.UnsignedLong(1) == 1.0);
     CHECK(registry.UnsignedLong(2147483647) == 2147483647.0);
     CHECK(registry.UnsignedLong(static_cast<long>(0x80000000)) == 2147483648.0);
     CHECK(registry.UnsignedLong(-2) == 4294967294.0);

@@ -5,20 +5,14 @@
 #include <doctest.h>
 
 #include "platform/text.h"
-#include "store/registry.h"
 #include "store/server_directory.h"
 #include "tests/support/first_run_defaults.h"
 #include "tests/support/shown_text.h"
-#include "tests/support/test_hive.h"
 
 using namespace std::string_literals;
 using Lines = std::vector<std::string>;
 
 namespace {
-
-std::vector<Default> Defaults() {
-    return FirstRunDefaults(ToAnsi(ServerDirectory()));
-}
 
 // A registry in memory, in which the manager starts for the first time.
 struct FirstRun {
@@ -30,9 +24,10 @@ struct FirstRun {
     }
 
     RegistryCalls registry{RegistryCalls::Of::Memory};
-    const RegistryContents defaults = [] {
+    const std::vector<Default> rows = FirstRunDefaults(ToAnsi(ServerDirectory()));
+    const RegistryContents defaults = [this] {
         RegistryContents contents;
-        for (const Default& row : Defaults())
+        for (const Default& row : rows)
             contents[row.key][row.name] = Text(row.text);
         return contents;
     }();
@@ -49,19 +44,17 @@ TEST_CASE_FIXTURE(FirstRun,
     CHECK_FALSE(registry.contents.contains(kExclude));
 }
 
-TEST_CASE("the defaults are written one by one in their order, the mark last, each once") {
-    const TestHive hive(HKEY_CURRENT_USER);
-    RegistryCalls calls;
+TEST_CASE_FIXTURE(FirstRun, "the defaults are written one by one in their order, the mark last, each once") {
     Lines expected{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Settings", 0, 0x19))"};
     size_t key = 0;
-    for (const Default& row : Defaults()) {
+    for (const Default& row : rows) {
         expected.push_back("RegCreateKeyExA(HKCU, " + Quoted(row.key + 5) +
                            R"(, 0, "", 0, 0x2, {50, no descriptor, inherited}))");
         expected.push_back("RegSetValueExA(key" + std::to_string(++key) + ", " + Quoted(row.name) +
                            ", 0, type 1, " + Quoted(row.text) + ", no NUL behind)");
     }
-    CHECK(calls.Watch(&WriteFirstRunDefaults) == expected);
-    CHECK(calls.Count(RegistryFunction::Set) == 46);
+    CHECK(registry.Watch(&WriteFirstRunDefaults) == expected);
+    CHECK(registry.Count(RegistryFunction::Set) == 46);
 }
 
 TEST_CASE_FIXTURE(FirstRun, "a second start reads the mark and writes nothing, whatever is missing by then") {
@@ -94,21 +87,12 @@ TEST_CASE_FIXTURE(
                             {kExclude, {{"0", Text("http://example.com")}}}};
     RegistryContents before = others;
     RegistryContents after = others;
-    for (const Default& row : Defaults()) {
+    for (const Default& row : rows) {
         before[row.key][row.name] = {REG_DWORD, "\x01\x02\x03\x04"};
         after[row.key][row.name] = Text(row.text);
     }
     before[kSettings].erase("First Time");
     Check(before, after);
-}
-
-TEST_CASE_FIXTURE(FirstRun, "the first search address, written as 1Url, is found as 1URL") {
-    Check({}, defaults);
-    Variant address;
-    long type = 0;
-    std::wstring keyClass;
-    CHECK(Registry().Read(HKEY_CURRENT_USER, L"Software\\Calvane\\Search", L"1URL", address, type, keyClass));
-    CHECK(ToText(address) == L"http://search.yahoo.com/bin/search?p=");
 }
 
 TEST_CASE_FIXTURE(FirstRun, "a server in a drive's root gets a sound file with a doubled separator") {

@@ -1,6 +1,9 @@
 // How a privilege of the process is enabled.
 #include <doctest.h>
 
+#include <string>
+#include <vector>
+
 #include "store/registry.h"
 #include "tests/support/import_patch.h"
 
@@ -11,59 +14,49 @@ bool IsOpen(HANDLE handle) {
     return GetHandleInformation(handle, &flags) != FALSE;
 }
 
-// Sees the calls for the process token, and fails one of them.
+// Writes down the calls for the process token, and fails one of them.
 struct Token {
-    enum class Step { None, Open, Lookup, Adjust };
-
-    Token() { s_current = this; }
+    explicit Token(const std::string& failing = {}) : fails(failing) { s_current = this; }
     Token(const Token&) = delete;
     Token& operator=(const Token&) = delete;
     ~Token() {
         if (IsOpen(token)) CloseHandle(token);
     }
 
-    Step fails = Step::None;
-    std::string calls;  // a letter each
-    HANDLE process = nullptr;
-    DWORD access = 0;
+    const std::string fails;
+    std::vector<std::string> calls;
     HANDLE token = nullptr;
-    std::string system;
-    std::string privilege;
     LUID found{};
-    HANDLE adjustedToken = nullptr;
-    BOOL disableAll = TRUE;
-    TOKEN_PRIVILEGES asked{};
 
 private:
+    // Whether the call is to be made.
+    static bool Note(const std::string& call) {
+        s_current->calls.push_back(call);
+        return s_current->fails.empty() || !call.starts_with(s_current->fails);
+    }
     static BOOL WINAPI Open(HANDLE process, DWORD access, PHANDLE token) {
-        Token& self = *s_current;
-        self.calls += 'o';
-        self.process = process;
-        self.access = access;
-        if (self.fails == Step::Open) return FALSE;
-        const BOOL result = self.m_open.Original<decltype(&OpenProcessToken)>()(process, access, token);
-        self.token = *token;
-        return result;
+        CHECK(process == GetCurrentProcess());
+        return Note("open " + std::to_string(access)) &&
+               s_current->m_open.Original<decltype(&OpenProcessToken)>()(process, access,
+                                                                         &s_current->token) &&
+               (*token = s_current->token) != nullptr;
     }
     static BOOL WINAPI Lookup(LPCSTR system, LPCSTR privilege, PLUID luid) {
-        Token& self = *s_current;
-        self.calls += 'l';
-        self.system = system == nullptr ? "null" : system;
-        self.privilege = privilege;
-        if (self.fails == Step::Lookup) return FALSE;
-        const BOOL result =
-            self.m_lookup.Original<decltype(&LookupPrivilegeValueA)>()(nullptr, privilege, luid);
-        self.found = *luid;
-        return result;
+        const auto original = s_current->m_lookup.Original<decltype(&LookupPrivilegeValueA)>();
+        const bool isFound =
+            Note("look up " + std::string(privilege) + " on " + (system == nullptr ? "null" : system)) &&
+            original(nullptr, privilege, luid);
+        s_current->found = *luid;
+        return isFound;
     }
     static BOOL WINAPI Adjust(HANDLE token, BOOL disableAll, PTOKEN_PRIVILEGES privileges, DWORD,
                               PTOKEN_PRIVILEGES, PDWORD) {
-        Token& self = *s_current;
-        self.calls += 'a';
-        self.adjustedToken = token;
-        self.disableAll = disableAll;
-        self.asked = *privileges;
-        return self.fails != Step::Adjust;
+        CHECK(token == s_current->token);
+        const LUID_AND_ATTRIBUTES& asked = privileges->Privileges[0];
+        CHECK(asked.Luid.LowPart == s_current->found.LowPart);
+        CHECK(asked.Luid.HighPart == s_current->found.HighPart);
+        return Note("adjust " + std::to_string(disableAll) + ", " +
+                    std::to_string(privileges->PrivilegeCount) + " to " + std::to_string(asked.Attributes));
     }
 
     static inline Token* s_current = nullptr;
@@ -72,6 +65,8 @@ private:
     const ImportPatch m_adjust{"advapi32.dll", "AdjustTokenPrivileges", &Adjust};
 };
 
+const std::vector<std::string> kCalls{"open 40", "look up SeBackupPrivilege on 0", "adjust 0, 1 to 2"};
+
 }  // namespace
 
 TEST_CASE("a privilege is enabled whatever the caller asks for, and the token stays open") {
@@ -79,34 +74,20 @@ TEST_CASE("a privilege is enabled whatever the caller asks for, and the token st
         CAPTURE(set);
         const Token seen;
         CHECK(Registry().AdjustPrivilege(kBackupPrivilege, set));
-        CHECK(seen.process == GetCurrentProcess());
-        CHECK(seen.access == 0x28);
-        CHECK(seen.system == "0");
-        CHECK(seen.privilege == "SeBackupPrivilege");
-        CHECK(seen.adjustedToken == seen.token);
-        CHECK(seen.disableAll == FALSE);
-        CHECK(seen.asked.PrivilegeCount == 1);
-        CHECK(seen.asked.Privileges[0].Attributes == 2);
-        CHECK(seen.asked.Privileges[0].Luid.LowPart == seen.found.LowPart);
-        CHECK(seen.asked.Privileges[0].Luid.HighPart == seen.found.HighPart);
+        CHECK(seen.calls == kCalls);
         CHECK(IsOpen(seen.token));
     }
 }
 
 TEST_CASE("a step that fails ends the enabling of a privilege, gives false and leaves the token open") {
-    struct Row {
-        Token::Step fails;
-        const char* calls;
-    };
-    for (const Row& row :
-         {Row{Token::Step::Open, "o"}, Row{Token::Step::Lookup, "ol"}, Row{Token::Step::Adjust, "ola"}}) {
-        Token seen;
-        seen.fails = row.fails;
+    long made = 0;
+    for (const char* const fails : {"open", "look up", "adjust"}) {
+        const Token seen(fails);
         CHECK_FALSE(Registry().AdjustPrivilege(kBackupPrivilege, true));
-        CHECK(seen.calls == row.calls);
-        CHECK(IsOpen(seen.token) == (row.fails != Token::Step::Open));
+        CHECK(seen.calls == std::vector<std::string>(kCalls.begin(), kCalls.begin() + ++made));
+        CHECK(IsOpen(seen.token) == (made > 1));
     }
     const Token seen;
     CHECK_FALSE(Registry().AdjustPrivilege(L"SeNoSuchPrivilege", true));
-    CHECK(seen.calls == "ol");
+    CHECK(seen.calls.size() == 2);
 }

@@ -26,6 +26,13 @@ const Lines kRead{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x19))",
 const Lines kDeletion{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x2))",
                       R"(RegDeleteValueA(key1, "Value"))", R"(RegCloseKey(key1))"};
 
+Lines Picked(std::initializer_list<size_t> ofRead) {
+    Lines lines;
+    for (const size_t index : ofRead)
+        lines.push_back(kRead[index]);
+    return lines;
+}
+
 // What a read made of what its caller held.
 struct ReadBack {
     bool isRead;
@@ -45,40 +52,27 @@ ReadBack ReadValue(HKEY root = HKEY_CURRENT_USER, const std::wstring& key = kKey
     return back;
 }
 
-bool SaveText(const std::wstring& text = L"abc", long type = REG_SZ) {
-    return Registry().Save(HKEY_CURRENT_USER, kKey, L"", L"Value", text, type);
-}
-
-bool Delete(const wchar_t* name = L"Value") {
-    return Registry().Delete(HKEY_CURRENT_USER, kKey, name);
-}
-
-// A value "abc" in a registry that is watched.
+// A key with another value in a registry that is watched.
 struct Watched {
-    Watched() { hive.Write(kKey, L"Value", L"abc"); }
+    explicit Watched(const char* stored = "abc") {
+        hive.Write(kKey, L"Other", L"abc");
+        if (stored != nullptr) hive.Write(kKey, L"Value", REG_SZ, stored);
+    }
 
-    // What a watched read returns.
+    template <class Operation>
+    auto Watch(Operation operation) {
+        decltype(operation()) result{};
+        calls.Watch([&] { result = operation(); });
+        return result;
+    }
     ReadBack Read() {
-        ReadBack back = kUntouched;
-        calls.Watch([&] { back = ReadValue(); });
-        return back;
+        return Watch([] { return ReadValue(); });
     }
     bool Save(const std::wstring& text = L"abc", long type = REG_SZ) {
-        bool isSaved = false;
-        calls.Watch([&] { isSaved = SaveText(text, type); });
-        return isSaved;
+        return Watch([&] { return Registry().Save(HKEY_CURRENT_USER, kKey, L"", L"Value", text, type); });
     }
-    bool Remove(const wchar_t* name = L"Value") {
-        bool isDeleted = false;
-        calls.Watch([&] { isDeleted = Delete(name); });
-        return isDeleted;
-    }
-    // Does something between the question for the size and the reading.
-    ReadBack ReadAfter(const std::function<void()>& change) {
-        calls.beforeCall = [&](RegistryFunction function, const std::string&) {
-            if (function == RegistryFunction::Info) change();
-        };
-        return Read();
+    bool Delete(const wchar_t* name = L"Value", const wchar_t* key = kKey) {
+        return Watch([&] { return Registry().Delete(HKEY_CURRENT_USER, key, name); });
     }
 
     const TestHive hive{HKEY_CURRENT_USER};
@@ -92,34 +86,36 @@ bool IsUsable(HKEY key) {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(Watched,
-                  "reading a value probes its size, asks for the class, reads it and closes key and root") {
-    CHECK(Read() == ReadBack{true, L"abc", REG_SZ, L""});
-    CHECK(calls.Lines() == kRead);
-    CHECK(calls.OpenHandles().empty());
-}
-
-TEST_CASE_FIXTURE(Watched, "reading an empty value makes the same calls and keeps the caller's default") {
-    hive.Write(kKey, L"Value", L"");
-    CHECK(Read() == ReadBack{true, L"default", REG_SZ, L""});
-    Lines expected = kRead;
-    expected[3] = expected[1];
-    CHECK(calls.Lines() == expected);
-}
-
-TEST_CASE_FIXTURE(
-    Watched, "reading a missing value changes no more than the type, and leaves the key open, not the root") {
-    hive.Delete(kKey, L"Value");
-    CHECK(Read() == ReadBack{false, L"default", 0, L""});
-    CHECK(calls.Lines() == Lines{kRead[0], kRead[1], kRead[2], kRead[1], kRead[5]});
-    CHECK(calls.OpenHandles() == Lines{"key1"});
-    CHECK(IsUsable(calls.Handle("key1")));
-}
-
-TEST_CASE_FIXTURE(Watched, "reading under a missing key tries to open it and does nothing else") {
-    hive.DeleteTree(kKey);
-    CHECK(Read() == kUntouched);
-    CHECK(calls.Lines() == Lines{kRead[0]});
+TEST_CASE("a read probes the size, asks for the class, reads the value and closes key and root") {
+    struct Row {
+        const char* meaning;
+        const char* stored;  // null: no value
+        ReadBack read;
+        Lines calls;
+        Lines open;
+    };
+    const ReadBack empty{true, L"default", REG_SZ, L""};
+    const ReadBack missing{false, L"default", 0, L""};
+    const Row rows[] = {
+        {"a value", "abc", {true, L"abc", REG_SZ, L""}, kRead, {}},
+        {"an empty one keeps the caller's default", "", empty, Picked({0, 1, 2, 1, 4, 5}), {}},
+        {"a missing one leaves the key open, not the root",
+         nullptr,
+         missing,
+         Picked({0, 1, 2, 1, 5}),
+         {"key1"}},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(std::string(row.meaning));
+        Watched watched(row.stored);
+        CHECK(watched.Read() == row.read);
+        CHECK(watched.calls.Lines() == row.calls);
+        CHECK(watched.calls.OpenHandles() == row.open);
+    }
+    Watched watched;
+    watched.hive.DeleteTree(kKey);
+    CHECK(watched.Read() == kUntouched);
+    CHECK(watched.calls.Lines() == Picked({0}));
 }
 
 TEST_CASE_FIXTURE(Watched, "a root that is no predefined one is closed by the read of a key that opened") {
@@ -144,10 +140,11 @@ TEST_CASE_FIXTURE(Watched, "a root that is no predefined one is closed by the re
     CHECK(Read().isRead);
 }
 
-TEST_CASE(
+TEST_CASE_FIXTURE(
+    Watched,
     "the read returns the class that the key was created with, cut where it is longer than the buffer") {
-    const TestHive hive(HKEY_CURRENT_USER);
     const Registry registry;
+    hive.DeleteTree(kKey);
     REQUIRE(registry.Save(HKEY_CURRENT_USER, kKey, L"Window settings", L"Value", L"abc", REG_SZ));
     CHECK(ReadValue().keyClass == L"Window settings");
     CHECK(ReadValue(HKEY_CURRENT_USER, kKey, L"Missing").keyClass == L"Window settings");
@@ -159,15 +156,12 @@ TEST_CASE(
     CHECK(read.keyClass.find_first_not_of(L"c\0"s) == std::wstring::npos);
 }
 
-TEST_CASE("value names and keys are found in any case") {
-    const TestHive hive(HKEY_CURRENT_USER);
-    const Registry registry;
-    REQUIRE(registry.Save(HKEY_CURRENT_USER, kKey, L"", L"1Url", L"address", REG_SZ));
-    CHECK(ReadValue(HKEY_CURRENT_USER, L"SOFTWARE\\calvane\\CALLS", L"1URL").text == L"address");
-    REQUIRE(registry.Save(HKEY_CURRENT_USER, kKey, L"", L"1URL", L"another", REG_SZ));
+TEST_CASE_FIXTURE(Watched, "value names and keys are found in any case") {
+    CHECK(ReadValue(HKEY_CURRENT_USER, L"SOFTWARE\\calvane\\CALLS", L"VALUE").text == L"abc");
+    CHECK(Registry().Save(HKEY_CURRENT_USER, kKey, L"", L"vALUE", L"another", REG_SZ));
+    CHECK(hive.ValueCount(kKey) == 2);
+    CHECK(Delete(L"value"));
     CHECK(hive.ValueCount(kKey) == 1);
-    CHECK(Delete(L"1url"));
-    CHECK(hive.ValueCount(kKey) == 0);
 }
 
 TEST_CASE_FIXTURE(Watched, "a read of which a call fails, with whatever error") {
@@ -197,7 +191,7 @@ TEST_CASE_FIXTURE(Watched, "a read of which a call fails, with whatever error") 
         {"a key that cannot be closed hinders nothing", Close, 1, "abc", abc, 6, 1},
     };
     for (const Row& row : rows) {
-        CAPTURE(row.meaning);
+        CAPTURE(std::string(row.meaning));
         hive.Write(kKey, L"Value", REG_SZ, row.stored);
         for (const LSTATUS error : kErrors) {
             CAPTURE(error);
@@ -211,30 +205,42 @@ TEST_CASE_FIXTURE(Watched, "a read of which a call fails, with whatever error") 
     }
 }
 
-TEST_CASE_FIXTURE(Watched, "a value that changes between the probe and the query is as the query finds it") {
-    SUBCASE("one that grows fails the read") {
-        CHECK(ReadAfter([&] { hive.Write(kKey, L"Value", L"a longer text"); }).text == L"default");
-        CHECK(calls.Lines().back() == "RegCloseKey(HKCU)");
-        CHECK(calls.OpenHandles() == Lines{"key1"});
-    }
-    SUBCASE("one that shrinks is read") {
-        CHECK(ReadAfter([&] { hive.Write(kKey, L"Value", L"ab"); }).text == L"ab");
-    }
-    SUBCASE("one that is emptied leaves the default") {
-        CHECK(ReadAfter([&] { hive.Write(kKey, L"Value", L""); }) == ReadBack{true, L"default", REG_SZ, L""});
-    }
-    SUBCASE("one that changes its type has the new one") {
-        hive.Write(kKey, L"Value", L"abcd");
-        CHECK(ReadAfter([&] { hive.Write(kKey, L"Value", REG_DWORD, "\x07\0\0\0"s); }) ==
-              ReadBack{true, L"7", REG_DWORD, L""});
-    }
-    SUBCASE("one that vanishes is missing") {
-        CHECK(ReadAfter([&] { hive.Delete(kKey, L"Value"); }) == ReadBack{false, L"default", 0, L""});
+TEST_CASE("a value that changes between the probe and the query is as the query finds it") {
+    struct Row {
+        const char* meaning;
+        DWORD type;
+        const char* bytes;  // null: the value vanishes
+        ReadBack read;
+        Lines open;
+    };
+    const Row rows[] = {
+        {"one that grows fails the read", REG_SZ, "abcde", {false, L"default", REG_SZ, L""}, {"key1"}},
+        {"one that shrinks is read", REG_SZ, "ab", {true, L"ab", REG_SZ, L""}, {}},
+        {"one that is emptied leaves the default", REG_SZ, "", {true, L"default", REG_SZ, L""}, {}},
+        {"one that changes its type has the new one",
+         REG_DWORD,
+         "abcd",
+         {true, L"1684234849", REG_DWORD, L""},
+         {}},
+        {"one that vanishes is missing", REG_SZ, nullptr, {false, L"default", 0, L""}, {"key1"}},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(std::string(row.meaning));
+        Watched watched("abcd");
+        watched.calls.beforeCall = [&](RegistryFunction function, const std::string&) {
+            if (function != RegistryFunction::Info) return;
+            watched.hive.Delete(kKey, L"Value");
+            if (row.bytes != nullptr) watched.hive.Write(kKey, L"Value", row.type, row.bytes);
+        };
+        CHECK(watched.Read() == row.read);
+        CHECK(watched.calls.Lines().back() == "RegCloseKey(HKCU)");
+        CHECK(watched.calls.OpenHandles() == row.open);
     }
 }
 
-TEST_CASE_FIXTURE(
-    Watched, "saving creates the key, writes the value with nothing behind it, and leaves the key open") {
+TEST_CASE_FIXTURE(Watched,
+                  "saving creates the key, of the class, writes the value with nothing behind it, and leaves "
+                  "the key open") {
     CHECK(Save());
     CHECK(
         calls.Lines() ==
@@ -242,25 +248,17 @@ TEST_CASE_FIXTURE(
             R"(RegCreateKeyExA(HKCU, "Software\Calvane\Calls", 0, "", 0, 0x2, {50, no descriptor, inherited}))",
             R"(RegSetValueExA(key1, "Value", 0, type 1, "abc", no NUL behind))",
         });
-    CHECK(calls.OpenHandles() == Lines{"key1"});
-    CHECK(RegSetValueExW(calls.Handle("key1"), L"More", 0, REG_SZ, nullptr, 0) == ERROR_SUCCESS);
-    CHECK(hive.Exists(kKey, L"More"));
-    CHECK(Save());
-    CHECK(calls.OpenHandles().size() == 2);
-}
-
-TEST_CASE("saving passes on the class, the root, the value name and the type") {
-    const TestHive hive(HKEY_LOCAL_MACHINE);
-    RegistryCalls calls;
-    const auto save = [] {
-        CHECK(Registry().Save(HKEY_LOCAL_MACHINE, L"Software\\Deep\\Down", L"My class", L"", -2L, REG_DWORD));
-    };
+    const TestHive machine(HKEY_LOCAL_MACHINE);
+    CHECK(Watch([] {
+        return Registry().Save(HKEY_LOCAL_MACHINE, L"Software\\Deep\\Down", L"My class", L"", -2L, REG_DWORD);
+    }));
     CHECK(
-        calls.Watch(save) ==
+        calls.Lines() ==
         Lines{
             R"(RegCreateKeyExA(HKLM, "Software\Deep\Down", 0, "My class", 0, 0x2, {50, no descriptor, inherited}))",
-            R"(RegSetValueExA(key1, "", 0, type 4, "\fe\ff\ff\ff", no NUL behind))",
+            R"(RegSetValueExA(key2, "", 0, type 4, "\fe\ff\ff\ff", no NUL behind))",
         });
+    CHECK(calls.OpenHandles().size() == 2);
 }
 
 TEST_CASE_FIXTURE(Watched, "no type has a NUL behind what it counts") {
@@ -294,45 +292,42 @@ TEST_CASE_FIXTURE(
     CHECK(hive.Text(kKey, L"Value") == L"abc");
 }
 
-TEST_CASE_FIXTURE(Watched,
-                  "deleting a value opens the key for writing, deletes the value and closes the key") {
-    CHECK(Remove());
+TEST_CASE_FIXTURE(
+    Watched,
+    "deleting a value opens the key for writing, deletes the value and closes the key; a missing one fails, "
+    "under a missing key it creates none") {
+    CHECK(Delete());
     CHECK(calls.Lines() == kDeletion);
     CHECK_FALSE(hive.Exists(kKey, L"Value"));
-}
-
-TEST_CASE_FIXTURE(Watched,
-                  "deleting a missing value fails and closes the key, under a missing key it creates none") {
-    hive.Write(kKey, L"Other", L"abc");
-    hive.Delete(kKey, L"Value");
-    CHECK_FALSE(Remove());
-    CHECK(calls.Lines() == kDeletion);
+    CHECK_FALSE(Delete());
+    CHECK(calls.Functions() == Lines{"RegOpenKeyExA", "RegDeleteValueA", "RegCloseKey"});
+    CHECK(calls.OpenHandles().empty());
     CHECK(hive.Exists(kKey, L"Other"));
     hive.DeleteTree(kKey);
-    CHECK_FALSE(Remove());
+    CHECK_FALSE(Delete());
     CHECK(calls.Lines() == Lines{kDeletion[0]});
     CHECK_FALSE(hive.Exists(kKey));
 }
 
-TEST_CASE_FIXTURE(Watched, "deleting with an empty key path does nothing, with or without a value name") {
+TEST_CASE_FIXTURE(
+    Watched,
+    "deleting with an empty value name removes the key with its values, unless it has subkeys; an empty key "
+    "path does nothing") {
     hive.Write(L"", L"Value", L"abc");
     for (const wchar_t* const name : {L"Value", L""}) {
-        CHECK(calls.Watch([&] { CHECK_FALSE(Registry().Delete(HKEY_CURRENT_USER, L"", name)); }).empty());
+        CHECK_FALSE(Delete(name, L""));
+        CHECK(calls.Lines().empty());
     }
     CHECK(hive.Exists(L"", L"Value"));
-}
-
-TEST_CASE_FIXTURE(
-    Watched, "deleting with an empty value name removes the key with its values, unless it has subkeys") {
     hive.Write(kKey + L"\\Below"s, L"Value", L"abc");
-    CHECK_FALSE(Remove(L""));
+    CHECK_FALSE(Delete(L""));
     CHECK(hive.Exists(kKey + L"\\Below"s, L"Value"));
     hive.DeleteTree(kKey + L"\\Below"s);
-    CHECK(Remove(L""));
+    CHECK(Delete(L""));
     CHECK(calls.Lines() == Lines{R"(RegDeleteKeyA(HKCU, "Software\Calvane\Calls"))"});
     CHECK_FALSE(hive.Exists(kKey));
     CHECK(hive.Exists(L"Software\\Calvane"));
-    CHECK_FALSE(Remove(L""));
+    CHECK_FALSE(Delete(L""));
 }
 
 TEST_CASE_FIXTURE(
@@ -347,7 +342,7 @@ TEST_CASE_FIXTURE(
           Row{RegistryFunction::DeleteKey, L"", 1}}) {
         for (const LSTATUS error : kErrors) {
             calls.Fail({row.fails, 1, false, error});
-            CHECK_FALSE(Remove(row.name));
+            CHECK_FALSE(Delete(row.name));
             CHECK(calls.Lines().size() == row.calls);
             CHECK(calls.OpenHandles().empty());
         }
