@@ -4,15 +4,15 @@
 #include "platform/handle.h"
 #include "store/first_run.h"
 #include "tests/out_of_memory/memory_sweep.h"
-#include "tests/settings_transfer/usual_store.h"
+#include "tests/settings_transfer/transfer_page.h"
 #include "tests/support/first_run_defaults.h"
-#include "tests/support/settings_window.h"
+#include "tests/support/other_process.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
 
 namespace {
 
-struct Page : SettingsWindow {
+struct Page : TransferPage {
     Page() { registry.contents = UsualStore(); }
 
     // Rows of the log, each with a text that no string object keeps within itself.
@@ -25,7 +25,6 @@ struct Page : SettingsWindow {
     }
 
     const TestFolder folder;
-    RegistryCalls registry{RegistryCalls::Of::Memory};
     const FailingTexts texts;
 };
 
@@ -35,24 +34,25 @@ TEST_CASE_FIXTURE(Page, "memory that runs out in a load spoils nothing but what 
     WriteLog(2, 0);
     transfer.LoadSettings();
     const WindowState ideal = StateOf(*this);
+    const Rows idealBanners = ListViewRows(lvwBanners.Hwnd());
     REQUIRE(lstClosedWnd.ListCount() == 2);
     const long faults = Sweep(
         [&] {
-            Put(*this, {});
+            Put(*this, designed);
             cmdApply.Enabled(false);
         },
         [&] { transfer.LoadSettings(); },
         [&](int ending) {
-            const WindowState state = StateOf(*this);
             CHECK(ending == 0);
-            CHECK_FALSE(state.isLoading);
-            CHECK_FALSE(state.canApply);
+            CHECK_FALSE(changeMark.m_bLoading);
+            CHECK_FALSE(cmdApply.Enabled());
             if (!FailingAllocation::IsLasting()) {
                 // What could not be had ends a list or is a field of one row; no other row goes without its
                 // fields.
-                CHECK(std::count_if(state.banners.begin(), state.banners.end(), [&](const ListRow& row) {
-                          return std::find(ideal.banners.begin(), ideal.banners.end(), row) ==
-                                 ideal.banners.end();
+                const Rows banners = ListViewRows(lvwBanners.Hwnd());
+                CHECK(std::count_if(banners.begin(), banners.end(), [&](const std::wstring& row) {
+                          return std::find(idealBanners.begin(), idealBanners.end(), row) ==
+                                 idealBanners.end();
                       }) <= 1);
             }
             transfer.LoadSettings();

@@ -1,14 +1,14 @@
-// Puts everything that a registry can hold, and more, where the program expects its settings, and compares
-// what a load and a save make of it with the model.
-#include <random>
+// Everything that a registry can hold, and more, where the program expects its settings: it is loaded as the
+// text or number that it is, or not at all.
+#include <functional>
+#include <optional>
 #include <sstream>
 
+#include "options/speed_levels.h"
+#include "platform/automation_error.h"
 #include "platform/text.h"
-#include "tests/settings_transfer/usual_store.h"
+#include "tests/settings_transfer/transfer_page.h"
 #include "tests/support/first_run_defaults.h"
-#include "tests/support/message_recorder.h"
-#include "tests/support/settings_model.h"
-#include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
 
 using namespace std::string_literals;
@@ -64,114 +64,188 @@ std::wstring ShownInEdit(const std::wstring& text) {
     return shown;
 }
 
-struct HostileStore {
-    // Loads the store into a window that shows something else and compares both with the model.
-    void CheckLoad(const RegistryContents& store) {
-        WindowState expected = EditedWindow();
-        Put(page, expected);
-        registry.contents = store;
-        CHECK_NOTHROW(page.transfer.LoadSettings());
-        CHECK(registry.contents == store);
-        RegistryContents read = store;
-        SettingsModel model(read);
-        model.editText = ShownInEdit;
-        model.Load(expected);
-        CHECK(Difference(StateOf(page), expected) == "");
-    }
+std::wstring UpToNul(const std::wstring& text) {
+    return text.substr(0, text.find(L'\0'));
+}
 
-    // The store that comes of a save of what was loaded.
-    void CheckSave() {
-        RegistryContents expectedStore = registry.contents;
-        WindowState expected = StateOf(page);
-        CHECK_NOTHROW(page.transfer.SaveSettings());
-        SettingsModel(expectedStore).Save(expected, ToAnsi(page.loaderPath));
-        CHECK(Difference(registry.contents, expectedStore) == "");
-        CHECK(Difference(StateOf(page), expected) == "");
-        CHECK(registry.strayHandles == 0);
-        CHECK(recorder.messages.empty());
+// Nothing where Automation refuses the conversion.
+template <class Result>
+std::optional<Result> As(Result (*convert)(const Variant&), const std::wstring& text) {
+    try {
+        return convert(text);
+    } catch (const AutomationError&) {
+        return std::nullopt;
     }
+}
 
-    SettingsWindow page;
-    const MessageRecorder recorder;
-    RegistryCalls registry{RegistryCalls::Of::Memory};
+// Too short a number is unusable.
+enum class Content { Missing, Unusable, Empty, Text };
+
+struct Read {
+    Content content = Content::Missing;
+    std::wstring text;  // of a number as well
+    bool IsThere() const { return content == Content::Empty || content == Content::Text; }
+};
+
+// What is read of a value; what holds no text takes over the one that was read before.
+Read Decoded(const StoredValue& value, const std::wstring& before) {
+    const std::string& bytes = value.bytes;
+    if (bytes.empty()) return {Content::Empty, before};
+    switch (value.type) {
+        case REG_BINARY:
+        case REG_MULTI_SZ:
+            return {Content::Text, FromAnsi(bytes)};
+        case REG_DWORD:
+        case REG_DWORD_BIG_ENDIAN: {
+            if (bytes.size() < 4) return {Content::Unusable, before};
+            DWORD number = 0;
+            for (size_t i = 0; i < 4; ++i)
+                number = number << 8 | static_cast<BYTE>(bytes[value.type == REG_DWORD ? 3 - i : i]);
+            return {Content::Text, std::to_wstring(static_cast<long>(number))};
+        }
+        default:
+            return {Content::Text, UpToNul(FromAnsi(bytes))};
+    }
+}
+
+// The banners of the usual store with another second entry, which may be the last.
+void ShowBanner(WindowState& window, const std::wstring& name, const std::wstring& height, bool isUsed,
+                bool goesOn) {
+    window["lvwBanners"] = L"a size of banners 1|11|12|x\n" + UpToNul(name) + L"|21|" + UpToNul(height) +
+                           (isUsed ? L"|x\n" : L"\n") + (goesOn ? L"a size of banners 3|31|32|x\n" : L"");
+}
+
+// Of the two lists of entries one stands for both.
+struct Place {
+    const char* key;
+    const char* name;
+    const wchar_t* before;  // what is taken over
+    // What becomes of the window that shows the usual store, and the edited one before.
+    void (*show)(WindowState& window, const Read& read);
+};
+
+const Place kPlaces[] = {
+    {kSettings, "chkPlaySound", L"",
+     [](WindowState& window, const Read& read) {
+         if (As<short>(ToShort, read.text) == 1) return;
+         window["chkPlaySound"] = window["cmdSoundFile"] = window["cmdTestSound"] = L"0";
+     }},
+    {kSettings, "chkBeep", L"1",
+     [](WindowState& window, const Read& read) {
+         if (As<short>(ToShort, read.text) != 1) return;
+         window["chkPlaySound"] = window["cmdSoundFile"] = window["cmdTestSound"] = L"0";
+         window["chkBeep"] = L"1";
+     }},
+    {kSettings, "txtSpeed", L"0",
+     [](WindowState& window, const Read& read) {
+         const std::optional<long> interval = As<long>(ToLong, read.text);
+         window["txtSpeed"] = interval ? TextOf(IntervalToSpeed(*interval)) : L"3";
+     }},
+    {kSettings, "txtPause", L"400",
+     [](WindowState& window, const Read& read) {
+         const std::optional<double> milliseconds = As<double>(ToDouble, read.text);
+         window["txtPause"] = milliseconds ? TextOf(*milliseconds / 1000) : L"17";
+     }},
+    {kExclude, "1", L"http://an-excluded-site-1",
+     [](WindowState& window, const Read& read) {
+         window["lstExclude"] = L"http://an-excluded-site-1\n";
+         if (read.IsThere()) window["lstExclude"] += UpToNul(read.text) + L"\nhttp://an-excluded-site-3\n";
+     }},
+    {kBanners, "2Name", L"True",
+     [](WindowState& window, const Read& read) {
+         ShowBanner(window, read.text, L"22", false, true);
+         if (!read.IsThere()) window["lvwBanners"] = L"a size of banners 1|11|12|x\n";
+     }},
+    {kBanners, "2Height", L"a size of banners 2",
+     [](WindowState& window, const Read& read) {
+         ShowBanner(window, L"a size of banners 2", read.text, false, true);
+     }},
+    {kBanners, "2Use", L"21",
+     [](WindowState& window, const Read& read) {
+         ShowBanner(window, L"a size of banners 2", L"22", As<bool>(ToBool, read.text) == true,
+                    read.IsThere());
+     }},
+    {kSettings, "chkExtra", L"True",
+     [](WindowState& window, const Read& read) {
+         window["chkExtra"] = As<short>(ToShort, read.text) == 1 ? L"1" : L"0";
+     }},
+    {kSettings, "txtExtra", L"1",
+     [](WindowState& window, const Read& read) { window["txtExtra"] = ShownInEdit(read.text); }},
+    {kSettings, "Startup", L"",
+     [](WindowState& window, const Read& read) {
+         const std::wstring mode = read.content == Content::Missing ? L"Manual" : read.text;
+         const bool isMode = mode == L"Startup" || mode == L"RunOnly" || mode == L"Manual";
+         window["m_strStartupMode"] = isMode ? mode : L"Startup";
+         window["optStartup"] = mode == L"Startup" ? L"1" : L"0";
+         window["optLoadWithKiller"] = mode == L"RunOnly" ? L"1" : L"0";
+         window["optLoadFromMenu"] = mode == L"Manual" || !isMode ? L"1" : L"0";
+     }},
+    {kSettings, "Pause Key", L"",
+     [](WindowState& window, const Read& read) {
+         window["cboPauseKey"] = read.content == Content::Missing ? L"Shift" : L"Ctrl";
+         for (const wchar_t* const key : {L"Alt", L"Ctrl", L"Shift", L"F6", L"F7", L"F8", L"F9", L"F10"}) {
+             if (lstrcmpiW(UpToNul(read.text).c_str(), key) == 0) window["cboPauseKey"] = key;
+         }
+     }},
+    {kSettings, "SoundFile", L"",
+     [](WindowState& window, const Read& read) {
+         window["m_strSoundFile"] = read.content == Content::Unusable ? L"C:\\b.wav" : read.text;
+     }},
 };
 
 }  // namespace
 
 TEST_CASE_FIXTURE(
-    HostileStore,
+    TransferPage,
     "every value, whatever its type and bytes, is loaded or leaves its control as the rules say") {
     const std::vector<std::string> allBytes = HostileBytes();
-    for (const auto& [key, values] : UsualStore()) {
-        for (const auto& [name, value] : values) {
-            // Of the lists the second entry; its texts are taken for a number in no other place than its use.
-            const bool isOfList = key != kSettings;
-            if (isOfList && name.front() != '2' && name != "1") continue;
-            INFO(key << " " << name);
-            RegistryContents store = UsualStore();
-            store[key].erase(name);
-            CheckLoad(store);
-            for (const std::string& bytes : allBytes) {
-                if (isOfList && name != "2Use" && bytes.size() < 300 && bytes.find('\0') == std::string::npos)
-                    continue;
-                INFO("bytes " << bytes.substr(0, 40) << " (" << bytes.size() << ")");
-                store[key][name] = {REG_SZ, bytes};
-                CheckLoad(store);
-            }
-            CheckSave();
-            // Beyond the types of numbers and texts, one stands for all.
-            for (const DWORD type :
-                 std::initializer_list<DWORD>{REG_NONE, REG_EXPAND_SZ, REG_BINARY, REG_DWORD,
-                                              REG_DWORD_BIG_ENDIAN, REG_MULTI_SZ, REG_QWORD, 0xFFFFFFFF}) {
-                for (const std::string& bytes :
-                     {""s, "12"s, "\x01\0\0\0"s, "\0\0\x01\x90"s, "a\0b\0\0"s, std::string(2000, '\xe4')}) {
-                    // The entries of the lists are read as the settings are.
-                    if (isOfList && type > REG_DWORD) continue;
-                    INFO("type " << type << " of " << bytes.size() << " bytes");
-                    store[key][name] = {type, bytes};
-                    CheckLoad(store);
-                }
-            }
-            CheckSave();
-        }
-    }
-}
-
-TEST_CASE_FIXTURE(HostileStore, "stores put together by chance are loaded and saved as the rules say") {
-    constexpr unsigned kSeed = 20030521;
-    constexpr int kStores = 400;
-    std::mt19937 random(kSeed);
-    const auto below = [&](size_t limit) { return static_cast<size_t>(random()) % limit; };
-    std::vector<std::string> allBytes = HostileBytes();
-    std::erase_if(allBytes, [](const std::string& bytes) { return bytes.size() > 2000; });
-    const auto anything = [&]() -> StoredValue {
-        std::string bytes = allBytes[below(allBytes.size())];
-        if (below(4) == 0) {
-            bytes.resize(below(12));
-            for (char& each : bytes)
-                each = static_cast<char>(random());
-        }
-        return {below(3) == 0 ? static_cast<DWORD>(below(13)) : REG_SZ, bytes};
-    };
-    for (int i = 0; i < kStores; ++i) {
-        INFO("store " << i << " of seed " << kSeed);
+    Put(*this, EditedWindow());
+    registry.contents = UsualStore();
+    transfer.LoadSettings();
+    const WindowState usual = StateOf(*this);
+    for (const Place& place : kPlaces) {
+        CAPTURE(std::string(place.name));
         RegistryContents store = UsualStore();
-        for (auto& [key, values] : store) {
-            for (int n = 0; n <= 4; ++n) {
-                for (const char* const field : {"", "Name", "Width", "Height", "URL", "Use"}) {
-                    if (below(3) == 0) values[std::to_string(n) + field] = anything();
-                }
-            }
-            std::erase_if(values, [&](const auto&) { return below(12) == 0; });
-            for (auto& [name, value] : values) {
-                if (below(3) == 0) value = anything();
+        StoredKey& values = store[place.key];
+        const auto checkLoad = [&](const Read& read) {
+            WindowState expected = usual;
+            place.show(expected, read);
+            Put(*this, EditedWindow());
+            registry.contents = store;
+            CHECK_NOTHROW(transfer.LoadSettings());
+            CHECK(registry.contents == store);
+            CHECK(Difference(StateOf(*this), expected) == "");
+        };
+        const auto check = [&](const StoredValue& value) {
+            INFO("type " << value.type << ", " << value.bytes.size() << " bytes "
+                         << value.bytes.substr(0, 40));
+            values[place.name] = value;
+            checkLoad(Decoded(value, place.before));
+        };
+        values.erase(place.name);
+        checkLoad({Content::Missing, place.before});
+        // The texts of the lists are taken for a number in no other place than their use.
+        const bool isOfList = place.key != kSettings;
+        for (const std::string& bytes : allBytes) {
+            if (!isOfList || place.name == "2Use"s || bytes.size() >= 300 ||
+                bytes.find('\0') != std::string::npos || bytes.empty())
+                check({REG_SZ, bytes});
+        }
+        CHECK_NOTHROW(transfer.SaveSettings());
+        // Beyond the types of numbers and texts, one stands for all; the entries of the lists are read as the
+        // settings are.
+        for (const DWORD type :
+             std::initializer_list<DWORD>{REG_NONE, REG_EXPAND_SZ, REG_BINARY, REG_DWORD,
+                                          REG_DWORD_BIG_ENDIAN, REG_MULTI_SZ, REG_QWORD, 0xFFFFFFFF}) {
+            for (const std::string& bytes : {""s, "\x01"s, "12"s, "\x01\0\0\0"s, "\0\0\x01\x90"s, "a\0b\0\0"s,
+                                             std::string(2000, '\xe4')}) {
+                if (!isOfList || type <= REG_DWORD) check({type, bytes});
             }
         }
-        if (below(20) == 0) store.erase(kExclude);
-        if (below(20) == 0) store.erase(kSettings);
-        CheckLoad(store);
-        CheckSave();
+        CHECK_NOTHROW(transfer.SaveSettings());
     }
+    CHECK(registry.strayHandles == 0);
+    CHECK(recorder.messages.empty());
 }
 
 TEST_CASE_FIXTURE(SettingsWindow, "a size that no memory holds is a value that cannot be read") {

@@ -7,174 +7,206 @@
 #include <vector>
 
 #include "platform/automation_error.h"
-#include "store/first_run.h"
-#include "store/settings_schema.h"
-#include "tests/support/other_process.h"
-#include "tests/support/settings_window.h"
+#include "tests/settings_transfer/transfer_page.h"
 #include "tests/support/shown_text.h"
-#include "tests/support/window_state.h"
 
-using namespace Schema;
+namespace {
 
-TEST_CASE(
-    "each stored option is shown in its control; a missing or empty one leaves its control as it is, or "
-    "takes over "
-    "the text read before it where that converts") {
+using StoredRows = std::vector<std::string>;
+
+struct LoadPage : TransferPage {
+    WindowState Loaded(const StoredRows& rows) {
+        registry.contents = StoreOf(rows);
+        transfer.LoadSettings();
+        return StateOf(*this);
+    }
+};
+
+}  // namespace
+
+TEST_CASE_FIXTURE(
+    LoadPage,
+    "each stored option is shown in its control; a missing or empty one leaves its control as it is, "
+    "or takes over the text read before it where that converts") {
     struct Row {
         const char* meaning;
-        std::vector<std::pair<const wchar_t*, const wchar_t*>> stored;
-        void (*change)(WindowState& shown);  // of a window as it is designed, with Manual and Shift chosen
+        StoredRows stored;
+        WindowState before;   // of a window as it is designed
+        WindowState changes;  // of that one, with Manual and Shift chosen and no sound
     };
+    const WindowState kBeepFromPlaySound = {
+        {"chkBeep", L"1"}, {"chkExtra", L"1"}, {"txtPause", L"0.001"}, {"txtExtra", L"1"}};
     const Row rows[] = {
-        {"an empty store chooses Manual and Shift", {}, [](WindowState&) {}},
+        {"an empty store chooses Manual and Shift", {}, {}, {}},
         {"every option",
-         {{L"chkPlaySound", L"1"},
-          {L"chkBeep", L"0"},
-          {L"txtPause", L"12000"},
-          {L"txtSpeed", L"400"},
-          {L"chkExtra", L"1"},
-          {L"txtExtra", L" as it stands "},
-          {L"Pause Key", L"F9"},
-          {L"SoundFile", L"C:\\a.wav"},
-          {L"Startup", L"RunOnly"}},
-         [](WindowState& shown) {
-             shown.playSound = shown.extra = 1;
-             shown.pause = L"12";
-             shown.speed = L"9";
-             shown.extraText = L" as it stands ";
-             shown.pauseKey = L"F9";
-             shown.soundFile = L"C:\\a.wav";
-             shown.selectedMode = shown.mode = L"RunOnly";
-             shown.canChooseSound = shown.canTestSound = true;
-         }},
+         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=0", "Settings\\txtPause=12000",
+          "Settings\\txtSpeed=400", "Settings\\chkExtra=1", "Settings\\txtExtra= as it stands ",
+          "Settings\\Pause Key=F9", "Settings\\SoundFile=C:\\a.wav", "Settings\\Startup=RunOnly"},
+         {},
+         {{"chkPlaySound", L"1"},
+          {"chkExtra", L"1"},
+          {"txtPause", L"12"},
+          {"txtSpeed", L"9"},
+          {"txtExtra", L" as it stands "},
+          {"cboPauseKey", L"F9"},
+          {"m_strSoundFile", L"C:\\a.wav"},
+          {"optLoadFromMenu", L"0"},
+          {"optLoadWithKiller", L"1"},
+          {"m_strStartupMode", L"RunOnly"},
+          {"cmdSoundFile", L"1"},
+          {"cmdTestSound", L"1"}}},
         {"with both notices checked the beep, visited last, wins",
-         {{L"chkPlaySound", L"1"},
-          {L"chkBeep", L"1"},
-          {L"txtSpeed", L"1000"},
-          {L"txtPause", L"5000"},
-          {L"txtExtra", L"x"}},
-         [](WindowState& shown) {
-             shown.beep = 1;
-             shown.extraText = L"x";
-         }},
+         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=1", "Settings\\txtSpeed=1000",
+          "Settings\\txtPause=5000", "Settings\\txtExtra=x"},
+         {},
+         {{"chkBeep", L"1"}, {"txtExtra", L"x"}}},
         {"the beep takes over Play Sound; speed, pause and the extra box the beep",
-         {{L"chkPlaySound", L"1"}},
-         [](WindowState& shown) {
-             shown.beep = shown.extra = 1;
-             shown.pause = L"0.001";
-             shown.extraText = L"1";
-         }},
+         {"Settings\\chkPlaySound=1"},
+         {},
+         kBeepFromPlaySound},
         {"an empty value counts as a missing one",
-         {{L"chkPlaySound", L"1"}, {L"chkBeep", L""}, {L"txtPause", L""}},
-         [](WindowState& shown) {
-             shown.beep = shown.extra = 1;
-             shown.pause = L"0.001";
-             shown.extraText = L"1";
-         }},
+         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=", "Settings\\txtPause="},
+         {},
+         kBeepFromPlaySound},
         {"the pause takes over the speed",
-         {{L"txtSpeed", L"200"}},
-         [](WindowState& shown) {
-             shown.speed = L"10";
-             shown.pause = L"0.2";
-             shown.extraText = L"200";
-         }},
-        {"a stored pause key that is none leaves a window that has no choice without one",
-         {{L"Pause Key", L"F12"}},
-         [](WindowState& shown) { shown.pauseKey.clear(); }},
+         {"Settings\\txtSpeed=200"},
+         {},
+         {{"txtSpeed", L"10"}, {"txtPause", L"0.2"}, {"txtExtra", L"200"}}},
+        {"a check box behind the lists keeps its state where the last search text does not convert",
+         {"Search\\1Name=One"},
+         {{"chkExtra", L"1"}},
+         {{"lvwSearchURLs", L"One|One\n"}, {"txtExtra", L"One"}}},
         {"the pause key, the sound file and the mode take over nothing",
-         {{L"txtExtra", L"F6"}},
-         [](WindowState& shown) { shown.extraText = L"F6"; }},
+         {"Settings\\txtExtra=F6"},
+         {},
+         {{"txtExtra", L"F6"}}},
+        {"a stored pause key that is none leaves a window that has no choice without one",
+         {"Settings\\Pause Key=F12"},
+         {},
+         {{"cboPauseKey", L""}}},
+        {"an engine that cannot tell its log does not keep the rest from loading",
+         {"Settings\\Pause Key=F8", "Settings\\Startup=Startup"},
+         {{"lstClosedWnd", L"old\n"}},
+         {{"lstClosedWnd", L""},
+          {"cboPauseKey", L"F8"},
+          {"optLoadFromMenu", L"0"},
+          {"optStartup", L"1"},
+          {"m_strStartupMode", L"Startup"}}},
+        {"without exclude rows the list is empty", {}, {{"lstExclude", L"edited\n"}}, {{"lstExclude", L""}}},
+        {"exclude rows are read from 0 to the first gap",
+         {"Exclude\\0=http://zero", "Exclude\\1=http://one", "Exclude\\3=http://three"},
+         {{"lstExclude", L"edited\n"}},
+         {{"lstExclude", L"http://zero\nhttp://one\n"}, {"txtExtra", L"http://one"}}},
+        {"an empty exclude row repeats the row before it",
+         {"Exclude\\0=http://a", "Exclude\\1=", "Exclude\\2=http://c"},
+         {},
+         {{"lstExclude", L"http://a\nhttp://a\nhttp://c\n"}, {"txtExtra", L"http://c"}}},
+        {"search addresses are read from 1 on, whichever way their value is spelled",
+         {"Search\\1Name=One", "Search\\1Url=http://one", "Search\\1Use=True", "Search\\2Name=Two",
+          "Search\\2URL=http://two", "Search\\2Use=False", "Search\\3Name=Three", "Search\\3URL=http://three",
+          "Search\\4Name=Four"},
+         {{"lvwSearchURLs", L"edited\n"}},
+         {{"lvwSearchURLs", L"One|http://one|x\nTwo|http://two\nThree|http://three\n"},
+          {"txtExtra", L"http://three"}}},
     };
     for (const Row& row : rows) {
-        CAPTURE(row.meaning);
-        SettingsWindow page;
-        for (const auto& [name, text] : row.stored)
-            page.Store(name, text);
-        WindowState shown;
-        shown.pauseKey = L"Shift";
-        shown.selectedMode = shown.mode = L"Manual";
-        row.change(shown);
-        page.transfer.LoadSettings();
-        CHECK(Difference(StateOf(page), shown) == "");
-        CHECK(page.user.Exists(L"Software\\Calvane") == !row.stored.empty());
-    }
-}
-
-TEST_CASE_FIXTURE(SettingsWindow,
-                  "a stored pause is shown in seconds, fractions too; one of 2500 shows 2.5") {
-    const SettingsWindow::Values rows = {{L"1500", L"1.5"},     {L"2500", L"2.5"}, {L"30000", L"30"},
-                                         {L"1", L"0.001"},      {L"0", L"0"},      {L"-5000", L"-5"},
-                                         {L"5000.5", L"5.0005"}};
-    for (const auto& [stored, shown] : rows) {
-        Store(L"txtPause", stored);
-        transfer.LoadSettings();
-        CHECK(txtPause.Text() == shown);
-    }
-}
-
-TEST_CASE_FIXTURE(
-    SettingsWindow,
-    "a text that is taken over reaches across the lists, within them, and not into the next load") {
-    SUBCASE("a check box behind the lists keeps its state where the last search text does not convert") {
-        Write(kSearchKey, {{L"1Name", L"One"}});
-        chkExtra.Value(1);
-        transfer.LoadSettings();
-        CHECK(chkExtra.Value() == 1);
-        CHECK(txtExtra.Text() == L"One");
-    }
-    SUBCASE("an empty exclude row repeats the row before it") {
-        Write(kExcludeKey, {{L"0", L"http://a.example"}, {L"1", L""}, {L"2", L"http://c.example"}});
-        transfer.LoadSettings();
-        CHECK(ListBoxRows(lstExclude.Hwnd()) ==
-              Rows{L"http://a.example", L"http://a.example", L"http://c.example"});
-    }
-    SUBCASE("nothing is taken over from the load before") {
-        Store(L"chkPlaySound", L"1");
-        transfer.LoadSettings();
-        user.DeleteTree(kSettingsKey);
-        chkBeep.Value(0);
-        transfer.LoadSettings();
-        CHECK(chkBeep.Value() == 0);
-    }
-}
-
-TEST_CASE_FIXTURE(
-    SettingsWindow,
-    "the pause key: a stored item is chosen, a missing one gives Shift, any other text, F12 or an "
-    "empty one, changes nothing") {
-    for (const wchar_t* const key : {L"Alt", L"Ctrl", L"Shift", L"F6", L"F7", L"F8", L"F9", L"F10"}) {
-        Store(L"Pause Key", key);
-        transfer.LoadSettings();
-        CHECK(cboPauseKey.Text() == key);
-    }
-    for (const wchar_t* const key : {L"F12", L"F", L"F100", L" ", L"", L"Alt+F4"}) {
-        CAPTURE(std::wstring(key));
-        Store(L"Pause Key", key);
-        transfer.LoadSettings();
-        CHECK(cboPauseKey.Text() == L"F10");
-    }
-    user.Delete(kSettingsKey, L"Pause Key");
-    transfer.LoadSettings();
-    CHECK(cboPauseKey.Text() == L"Shift");
-}
-
-TEST_CASE(
-    "a missing or empty sound file loads as empty and leaves the test button as it is under Play Sound") {
-    for (const bool stored : {false, true}) {
-        for (const bool enabled : {false, true}) {
-            CAPTURE(stored);
-            CAPTURE(enabled);
-            SettingsWindow page;
-            page.popupNotice.m_strSoundFile = L"C:\\before.wav";
-            page.cmdTestSound.Enabled(enabled);
-            page.Write(kSettingsKey, {{L"chkPlaySound", L"1"}, {L"chkBeep", L"0"}});
-            if (stored) page.Store(L"SoundFile", L"");
-            SettingsWindow::Check(page.chkPlaySound, true);
-            page.transfer.LoadSettings();
-            CHECK(page.popupNotice.m_strSoundFile.empty());
-            CHECK(page.cmdSoundFile.Enabled());
-            CHECK(page.cmdTestSound.Enabled() == enabled);
+        CAPTURE(std::string(row.meaning));
+        Put(*this, designed);
+        Put(*this, row.before);
+        WindowState shown = StateOf(*this);
+        const WindowState always{{"cboPauseKey", L"Shift"},
+                                 {"optLoadFromMenu", L"1"},
+                                 {"m_strStartupMode", L"Manual"},
+                                 {"cmdSoundFile", L"0"},
+                                 {"cmdTestSound", L"0"}};
+        for (const WindowState& changes : {always, row.changes}) {
+            for (const auto& [name, text] : changes)
+                shown[name] = text;
         }
+        CHECK(Difference(Loaded(row.stored), shown) == "");
+        CHECK(registry.contents == StoreOf(row.stored));
+    }
+}
+
+TEST_CASE_FIXTURE(LoadPage,
+                  "a pause is shown in seconds, fractions too; a pause key that is no item changes nothing") {
+    struct Row {
+        const char* stored;
+        const char* control;
+        const wchar_t* shown;
+    };
+    const Row rows[] = {
+        {"txtPause=1500", "txtPause", L"1.5"},      {"txtPause=2500", "txtPause", L"2.5"},
+        {"txtPause=30000", "txtPause", L"30"},      {"txtPause=1", "txtPause", L"0.001"},
+        {"txtPause=0", "txtPause", L"0"},           {"txtPause=-5000", "txtPause", L"-5"},
+        {"txtPause=5000.5", "txtPause", L"5.0005"}, {"Pause Key=Alt", "cboPauseKey", L"Alt"},
+        {"Pause Key=Ctrl", "cboPauseKey", L"Ctrl"}, {"Pause Key=Shift", "cboPauseKey", L"Shift"},
+        {"Pause Key=F6", "cboPauseKey", L"F6"},     {"Pause Key=F7", "cboPauseKey", L"F7"},
+        {"Pause Key=F8", "cboPauseKey", L"F8"},     {"Pause Key=F9", "cboPauseKey", L"F9"},
+        {"Pause Key=F10", "cboPauseKey", L"F10"},   {"Pause Key=F12", "cboPauseKey", L"F10"},
+        {"Pause Key=F", "cboPauseKey", L"F10"},     {"Pause Key=F100", "cboPauseKey", L"F10"},
+        {"Pause Key= ", "cboPauseKey", L"F10"},     {"Pause Key=", "cboPauseKey", L"F10"},
+        {"Pause Key=Alt+F4", "cboPauseKey", L"F10"}};
+    for (const Row& row : rows) {
+        CAPTURE(std::string(row.stored));
+        CHECK(Loaded({std::string("Settings\\") + row.stored}).at(row.control) == row.shown);
+    }
+}
+
+TEST_CASE_FIXTURE(LoadPage, "nothing is taken over from the load before") {
+    Loaded({"Settings\\chkPlaySound=1"});
+    chkBeep.Value(0);
+    CHECK(Loaded({}).at("chkBeep") == L"0");
+}
+
+TEST_CASE_FIXTURE(
+    LoadPage,
+    "a missing or empty sound file loads as empty and leaves the test button as it is under Play Sound") {
+    for (const StoredRows& file : {StoredRows{}, {"Settings\\SoundFile="}}) {
+        for (const wchar_t* const canTest : {L"0", L"1"}) {
+            CAPTURE(file.size());
+            StoredRows stored{"Settings\\chkPlaySound=1", "Settings\\chkBeep=0"};
+            stored.insert(stored.end(), file.begin(), file.end());
+            Put(*this,
+                {{"m_strSoundFile", L"C:\\before.wav"}, {"chkPlaySound", L"1"}, {"cmdTestSound", canTest}});
+            WindowState shown = Loaded(stored);
+            CHECK(shown["m_strSoundFile"].empty());
+            CHECK(shown["cmdSoundFile"] == L"1");
+            CHECK(shown["cmdTestSound"] == canTest);
+        }
+    }
+}
+
+TEST_CASE_FIXTURE(LoadPage, "banner sizes are read from 1 on, with name, width, height and use") {
+    StoredRows stored{"Banners\\1Name=Full",  "Banners\\1Width=468", "Banners\\1Height=60",
+                      "Banners\\1Use=True",   "Banners\\2Name=Half", "Banners\\2Width=-2.5",
+                      "Banners\\2Height=1e3", "Banners\\2Use=False"};
+    const std::wstring two = L"Full|468|60|x\nHalf|-2.5|1e3\n";
+    const auto loadedWith = [&](const StoredRows& more) {
+        stored.insert(stored.end(), more.begin(), more.end());
+        return Loaded(stored).at("lvwBanners");
+    };
+    lvwBanners.Add(1, L"edited");
+    SUBCASE("to the first missing name") {
+        CHECK(loadedWith({"Banners\\4Name=beyond the gap", "Banners\\4Use=True"}) == two);
+    }
+    SUBCASE("to the first entry without a use, which is shown; its check mark comes from the width") {
+        CHECK(loadedWith({"Banners\\3Name=Third", "Banners\\3Height=7", "Banners\\3Width=0",
+                          "Banners\\4Name=Fourth", "Banners\\4Use=True"}) == two + L"Third|0|7\n");
+        CHECK(loadedWith({"Banners\\3Width=100"}) == two + L"Third|100|7|x\n");
+    }
+    SUBCASE(
+        "missing fields take over what was read before them, the height from the name, the width from that") {
+        CHECK(loadedWith({"Banners\\3Name=Third", "Banners\\3Use=True", "Banners\\4Name=Fourth",
+                          "Banners\\4Height=9", "Banners\\4Use=True", "Banners\\5Name=Fifth",
+                          "Banners\\5Width=8"}) ==
+              two + L"Third|Third|Third|x\nFourth|9|9|x\nFifth|8|Fifth|x\n");
+    }
+    SUBCASE("with the uses that Automation takes for a Boolean") {
+        for (const char* const use : {"True", "true", "1", "-1"})
+            CHECK(loadedWith({"Banners\\1Use=" + std::string(use)}) == two);
+        for (const char* const use : {"False", "FALSE", "0", "yes", "?"})
+            CHECK(loadedWith({"Banners\\1Use=" + std::string(use)}) == L"Full|468|60\nHalf|-2.5|1e3\n");
     }
 }
 
@@ -183,7 +215,7 @@ TEST_CASE_FIXTURE(SettingsWindow,
     bool loadingThen = false;
     logFile = [&]() -> std::wstring {
         loadingThen = changeMark.m_bLoading;
-        RaiseError(ErrorNumber::ObjectNotSet);
+        throw AutomationError(RPC_E_DISCONNECTED);
     };
     transfer.LoadSettings();
     CHECK(loadingThen);
@@ -194,104 +226,7 @@ TEST_CASE_FIXTURE(SettingsWindow,
     CHECK_FALSE(changeMark.m_bLoading);
 }
 
-TEST_CASE_FIXTURE(SettingsWindow, "an engine that cannot tell its log does not keep the rest from loading") {
-    Write(kSettingsKey, {{L"Pause Key", L"F8"}, {L"Startup", L"Startup"}});
-    logFile = []() -> std::wstring { throw AutomationError(RPC_E_DISCONNECTED); };
-    lstClosedWnd.AddItem(L"old");
-    transfer.LoadSettings();
-    CHECK(lstClosedWnd.ListCount() == 0);
-    CHECK(cboPauseKey.Text() == L"F8");
-    CHECK(optStartup.Value());
-}
-
-TEST_CASE_FIXTURE(SettingsWindow,
-                  "exclude rows are read from 0 to the first gap; an empty key gives an empty list") {
-    lstExclude.AddItem(L"edited");
-    transfer.LoadSettings();
-    CHECK(ListBoxRows(lstExclude.Hwnd()).empty());
-    Write(kExcludeKey, {{L"0", L"http://zero"}, {L"1", L"http://one"}, {L"3", L"http://three"}});
-    transfer.LoadSettings();
-    CHECK(ListBoxRows(lstExclude.Hwnd()) == Rows{L"http://zero", L"http://one"});
-}
-
-TEST_CASE_FIXTURE(SettingsWindow, "banner sizes are read from 1 on, with name, width, height and use") {
-    lvwBanners.Add(1, L"edited");
-    Write(kBannersKey, {{L"1Name", L"Full"},
-                        {L"1Width", L"468"},
-                        {L"1Height", L"60"},
-                        {L"1Use", L"True"},
-                        {L"2Name", L"Half"},
-                        {L"2Width", L"-2.5"},
-                        {L"2Height", L"1e3"},
-                        {L"2Use", L"False"}});
-    Rows expected{L"Full|468|60|x", L"Half|-2.5|1e3"};
-    SUBCASE("to the first missing name") {
-        Write(kBannersKey, {{L"4Name", L"beyond the gap"}, {L"4Use", L"True"}});
-        transfer.LoadSettings();
-        CHECK(ListViewRows(lvwBanners.Hwnd()) == expected);
-    }
-    SUBCASE("to the first entry without a use, which is shown; its check mark comes from the width") {
-        Write(kBannersKey,
-              {{L"3Name", L"Third"}, {L"3Height", L"7"}, {L"4Name", L"Fourth"}, {L"4Use", L"True"}});
-        for (const auto& [width, row] :
-             SettingsWindow::Values{{L"0", L"Third|0|7"}, {L"100", L"Third|100|7|x"}}) {
-            Write(kBannersKey, {{L"3Width", width}});
-            transfer.LoadSettings();
-            CHECK(ListViewRows(lvwBanners.Hwnd()) == Rows{expected[0], expected[1], row});
-        }
-    }
-    SUBCASE(
-        "missing fields take over what was read before them, the height from the name, the width from that") {
-        Write(kBannersKey, {{L"3Name", L"Third"},
-                            {L"3Use", L"True"},
-                            {L"4Name", L"Fourth"},
-                            {L"4Height", L"9"},
-                            {L"4Use", L"True"},
-                            {L"5Name", L"Fifth"},
-                            {L"5Width", L"8"}});
-        transfer.LoadSettings();
-        expected.insert(expected.end(), {L"Third|Third|Third|x", L"Fourth|9|9|x", L"Fifth|8|Fifth|x"});
-        CHECK(ListViewRows(lvwBanners.Hwnd()) == expected);
-    }
-    SUBCASE("with the uses that Automation takes for a Boolean") {
-        const std::pair<const wchar_t*, bool> uses[] = {{L"True", true},   {L"False", false}, {L"true", true},
-                                                        {L"FALSE", false}, {L"1", true},      {L"0", false},
-                                                        {L"-1", true},     {L"yes", false},   {L"?", false}};
-        for (const auto& [use, checked] : uses) {
-            CAPTURE(std::wstring(use));
-            Write(kBannersKey, {{L"1Use", use}});
-            transfer.LoadSettings();
-            CHECK(lvwBanners.Checked(1) == checked);
-            CHECK(lvwBanners.Count() == 2);
-        }
-    }
-}
-
-TEST_CASE_FIXTURE(SettingsWindow,
-                  "search addresses are read from 1 on, whichever way their value is spelled") {
-    lvwSearchURLs.Add(1, L"edited");
-    Write(kSearchKey, {{L"1Name", L"One"},
-                       {L"1Url", L"http://one"},
-                       {L"1Use", L"True"},
-                       {L"2Name", L"Two"},
-                       {L"2URL", L"http://two"},
-                       {L"2Use", L"False"},
-                       {L"3Name", L"Three"},
-                       {L"3URL", L"http://three"},
-                       {L"4Name", L"Four"}});
-    transfer.LoadSettings();
-    CHECK(ListViewRows(lvwSearchURLs.Hwnd()) ==
-          Rows{L"One|http://one|x", L"Two|http://two", L"Three|http://three"});
-}
-
-TEST_CASE_FIXTURE(SettingsWindow, "a load sets the columns of the lists") {
-    transfer.LoadSettings();
-    const int width = lvwBanners.Width();
-    CHECK(ListView_GetColumnWidth(lvwBanners.Hwnd(), 0) == width / 2);
-    CHECK(std::abs(ListView_GetColumnWidth(lvwSearchURLs.Hwnd(), 1) - width * 68 / 100) <= 1);
-}
-
-TEST_CASE_FIXTURE(SettingsWindow, "a load draws each list once, after its rows") {
+TEST_CASE_FIXTURE(TransferPage, "a load sets the columns of the lists, and draws each once, after its rows") {
     static std::vector<UINT> s_messages;
     struct Watch {
         static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
@@ -301,16 +236,18 @@ TEST_CASE_FIXTURE(SettingsWindow, "a load draws each list once, after its rows")
             return DefSubclassProc(hwnd, message, wParam, lParam);
         }
     };
-    WriteFirstRunDefaults();
-    Write(kExcludeKey, {{L"0", L"http://a"}, {L"1", L"http://b"}});
+    registry.contents = UsualStore();
     for (const HWND list : {lstExclude.Hwnd(), lvwBanners.Hwnd(), lvwSearchURLs.Hwnd()}) {
         s_messages.clear();
         SetWindowSubclass(list, Watch::Procedure, 1, 0);
         transfer.LoadSettings();
         RemoveWindowSubclass(list, Watch::Procedure, 1);
-        REQUIRE(s_messages.size() >= 4);
+        REQUIRE(s_messages.size() == 5);
         CHECK(s_messages.front() == FALSE);
         CHECK(s_messages.back() == TRUE);
         CHECK(std::count_if(s_messages.begin(), s_messages.end(), [](UINT each) { return each <= 1; }) == 2);
     }
+    const int width = lvwBanners.Width();
+    CHECK(ListView_GetColumnWidth(lvwBanners.Hwnd(), 0) == width / 2);
+    CHECK(std::abs(ListView_GetColumnWidth(lvwSearchURLs.Hwnd(), 1) - width * 68 / 100) <= 1);
 }

@@ -4,47 +4,31 @@
 #include <vector>
 
 #include "store/first_run.h"
-#include "store/settings_schema.h"
-#include "tests/support/other_process.h"
-#include "tests/support/registry_calls.h"
-#include "tests/support/settings_window.h"
+#include "tests/settings_transfer/transfer_page.h"
+#include "tests/support/first_run_defaults.h"
 #include "tests/support/shown_text.h"
-
-using namespace Schema;
-using Lines = std::vector<std::string>;
 
 namespace {
 
-// What is read, written and deleted, one behind the other.
-std::string Sequence(RegistryCalls& calls, const std::function<void()>& body) {
-    calls.Watch(body);
-    std::string sequence;
-    for (const std::string& line : calls.Values())
-        sequence += line + "; ";
-    return sequence;
-}
-
-// What a save writes of the speed and the pause, which stand in this order.
-Lines NumbersSaved(SettingsWindow& page, RegistryCalls& calls) {
-    calls.Watch([&] { page.transfer.SaveSettings(); });
-    Lines lines = calls.Values();
-    std::erase_if(lines, [](const std::string& line) { return !line.starts_with("write Settings\\txt"); });
-    std::erase_if(lines,
-                  [](const std::string& line) { return line.starts_with("write Settings\\txtExtra"); });
-    return lines;
-}
+struct SavePage : TransferPage {
+    // What is read, written and deleted, one behind the other.
+    std::string Sequence(const std::function<void()>& body) {
+        registry.Watch(body);
+        std::string sequence;
+        for (const std::string& line : registry.Values())
+            sequence += line + "; ";
+        return sequence;
+    }
+};
 
 }  // namespace
 
-TEST_CASE_FIXTURE(SettingsWindow,
-                  "a load reads the controls in their order, each list to its end, then the rest") {
-    Write(kSettingsKey, {{L"Startup", L"Manual"}});
-    Write(kExcludeKey, {{L"0", L"http://a"}, {L"1", L"http://b"}});
-    Write(kBannersKey, {{L"1Name", L"Full"}, {L"1Width", L"468"}, {L"1Height", L"60"}, {L"1Use", L"True"}});
-    Write(kSearchKey, {{L"1Name", L"One"}, {L"1Url", L"http://one"}, {L"1Use", L"False"}});
-    RegistryCalls calls;
-    const std::string sequence = Sequence(calls, [this] { transfer.LoadSettings(); });
-    CHECK(sequence ==
+TEST_CASE_FIXTURE(SavePage, "a load reads the controls in their order, each list to its end, then the rest") {
+    registry.contents =
+        StoreOf({"Settings\\Startup=Manual", "Exclude\\0=http://a", "Exclude\\1=http://b",
+                 "Banners\\1Name=Full", "Banners\\1Width=468", "Banners\\1Height=60", "Banners\\1Use=True",
+                 "Search\\1Name=One", "Search\\1Url=http://one", "Search\\1Use=False"});
+    CHECK(Sequence([this] { transfer.LoadSettings(); }) ==
           "read Settings\\chkPlaySound; read Settings\\chkBeep; read Settings\\txtSpeed; "
           "read Settings\\txtPause; read Exclude\\0; read Exclude\\1; read Exclude\\2; "
           "read Banners\\1Name; read Banners\\1Height; read Banners\\1Width; read Banners\\1Use; "
@@ -54,37 +38,27 @@ TEST_CASE_FIXTURE(SettingsWindow,
 }
 
 TEST_CASE_FIXTURE(
-    SettingsWindow,
+    SavePage,
     "a save writes the controls in their order as text, each list deleted and rewritten in one visit, "
     "then the rest") {
-    Write(kSettingsKey, {{L"Startup", L"Manual"}});
-    Write(kExcludeKey, {{L"0", L"http://old"}, {L"1", L"http://older"}});
-    Write(kBannersKey, {{L"1Name", L"Full"},
-                        {L"1Width", L"468"},
-                        {L"1Height", L"60"},
-                        {L"1Use", L"True"},
-                        {L"2Name", L"Half"},
-                        {L"2Width", L"234"},
-                        {L"2Height", L"60"},
-                        {L"2Use", L"False"}});
-    Write(kSearchKey, {{L"1Name", L"One"}, {L"1Url", L"http://one"}, {L"1Use", L"True"}});
-    transfer.LoadSettings();
-    Click(chkPlaySound);
-    txtSpeed.Text(L"10");
-    txtPause.Text(L"12");
-    lstExclude.Clear();
-    lstExclude.AddItem(L"http://new");
-    lvwBanners.Remove(1);
-    lvwSearchURLs.Add(2, L"Two");
-    lvwSearchURLs.SubItem(2, 1, L"http://two");
-    chkExtra.Value(1);
-    txtExtra.Text(L" some text ");
-    popupNotice.m_strSoundFile = L"C:\\a.wav";
-    cboPauseKey.Text(L"F7");
-    Click(optStartup);
-    RegistryCalls calls;
-    const std::string sequence = Sequence(calls, [this] { transfer.SaveSettings(); });
-    CHECK(sequence ==
+    registry.contents =
+        StoreOf({"Exclude\\0=http://old", "Exclude\\1=http://older", "Banners\\1Name=Full",
+                 "Banners\\1Width=468", "Banners\\1Height=60", "Banners\\1Use=True", "Banners\\2Name=Half",
+                 "Banners\\2Width=234", "Banners\\2Height=60", "Banners\\2Use=False", "Search\\1Name=One",
+                 "Search\\1Url=http://one", "Search\\1Use=True"});
+    Put(*this, {{"chkPlaySound", L"1"},
+                {"txtSpeed", L"10"},
+                {"txtPause", L"12"},
+                {"lstExclude", L"http://new\n"},
+                {"lvwBanners", L"Half|234|60\n"},
+                {"lvwSearchURLs", L"One|http://one|x\nTwo|http://two\n"},
+                {"chkExtra", L"1"},
+                {"txtExtra", L" some text "},
+                {"m_strSoundFile", L"C:\\a.wav"},
+                {"cboPauseKey", L"F7"},
+                {"optStartup", L"1"},
+                {"m_strStartupMode", L"Manual"}});
+    CHECK(Sequence([this] { transfer.SaveSettings(); }) ==
           "write Settings\\chkPlaySound=1; write Settings\\chkBeep=0; write Settings\\txtSpeed=200; "
           "write Settings\\txtPause=12000; delete Exclude\\0; delete Exclude\\1; "
           "delete Exclude\\2 (missing); write Exclude\\0=http://new; delete Banners\\1Name; "
@@ -103,12 +77,13 @@ TEST_CASE_FIXTURE(
           "write Run\\Calvane Config Manager=C:\\Program Files\\Calvane\\CalvaneConfigLoader.exe; ");
 }
 
-TEST_CASE(
+TEST_CASE_FIXTURE(
+    SavePage,
     "a typed level of 11 is saved as 1000, a pause as its whole number; what is none, or too great, is not "
     "written") {
     struct Row {
         const wchar_t* text;
-        const char* pause;  // null: nothing is written
+        const char* pause;  // empty: nothing is written
         const char* speed;
     };
     const Row rows[] = {{L"5", "5000", "1200"},
@@ -119,70 +94,55 @@ TEST_CASE(
                         {L"-1", "-1000", "1000"},
                         {L"2147483", "2147483000", "1000"},
                         {L"-2147483", "-2147483000", "1000"},
-                        {L"2147484", nullptr, "1000"},
-                        {L"-2147484", nullptr, "1000"},
-                        {L"2147483648", nullptr, nullptr},
-                        {L"1e400", nullptr, nullptr},
-                        {L"", nullptr, nullptr},
-                        {L" ", nullptr, nullptr},
-                        {L"five", nullptr, nullptr},
-                        {L"5 s", nullptr, nullptr},
+                        {L"2147484", "", "1000"},
+                        {L"-2147484", "", "1000"},
+                        {L"2147483648", "", ""},
+                        {L"1e400", "", ""},
+                        {L"", "", ""},
+                        {L" ", "", ""},
+                        {L"five", "", ""},
+                        {L"5 s", "", ""},
                         {L" 7 ", "7000", "800"},
                         {L"11", "11000", "1000"}};
-    SettingsWindow page;
-    RegistryCalls calls;
     for (const Row& row : rows) {
         CAPTURE(std::wstring(row.text));
-        page.txtPause.Text(row.text);
-        page.txtSpeed.Text(row.text);
-        Lines expected;
-        if (row.speed != nullptr) expected.push_back("write Settings\\txtSpeed=" + std::string(row.speed));
-        if (row.pause != nullptr) expected.push_back("write Settings\\txtPause=" + std::string(row.pause));
-        CHECK(NumbersSaved(page, calls) == expected);
+        Put(*this, {{"txtPause", row.text}, {"txtSpeed", row.text}});
+        registry.contents.clear();
+        transfer.SaveSettings();
+        CHECK(registry.contents[kSettings]["txtPause"].bytes == row.pause);
+        CHECK(registry.contents[kSettings]["txtSpeed"].bytes == row.speed);
     }
 }
 
-TEST_CASE_FIXTURE(SettingsWindow, "exclude rows behind a gap stay in the store") {
-    Write(kExcludeKey, {{L"0", L"row 0"}, {L"1", L"row 1"}, {L"3", L"row 3"}});
-    transfer.LoadSettings();
-    CHECK(ListBoxRows(lstExclude.Hwnd()) == Rows{L"row 0", L"row 1"});
-    lstExclude.RemoveItem(0);
-    lstExclude.AddItem(L"new");
+TEST_CASE_FIXTURE(
+    SavePage,
+    "a list is deleted to its first gap or entry without a use, whether or not it has names; what "
+    "is behind stays in the store") {
+    Put(*this, {{"lstExclude", L"row 1\nnew\n"}});
+    registry.contents =
+        StoreOf({"Exclude\\0=row 0", "Exclude\\1=row 1", "Exclude\\3=row 3", "Banners\\1Name=1",
+                 "Banners\\1Width=1", "Banners\\1Height=1", "Banners\\2Name=2", "Banners\\2Use=2",
+                 "Search\\1Use=1", "Search\\2Name=1", "Search\\2URL=1", "Search\\2Use=1"});
     transfer.SaveSettings();
-    CHECK(user.Text(kExcludeKey, L"0") == L"row 1");
-    CHECK(user.Text(kExcludeKey, L"1") == L"new");
-    CHECK(user.Text(kExcludeKey, L"3") == L"row 3");
-    CHECK(user.ValueCount(kExcludeKey) == 3);
+    RegistryContents expected = StoreOf(
+        {"Exclude\\0=row 1", "Exclude\\1=new", "Exclude\\3=row 3", "Banners\\2Name=2", "Banners\\2Use=2"});
+    for (const char* const key : {kExclude, kBanners, kSearch})
+        CHECK(Difference(registry.contents[key], expected[key]) == "");
 }
 
-TEST_CASE_FIXTURE(SettingsWindow,
-                  "a stored list is deleted to its first entry without a use, whether or not it has names") {
-    Write(kBannersKey,
-          {{L"1Name", L"1"}, {L"1Width", L"1"}, {L"1Height", L"1"}, {L"2Name", L"2"}, {L"2Use", L"2"}});
-    Write(kSearchKey, {{L"1Use", L"1"}, {L"2Name", L"1"}, {L"2URL", L"1"}, {L"2Use", L"1"}});
-    transfer.SaveSettings();
-    CHECK(user.ValueCount(kBannersKey) == 2);
-    CHECK(user.Exists(kBannersKey, L"2Name"));
-    CHECK(user.ValueCount(kSearchKey) == 0);
-}
-
-TEST_CASE_FIXTURE(SettingsWindow, "a load and a save leave the store of a first run as it was") {
+TEST_CASE_FIXTURE(SavePage,
+                  "a load and a save leave the store of a first run as it was, but for the extra boxes") {
     WriteFirstRunDefaults();
-    Write(kExcludeKey, {{L"0", L"http://a"}});
+    registry.contents[kExclude]["0"] = Text("http://a");
+    RegistryContents expected = registry.contents;
+    // Taken over from the use of the last search address.
+    expected[kSettings].insert({{"chkExtra", Text("0")}, {"txtExtra", Text("True")}});
     transfer.LoadSettings();
     transfer.SaveSettings();
-    const SettingsWindow::Values settings = {{L"chkPlaySound", L"1"},  {L"chkBeep", L"0"},
-                                             {L"txtPause", L"5000"},   {L"txtSpeed", L"1000"},
-                                             {L"Pause Key", L"Shift"}, {L"Startup", L"RunOnly"}};
-    for (const auto& [name, text] : settings)
-        CHECK(Stored(name) == text);
-    CHECK(user.ValueCount(kBannersKey) == 16);
-    CHECK(user.ValueCount(kSearchKey) == 18);
-    CHECK(user.ValueCount(kExcludeKey) == 1);
-    CHECK_FALSE(machine.Exists(kRunKey, kRunValue));
+    CHECK(Difference(registry.contents, expected) == "");
 }
 
-TEST_CASE_FIXTURE(SettingsWindow,
+TEST_CASE_FIXTURE(SavePage,
                   "a save ends with a marked change, sets the sound buttons and leaves the loading flag") {
     transfer.LoadSettings();
     CHECK_FALSE(cmdApply.Enabled());
@@ -197,25 +157,22 @@ TEST_CASE_FIXTURE(SettingsWindow,
     }
 }
 
-TEST_CASE_FIXTURE(SettingsWindow,
-                  "lists under other names, the log and the link are neither loaded nor stored") {
-    Write(kExcludeKey, {{L"0", L"http://a.example"}});
-    lstExtra.AddItem(L"kept");
-    lvwExtra.Add(1, L"kept");
+TEST_CASE_FIXTURE(SavePage, "lists under other names, the log and the link are neither loaded nor stored") {
+    Put(*this, {{"lstExtra", L"kept\n"}, {"lvwExtra", L"kept\n"}});
     lblNavSite.Caption(L"http://www.calvane.example/");
     transfer.LoadSettings();
-    CHECK(lstExtra.ListCount() == 1);
-    CHECK(lvwExtra.Count() == 1);
+    CHECK(StateOf(*this).at("lstExtra") == L"kept\n");
+    CHECK(StateOf(*this).at("lvwExtra") == L"kept\n");
     CHECK(lblNavSite.Caption() == L"http://www.calvane.example/");
-    lstExclude.Clear();
     lstClosedWnd.AddItem(L"http://closed");
     transfer.SaveSettings();
-    CHECK(user.ValueCount(kExcludeKey) == 0);
-    CHECK_FALSE(user.Exists(kBannersKey));
-    CHECK_FALSE(HasStored(L"lstClosedWnd"));
+    CHECK(Difference(registry.contents,
+                     StoreOf({"Settings\\chkPlaySound=0", "Settings\\chkBeep=0", "Settings\\txtSpeed=1000",
+                              "Settings\\txtPause=5000", "Settings\\chkExtra=0", "Settings\\txtExtra=",
+                              "Settings\\SoundFile=", "Settings\\Pause Key=Shift"})) == "");
 }
 
-TEST_CASE_FIXTURE(SettingsWindow, "without a chosen pause key an empty one is stored") {
+TEST_CASE_FIXTURE(SavePage, "without a chosen pause key an empty one is stored") {
     transfer.SaveSettings();
-    CHECK(Stored(L"Pause Key").empty());
+    CHECK(registry.contents[kSettings].at("Pause Key") == Text(""));
 }

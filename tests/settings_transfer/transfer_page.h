@@ -1,0 +1,55 @@
+// The window of a test over a registry in memory, and what either of them holds: put into it, taken from it
+// and compared.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "tests/support/message_recorder.h"
+#include "tests/support/registry_calls.h"
+#include "tests/support/settings_window.h"
+
+// What controls show, by their names: a text; 1 or 0 of what is checked, and of a button that is enabled;
+// each row of a list with a line feed behind it, "text\n" or "text|sub-item|...|x\n", the x only where it is
+// checked. Also what the window remembers: m_strSoundFile, m_strStartupMode, and whether it is loading in
+// m_bLoading.
+using WindowState = std::map<std::string, std::wstring>;
+
+WindowState StateOf(const SettingsWindow& window);
+// Leaves what the state does not name.
+void Put(SettingsWindow& window, const WindowState& state);
+
+// A store of rows "Settings\name=text", all of them texts.
+RegistryContents StoreOf(const std::vector<std::string>& rows);
+
+// A store and a window that differ in everything: every setting, three entries in each list and a neighbour
+// of the Run value; the lists of the window are shorter. No text of the store is so short that a string
+// object keeps it within itself.
+RegistryContents UsualStore();
+WindowState EditedWindow();
+
+struct TransferPage : SettingsWindow {
+    const WindowState designed = StateOf(*this);
+    const MessageRecorder recorder;
+    RegistryCalls registry{RegistryCalls::Of::Memory};
+};
+
+// What differs, in words; empty where nothing does.
+std::string Difference(const std::wstring& actual, const std::wstring& expected);
+std::string Difference(const StoredValue& actual, const StoredValue& expected);
+
+template <class Map>
+std::string Difference(const Map& actual, const Map& expected) {
+    std::string text;
+    for (const auto& [name, value] : expected) {
+        const auto found = actual.find(name);
+        const std::string difference =
+            found == actual.end() ? "is missing; " : Difference(found->second, value);
+        if (!difference.empty()) text += name + ' ' + difference;
+    }
+    for (const auto& [name, value] : actual) {
+        if (!expected.contains(name)) text += name + " is there; ";
+    }
+    return text;
+}
