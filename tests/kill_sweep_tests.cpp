@@ -11,7 +11,7 @@
 #include "tests/support/message_pump.h"
 #include "tests/support/program.h"
 #include "tests/support/shown_text.h"
-#include "tests/walk/store_snapshot.h"
+#include "tests/support/store_snapshot.h"
 #include "tests/support/other_process.h"
 
 namespace {

@@ -4,13 +4,10 @@
 
 #include <stdexcept>
 
-#include "lists/resource.h"
 #include "platform/automation_error.h"
 #include "platform/text.h"
-#include "tests/support/automation.h"
 #include "tests/support/killed_servers.h"
 #include "tests/support/message_pump.h"
-#include "tests/support/program.h"
 
 namespace {
 
@@ -33,12 +30,6 @@ BOOL CALLBACK TakeDialog(HWND window, LPARAM parameter) {
     return FALSE;
 }
 
-// Ends the engine that a killed manager leaves behind, which withdraws its classes.
-void EndEngine() {
-    ResumeNext([] { Call(CreateByName(L"SentrelStandin.Control").Get(), L"Quit"); });
-    if (!ProgramEnds(L"SentrelStandin.exe")) throw std::runtime_error("the engine does not end");
-}
-
 void WaitUntilGone(HWND window) {
     if (!WaitUntil([&] { return !IsWindow(window); })) {
         throw std::runtime_error("a window stays open: " + ToAnsi(ShownText(window)));
@@ -46,10 +37,6 @@ void WaitUntilGone(HWND window) {
 }
 
 }  // namespace
-
-User::User(bool keepSettings) {
-    Start(keepSettings);
-}
 
 // The first calls after a manager was killed can still be sent to it: they fail, and are tried again.
 void User::Start(bool keepSettings) {
@@ -75,9 +62,10 @@ void User::KillAndRestart() {
         throw std::runtime_error("the manager was not killed");
     }
     // No server may be left that Wine's service knew.
-    EndEngine();
+    StandIn::End();
     ForgetKilledServers();
     m_manager.reset();
+    engine = StandIn();
     Start(true);
 }
 
@@ -102,54 +90,59 @@ void User::TurnTo(Page page) {
     SendMessageW(Find(L"tab"), TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
 }
 
-Shown User::Look() {
-    Shown shown{};
+Rows User::Look() {
+    Rows shown;
     for (const wchar_t* const option : {L"optStartup", L"optLoadWithKiller", L"optLoadFromMenu"}) {
-        if (IsChecked(option)) shown.startup += ShownText(Find(option));
+        if (IsChecked(option)) shown.push_back(ShownText(Find(option)));
     }
-    shown.playSound = IsChecked(L"chkPlaySound");
-    shown.beep = IsChecked(L"chkBeep");
-    shown.canChooseSound = CanPress(L"cmdSoundFile");
-    shown.canTestSound = CanPress(L"cmdTestSound");
-    shown.pauseKey = ComboText(Find(L"cboPauseKey"));
-    shown.speed = ShownText(Find(L"txtSpeed"));
-    shown.pause = ShownText(Find(L"txtPause"));
-    shown.exclude = Excluded();
-    shown.banners = Banners();
-    shown.search = Searches();
-    shown.canApply = CanPress(L"cmdApply");
+    for (const std::wstring name : {L"chkPlaySound", L"chkBeep"})
+        shown.push_back(name + (IsChecked(name.c_str()) ? L" is checked" : L" is not checked"));
+    for (const std::wstring name : {L"cmdSoundFile", L"cmdTestSound"})
+        shown.push_back(name + (CanPress(name.c_str()) ? L" is enabled" : L" is disabled"));
+    shown.push_back(L"cboPauseKey: " + ComboText(Find(L"cboPauseKey")));
+    for (const std::wstring name : {L"txtSpeed", L"txtPause"})
+        shown.push_back(name + L": " + ShownText(Find(name.c_str())));
+    for (const Rows& rows :
+         {Excluded(), ListViewRows(Find(L"lvwBanners")), ListViewRows(Find(L"lvwSearchURLs"))})
+        shown.insert(shown.end(), rows.begin(), rows.end());
     return shown;
 }
 
-void User::Press(const wchar_t* name) {
-    if (!IsWindowVisible(Find(name)) || !CanPress(name)) {
+HWND User::Pressable(const wchar_t* name) {
+    if (!IsWindowVisible(Find(name)) || !CanPress(name))
         throw std::runtime_error("cannot be pressed: " + ToAnsi(name));
-    }
+    return Find(name);
+}
+
+void User::Press(const wchar_t* name) {
     // A message that nobody expects would keep the button pressed for ever.
     DWORD_PTR result = 0;
-    if (SendMessageTimeoutW(Find(name), BM_CLICK, 0, 0, SMTO_NORMAL, kPatience, &result) == 0) {
+    if (SendMessageTimeoutW(Pressable(name), BM_CLICK, 0, 0, SMTO_NORMAL, kPatience, &result) == 0)
         throw std::runtime_error("stays pressed: " + ToAnsi(name));
-    }
 }
 
 HWND User::Open(const wchar_t* name, const wchar_t* title) {
-    if (!IsWindowVisible(Find(name)) || !CanPress(name)) {
-        throw std::runtime_error("cannot be pressed: " + ToAnsi(name));
-    }
-    PostMessageW(Find(name), BM_CLICK, 0, 0);
+    PostMessageW(Pressable(name), BM_CLICK, 0, 0);
     return WaitForWindow(title);
 }
 
-std::wstring User::PressAndRead(const wchar_t* name) {
-    PostMessageW(Find(name), BM_CLICK, 0, 0);
-    return ReadMessage();
+std::wstring User::PressAndRead(HWND button) {
+    PostMessageW(button, BM_CLICK, 0, 0);
+    const HWND box = WaitForWindow(L"Calvane");
+    std::wstring text;
+    for (HWND child = nullptr; (child = FindWindowExW(box, child, L"Static", nullptr)) != nullptr;) {
+        // The other one is the place of the icon.
+        if ((GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) != SS_ICON) text += ShownText(child);
+    }
+    PostMessageW(FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
+    WaitUntilGone(box);
+    return text;
 }
 
-std::wstring User::PressAndRead(HWND dialog, int button) {
-    PostMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
-    std::wstring message = ReadMessage();
-    if (!IsWindow(dialog)) throw std::runtime_error("a refused dialog closed: " + ToAnsi(message));
-    return message;
+void User::Answer(HWND dialog, const std::map<int, std::wstring>& fields) {
+    for (const auto& [id, text] : fields)
+        TypeInto(GetDlgItem(dialog, id), text);
+    Close(dialog, IDOK);
 }
 
 void User::Close(HWND dialog, int button) {
@@ -195,46 +188,12 @@ void User::Tick(const wchar_t* list, int row) {
     Key(list, VK_SPACE);
 }
 
-void User::AddExcluded(const std::wstring& address) {
-    const HWND dialog = Open(L"cmdAddURL", L"Add Web Site URL");
-    TypeInto(GetDlgItem(dialog, IDC_TXTURL), address);
-    Close(dialog, IDOK);
-}
-
-void User::AddBanner(const std::wstring& height, const std::wstring& width) {
-    const HWND dialog = Open(L"cmdAddSize", L"New Banner Height and Width");
-    TypeInto(GetDlgItem(dialog, IDC_TXTHEIGHT), height);
-    TypeInto(GetDlgItem(dialog, IDC_TXTWIDTH), width);
-    Close(dialog, IDOK);
-}
-
-void User::AddSearch(const std::wstring& name, const std::wstring& address) {
-    const HWND dialog = Open(L"cmdAddSearch", L"Add Search Address");
-    TypeInto(GetDlgItem(dialog, IDC_TXTNAME), name);
-    TypeInto(GetDlgItem(dialog, IDC_TXTURL), address);
-    Close(dialog, IDOK);
-}
-
 HWND User::WaitForWindow(const std::wstring& title) {
     Search search{m_process, m_manager->Window(), title, nullptr};
-    const bool isThere = WaitUntil(
-        [&] {
-            EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&search));
-            return search.found != nullptr;
-        },
-        kPatience);
+    const bool isThere = WaitUntil([&] {
+        EnumWindows(TakeDialog, reinterpret_cast<LPARAM>(&search));
+        return search.found != nullptr;
+    });
     if (!isThere) throw std::runtime_error("no window came up: " + ToAnsi(title));
     return search.found;
-}
-
-std::wstring User::ReadMessage() {
-    const HWND box = WaitForWindow(L"Calvane");
-    std::wstring text;
-    for (HWND child = nullptr; (child = FindWindowExW(box, child, L"Static", nullptr)) != nullptr;) {
-        // The other one is the place of the icon.
-        if ((GetWindowLongW(child, GWL_STYLE) & SS_TYPEMASK) != SS_ICON) text += ShownText(child);
-    }
-    PostMessageW(FindWindowExW(box, nullptr, L"Button", nullptr), BM_CLICK, 0, 0);
-    WaitUntilGone(box);
-    return text;
 }

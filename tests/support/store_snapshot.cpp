@@ -1,4 +1,4 @@
-#include "tests/walk/store_snapshot.h"
+#include "tests/support/store_snapshot.h"
 
 #include <algorithm>
 
