@@ -3,7 +3,6 @@
 #include <doctest.h>
 
 #include "tests/support/message_pump.h"
-#include "tests/support/other_process.h"
 
 namespace {
 
@@ -56,10 +55,6 @@ void DialogScript::Advance() {
     }
 }
 
-void ClickButton(HWND dialog, int id) {
-    SendDlgItemMessageW(dialog, id, BM_CLICK, 0, 0);
-}
-
 void TypeText(HWND dialog, int id, const std::wstring& text) {
     SendDlgItemMessageW(dialog, id, EM_SETSEL, 0, -1);
     SendDlgItemMessageW(dialog, id, EM_REPLACESEL, TRUE, reinterpret_cast<LPARAM>(text.c_str()));
@@ -78,14 +73,6 @@ void TypeKeys(HWND dialog, int id, const std::wstring& characters) {
 void PostKey(UINT virtualKey) {
     PostMessageW(GetFocus(), WM_KEYDOWN, virtualKey, KeyData(false));
     PostMessageW(GetFocus(), WM_KEYUP, virtualKey, KeyData(true));
-}
-
-std::wstring TextIn(HWND dialog, int id) {
-    return ShownText(GetDlgItem(dialog, id));
-}
-
-int FocusedId() {
-    return GetDlgCtrlID(GetFocus());
 }
 
 TextSelection SelectionIn(HWND dialog, int id) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/other_process.h"
+
 // Waits for the next dialog that this thread shows and runs one step after the other in it; messages that a
 // step posts are handled before the next one runs. A dialog that is still open some seconds after the last
 // step, or that never came, is a failure of the test; the former is closed. One at a time.
@@ -32,13 +34,19 @@ private:
 };
 
 // Steps and what steps are made of.
-void ClickButton(HWND dialog, int id);
-void TypeText(HWND dialog, int id,
-              const std::wstring& text);  // replaces the whole text, as pasting over it would
+inline void ClickButton(HWND dialog, int id) {
+    SendDlgItemMessageW(dialog, id, BM_CLICK, 0, 0);
+}
+// Replaces the whole text, as pasting over it would.
+void TypeText(HWND dialog, int id, const std::wstring& text);
 void TypeKeys(HWND dialog, int id, const std::wstring& characters);  // one key after the other, at the caret
 void PostKey(UINT virtualKey);  // to the control with the focus; for the dialog's own loop
-std::wstring TextIn(HWND dialog, int id);
-int FocusedId();
+inline std::wstring TextIn(HWND dialog, int id) {
+    return ShownText(GetDlgItem(dialog, id));
+}
+inline int FocusedId() {
+    return GetDlgCtrlID(GetFocus());
+}
 
 struct TextSelection {
     DWORD start;

@@ -117,22 +117,6 @@ std::wstring Setting(const std::wstring& key, const std::wstring& value) {
     return FromAnsi(bytes.c_str());
 }
 
-bool HasSetting(const std::wstring& key, const std::wstring& value) {
-    return RegGetValueW(HKEY_CURRENT_USER, PathOf(key).c_str(), value.c_str(), RRF_RT_ANY, nullptr, nullptr,
-                        nullptr) == ERROR_SUCCESS;
-}
-
-size_t SettingCount(const std::wstring& key) {
-    HKEY opened = nullptr;
-    if (RegOpenKeyExW(HKEY_CURRENT_USER, PathOf(key).c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS)
-        return 0;
-    const RegistryKey owner(opened);
-    DWORD count = 0;
-    RegQueryInfoKeyW(opened, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &count, nullptr, nullptr,
-                     nullptr, nullptr);
-    return count;
-}
-
 void WriteSetting(const std::wstring& key, const std::wstring& value, const std::wstring& text) {
     RegSetKeyValueW(HKEY_CURRENT_USER, PathOf(key).c_str(), value.c_str(), REG_SZ, text.c_str(),
                     static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));

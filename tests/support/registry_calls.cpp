@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <stdexcept>
 
 RegistryCalls* RegistryCalls::s_current = nullptr;
 
@@ -145,13 +144,6 @@ std::vector<std::string> RegistryCalls::OpenHandles() const {
     for (const auto& [key, opened] : m_open)
         open.push_back(NameOf(key));
     return open;
-}
-
-HKEY RegistryCalls::Handle(const std::string& name) const {
-    for (const auto& [key, opened] : m_open) {
-        if (NameOf(key) == name) return key;
-    }
-    throw std::runtime_error("no such handle: " + name);
 }
 
 template <class Function, class Describe, class InMemory, class... Arguments>

@@ -105,7 +105,6 @@ public:
 
     // Handles that were handed out and never closed.
     std::vector<std::string> OpenHandles() const;
-    HKEY Handle(const std::string& name) const;
 
     // The program leaves some open by design; in a long run they would add up.
     void ForgetOpenHandles() noexcept { m_open.clear(); }

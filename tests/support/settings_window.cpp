@@ -1,7 +1,6 @@
 #include "tests/support/settings_window.h"
 
 #include "platform/automation_error.h"
-#include "store/settings_schema.h"
 
 SettingsWindow::SettingsWindow()
     : controls(Join({CommandControls::all, SettingsControls::all, ExcludeControls::all, LogControls::all,
@@ -13,23 +12,6 @@ SettingsWindow::SettingsWindow()
     BannerControls::SetUp();
     SearchControls::SetUp();
     cmdApply.Enabled(false);
-}
-
-void SettingsWindow::Write(const wchar_t* key, Values values) const {
-    for (const auto& [name, text] : values)
-        user.Write(key, name, text);
-}
-
-void SettingsWindow::Store(const std::wstring& value, const std::wstring& text) const {
-    user.Write(Schema::kSettingsKey, value, text);
-}
-
-std::wstring SettingsWindow::Stored(const std::wstring& value) const {
-    return user.Text(Schema::kSettingsKey, value);
-}
-
-bool SettingsWindow::HasStored(const std::wstring& value) const {
-    return user.Exists(Schema::kSettingsKey, value);
 }
 
 void SettingsWindow::Reload(const Event& done) {

@@ -17,6 +17,7 @@
 #include "options/general_options.h"
 #include "options/popup_notice.h"
 #include "options/settings_transfer.h"
+#include "store/settings_schema.h"
 #include "tests/support/test_hive.h"
 #include "tests/support/test_window.h"
 
@@ -40,12 +41,17 @@ public:
 
     // Writes values, each with its text, into a key of the user.
     using Values = std::initializer_list<std::pair<const wchar_t*, const wchar_t*>>;
-    void Write(const wchar_t* key, Values values) const;
+    void Write(const wchar_t* key, Values values) const {
+        for (const auto& [name, text] : values)
+            user.Write(key, name, text);
+    }
 
     // In the Settings key.
-    void Store(const std::wstring& value, const std::wstring& text) const;
-    std::wstring Stored(const std::wstring& value) const;
-    bool HasStored(const std::wstring& value) const;
+    void Store(const std::wstring& value, const std::wstring& text) const {
+        user.Write(Schema::kSettingsKey, value, text);
+    }
+    std::wstring Stored(const std::wstring& value) const { return user.Text(Schema::kSettingsKey, value); }
+    bool HasStored(const std::wstring& value) const { return user.Exists(Schema::kSettingsKey, value); }
 
     TestHive machine{HKEY_LOCAL_MACHINE};
     TestHive user{HKEY_CURRENT_USER};

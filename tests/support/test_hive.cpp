@@ -3,7 +3,6 @@
 #include <stdexcept>
 
 #include "platform/handle.h"
-#include "platform/text.h"
 
 namespace {
 
@@ -55,10 +54,6 @@ std::string TestHive::Bytes(const std::wstring& key, const std::wstring& value, 
     return bytes;
 }
 
-std::wstring TestHive::Text(const std::wstring& key, const std::wstring& value) const {
-    return FromAnsi(Bytes(key, value));
-}
-
 size_t TestHive::ValueCount(const std::wstring& key) const {
     const RegistryKey opened = Open(m_key, key);
     DWORD count = 0;
@@ -79,16 +74,4 @@ void TestHive::Write(const std::wstring& key, const std::wstring& value, DWORD t
                        static_cast<DWORD>(bytes.size())) != ERROR_SUCCESS) {
         throw std::runtime_error("not written: " + ToAnsi(value));
     }
-}
-
-void TestHive::Write(const std::wstring& key, const std::wstring& value, const std::wstring& text) const {
-    Write(key, value, REG_SZ, ToAnsi(text));
-}
-
-void TestHive::Delete(const std::wstring& key, const std::wstring& value) const {
-    RegDeleteKeyValueW(m_key, key.c_str(), value.c_str());
-}
-
-void TestHive::DeleteTree(const std::wstring& key) const {
-    RegDeleteTreeW(m_key, key.c_str());
 }

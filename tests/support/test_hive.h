@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "platform/text.h"
+
 class TestHive {
 public:
     // root: HKEY_CURRENT_USER or HKEY_LOCAL_MACHINE. One at a time for each root.
@@ -17,13 +19,19 @@ public:
     bool Exists(const std::wstring& key) const;
     bool Exists(const std::wstring& key, const std::wstring& value) const;
     std::string Bytes(const std::wstring& key, const std::wstring& value, DWORD* type = nullptr) const;
-    std::wstring Text(const std::wstring& key, const std::wstring& value) const;
+    std::wstring Text(const std::wstring& key, const std::wstring& value) const {
+        return FromAnsi(Bytes(key, value));
+    }
     size_t ValueCount(const std::wstring& key) const;
     void Write(const std::wstring& key, const std::wstring& value, DWORD type,
                const std::string& bytes) const;
-    void Write(const std::wstring& key, const std::wstring& value, const std::wstring& text) const;
-    void Delete(const std::wstring& key, const std::wstring& value) const;
-    void DeleteTree(const std::wstring& key) const;
+    void Write(const std::wstring& key, const std::wstring& value, const std::wstring& text) const {
+        Write(key, value, REG_SZ, ToAnsi(text));
+    }
+    void Delete(const std::wstring& key, const std::wstring& value) const {
+        RegDeleteKeyValueW(m_key, key.c_str(), value.c_str());
+    }
+    void DeleteTree(const std::wstring& key) const { RegDeleteTreeW(m_key, key.c_str()); }
 
 private:
     const HKEY m_root;
