@@ -1,5 +1,10 @@
-// Clients of the manager.
+// Clients of the manager, in threads of their own.
 #pragma once
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <thread>
 
 #include "platform/automation_error.h"
 #include "platform/com/variant.h"
@@ -27,4 +32,35 @@ struct Client {
 
     ComPtr<_ConfigControl> control;
     ComPtr<IDispatch> config;
+};
+
+// So many clients at once. The test does not have to wait for them.
+class Clients {
+public:
+    Clients(int count, const std::function<void(Client& client, int number)>& body)
+        : m_state(std::make_shared<State>()) {
+        m_state->running = count;
+        for (int number = 0; number < count; ++number) {
+            std::thread([body, number, state = m_state] {
+                const bool isDone = ResumeNext([&] {
+                    Client client;
+                    body(client, number);
+                });
+                if (!isDone) ++state->failed;
+                --state->running;
+            }).detach();
+        }
+    }
+
+    // Whether all of them come to their end.
+    bool End(DWORD milliseconds = kPatience) const {
+        return PumpUntil([this] { return m_state->running == 0; }, milliseconds) && m_state->failed == 0;
+    }
+
+private:
+    struct State {
+        std::atomic<int> running = 0;
+        std::atomic<int> failed = 0;
+    };
+    const std::shared_ptr<State> m_state;
 };

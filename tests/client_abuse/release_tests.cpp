@@ -1,27 +1,23 @@
-// Clients in processes of their own that go on calling when another has called ReleaseConfig.
+// Clients that go on calling when another has called ReleaseConfig.
 #include <doctest.h>
 
 #include <algorithm>
-#include <cstdio>
-#include <functional>
-#include <memory>
+#include <mutex>
+#include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "tests/client_abuse/client.h"
 #include "tests/engine/session.h"
-#include "tests/support/alone.h"
-#include "tests/support/held_call.h"
 #include "tests/support/killed_servers.h"
 #include "tests/support/program.h"
 
 namespace {
 
 constexpr wchar_t kProgram[] = L"SentrelConfig.exe";
-constexpr LONG kClients = 3;
+constexpr int kClients = 3;
 // The calls of each member by each client.
-constexpr LONG kRounds = 1000 / kClients + 1;
+constexpr int kRounds = 1000 / kClients + 1;
 
 // What a call may return from the moment on in which ReleaseConfig has returned, beside the refusal: that
 // there is no server any more.
@@ -29,60 +25,24 @@ constexpr HRESULT kGone[] = {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
                              HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), RPC_E_DISCONNECTED,
                              RPC_E_SERVER_DIED, RPC_E_SERVER_DIED_DNE};
 
-// How the calls of one client ended.
-struct Tally {
-    LONG rounds;
-    LONG early;    // those that began before ReleaseConfig had come
-    LONG refused;  // of the others
-    LONG gone;
-    LONG wrong;  // neither
-    HRESULT firstWrong;
-    char wrongMember[40];
-    char member[40];  // the call that is under way
-    DWORD slowest;    // milliseconds
-};
-
 // Shared by the test and its clients.
 struct Board {
-    LONG clients;
-    LONG ready;
-    LONG begun;
-    LONG released;
-    Tally tallies[kClients];
-};
+    std::atomic<int> ready = 0;
+    std::atomic<bool> hasBegun = false;
+    std::atomic<bool> isReleased = false;
 
-LONG Read(const LONG& value) {
-    return InterlockedCompareExchange(const_cast<LONG*>(&value), 0, 0);
-}
-
-class SharedBoard {
-public:
-    SharedBoard()
-        : m_memory(CreateFileMappingW(INVALID_HANDLE_VALUE, nullptr, PAGE_READWRITE, 0, sizeof(Board),
-                                      L"ClientAbuseBoard")),
-          m_board(static_cast<Board*>(MapViewOfFile(m_memory.Get(), FILE_MAP_WRITE, 0, 0, sizeof(Board)))) {
-        REQUIRE(m_board != nullptr);
-    }
-    SharedBoard(const SharedBoard&) = delete;
-    SharedBoard& operator=(const SharedBoard&) = delete;
-    ~SharedBoard() { UnmapViewOfFile(m_board); }
-
-    Board* operator->() const { return m_board; }
-
-    LONG Sum(LONG Tally::*count) const {
-        LONG sum = 0;
-        for (const Tally& tally : m_board->tallies)
-            sum += Read(tally.*count);
-        return sum;
-    }
-
-private:
-    const FileHandle m_memory;
-    Board* const m_board;
+    // How the calls ended.
+    std::atomic<int> rounds = 0;
+    std::atomic<int> early = 0;    // those that began before ReleaseConfig had come
+    std::atomic<int> refused = 0;  // of the others
+    std::atomic<int> gone = 0;
+    std::mutex lock;
+    std::set<std::string> wrong;  // neither
+    DWORD slowest = 0;            // milliseconds
 };
 
 struct Member {
-    const char* name;
+    std::string name;
     std::function<HRESULT()> call;
 };
 
@@ -128,135 +88,83 @@ std::vector<Member> MembersOf(Client& client) {
     return members;
 }
 
-void Call(const Member& member, const SharedBoard& board, Tally& tally) {
-    std::snprintf(tally.member, sizeof(tally.member), "%s", member.name);
-    const bool isLate = Read(board->released) != 0;
+void Call(const Member& member, Board& board) {
+    const bool isLate = board.isReleased;
     const DWORD start = GetTickCount();
     const HRESULT result = member.call();
-    tally.slowest = std::max(tally.slowest, GetTickCount() - start);
+    const DWORD duration = GetTickCount() - start;
+    const bool isGone = std::ranges::find(kGone, result) != std::end(kGone);
     if (!isLate) {
-        InterlockedIncrement(&tally.early);
+        ++board.early;
     } else if (result == CO_E_SERVER_STOPPING) {
-        InterlockedIncrement(&tally.refused);
-    } else if (std::ranges::find(kGone, result) != std::end(kGone)) {
-        InterlockedIncrement(&tally.gone);
-    } else if (InterlockedIncrement(&tally.wrong) == 1) {
-        tally.firstWrong = result;
-        std::snprintf(tally.wrongMember, sizeof(tally.wrongMember), "%s", member.name);
+        ++board.refused;
+    } else if (isGone) {
+        ++board.gone;
     }
+    const std::lock_guard guard(board.lock);
+    board.slowest = std::max(board.slowest, duration);
+    if (isLate && result != CO_E_SERVER_STOPPING && !isGone)
+        board.wrong.insert(member.name + " returns " + std::to_string(result));
 }
 
-// A call of ReleaseConfig that the test does not have to wait for.
-struct Release {
-    LONG isOver = 0;
-    HRESULT result = E_FAIL;
-};
-
-std::shared_ptr<Release> ReleaseInThread() {
-    auto release = std::make_shared<Release>();
-    std::thread([release] {
-        Client client;
-        release->result = client.control->ReleaseConfig();
-        InterlockedExchange(&release->isOver, 1);
-    }).detach();
-    return release;
-}
-
-// Clients, which end with this object whatever they wait for.
-class Clients {
-public:
-    Clients() {
-        for (LONG i = 0; i < kClients; ++i)
-            m_processes.push_back(StartAlone("client: calls everything"));
+void CallEverything(Client& client, Board& board) {
+    const std::vector<Member> members = MembersOf(client);
+    ++board.ready;
+    while (!board.hasBegun)
+        Sleep(1);
+    for (int round = 0; round < kRounds;) {
+        for (const Member& member : members)
+            Call(member, board);
+        if (!board.isReleased) continue;
+        Call({"ReleaseConfig", [&] { return client.control->ReleaseConfig(); }}, board);
+        ++round;
+        ++board.rounds;
     }
-    Clients(const Clients&) = delete;
-    Clients& operator=(const Clients&) = delete;
-    ~Clients() {
-        for (const FileHandle& process : m_processes)
-            TerminateProcess(process.Get(), 1);
-    }
-
-    bool End() const {
-        return std::ranges::all_of(m_processes, [](const FileHandle& process) {
-            return PumpUntil([&] { return WaitForSingleObject(process.Get(), 0) == WAIT_OBJECT_0; });
-        });
-    }
-
-private:
-    std::vector<FileHandle> m_processes;
-};
-
-void CheckResults(const SharedBoard& board) {
-    DWORD slowest = 0;
-    for (const Tally& tally : board->tallies) {
-        slowest = std::max(slowest, tally.slowest);
-        CAPTURE(tally.member);
-        CHECK(tally.rounds == kRounds);
-        if (tally.wrong != 0) FAIL_CHECK(tally.wrongMember << " returns " << tally.firstWrong);
-    }
-    MESSAGE(board.Sum(&Tally::early) << " calls before ReleaseConfig, behind it "
-                                     << board.Sum(&Tally::refused) << " refused and "
-                                     << board.Sum(&Tally::gone) << " without a server; slowest " << slowest
-                                     << " ms");
 }
 
 }  // namespace
-
-TEST_CASE("client: calls everything" * doctest::skip()) {
-    const SharedBoard board;
-    Tally& tally = board->tallies[InterlockedIncrement(&board->clients) - 1];
-    Client client;
-    const std::vector<Member> members = MembersOf(client);
-    const Member last{"ReleaseConfig", [&] { return client.control->ReleaseConfig(); }};
-    InterlockedIncrement(&board->ready);
-    while (Read(board->begun) == 0)
-        Sleep(1);
-    for (LONG round = 0; round < kRounds;) {
-        for (const Member& member : members)
-            Call(member, board, tally);
-        if (Read(board->released) == 0) continue;
-        Call(last, board, tally);
-        InterlockedExchange(&tally.rounds, ++round);
-    }
-}
 
 TEST_CASE(
     "from ReleaseConfig on clients' calls are refused, nothing comes back, and who comes now gets a new "
     "manager") {
     ForgetKilledServers();
-    const SharedBoard board;
+    const auto board = std::make_shared<Board>();
     Session session;
     session.Start();
     const HWND window = session.Window();
-    const Clients clients;
-    REQUIRE(PumpUntil([&] { return Read(board->ready) == kClients; }));
-    InterlockedExchange(&board->begun, 1);
-    REQUIRE(PumpUntil([&] { return board.Sum(&Tally::early) > 100; }));
+    const Clients clients(kClients, [board](Client& client, int) { CallEverything(client, *board); });
+    REQUIRE(PumpUntil([&] { return board->ready == kClients; }));
+    board->hasBegun = true;
+    REQUIRE(PumpUntil([&] { return board->early > 100; }));
 
     // While the engine holds its leave up, the manager serves its clients.
     const HeldCall held = session.engine.Hold(L"ReleasePopup");
-    const auto release = ReleaseInThread();
+    const auto released = std::make_shared<std::atomic<HRESULT>>(E_PENDING);
+    const Clients last(1, [released](Client& client, int) { *released = client.control->ReleaseConfig(); });
     REQUIRE(held.Arrives());
-    InterlockedExchange(&board->released, 1);
+    board->isReleased = true;
     ComPtr<_ConfigControl> next;
     CHECK(CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&next)) ==
           S_OK);
     CHECK(ProcessesOf(kProgram).size() == 2);
     // Few calls: the engine may not hold the leave up for longer than the manager waits for it.
-    CHECK(PumpUntil([&] {
-        return std::ranges::all_of(board->tallies, [](const Tally& tally) { return Read(tally.rounds) > 0; });
-    }));
-    CHECK(board.Sum(&Tally::refused) > 0);
-    CHECK(board.Sum(&Tally::gone) == 0);
+    CHECK(PumpUntil([&] { return board->rounds >= kClients; }));
+    CHECK(board->refused > 0);
+    CHECK(board->gone == 0);
     CHECK(ShownIcons() == 0);
 
     held.LetGo();
-    REQUIRE(PumpUntil([&] { return Read(release->isOver) != 0; }));
+    REQUIRE(last.End());
     // The process may have ended before its reply.
-    CHECK((release->result == S_OK || release->result == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED)));
+    CHECK((*released == S_OK || *released == HRESULT_FROM_WIN32(RPC_S_CALL_FAILED)));
     REQUIRE(session.manager.WaitForEnd());
-    CHECK(clients.End());
-    CheckResults(board);
+    REQUIRE(clients.End());
+    CHECK(board->rounds == kClients * kRounds);
+    for (const std::string& wrong : board->wrong)
+        FAIL_CHECK(wrong);
+    MESSAGE(board->early.load() << " calls before ReleaseConfig, behind it " << board->refused.load()
+                                << " refused and " << board->gone.load() << " without a server; slowest "
+                                << board->slowest << " ms");
     CHECK_FALSE(IsWindow(window));
     CHECK(ShownIcons() == 0);
     CHECK(session.engine.Popups() == 0);

@@ -2,14 +2,13 @@
 #include <doctest.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <vector>
 
-#include "app/resource.h"
-#include "lists/resource.h"
-#include "tests/client_abuse/messages.h"
 #include "tests/client_abuse/quiet_system.h"
-#include "tests/entry/inside.h"
+#include "tests/entry/window_inside.h"
 #include "tests/support/message_pump.h"
+#include "tests/window_abuse/random_messages.h"
 
 namespace {
 
@@ -24,24 +23,37 @@ bool IsDialog(HWND window) {
     return lstrcmpW(className, L"#32770") == 0;
 }
 
+// A window and all that it holds.
 struct Tree {
+    explicit Tree(HWND top) {
+        std::vector<HWND> all{top};
+        EnumChildWindows(top, TakeWindow, reinterpret_cast<LPARAM>(&all));
+        for (const HWND window : all)
+            (IsDialog(window) ? dialogs : controls).push_back(window);
+    }
+
     std::vector<HWND> dialogs;
     std::vector<HWND> controls;
 };
 
-// A window and all that it holds.
-Tree WindowsOf(HWND top) {
-    std::vector<HWND> all{top};
-    EnumChildWindows(top, TakeWindow, reinterpret_cast<LPARAM>(&all));
-    Tree windows;
-    for (const HWND window : all)
-        (IsDialog(window) ? windows.dialogs : windows.controls).push_back(window);
-    return windows;
-}
+struct Shown : QuietSystem, InsideWithoutEngine {
+    const ComPtr<IDispatch> config = Instance(formShow);
+    const Tree windows{Window()};
 
-HWND ConfigWindow() {
-    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
-}
+    // The page, the buttons and the object behind them do what they do.
+    void CheckWorks() const {
+        LONG handle = 0;
+        CHECK(g_frmConfig->get_hWnd(&handle) == S_OK);
+        CHECK(handle == g_lngConfigHwnd);
+        CHECK(g_frmConfig->Show() == S_OK);
+        CHECK(IsShown());
+        SendDlgItemMessageW(Window(), IDC_TAB, TCM_SETCURSEL, 3, 0);
+        CHECK(SelectedTab() == 3);
+        EnableWindow(ControlOf(IDC_CMDAPPLY), TRUE);
+        Click(IDC_CMDAPPLY);
+        CHECK_FALSE(IsWindowEnabled(ControlOf(IDC_CMDAPPLY)));
+    }
+};
 
 long dialogsServed = 0;
 Chance* dialogChance = nullptr;
@@ -57,8 +69,8 @@ void CALLBACK PlayUser(HWND, UINT, UINT_PTR, DWORD) {
     std::vector<HWND> windows;
     EnumThreadWindows(GetCurrentThreadId(), TakeWindow, reinterpret_cast<LPARAM>(&windows));
     for (const HWND window : windows) {
-        if (window == ConfigWindow() || !IsDialog(window) || !IsWindowVisible(window)) continue;
-        const Tree inside = WindowsOf(window);
+        if (window == Window() || !IsDialog(window) || !IsWindowVisible(window)) continue;
+        const Tree inside(window);
         for (int i = 0; i < 200 && IsWindow(window); ++i) {
             const HWND control = dialogChance->From(inside.controls);
             const MSG message = dialogChance->OneIn(2) ? RandomDialogMessage(*dialogChance, window, control)
@@ -72,98 +84,72 @@ void CALLBACK PlayUser(HWND, UINT, UINT_PTR, DWORD) {
 
 }  // namespace
 
-TEST_CASE("senseless messages to every window leave them working") {
-    const long messages = Chance::Count("ABUSE_MESSAGES", 1000000);
-    const QuietSystem quiet;
-    InsideWithoutEngine inside;
-    inside.Instance(formShow);
-    const HWND window = ConfigWindow();
-    const Tree windows = WindowsOf(window);
+TEST_CASE_FIXTURE(Shown, "senseless messages to every window leave them working") {
+    const char* const wanted = std::getenv("ABUSE_MESSAGES");
+    const long messages = wanted != nullptr ? std::atol(wanted) : 1000000;
+    const char* const wantedSeed = std::getenv("ABUSE_SEED");
+    const uint32_t seed = wantedSeed != nullptr ? static_cast<uint32_t>(std::atol(wantedSeed)) : 20020517;
     REQUIRE(windows.dialogs.size() == 7);
     REQUIRE(windows.controls.size() >= 46);
 
-    const uint32_t seed = Chance::Seed();
     Chance chance(seed);
     dialogChance = &chance;
     dialogsServed = 0;
-    const UINT_PTR user = SetTimer(nullptr, 0, 20, PlayUser);
+    const UINT_PTR player = SetTimer(nullptr, 0, 20, PlayUser);
+    const HWND window = Window();
     const DWORD start = GetTickCount();
     DWORD slowest = 0;
     UINT slowestMessage = 0;
     long keys = 0;
     for (long i = 0; i < messages; ++i) {
-        const HWND control = chance.From(windows.controls);
-        const MSG message = chance.OneIn(2)
-                                ? RandomDialogMessage(chance, chance.From(windows.dialogs), control)
-                                : RandomControlMessage(chance, control);
-        INFO("seed " << seed << ", number " << i << ", message " << message.message);
+        const HWND target = chance.From(windows.controls);
+        MSG message = chance.OneIn(2) ? RandomDialogMessage(chance, chance.From(windows.dialogs), target)
+                                      : RandomControlMessage(chance, target);
+        const UINT number = message.message;
+        INFO("seed " << seed << ", number " << i << ", message " << number);
         const DWORD before = GetTickCount();
-        MSG posted = message;
-        if ((message.message == WM_KEYDOWN || message.message == WM_CHAR) && chance.OneIn(2)) {
-            if (!g_frmConfig->IsFormMessage(posted)) DispatchMessageW(&posted);
+        if ((number == WM_KEYDOWN || number == WM_CHAR) && chance.OneIn(2)) {
+            if (!g_frmConfig->IsFormMessage(message)) DispatchMessageW(&message);
             ++keys;
         } else {
-            SendMessageW(message.hwnd, message.message, message.wParam, message.lParam);
+            SendMessageW(message.hwnd, number, message.wParam, message.lParam);
         }
         if (i % 500 == 0) PumpFor(1);
         if (GetTickCount() - before > slowest) {
             slowest = GetTickCount() - before;
-            slowestMessage = message.message;
+            slowestMessage = number;
         }
         REQUIRE(IsWindow(window));
     }
-    KillTimer(nullptr, user);
-    // Every window is still there, and the page, the buttons and the object behind them do what they do.
-    CHECK(std::ranges::all_of(windows.dialogs, [](HWND each) { return IsWindow(each) != FALSE; }));
-    CHECK(std::ranges::all_of(windows.controls, [](HWND each) { return IsWindow(each) != FALSE; }));
-    LONG handle = 0;
-    CHECK(g_frmConfig->get_hWnd(&handle) == S_OK);
-    CHECK(handle == g_lngConfigHwnd);
-    CHECK(g_frmConfig->Show() == S_OK);
-    CHECK(IsWindowVisible(window));
-    SendDlgItemMessageW(window, IDC_TAB, TCM_SETCURSEL, 3, 0);
-    CHECK(SendDlgItemMessageW(window, IDC_TAB, TCM_GETCURSEL, 0, 0) == 3);
-    EnableWindow(GetDlgItem(window, IDC_CMDAPPLY), TRUE);
-    SendDlgItemMessageW(window, IDC_CMDAPPLY, BM_CLICK, 0, 0);
-    CHECK_FALSE(IsWindowEnabled(GetDlgItem(window, IDC_CMDAPPLY)));
+    KillTimer(nullptr, player);
+    for (const auto& group : {windows.dialogs, windows.controls})
+        CHECK(std::ranges::all_of(group, [](HWND each) { return IsWindow(each) != FALSE; }));
+    CheckWorks();
     VARIANT_BOOL isLeaving = VARIANT_TRUE;
     CHECK(g_frmConfig->get_b_OKtoUnload(&isLeaving) == S_OK);
     CHECK(isLeaving == VARIANT_FALSE);
-    MESSAGE("in process: " << messages << " messages from seed " << seed << " (" << keys
-                           << " through the message loop's keyboard handling), " << dialogsServed
-                           << " dialogs opened on the way, " << GetTickCount() - start << " ms, slowest "
-                           << slowest << " ms (message " << slowestMessage << ")");
+    MESSAGE(messages << " messages from seed " << seed << " (" << keys
+                     << " through the message loop's keyboard handling), " << dialogsServed
+                     << " dialogs opened on the way, " << GetTickCount() - start << " ms, slowest " << slowest
+                     << " ms (message " << slowestMessage << ")");
 }
 
-TEST_CASE("a window that is told once more that it is being made stays what it is") {
-    const QuietSystem quiet;
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
-    const Tree windows = WindowsOf(ConfigWindow());
+TEST_CASE_FIXTURE(Shown, "a window that is told once more that it is being made stays what it is") {
     for (const HWND dialog : windows.dialogs) {
         for (const LPARAM parameter : {LPARAM{0}, LPARAM{4711}})
             SendMessageW(dialog, WM_INITDIALOG, 0, parameter);
     }
-    LONG handle = 0;
-    CHECK(g_frmConfig->get_hWnd(&handle) == S_OK);
-    CHECK(handle == g_lngConfigHwnd);
-    CHECK(g_frmConfig->Show() == S_OK);
-    EnableWindow(GetDlgItem(ConfigWindow(), IDC_CMDAPPLY), TRUE);
-    SendDlgItemMessageW(ConfigWindow(), IDC_CMDAPPLY, BM_CLICK, 0, 0);
-    CHECK_FALSE(IsWindowEnabled(GetDlgItem(ConfigWindow(), IDC_CMDAPPLY)));
+    CheckWorks();
 }
 
 // The dialog manager's search for an accelerator ran for ever.
-TEST_CASE("a key that another program posts to a control of a hidden page is no end of the message loop") {
-    const QuietSystem quiet;
-    InsideWithoutEngine inside;
-    inside.Instance(formShow);
-    const Tree windows = WindowsOf(ConfigWindow());
+TEST_CASE_FIXTURE(
+    Shown, "a key that another program posts to a control of a hidden page is no end of the message loop") {
     int hidden = 0;
-    for (const HWND control : windows.controls) {
-        if (!IsWindowVisible(control)) ++hidden;
+    for (const HWND target : windows.controls) {
+        if (!IsWindowVisible(target)) ++hidden;
         for (const UINT key : {WM_KEYDOWN, WM_CHAR, WM_SYSCHAR}) {
-            MSG message{control, key, L'~', 1, 0, {}};
+            MSG message{target, key, L'~', 1, 0, {}};
             if (!g_frmConfig->IsFormMessage(message)) DispatchMessageW(&message);
         }
     }
