@@ -35,7 +35,7 @@ UINT_PTR WINAPI SetAnyTimer(HWND hwnd, UINT_PTR id, UINT period, TIMERPROC proce
 }
 
 // A window with a new store, and with an engine and a shell that are the test's.
-struct ListeningWindow : Inside {
+struct ListeningWindow : Journalled {
     ListeningWindow() {
         timerPatch = &m_timer;
         Instance(FormHide);
@@ -50,8 +50,6 @@ struct ListeningWindow : Inside {
             deeds.push_back(entry.text);
         return deeds;
     }
-
-    StartJournal journal;
 
 private:
     const SoundPatch m_play{&Play};

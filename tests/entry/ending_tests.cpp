@@ -116,11 +116,12 @@ TEST_CASE("ReleaseConfig that comes in while the engine is being connected ends 
 
 TEST_CASE("alone: ReleaseConfig while the engine is called" * doctest::skip(true)) {
     const NotedEnd end;
-    Inside inside;
-    StartJournal journal;
+    Journalled inside;
     for (const char* const moment : kMoments) {
         SUBCASE(moment) {
-            journal.engine.script.within[moment] = [] { MakeObject<ConfigControl>()->ReleaseConfig(); };
+            inside.journal.engine.script.within[moment] = [] {
+                MakeObject<ConfigControl>()->ReleaseConfig();
+            };
             ComPtr<IDispatch> config;
             CHECK(inside.Instance(formShow, config) == CO_E_SERVER_STOPPING);
             CHECK(config == nullptr);

@@ -1,7 +1,6 @@
 // Windows that cannot be made or loaded.
 #include <doctest.h>
 
-#include <memory>
 #include <new>
 
 #include "app/resource.h"
@@ -11,55 +10,54 @@
 
 namespace {
 
-const ImportPatch* makeDialog = nullptr;
-int refused = 0;  // the dialog that is not made
-
-HWND WINAPI Refuse(HINSTANCE instance, LPCWSTR resource, HWND parent, DLGPROC procedure, LPARAM parameter) {
-    if (resource == MAKEINTRESOURCEW(refused)) {
-        SetLastError(ERROR_NO_MORE_USER_HANDLES);
-        return nullptr;
-    }
-    return makeDialog->Original<decltype(&CreateDialogParamW)>()(instance, resource, parent, procedure,
-                                                                 parameter);
-}
-
-// Memory runs out while the first default is written.
-LONG WINAPI RunOutOfMemory(HKEY, LPCSTR, DWORD, DWORD, const BYTE*, DWORD) {
-    throw std::bad_alloc();
-}
-
 struct Failure {
-    int dialog;  // that is not made; 0 where the defaults cannot be written
+    int dialog;  // that is not made; 0 where memory runs out while the defaults are written
     HRESULT result;
 };
 
+constexpr Failure kNoDefaults{0, E_OUTOFMEMORY};
 constexpr Failure kFailures[] = {{IDD_CONFIG, HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES)},
                                  {IDD_PAGE_SETTINGS, HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES)},
                                  {IDD_PAGE_ABOUT, HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES)},
-                                 {0, E_OUTOFMEMORY}};
+                                 kNoDefaults};
 
-// While it exists nothing else works.
-struct Failing {
+// While it exists this cannot be done. One at a time.
+class Failing {
+public:
     explicit Failing(const Failure& failure) {
-        makeDialog = &m_makeDialog;
-        refused = failure.dialog;
-        if (failure.dialog == 0)
-            m_setValue = std::make_unique<ImportPatch>("advapi32.dll", "RegSetValueExA", &RunOutOfMemory);
+        s_current = this;
+        s_dialog = failure.dialog;
     }
 
 private:
-    const ImportPatch m_makeDialog{"user32.dll", "CreateDialogParamW", &Refuse};
-    std::unique_ptr<ImportPatch> m_setValue;
+    static HWND WINAPI Make(HINSTANCE instance, LPCWSTR resource, HWND parent, DLGPROC procedure,
+                            LPARAM parameter) {
+        if (resource == MAKEINTRESOURCEW(s_dialog)) {
+            SetLastError(ERROR_NO_MORE_USER_HANDLES);
+            return nullptr;
+        }
+        return s_current->m_make.Original<decltype(&CreateDialogParamW)>()(instance, resource, parent,
+                                                                           procedure, parameter);
+    }
+
+    static LONG WINAPI Write(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data,
+                             DWORD size) {
+        if (s_dialog == 0) throw std::bad_alloc();
+        return s_current->m_write.Original<decltype(&RegSetValueExA)>()(key, name, reserved, type, data,
+                                                                        size);
+    }
+
+    static inline const Failing* s_current = nullptr;
+    static inline int s_dialog = 0;
+    const ImportPatch m_make{"user32.dll", "CreateDialogParamW", &Make};
+    const ImportPatch m_write{"advapi32.dll", "RegSetValueExA", &Write};
 };
 
 size_t WindowCount() {
     size_t count = 0;
     HWND window = nullptr;
-    while ((window = FindWindowExW(nullptr, window, L"#32770", L"Calvane")) != nullptr) {
-        DWORD process = 0;
-        GetWindowThreadProcessId(window, &process);
-        if (process == GetCurrentProcessId()) ++count;
-    }
+    while ((window = FindWindowExW(nullptr, window, L"#32770", L"Calvane")) != nullptr)
+        ++count;
     return count;
 }
 
@@ -102,9 +100,9 @@ TEST_CASE("a client that comes in while a window that could not be loaded is tak
         HRESULT result = S_OK;
         ComPtr<IDispatch> late;
         engine.script.within["ReleasePopup"] = [&] { result = inside.Instance(showType, late); };
-        const Failing failing(kFailures[3]);
+        const Failing failing(kNoDefaults);
         ComPtr<IDispatch> config;
-        CHECK(inside.Instance(FormHide, config) == kFailures[3].result);
+        CHECK(inside.Instance(FormHide, config) == kNoDefaults.result);
         CHECK(result == CO_E_SERVER_STOPPING);
         CHECK(late == nullptr);
         CHECK(g_oConfig == nullptr);

@@ -2,7 +2,9 @@
 #include <doctest.h>
 
 #include <cstring>
+#include <utility>
 
+#include "store/server_directory.h"
 #include "tests/entry/start_journal.h"
 #include "tests/entry/window_inside.h"
 #include "tests/support/automation.h"
@@ -10,10 +12,8 @@
 
 namespace {
 
-struct Started : Inside {
+struct Started : Journalled {
     Started() { Instance(FormHide); }
-
-    StartJournal journal;
 };
 
 const ImportPatch* modulePath = nullptr;
@@ -21,19 +21,10 @@ bool atRoot = false;
 
 // The first who asks for the program's path is told that it lies in the root of a drive.
 DWORD WINAPI PathAtRoot(HMODULE module, LPWSTR path, DWORD size) {
-    if (!atRoot || module != nullptr) {
-        return modulePath->Original<decltype(&GetModuleFileNameW)>()(module, path, size);
-    }
-    atRoot = false;
+    const bool isFirst = module == nullptr && std::exchange(atRoot, false);
+    if (!isFirst) return modulePath->Original<decltype(&GetModuleFileNameW)>()(module, path, size);
     lstrcpynW(path, L"C:\\SentrelConfig.exe", static_cast<int>(size));
     return static_cast<DWORD>(lstrlenW(path));
-}
-
-std::wstring LoaderBesideThisProgram() {
-    wchar_t path[MAX_PATH];
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    const std::wstring program(path);
-    return program.substr(0, program.find_last_of(L'\\')) + L"\\CalvaneConfigLoader.exe";
 }
 
 }  // namespace
@@ -42,7 +33,7 @@ TEST_CASE_FIXTURE(
     Started,
     "the loader's path is built first, then come the window, the engine, the icon and the settings") {
     CHECK(journal.entries.at(0).text == "window");
-    CHECK(journal.entries.at(0).loaderPath == LoaderBesideThisProgram());
+    CHECK(journal.entries.at(0).loaderPath == ServerDirectory() + L"\\CalvaneConfigLoader.exe");
     CHECK(journal.Count("window") == 1);
     CHECK(journal.Count("page") == 6);
     CHECK(journal.Last("page") < journal.First("engine:CreateInstance"));
@@ -116,28 +107,26 @@ TEST_CASE("a server in a drive's root gets a loader path with a doubled separato
 TEST_CASE(
     "a second client that asks while the engine is being connected gets the same Config, and what it asks "
     "the window for is done as soon as that is loaded") {
-    struct Row {
+    const struct {
         const char* moment;
         long showType;
         bool isShown;
         int tab = 0;
-    };
-    constexpr Row kRows[] = {
+    } rows[] = {
         {"CreateInstance", formShow, true}, {"CreatePopup", formShow, true},
         {"LogFile", formShow, true},        {"CreatePopup", kShowAbout, true, 5},
         {"CreatePopup", FormHide, false},   {"CreatePopup", 0, false},
         {"CreatePopup", 4, false},
     };
-    for (const Row& row : kRows) {
-        CAPTURE(row.moment);
-        CAPTURE(row.showType);
-        Inside inside;
-        StartJournal journal;
+    for (const auto& [moment, showType, isShown, tab] : rows) {
+        CAPTURE(moment);
+        CAPTURE(showType);
+        Journalled inside;
+        const StartJournal& journal = inside.journal;
         ComPtr<IDispatch> nested;
-        journal.engine.script.within[row.moment] = [&] {
+        inside.journal.engine.script.within[moment] = [&, asked = showType] {
             if (nested != nullptr) return;
-            long showType = row.showType;
-            CHECK(MakeObject<ConfigControl>()->ConfigInstance(&showType, &nested) == S_OK);
+            CHECK(inside.Instance(asked, nested) == S_OK);
             CHECK_FALSE(IsShown());
         };
         const auto config = inside.Instance(FormHide);
@@ -148,7 +137,7 @@ TEST_CASE(
         CHECK(journal.Count("read:chkPlaySound") == 1);
         CHECK(journal.Count("icon:0") == 1);
         CHECK(g_lngClientCount == 2);
-        CHECK(IsShown() == row.isShown);
-        CHECK(SelectedTab() == row.tab);
+        CHECK(IsShown() == isShown);
+        CHECK(SelectedTab() == tab);
     }
 }

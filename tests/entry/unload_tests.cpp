@@ -1,4 +1,4 @@
-// In what order the window takes leave, and what of it the next one finds.
+// In what order the window takes leave, what comes in meanwhile, and what of it the next one finds.
 #include <doctest.h>
 
 #include <string>
@@ -40,11 +40,10 @@ struct TrayCommands {
 
 }  // namespace
 
-TEST_CASE(
+TEST_CASE_FIXTURE(
+    Journalled,
     "an unloading lets go of the engine, then of the icon, and takes leave while the window is still there") {
-    Inside inside;
-    StartJournal journal;
-    inside.Instance(FormHide);
+    Instance(FormHide);
     const LONG handle = g_lngConfigHwnd;
     const LONG reference = journal.engine.script.configForm;
     bool wasThere = false;
@@ -67,10 +66,10 @@ TEST_CASE(
     CHECK_FALSE(IsWindow(Window()));
 }
 
-TEST_CASE("a load forgets what was to be started or stopped, and no tick outlives the window before it") {
-    Inside inside;
-    StartJournal journal;
-    inside.Instance(FormHide);
+TEST_CASE_FIXTURE(
+    Journalled,
+    "a load forgets what was to be started or stopped, and no tick outlives the window before it") {
+    Instance(FormHide);
     const TrayCommands commands;
     const auto& script = journal.engine.script;
     for (const UINT item : {mnuStartKiller, mnuStopKiller, mnuPauseKiller})
@@ -83,6 +82,27 @@ TEST_CASE("a load forgets what was to be started or stopped, and no tick outlive
     commands.Tick();
     CHECK(script.Count("Start") + script.Count("Stop") == 0);
     CHECK(script.Count("Pause") == 1);
+}
+
+TEST_CASE_FIXTURE(Journalled,
+                  "the About page that is asked for while an unload waits for the engine is shown") {
+    Instance(FormHide);
+    LetIn("ReleasePopup", [&] { Instance(kShowAbout); });
+    g_frmConfig->Unload();
+    // Asking for the handle would make the window.
+    REQUIRE(journal.Count("window") == 2);
+    CHECK(IsShown());
+    CHECK(SelectedTab() == 5);
+}
+
+TEST_CASE_FIXTURE(Journalled, "the window behind one that was unloaded in its first load takes gestures") {
+    LetIn("LogFile", [] { g_frmConfig->Unload(); });
+    Instance(FormHide);
+    CHECK(g_frmConfig->Handle() == g_lngConfigHwnd);
+    REQUIRE(IsWindow(Window()));
+    CHECK_FALSE(IsShown());
+    SendMessageW(Window(), kTrayCallback, 1, WM_LBUTTONDBLCLK);
+    CHECK(IsShown());
 }
 
 TEST_CASE_FIXTURE(InsideWithoutEngine, "after the exit a client that still holds Config gets a new window") {
@@ -127,9 +147,9 @@ TEST_CASE_FIXTURE(InsideWithoutEngine, "reading the members of an unloaded windo
 }
 
 // The message may wait in the queue while the window goes, and its handle may be that of the next window.
-TEST_CASE("a gesture over the icon that comes in behind an unloading makes no window") {
-    InsideWithoutEngine inside;
-    inside.Instance(FormHide);
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "a gesture over the icon that comes in behind an unloading makes no window") {
+    Instance(FormHide);
     const HWND window = Window();
     g_frmConfig->Unload();
     REQUIRE_FALSE(IsWindow(window));

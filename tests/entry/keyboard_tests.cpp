@@ -1,50 +1,48 @@
-// Where the focus is in the window, and what it must not change.
+// Which keys of the main loop are the window's, where the focus is, and what it must not change.
 #include <doctest.h>
 
 #include <commctrl.h>
 
-#include <set>
+#include <map>
 #include <vector>
 
 #include "store/first_run.h"
 #include "store/settings_schema.h"
 #include "tests/entry/window_inside.h"
+#include "tests/support/plain_window.h"
 
 namespace {
+
+// Whether a key that is pressed while others are held is taken as the window's.
+bool Press(HWND focus, WPARAM key, std::initializer_list<int> held = {}) {
+    const HeldKeys keys(held);
+    return IsFormMessage(Key(focus, key));
+}
 
 // Buttons as Windows makes them, not as Wine does: an unchecked option button of this thread that gets the
 // focus is clicked, and selects itself, unless it has been told not to (BM_SETDONTCLICK). One at a time.
 class WindowsButtons {
 public:
     WindowsButtons() : m_hook(SetWindowsHookExW(WH_CALLWNDPROCRET, Watch, nullptr, GetCurrentThreadId())) {
-        s_silent.clear();
+        s_isSilent.clear();
     }
     WindowsButtons(const WindowsButtons&) = delete;
     WindowsButtons& operator=(const WindowsButtons&) = delete;
     ~WindowsButtons() { UnhookWindowsHookEx(m_hook); }
 
 private:
-    static bool IsOptionButton(HWND window) {
-        return (SendMessageW(window, WM_GETDLGCODE, 0, 0) & DLGC_RADIOBUTTON) != 0;
-    }
-
     static LRESULT CALLBACK Watch(int code, WPARAM wParam, LPARAM lParam) {
         const auto& sent = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-        if (code == HC_ACTION && sent.message == BM_SETDONTCLICK) {
-            if (sent.wParam != FALSE) {
-                s_silent.insert(sent.hwnd);
-            } else {
-                s_silent.erase(sent.hwnd);
-            }
-        }
-        if (code == HC_ACTION && sent.message == WM_SETFOCUS && IsOptionButton(sent.hwnd) &&
-            !s_silent.contains(sent.hwnd) && SendMessageW(sent.hwnd, BM_GETCHECK, 0, 0) != BST_CHECKED) {
+        if (sent.message == BM_SETDONTCLICK) s_isSilent[sent.hwnd] = sent.wParam != FALSE;
+        if (sent.message == WM_SETFOCUS && !s_isSilent[sent.hwnd] &&
+            (SendMessageW(sent.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_RADIOBUTTON) != 0 &&
+            SendMessageW(sent.hwnd, BM_GETCHECK, 0, 0) != BST_CHECKED) {
             SendMessageW(sent.hwnd, BM_CLICK, 0, 0);
         }
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
-    static inline std::set<HWND> s_silent;
+    static inline std::map<HWND, bool> s_isSilent;
     const HHOOK m_hook;
 };
 
@@ -87,6 +85,62 @@ struct ShownWindow : InsideWithoutEngine {
 
 }  // namespace
 
+TEST_CASE_FIXTURE(InsideWithoutEngine, "keys of another window, or without a window, are left alone") {
+    Instance(FormHide);
+    const PlainWindow other;
+    for (const WPARAM key : {VK_TAB, VK_NEXT, VK_PRIOR, VK_ESCAPE, VK_RETURN})
+        CHECK_FALSE(Press(other.Hwnd(), key, {VK_CONTROL}));
+    CHECK_FALSE(Press(nullptr, VK_TAB, {VK_CONTROL}));
+    CHECK(SelectedTab() == 0);
+    CHECK(Press(ControlOf(IDC_TAB), VK_TAB));
+    g_frmConfig->Unload();
+    for (const HWND window : {other.Hwnd(), HWND{}})
+        CHECK_FALSE(Press(window, VK_TAB));
+}
+
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "Ctrl with Tab, Page Down and Page Up walks the pages round, whoever has the focus") {
+    Instance(FormHide);
+    const struct {
+        WPARAM key;
+        bool hasShift;
+        int page;
+    } walk[] = {{VK_TAB, false, 1}, {VK_TAB, false, 2}, {VK_TAB, false, 3},   {VK_TAB, false, 4},
+                {VK_TAB, false, 5}, {VK_TAB, false, 0}, {VK_PRIOR, false, 5}, {VK_NEXT, false, 0},
+                {VK_TAB, true, 5},  {VK_NEXT, true, 0}};
+    for (const HWND focus : {Window(), ControlOf(IDC_TAB), ControlOf(IDC_CMDOK)}) {
+        for (const auto& [key, hasShift, page] : walk) {
+            CHECK((hasShift ? Press(focus, key, {VK_CONTROL, VK_SHIFT}) : Press(focus, key, {VK_CONTROL})));
+            CHECK(SelectedTab() == page);
+        }
+    }
+}
+
+TEST_CASE_FIXTURE(InsideWithoutEngine, "the pages stay with Alt held, without Ctrl or when a key goes up") {
+    Instance(FormHide);
+    const HWND tabs = ControlOf(IDC_TAB);
+    Press(tabs, VK_TAB, {VK_CONTROL, VK_MENU});
+    Press(tabs, VK_NEXT, {VK_CONTROL, VK_MENU});
+    Press(tabs, VK_TAB);
+    const HeldKeys held{VK_CONTROL};
+    MSG released = Key(tabs, VK_TAB);
+    released.message = WM_KEYUP;
+    IsFormMessage(released);
+    CHECK(SelectedTab() == 0);
+}
+
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "where another program has taken the tabs away the page keys do nothing") {
+    Instance(formShow);
+    SendDlgItemMessageW(Window(), IDC_TAB, TCM_DELETEALLITEMS, 0, 0);
+    SetFocus(ControlOf(IDC_CMDOK));
+    for (const WPARAM key : {VK_TAB, VK_NEXT, VK_PRIOR}) {
+        CHECK(Press(ControlOf(IDC_CMDOK), key, {VK_CONTROL}));
+        CHECK(SelectedTab() == -1);
+        CHECK(GetFocus() == ControlOf(IDC_CMDOK));
+    }
+}
+
 TEST_CASE_FIXTURE(ShownWindow, "moving the focus selects no option button and marks no change") {
     const WindowsButtons windows;
     Show();
@@ -98,9 +152,8 @@ TEST_CASE_FIXTURE(ShownWindow, "moving the focus selects no option button and ma
         CHECK_FALSE(CanApply());
     }
     SetFocus(Tabs());
-    const HeldKeys none{};
     for (int i = 0; i < 9; ++i)
-        IsFormMessage(Key(GetFocus(), VK_TAB));
+        Press(GetFocus(), VK_TAB);
     CHECK(SelectedOption() == IDC_OPTLOADWITHKILLER);
     CHECK_FALSE(CanApply());
 }
@@ -112,8 +165,7 @@ TEST_CASE_FIXTURE(ShownWindow, "after Esc on an option button the next show find
     Click(IDC_OPTSTARTUP);
     CHECK(SelectedOption() == IDC_OPTSTARTUP);
     CHECK(CanApply());
-    const HeldKeys none{};
-    IsFormMessage(Key(GetFocus(), VK_ESCAPE));
+    Press(GetFocus(), VK_ESCAPE);
     REQUIRE_FALSE(IsWindowVisible(Window()));
     EnableWindow(ControlOf(IDC_CMDAPPLY), FALSE);
     Instance(formShow);
@@ -128,34 +180,37 @@ TEST_CASE_FIXTURE(ShownWindow, "where no option button is selected the tab key s
     Show(L"Something else");
     CHECK(OptionTabStops() == std::vector<int>{IDC_OPTSTARTUP});
     SetFocus(Tabs());
-    const HeldKeys none{};
-    IsFormMessage(Key(Tabs(), VK_TAB));
+    Press(Tabs(), VK_TAB);
     CHECK(GetFocus() == ControlOf(IDC_OPTSTARTUP));
     CHECK(SelectedOption() == 0);
     CHECK_FALSE(CanApply());
 }
 
-TEST_CASE_FIXTURE(ShownWindow, "a click on a tab takes the focus from the page that it hides") {
+TEST_CASE_FIXTURE(ShownWindow, "a click on a tab, selected or not, takes the focus from the page") {
     Show();
     // Windows asks for it; Wine's tabs take the focus at any click.
     CHECK((GetWindowLongW(Tabs(), GWL_STYLE) & TCS_FOCUSONBUTTONDOWN) != 0);
-    SetFocus(ControlOf(IDC_TXTPAUSE));
     RECT tab{};
     TabCtrl_GetItemRect(Tabs(), 1, &tab);
     const LPARAM point = MAKELPARAM((tab.left + tab.right) / 2, (tab.top + tab.bottom) / 2);
-    SendMessageW(Tabs(), WM_LBUTTONDOWN, MK_LBUTTON, point);
-    SendMessageW(Tabs(), WM_LBUTTONUP, 0, point);
-    CHECK(SelectedTab() == 1);
-    CHECK(GetFocus() == Tabs());
-    // A click on the tab that is selected, too.
-    SetFocus(ControlOf(IDC_LSTEXCLUDE));
-    SendMessageW(Tabs(), WM_LBUTTONDOWN, MK_LBUTTON, point);
-    SendMessageW(Tabs(), WM_LBUTTONUP, 0, point);
-    CHECK(GetFocus() == Tabs());
+    for (const int focus : {IDC_TXTPAUSE, IDC_LSTEXCLUDE}) {
+        SetFocus(ControlOf(focus));
+        SendMessageW(Tabs(), WM_LBUTTONDOWN, MK_LBUTTON, point);
+        SendMessageW(Tabs(), WM_LBUTTONUP, 0, point);
+        CHECK(SelectedTab() == 1);
+        CHECK(GetFocus() == Tabs());
+    }
 }
 
-TEST_CASE_FIXTURE(ShownWindow, "a page that goes takes no focus with it") {
+TEST_CASE_FIXTURE(ShownWindow, "a page that goes takes no focus with it, and leaves that of the frame") {
     Show();
+    for (const int id : {IDC_CMDOK, IDC_TAB}) {
+        SetFocus(ControlOf(id));
+        for (const int page : {1, 0}) {
+            SelectPage(page);
+            CHECK(GetFocus() == ControlOf(id));
+        }
+    }
     SetFocus(ControlOf(IDC_CBOPAUSEKEY));
     SUBCASE("when another one is selected") {
         SelectPage(2);
@@ -166,39 +221,27 @@ TEST_CASE_FIXTURE(ShownWindow, "a page that goes takes no focus with it") {
     CHECK(GetFocus() == Tabs());
 }
 
-TEST_CASE_FIXTURE(ShownWindow, "the focus stays where it is on the frame while pages change") {
-    Show();
-    for (const int id : {IDC_CMDOK, IDC_TAB}) {
-        SetFocus(ControlOf(id));
-        SelectPage(1);
-        CHECK(GetFocus() == ControlOf(id));
-        SelectPage(0);
-        CHECK(GetFocus() == ControlOf(id));
-    }
-}
-
 // The dialog manager gives the focus back to the control that had it when the window lost it, shown or not.
 TEST_CASE_FIXTURE(ShownWindow, "with the focus on a hidden page the keys work as from the tabs") {
     Show();
     SelectPage(5);
     SetFocus(ControlOf(IDC_CBOPAUSEKEY));
     REQUIRE(GetFocus() == ControlOf(IDC_CBOPAUSEKEY));
-    const HeldKeys none{};
     SUBCASE("Esc hides the window") {
-        CHECK(IsFormMessage(Key(GetFocus(), VK_ESCAPE)));
+        CHECK(Press(GetFocus(), VK_ESCAPE));
         CHECK_FALSE(IsWindowVisible(Window()));
     }
     SUBCASE("Tab goes to the page that is shown") {
-        CHECK(IsFormMessage(Key(GetFocus(), VK_TAB)));
+        CHECK(Press(GetFocus(), VK_TAB));
         CHECK(GetFocus() == ControlOf(IDC_LBLNAVSITE));
     }
     SUBCASE("Ctrl+Tab goes to the next page") {
-        const HeldKeys held{VK_CONTROL};
-        CHECK(IsFormMessage(Key(GetFocus(), VK_TAB)));
+        CHECK(Press(GetFocus(), VK_TAB, {VK_CONTROL}));
         CHECK(SelectedTab() == 0);
         CHECK(IsWindowVisible(GetFocus()));
     }
     SUBCASE("an arrow moves along the tabs") {
+        const HeldKeys none{};
         MSG message = Key(GetFocus(), VK_LEFT);
         if (!g_frmConfig->IsFormMessage(message)) DispatchMessageW(&message);
         CHECK(GetFocus() == Tabs());
