@@ -1,0 +1,111 @@
+// The manager as clients in other processes see it.
+#include <doctest.h>
+
+#include <process.h>
+
+#include "platform/automation_error.h"
+#include "platform/com/event_connection.h"
+#include "platform/text.h"
+#include "tests/support/killed_servers.h"
+#include "tests/support/manager.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/program.h"
+#include "tests/support/test_folder.h"
+
+namespace {
+
+ComPtr<_ConfigControl> AnotherControl() {
+    ComPtr<_ConfigControl> control;
+    ThrowIfFailed(
+        CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&control)));
+    return control;
+}
+
+size_t ManagerCount() {
+    return ProcessesOf(L"SentrelConfig.exe").size();
+}
+
+bool NoManagerIsLeft() {
+    return ProgramEnds(L"SentrelConfig.exe");
+}
+
+}  // namespace
+
+TEST_CASE("clients in script languages reach the manager, share it and end it") {
+    // What the script ends with behind its last line, and in no other way.
+    constexpr int kDone = 77;
+    for (const wchar_t* const script : {L"two_clients.vbs", L"two_clients.js"}) {
+        CAPTURE(ToAnsi(script));
+        DeleteSettings();
+        const std::wstring path = L'"' + DataFile(std::wstring(L"tests\\scripts\\") + script) + L'"';
+        CHECK(_wspawnlp(_P_WAIT, L"cscript.exe", L"cscript.exe", L"//nologo", path.c_str(), nullptr) ==
+              kDone);
+        const bool hasEnded = NoManagerIsLeft();
+        CHECK(hasEnded);
+        // The next script needs a manager of its own.
+        if (!hasEnded) const Manager left(true);
+    }
+}
+
+TEST_CASE("a manager that crashes ends the wait for it and fails the test" * doctest::should_fail()) {
+    Manager manager;
+    DWORD id = 0;
+    GetWindowThreadProcessId(manager.Window(), &id);
+    const ProcessHandle process(OpenProcess(PROCESS_TERMINATE, FALSE, id));
+    REQUIRE(TerminateProcess(process.Get(), static_cast<UINT>(STATUS_ACCESS_VIOLATION)));
+    WaitUntil([] { return false; }, INFINITE);
+    ForgetKilledServers();
+}
+
+TEST_CASE("ReleaseConfig before any ConfigInstance ends the process all the same") {
+    REQUIRE(NoManagerIsLeft());
+    const auto control = AnotherControl();
+    CHECK(ManagerCount() == 1);
+    CHECK(control->ReleaseConfig() == S_OK);
+    CHECK(NoManagerIsLeft());
+    LONG hidden = FormHide;
+    ComPtr<IDispatch> config;
+    CHECK(FAILED(control->ConfigInstance(&hidden, &config)));
+}
+
+TEST_CASE("clients can connect to ConfigClosed and never receive it") {
+    Manager manager;
+    const auto config = manager.Instance(formShow);
+    int received = 0;
+    {
+        const EventConnection connection(config.Get(), __uuidof(__Config),
+                                         {{1, [&](const DISPPARAMS&) { ++received; }}});
+        SendMessageW(manager.Window(), WM_CLOSE, 0, 0);
+        manager.Instance(formShow);
+        PumpFor(200);
+        manager.Control()->ReleaseConfig();
+        CHECK(manager.WaitForEnd());
+        PumpFor(100);
+    }
+    CHECK(received == 0);
+}
+
+TEST_CASE("clients cannot create Config themselves") {
+    ComPtr<IUnknown> object;
+    CHECK(CoCreateInstance(__uuidof(Config), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&object)) ==
+          REGDB_E_CLASSNOTREG);
+}
+
+TEST_CASE("a hidden loaded window keeps the manager alive without any client") {
+    Manager manager;
+    const HWND window = manager.Window();
+    manager.LetGo();
+    PumpFor(500);
+    CHECK(IsWindow(window) != FALSE);
+    CHECK(AnotherControl()->ReleaseConfig() == S_OK);
+    CHECK(manager.WaitForEnd());
+}
+
+TEST_CASE("a client that only creates the control and lets go leaves no process behind") {
+    REQUIRE(NoManagerIsLeft());
+    {
+        const auto control = AnotherControl();
+        CHECK(ManagerCount() == 1);
+    }
+    CHECK(NoManagerIsLeft());
+}
