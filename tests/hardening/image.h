@@ -3,12 +3,12 @@
 
 #include <windows.h>
 
-#include <cctype>
 #include <set>
 #include <span>
 #include <stdexcept>
 #include <string>
 
+#include "platform/text.h"
 #include "store/server_directory.h"
 #include "tests/support/import_patch.h"
 
@@ -17,6 +17,11 @@ public:
     explicit Image(const std::wstring& path)
         : m_module(LoadLibraryExW(path.c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES)) {
         if (m_module == nullptr) throw std::runtime_error("not a program of this system");
+        FindImport(m_module, [this](const char* library, const char* function, void**) {
+            libraries.insert(ToAnsi(UpperCase(FromAnsi(library))));
+            functions.insert(function);
+            return false;
+        });
     }
     Image(const Image&) = delete;
     Image& operator=(const Image&) = delete;
@@ -35,33 +40,19 @@ public:
     }
 
     // Imported plainly: libraries in capital letters, functions by their names.
-    std::set<std::string> Libraries() const {
-        return Imports([](std::string library, const char*) {
-            for (char& character : library)
-                character = static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
-            return library;
-        });
-    }
-    std::set<std::string> Functions() const {
-        return Imports([](const std::string&, const char* function) { return std::string(function); });
-    }
+    std::set<std::string> libraries;
+    std::set<std::string> functions;
 
 private:
-    template <class Choice>
-    std::set<std::string> Imports(Choice choice) const {
-        std::set<std::string> names;
-        FindImport(m_module, [&](const char* library, const char* function, void**) {
-            names.insert(choice(library, function));
-            return false;
-        });
-        return names;
-    }
-
     const HMODULE m_module;
 };
 
-// The built manager.
-inline std::wstring ManagerPath() {
+// A program of the build lies in the folder above the tests.
+inline std::wstring ProgramPath(const std::wstring& name) {
     const std::wstring folder = ServerDirectory();
-    return folder.substr(0, folder.find_last_of(L'\\') + 1) + L"SentrelConfig.exe";
+    return folder.substr(0, folder.find_last_of(L'\\') + 1) + name;
+}
+
+inline std::wstring ManagerPath() {
+    return ProgramPath(L"SentrelConfig.exe");
 }

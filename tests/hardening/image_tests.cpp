@@ -1,19 +1,23 @@
-// What the built manager shows of its own protection, and what it asks Windows for.
+// What the built manager shows of its own protection and version, and what it asks Windows for.
 #include <doctest.h>
 
 #include <windows.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <map>
 #include <set>
 #include <string_view>
+#include <vector>
 
+#include "platform/com/bstr.h"
 #include "platform/com/own_type_library.h"
 #include "platform/text.h"
 #include "sentrel_config.h"
 #include "tests/hardening/image.h"
 #include "tests/support/test_folder.h"
+#include "version.h"
 
 namespace {
 
@@ -47,6 +51,31 @@ std::wstring Registered(const std::wstring& value) {
     DWORD size = sizeof(text);
     REQUIRE(RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), value.c_str(), RRF_RT_REG_SZ, nullptr, text,
                          &size) == ERROR_SUCCESS);
+    return text;
+}
+
+// The version resource of a file; empty when it has none.
+std::vector<std::byte> VersionResource(const std::wstring& path) {
+    std::vector<std::byte> resource(GetFileVersionInfoSizeW(path.c_str(), nullptr));
+    const auto size = static_cast<DWORD>(resource.size());
+    if (size != 0 && !GetFileVersionInfoW(path.c_str(), 0, size, resource.data())) resource.clear();
+    return resource;
+}
+
+std::string Text(const std::vector<std::byte>& resource, const std::wstring& name) {
+    void* text = nullptr;
+    UINT length = 0;
+    const std::wstring path = L"\\StringFileInfo\\040904B0\\" + name;
+    if (!VerQueryValueW(resource.data(), path.c_str(), &text, &length)) return "(none)";
+    return ToAnsi(static_cast<const wchar_t*>(text));
+}
+
+// "1.2.3.0" for 1, 2, 3, 0.
+std::string Dotted(DWORD high, DWORD low) {
+    const WORD numbers[] = {HIWORD(high), LOWORD(high), HIWORD(low), LOWORD(low)};
+    std::string text;
+    for (const WORD number : numbers)
+        text += (text.empty() ? "" : ".") + std::to_string(number);
     return text;
 }
 
@@ -112,26 +141,24 @@ TEST_CASE(
     const std::set<std::string> allowed{"ADVAPI32.DLL", "COMCTL32.DLL", "COMDLG32.DLL", "GDI32.DLL",
                                         "KERNEL32.DLL", "MSVCRT.DLL",   "OLE32.DLL",    "OLEAUT32.DLL",
                                         "SHELL32.DLL",  "USER32.DLL"};
-    CHECK(Manager().Libraries() == allowed);
+    CHECK(Manager().libraries == allowed);
 }
 
-TEST_CASE("the manager starts no process, so that nobody inherits what it has open") {
-    const std::set<std::string> functions = Manager().Functions();
+TEST_CASE("the manager starts no process, so that nobody inherits what it has open, but by the shell") {
     for (const char* const function :
          {"CreateProcessA", "CreateProcessW", "CreateProcessAsUserA", "CreateProcessAsUserW", "WinExec",
           "system", "_wsystem", "_wspawnv", "_spawnv", "_popen", "_wpopen"}) {
         CAPTURE(function);
-        CHECK_FALSE(functions.contains(function));
+        CHECK_FALSE(Manager().functions.contains(function));
     }
-    CHECK(functions.contains("ShellExecuteA"));
+    CHECK(Manager().functions.contains("ShellExecuteA"));
 }
 
 TEST_CASE("the manager does without the functions that write past a buffer" * doctest::skip(!IS_RELEASE)) {
-    const std::set<std::string> functions = Manager().Functions();
     for (const char* const function : {"strcpy", "strcat", "wcscpy", "wcscat", "sprintf", "swprintf",
                                        "vsprintf", "gets", "lstrcpyA", "lstrcpyW", "lstrcatA", "lstrcatW"}) {
         CAPTURE(function);
-        CHECK_FALSE(functions.contains(function));
+        CHECK_FALSE(Manager().functions.contains(function));
     }
 }
 
@@ -162,4 +189,35 @@ TEST_CASE("the registered command line is quoted, and the program is named besid
     CHECK(Registered(L"") == L'"' + Registered(L"ServerExecutable") + L'"');
     CHECK(CompareStringOrdinal(Registered(L"ServerExecutable").c_str(), -1, ManagerPath().c_str(), -1,
                                TRUE) == CSTR_EQUAL);
+}
+
+// The version stands in one place, the project's build file.
+TEST_CASE("the version resources of the manager, the loader and the installer tell the project's version") {
+    for (const wchar_t* const program :
+         {L"SentrelConfig.exe", L"CalvaneConfigLoader.exe", L"CalvaneSetup.exe"}) {
+        CAPTURE(ToAnsi(program));
+        const std::vector<std::byte> resource = VersionResource(ProgramPath(program));
+        REQUIRE_FALSE(resource.empty());
+        void* found = nullptr;
+        UINT length = 0;
+        REQUIRE(VerQueryValueW(resource.data(), L"\\", &found, &length));
+        const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(found);
+        CHECK(Dotted(fixed.dwFileVersionMS, fixed.dwFileVersionLS) == CALVANE_VERSION ".0");
+        CHECK(Dotted(fixed.dwProductVersionMS, fixed.dwProductVersionLS) == CALVANE_VERSION ".0");
+        CHECK(Text(resource, L"FileVersion") == CALVANE_VERSION);
+        CHECK(Text(resource, L"ProductVersion") == CALVANE_VERSION);
+    }
+}
+
+TEST_CASE("the type libraries' help strings end with the first two numbers of the version") {
+    const std::string version = CALVANE_VERSION;
+    const std::string shortVersion = ' ' + version.substr(0, version.rfind('.'));
+    for (const auto& [library, help] : {std::pair{L"SentrelConfig.exe", "Calvane configuration manager"},
+                                        {L"SentrelConfig.exe\\2", "Calvane configuration manager forms"}}) {
+        ComPtr<ITypeLib> loaded;
+        BstrHandle text;
+        REQUIRE(LoadTypeLibEx(ProgramPath(library).c_str(), REGKIND_NONE, &loaded) == S_OK);
+        REQUIRE(loaded->GetDocumentation(MEMBERID_NIL, nullptr, text.Put(), nullptr, nullptr) == S_OK);
+        CHECK(ToAnsi(text.Get()) == help + shortVersion);
+    }
 }

@@ -12,7 +12,6 @@
 
 #include "platform/handle.h"
 #include "platform/text.h"
-#include "store/server_directory.h"
 #include "tests/hardening/image.h"
 #include "tests/support/manager.h"
 #include "tests/support/message_pump.h"
@@ -42,7 +41,7 @@ void AddSystemLibrary(const std::string& name, std::set<std::string>& names) {
     GetSystemDirectoryW(folder, MAX_PATH);
     const std::wstring path = std::wstring(folder) + L'\\' + FromAnsi(name);
     if (name == "COMCTL32.DLL" || !FileExists(path) || !names.insert(name).second) return;
-    for (const std::string& imported : Image(path).Libraries())
+    for (const std::string& imported : Image(path).libraries)
         AddSystemLibrary(imported, names);
 }
 
@@ -63,10 +62,6 @@ std::vector<std::wstring> LibrariesToPlant() {
     return names;
 }
 
-std::wstring BesideTest(const wchar_t* name) {
-    return ServerDirectory() + L'\\' + name;
-}
-
 // A folder with a program and, beside it, the planted libraries.
 class PlantedFolder {
 public:
@@ -74,7 +69,8 @@ public:
         : m_program(m_folder.Path(name)) {
         REQUIRE(CopyFileW(program.c_str(), m_program.c_str(), TRUE));
         for (const std::wstring& library : m_libraries)
-            REQUIRE(CopyFileW(BesideTest(L"planted.dll").c_str(), m_folder.Path(library).c_str(), TRUE));
+            REQUIRE(CopyFileW((ServerDirectory() + L"\\planted.dll").c_str(), m_folder.Path(library).c_str(),
+                              TRUE));
     }
 
     const std::wstring& Program() const { return m_program; }
@@ -106,10 +102,14 @@ public:
     ~RegisteredElsewhere() { CHECK(RunProgram(L"SentrelConfig.exe", L"/RegServer") == 0); }
 };
 
-std::vector<std::wstring> ModulesOf(HWND window) {
+DWORD ProcessOf(HWND window) {
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    const FileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, process));
+    return process;
+}
+
+std::vector<std::wstring> ModulesOf(HWND window) {
+    const FileHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPMODULE, ProcessOf(window)));
     std::vector<std::wstring> paths;
     MODULEENTRY32W entry{};
     entry.dwSize = sizeof(entry);
@@ -117,39 +117,6 @@ std::vector<std::wstring> ModulesOf(HWND window) {
          more = Module32NextW(snapshot.Get(), &entry))
         paths.push_back(UpperCase(entry.szExePath));
     return paths;
-}
-
-bool IsLoaded(const std::vector<std::wstring>& paths, const std::wstring& name) {
-    return std::ranges::any_of(
-        paths, [&](const std::wstring& path) { return path.ends_with(UpperCase(L'\\' + name)); });
-}
-
-HWND DialogOf(HWND owner, const wchar_t* title) {
-    HWND dialog = nullptr;
-    CHECK(PumpUntil([&] {
-        dialog = FindWindowW(nullptr, title);
-        return dialog != nullptr && IsWindowVisible(dialog);
-    }));
-    DWORD process = 0;
-    DWORD ownProcess = 0;
-    GetWindowThreadProcessId(dialog, &process);
-    GetWindowThreadProcessId(owner, &ownProcess);
-    CHECK(process == ownProcess);
-    return dialog;
-}
-
-void PlaySound(Manager& manager) {
-    if (SendMessageW(manager.Control(L"chkPlaySound"), BM_GETCHECK, 0, 0) != BST_CHECKED)
-        manager.Click(L"chkPlaySound");
-    manager.Click(L"cmdTestSound");
-    CHECK(PumpUntil([&] { return IsLoaded(ModulesOf(manager.Window()), L"winmm.dll"); }));
-}
-
-HWND OpenFileDialog(Manager& manager) {
-    PostMessageW(manager.Control(L"cmdSoundFile"), BM_CLICK, 0, 0);
-    const HWND dialog = DialogOf(manager.Window(), L"Select a Sound File");
-    PumpFor(500);  // what the dialog loads once it is there
-    return dialog;
 }
 
 // Windows' own folder is where everything lies but the program itself.
@@ -170,7 +137,7 @@ void CheckModules(Manager& manager, const PlantedFolder& planted) {
 }  // namespace
 
 TEST_CASE("a program that takes no care loads each of the planted libraries") {
-    const PlantedFolder planted(BesideTest(L"unguarded.exe"), L"unguarded.exe");
+    const PlantedFolder planted(ServerDirectory() + L"\\unguarded.exe", L"unguarded.exe");
     std::wstring arguments;
     for (const std::wstring& library : planted.Libraries())
         arguments += L' ' + library;
@@ -182,16 +149,30 @@ TEST_CASE("a program that takes no care loads each of the planted libraries") {
 
 TEST_CASE("the manager loads nothing from its own folder, whatever it does") {
     const PlantedFolder planted(ManagerPath(), L"SentrelConfig.exe");
-    REQUIRE(CopyFileW(BesideTest(L"..\\Arc.wav").c_str(), (planted.Folder() + L"\\Arc.wav").c_str(), TRUE));
+    REQUIRE(CopyFileW(ProgramPath(L"Arc.wav").c_str(), (planted.Folder() + L"\\Arc.wav").c_str(), TRUE));
     {
         const RegisteredElsewhere registered(planted.Program());
         Manager manager;
         manager.Instance(formShow);
         CheckModules(manager, planted);
-        PlaySound(manager);
+        if (SendMessageW(manager.Control(L"chkPlaySound"), BM_GETCHECK, 0, 0) != BST_CHECKED)
+            manager.Click(L"chkPlaySound");
+        manager.Click(L"cmdTestSound");
+        CHECK(PumpUntil([&] {
+            return std::ranges::any_of(ModulesOf(manager.Window()), [](const std::wstring& path) {
+                return path.ends_with(L"\\WINMM.DLL");
+            });
+        }));
         CheckModules(manager, planted);
         manager.Click(L"cmdRefreshLog");
-        const HWND dialog = OpenFileDialog(manager);
+        PostMessageW(manager.Control(L"cmdSoundFile"), BM_CLICK, 0, 0);
+        HWND dialog = nullptr;
+        CHECK(PumpUntil([&] {
+            dialog = FindWindowW(nullptr, L"Select a Sound File");
+            return dialog != nullptr && IsWindowVisible(dialog);
+        }));
+        CHECK(ProcessOf(dialog) == ProcessOf(manager.Window()));
+        PumpFor(500);  // what the dialog loads once it is there
         CheckModules(manager, planted);
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         CHECK(PumpUntil([&] { return !IsWindow(dialog); }));
