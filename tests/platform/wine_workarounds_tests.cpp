@@ -11,7 +11,7 @@
 #include "platform/com/com_ptr.h"
 #include "platform/com/wine_workarounds.h"
 #include "tests/support/import_patch.h"
-#include "tests/support/only_under_wine.h"
+#include "tests/support/wine.h"
 
 namespace {
 
@@ -61,7 +61,7 @@ void WorkAround(const std::vector<IID>& interfaces, Body body) {
 }  // namespace
 
 TEST_CASE("under Wine interfaces are kept until COM goes, by an object that has no other" *
-          OnlyUnderWine{"Windows needs nothing of the kind"}) {
+          doctest::skip(!RunsUnderWine()) * doctest::description("Windows needs nothing of the kind")) {
     WorkAround({IID_IDispatch, kUnknownToCom, IID_IConnectionPoint}, [] {
         void* other = nullptr;
         CHECK(g_shown.at(0).object->QueryInterface(IID_IMarshal, &other) == E_NOINTERFACE);
