@@ -6,11 +6,12 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
-#include <iterator>
 #include <string>
 
+#include "platform/text.h"
 #include "store/server_directory.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/other_process.h"
 #include "tests/support/program.h"
 
 namespace {
@@ -22,10 +23,6 @@ constexpr int kAboutTab = 5;
 // The manager's window, hidden or shown.
 HWND ManagerWindow() {
     return FindWindowW(nullptr, L"Calvane");
-}
-
-bool IsShown() {
-    return PumpUntil([] { return IsWindowVisible(ManagerWindow()) != FALSE; });
 }
 
 int SelectedTab() {
@@ -50,35 +47,21 @@ struct NoClass {
     ~NoClass() { CHECK(RunProgram(kManager, L"/RegServer") == 0); }
 };
 
-// Closes message boxes while the test waits for the program that shows them, and keeps the last one's text.
-class MessageBoxes {
-public:
-    MessageBoxes() : m_timer(SetTimer(nullptr, 0, 20, Look)) { Forget(); }
-    ~MessageBoxes() { KillTimer(nullptr, m_timer); }
+std::wstring shownMessage;
 
-    static const std::wstring& Text() { return g_text; }
-    static void Forget() { g_text.clear(); }
-
-private:
-    static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
-        constexpr int kMessageText = 0xFFFF;
-        const HWND box = FindWindowW(MAKEINTRESOURCEW(32770), L"Calvane");
-        if (box == nullptr || !IsWindowVisible(box)) return;
-        wchar_t text[512]{};
-        SendMessageW(GetDlgItem(box, kMessageText), WM_GETTEXT, std::size(text),
-                     reinterpret_cast<LPARAM>(text));
-        if (*text != L'\0') g_text = text;  // not of a box that closes
-        PostMessageW(box, WM_COMMAND, IDOK, 0);
-    }
-
-    static inline std::wstring g_text;
-    UINT_PTR m_timer;
-};
+// Closes a message box while the test waits for the program that shows it, and keeps the text.
+void CALLBACK CloseMessageBox(HWND, UINT, UINT_PTR, DWORD) {
+    constexpr int kMessageText = 0xFFFF;
+    const HWND box = FindWindowW(MAKEINTRESOURCEW(32770), L"Calvane");
+    if (box == nullptr || !IsWindowVisible(box)) return;
+    const std::wstring text = ShownText(GetDlgItem(box, kMessageText));
+    if (!text.empty()) shownMessage = text;  // not of a box that closes
+    PostMessageW(box, WM_COMMAND, IDOK, 0);
+}
 
 }  // namespace
 
-TEST_CASE("without a switch the loader loads the manager hidden and leaves it running") {
-    const NoManager none;
+TEST_CASE_FIXTURE(NoManager, "without a switch the loader loads the manager hidden and leaves it running") {
     CHECK(RunProgram(kLoader) == 0);
     CHECK(ProgramEnds(kLoader));
     REQUIRE(ManagerWindow() != nullptr);
@@ -88,32 +71,33 @@ TEST_CASE("without a switch the loader loads the manager hidden and leaves it ru
 }
 
 TEST_CASE(
-    "a switch shows the window of the running manager, in any letter case; loading again leaves it shown") {
-    for (const wchar_t* const command : {L"/show", L"/SHOW"}) {
+    "a switch shows the window on its page, in any letter case, be it the running manager's or a new one's; "
+    "loading again leaves it shown") {
+    struct Row {
+        const wchar_t* command;
+        bool isLoaded;
+        int tab;
+    };
+    for (const Row& row :
+         {Row{L"/show", true, 0}, Row{L"/SHOW", true, 0}, Row{L"/about", false, kAboutTab}}) {
+        CAPTURE(ToAnsi(row.command));
         const NoManager none;
-        CHECK(RunProgram(kLoader) == 0);
-        const HWND window = ManagerWindow();
-        REQUIRE(window != nullptr);
-        CHECK(RunProgram(kLoader, command) == 0);
-        CHECK(IsShown());
-        CHECK(ManagerWindow() == window);
-        CHECK(SelectedTab() == 0);
+        if (row.isLoaded) CHECK(RunProgram(kLoader) == 0);
+        const HWND loaded = ManagerWindow();
+        CHECK((loaded != nullptr) == row.isLoaded);
+        CHECK(RunProgram(kLoader, row.command) == 0);
+        CHECK(PumpUntil([] { return IsWindowVisible(ManagerWindow()) != FALSE; }));
+        if (row.isLoaded) CHECK(ManagerWindow() == loaded);
+        CHECK(SelectedTab() == row.tab);
         CHECK(ProcessesOf(kManager).size() == 1);
         CHECK(RunProgram(kLoader) == 0);
         PumpFor(500);
-        CHECK(IsWindowVisible(window));
+        CHECK(IsWindowVisible(ManagerWindow()));
     }
 }
 
-TEST_CASE("the about switch shows the window on its About page") {
-    const NoManager none;
-    CHECK(RunProgram(kLoader, L"/about") == 0);
-    CHECK(IsShown());
-    CHECK(SelectedTab() == kAboutTab);
-}
-
-TEST_CASE("the release switch ends the manager, whatever its window is like, and starts none") {
-    const NoManager none;
+TEST_CASE_FIXTURE(NoManager,
+                  "the release switch ends the manager, whatever its window is like, and starts none") {
     CHECK(RunProgram(kLoader, L"/release") == 0);
     CHECK(ProcessesOf(kManager).empty());
     SUBCASE("with another caption") {
@@ -132,8 +116,8 @@ TEST_CASE("the release switch ends the manager, whatever its window is like, and
     CHECK(ManagerWindow() != nullptr);
 }
 
-TEST_CASE("the release switch takes no other program's window of the same caption for the manager") {
-    const NoManager none;
+TEST_CASE_FIXTURE(NoManager,
+                  "the release switch takes no other program's window of the same caption for the manager") {
     const NoClass unregistered;  // a manager that is asked for cannot be had
     const HWND foreign =
         CreateWindowW(WC_STATICW, L"Calvane", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
@@ -142,19 +126,20 @@ TEST_CASE("the release switch takes no other program's window of the same captio
     DestroyWindow(foreign);
 }
 
-TEST_CASE("the exit code tells that no manager is registered; only who waits for a window reads why") {
-    const NoManager none;
+TEST_CASE_FIXTURE(
+    NoManager, "the exit code tells that no manager is registered; only who waits for a window reads why") {
     const NoClass unregistered;
-    const MessageBoxes boxes;
+    const UINT_PTR timer = SetTimer(nullptr, 0, 20, CloseMessageBox);
     CHECK(RunProgram(kLoader) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
     CHECK(RunProgram(kLoader, L"/release") == 0);
-    CHECK(MessageBoxes::Text().empty());
+    CHECK(shownMessage.empty());
     for (const wchar_t* const command : {L"/show", L"/about"}) {
         CHECK(RunProgram(kLoader, command) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
-        CHECK(MessageBoxes::Text().starts_with(
+        CHECK(shownMessage.starts_with(
             L"The configuration manager cannot be started. Installing Calvane again helps.\n\n0x80040154"));
-        MessageBoxes::Forget();
+        shownMessage.clear();
     }
+    KillTimer(nullptr, timer);
 }
 
 TEST_CASE("the loader has the manager's icon") {
