@@ -6,11 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
-// One at a time.
-class MessageRecorder {
-public:
+struct MessageRecorder {
     struct Message {
         HWND owner;
         std::wstring text;
@@ -18,18 +16,10 @@ public:
         UINT type;
     };
 
-    MessageRecorder() { s_active = this; }
-    MessageRecorder(const MessageRecorder&) = delete;
-    MessageRecorder& operator=(const MessageRecorder&) = delete;
-
     std::vector<Message> messages;
-
-private:
-    static int WINAPI Show(HWND owner, const wchar_t* text, const wchar_t* title, UINT type) {
-        s_active->messages.push_back({owner, text, title, type});
-        return IDOK;
-    }
-
-    static inline MessageRecorder* s_active = nullptr;
-    const ImportPatch m_patch{"user32.dll", "MessageBoxW", &Show};
+    const ImportFake<"MessageBoxW", decltype(&MessageBoxW)> box{
+        "user32.dll", [this](HWND owner, const wchar_t* text, const wchar_t* title, UINT type) {
+            messages.push_back({owner, text, title, type});
+            return IDOK;
+        }};
 };
