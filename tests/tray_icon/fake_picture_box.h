@@ -6,12 +6,17 @@
 
 #include <functional>
 
+#include "platform/com/counted_object.h"
+
 // It is its own picture: its property Picture is the object itself, whose default property is the handle.
-class FakePictureBox final : public IDispatch {
+class FakePictureBox final : public CountedObject<IDispatch> {
 public:
     explicit FakePictureBox(LONG handle) : m_handle(handle) {}
 
-    LONG References() const noexcept { return m_references; }
+    LONG References() {
+        AddRef();
+        return static_cast<LONG>(Release());
+    }
 
     // Called each time somebody asks for the picture, before it is returned.
     std::function<void()> asked;
@@ -25,19 +30,6 @@ public:
     // What asking for the picture returns.
     HRESULT result = S_OK;
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        *object = nullptr;
-        if (!IsEqualIID(id, IID_IUnknown) && !IsEqualIID(id, IID_IDispatch)) return E_NOINTERFACE;
-        *object = static_cast<IDispatch*>(this);
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return static_cast<ULONG>(++m_references); }
-    STDMETHODIMP_(ULONG) Release() override {
-        const LONG references = --m_references;
-        if (references == 0) delete this;
-        return static_cast<ULONG>(references);
-    }
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         *count = 0;
         return S_OK;
@@ -68,10 +60,9 @@ public:
 private:
     static constexpr DISPID kPicture = 17;
 
-    ~FakePictureBox() {
+    ~FakePictureBox() override {
         if (gone) gone();
     }
 
-    LONG m_references = 1;
     const LONG m_handle;
 };

@@ -16,6 +16,10 @@ using Calls = std::vector<std::string>;
 
 const Calls kUnhooking{"GetProp OldWndProc", "RemoveProp OldWndProc", "SetWindowLong -4"};
 
+Calls Forwarding(UINT message) {
+    return {"GetProp OldWndProc", "CallWindowProc " + std::to_string(message)};
+}
+
 LONG HookProcedure() {
     return PtrToLong(reinterpret_cast<void*>(&TrayWindowProc));
 }
@@ -28,7 +32,7 @@ struct BareWindow {
 };
 
 // A hooked configuration window that is known by its handle; what its icon does to it is among the calls.
-struct ConfigWindow : TrayWindow {
+struct ConfigWindow : BareWindow, TrayWindow {
     ConfigWindow() {
         HookTrayWindow(window.Hwnd());
         g_lngConfigHwnd = window.Number();
@@ -43,20 +47,19 @@ struct ConfigWindow : TrayWindow {
 
     void ShowModeless() override {
         hook.calls.push_back("Show");
-        if (failure) failure();
+        failure();
     }
     void PopupTrayMenu(bool pauseIsDefault) override {
         hook.calls.push_back(pauseIsDefault ? "Pop up, Pause is default" : "Pop up");
-        if (failure) failure();
+        failure();
     }
 
     LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam) {
+        hook.Forget();
         return SendMessageA(window.Hwnd(), message, wParam, lParam);
     }
 
-    PlainWindow window;
-    HookCalls hook;
-    std::function<void()> failure;
+    std::function<void()> failure = [] {};
 };
 
 }  // namespace
@@ -80,19 +83,27 @@ TEST_CASE_FIXTURE(BareWindow, "a hook that cannot be made, or whose property can
         CAPTURE(function);
         hook.failing = {function};
         CHECK_FALSE(HookTrayWindow(window.Hwnd()));
-        hook.failing.clear();
         CHECK(window.Procedure() == before);
         CHECK(SendMessageA(window.Hwnd(), WM_USER + 9, 0, 0) == PlainWindow::kAnswer);
     }
+    hook.failing.clear();
     CHECK_FALSE(HookTrayWindow(nullptr));
     window.Destroy();
     CHECK_FALSE(HookTrayWindow(window.Hwnd()));
 }
 
-TEST_CASE_FIXTURE(BareWindow,
-                  "unhooking takes the property away and then puts the previous procedure back, once") {
+TEST_CASE_FIXTURE(
+    BareWindow,
+    "unhooking takes the property away and, where it could, puts the previous procedure back, once") {
     HookTrayWindow(window.Hwnd());
     hook.Forget();
+    hook.failing = {"RemoveProp"};
+    UnhookTrayWindow(window.Hwnd());
+    CHECK(hook.calls == Calls{"GetProp OldWndProc", "RemoveProp OldWndProc"});
+    CHECK(window.Procedure() == HookProcedure());
+
+    hook.Forget();
+    hook.failing.clear();
     UnhookTrayWindow(window.Hwnd());
     CHECK(hook.calls == kUnhooking);
     CHECK(hook.values == std::vector<LONG>{0, 0, before});
@@ -102,18 +113,6 @@ TEST_CASE_FIXTURE(BareWindow,
     hook.Forget();
     UnhookTrayWindow(window.Hwnd());
     CHECK(hook.calls == Calls{"GetProp OldWndProc"});
-    CHECK(window.Procedure() == before);
-}
-
-TEST_CASE_FIXTURE(BareWindow, "the previous procedure is not put back when the property cannot be removed") {
-    HookTrayWindow(window.Hwnd());
-    hook.Forget();
-    hook.failing = {"RemoveProp"};
-    UnhookTrayWindow(window.Hwnd());
-    CHECK(hook.calls == Calls{"GetProp OldWndProc", "RemoveProp OldWndProc"});
-    CHECK(window.Procedure() == HookProcedure());
-    hook.failing.clear();
-    UnhookTrayWindow(window.Hwnd());
 }
 
 TEST_CASE("a Unicode window gets its messages through the hook and its own procedure back") {
@@ -129,36 +128,49 @@ TEST_CASE("a Unicode window gets its messages through the hook and its own proce
     CHECK(GetWindowLongW(window.Hwnd(), GWL_WNDPROC) == before);
 }
 
-TEST_CASE_FIXTURE(ConfigWindow, "a double click on the icon shows the window") {
-    CHECK(Send(0x401, 1, 0x203) == 0);
-    CHECK(hook.calls == Calls{"Show"});
-    CHECK(window.messages.empty());
-}
-
 TEST_CASE_FIXTURE(ConfigWindow,
-                  "releasing the right button on the icon brings the window to the foreground, where it may "
-                  "come there, then pops up the menu") {
-    for (const bool refused : {false, true}) {
-        CAPTURE(refused);
-        hook.Forget();
-        if (refused) hook.failing = {"SetForegroundWindow"};
+                  "a double click on the icon shows the window; releasing the right button brings it to the "
+                  "foreground, then pops up the menu, whatever fails; without a window nothing happens") {
+    struct Row {
+        std::string what;
+        TrayWindow* trayWindow;
+        std::set<std::string> failing;
+        std::function<void()> failure;
+    };
+    const Row rows[] = {
+        {"all goes well", this, {}, [] {}},
+        {"Windows keeps it in the background", this, {"SetForegroundWindow"}, [] {}},
+        {"an error", this, {}, [] { RaiseError(ErrorNumber::InvalidProcedureCall); }},
+        {"no memory", this, {}, [] { throw std::bad_alloc(); }},
+        {"no window", nullptr, {}, [] {}},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.what);
+        SetTrayWindow(row.trayWindow);
+        hook.failing = row.failing;
+        failure = row.failure;
+        CHECK(Send(0x401, 1, 0x203) == 0);
+        CHECK(hook.calls == (row.trayWindow != nullptr ? Calls{"Show"} : Calls{}));
         CHECK(Send(0x401, 1, 0x205) == 0);
-        CHECK(hook.calls == Calls{"SetForegroundWindow", "Pop up, Pause is default"});
-        CHECK(hook.windows == std::vector<HWND>{window.Hwnd()});
+        CHECK(
+            hook.calls ==
+            (row.trayWindow != nullptr ? Calls{"SetForegroundWindow", "Pop up, Pause is default"} : Calls{}));
+        CHECK((hook.windows.empty() || hook.windows[0] == window.Hwnd()));
     }
     CHECK(window.messages.empty());
 }
 
 TEST_CASE_FIXTURE(ConfigWindow, "no other gesture does anything, and none reaches the window") {
-    for (const LPARAM gesture :
-         {0x200, 0x201, 0x202, 0x204, 0x206, 0x207, 0x208, 0x209, 0, -1, 0x10203, 0x7B}) {
-        CAPTURE(gesture);
-        CHECK(Send(0x401, 1, gesture) == 0);
-    }
     // The gesture stands in lParam alone.
-    CHECK(Send(0x401, 0x203, 0) == 0);
-    CHECK(Send(0x401, 0x205, 0) == 0);
-    CHECK(hook.calls.empty());
+    for (const WPARAM wParam : {0x1, 0x203, 0x205}) {
+        for (const LPARAM gesture :
+             {0x200, 0x201, 0x202, 0x204, 0x206, 0x207, 0x208, 0x209, 0, -1, 0x10203, 0x7B}) {
+            CAPTURE(wParam);
+            CAPTURE(gesture);
+            CHECK(Send(0x401, wParam, gesture) == 0);
+            CHECK(hook.calls.empty());
+        }
+    }
     CHECK(window.messages.empty());
 }
 
@@ -168,45 +180,23 @@ TEST_CASE_FIXTURE(
     for (const UINT message : {0x400u, 0x402u, 0x500u, 0x8000u, 0xC123u}) {
         CAPTURE(message);
         window.messages.clear();
-        hook.Forget();
         CHECK(Send(message, 0x12345678, 0x203) == PlainWindow::kAnswer);
         REQUIRE(window.messages.size() == 1);
         CHECK(window.messages[0].message == message);
         CHECK(window.messages[0].wParam == 0x12345678);
         CHECK(window.messages[0].lParam == 0x203);
-        CHECK(hook.calls == Calls{"GetProp OldWndProc", "CallWindowProc " + std::to_string(message)});
+        CHECK(hook.calls == Forwarding(message));
     }
-}
-
-TEST_CASE_FIXTURE(ConfigWindow, "an error while the window is shown or the menu popped up is ignored") {
-    const std::function<void()> failures[] = {[] { RaiseError(ErrorNumber::InvalidProcedureCall); },
-                                              [] { throw std::bad_alloc(); }};
-    for (const std::function<void()>& each : failures) {
-        failure = each;
-        hook.Forget();
-        CHECK(Send(0x401, 1, 0x203) == 0);
-        CHECK(Send(0x401, 1, 0x205) == 0);
-        CHECK(hook.calls == Calls{"Show", "SetForegroundWindow", "Pop up, Pause is default"});
-    }
-}
-
-TEST_CASE_FIXTURE(ConfigWindow, "a gesture without a window to act on does nothing") {
-    SetTrayWindow(nullptr);
-    CHECK(Send(0x401, 1, 0x203) == 0);
-    CHECK(Send(0x401, 1, 0x205) == 0);
-    CHECK(hook.calls.empty());
-    CHECK(window.messages.empty());
 }
 
 TEST_CASE_FIXTURE(ConfigWindow, "the callback of any window but the known one is forwarded, gesture or not") {
-    const Calls forwarded{"GetProp OldWndProc", "CallWindowProc 1025"};
     SUBCASE("until the configuration window is known") {
         g_lngConfigHwnd = 0;
         CHECK(Send(0x401, 1, 0x203) == PlainWindow::kAnswer);
-        CHECK(hook.calls == forwarded);
+        CHECK(hook.calls == Forwarding(0x401));
         g_lngConfigHwnd = window.Number();
         CHECK(Send(0x401, 1, 0x203) == 0);
-        CHECK(hook.calls.back() == "Show");
+        CHECK(hook.calls == Calls{"Show"});
         CHECK(window.Count(0x401) == 1);
     }
     SUBCASE("another window") {
@@ -214,13 +204,15 @@ TEST_CASE_FIXTURE(ConfigWindow, "the callback of any window but the known one is
         HookTrayWindow(other.Hwnd());
         hook.Forget();
         CHECK(SendMessageA(other.Hwnd(), 0x401, 1, 0x205) == PlainWindow::kAnswer);
-        CHECK(hook.calls == forwarded);
+        CHECK(hook.calls == Forwarding(0x401));
         CHECK(other.Count(0x401) == 1);
         UnhookTrayWindow(other.Hwnd());
     }
 }
 
-TEST_CASE_FIXTURE(ConfigWindow, "the end of another hooked window unhooks it and is not forwarded") {
+TEST_CASE_FIXTURE(ConfigWindow,
+                  "the end of another hooked window unhooks it and is not forwarded; that of the "
+                  "configuration window is forwarded and unhooks nothing") {
     PlainWindow other;
     HookTrayWindow(other.Hwnd());
     hook.Forget();
@@ -235,13 +227,10 @@ TEST_CASE_FIXTURE(ConfigWindow, "the end of another hooked window unhooks it and
         CHECK(other.Count(WM_DESTROY) == 1);
     }
     CHECK(other.Count(WM_NCDESTROY) == 0);
-}
 
-TEST_CASE_FIXTURE(ConfigWindow,
-                  "the end of the configuration window itself is forwarded and unhooks nothing") {
     Send(WM_NCDESTROY, 0, 0);
     CHECK(window.Count(WM_NCDESTROY) == 1);
-    CHECK(hook.calls == Calls{"GetProp OldWndProc", "CallWindowProc 130"});
+    CHECK(hook.calls == Forwarding(WM_NCDESTROY));
     CHECK(window.Procedure() == HookProcedure());
 }
 

@@ -1,10 +1,5 @@
 #include <doctest.h>
 
-#include <windows.h>
-#include <shellapi.h>
-
-#include <string>
-
 #include "tests/tray_icon/shell_calls.h"
 #include "tray/notify_icon_record.h"
 
@@ -12,13 +7,6 @@ namespace {
 
 std::string BytesOf(const NotifyIconRecord& record) {
     return std::string(reinterpret_cast<const char*>(&record), sizeof(record));
-}
-
-char behindRecord = 'x';
-
-BOOL WINAPI LookBehindRecord(DWORD, NOTIFYICONDATAA* data) {
-    behindRecord = reinterpret_cast<const char*>(data)[sizeof(NotifyIconRecord)];
-    return TRUE;
 }
 
 }  // namespace
@@ -61,7 +49,12 @@ TEST_CASE("a tip is an ANSI text, its terminator and blanks, cut at 64 character
 }
 
 TEST_CASE("a shell that looks for the end of a tip without a terminator finds it behind the record") {
-    const ImportPatch patch("shell32.dll", "Shell_NotifyIconA", &LookBehindRecord);
+    char behindRecord = 'x';
+    const ImportFake<"Shell_NotifyIconA", decltype(&Shell_NotifyIconA)> shell{
+        "shell32.dll", [&](DWORD, NOTIFYICONDATAA* data) {
+            behindRecord = reinterpret_cast<const char*>(data)[sizeof(NotifyIconRecord)];
+            return TRUE;
+        }};
     NotifyShell(NIM_ADD, MakeNotifyIconRecord(nullptr, 0, nullptr, std::wstring(64, L'x')));
     CHECK(behindRecord == '\0');
 }

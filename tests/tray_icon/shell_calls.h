@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 struct ShellCall {
     DWORD action;
@@ -25,24 +25,16 @@ struct ShellCall {
     DWORD Icon() const { return Number(20); }
 };
 
-// One at a time.
-class ShellCalls {
-public:
-    ShellCalls() { s_current = this; }
-    ~ShellCalls() { s_current = nullptr; }
-
+struct ShellCalls {
     // What the shell returns; TRUE where nothing is set.
     std::function<BOOL(DWORD action)> result;
 
     std::vector<ShellCall> calls;
 
-private:
-    static BOOL WINAPI Fake(DWORD action, NOTIFYICONDATAA* data) {
-        s_current->calls.push_back(
-            {action, std::string(reinterpret_cast<const char*>(data), data->cbSize), GetTickCount()});
-        return s_current->result ? s_current->result(action) : TRUE;
-    }
-
-    static inline ShellCalls* s_current = nullptr;
-    const ImportPatch m_patch{"shell32.dll", "Shell_NotifyIconA", &Fake};
+    const ImportFake<"Shell_NotifyIconA", decltype(&Shell_NotifyIconA)> fake{
+        "shell32.dll", [this](DWORD action, NOTIFYICONDATAA* data) {
+            const std::string record(reinterpret_cast<const char*>(data), data->cbSize);
+            calls.push_back({action, record, GetTickCount()});
+            return result ? result(action) : TRUE;
+        }};
 };

@@ -3,16 +3,13 @@
 
 #include <windows.h>
 
+#include <utility>
 #include <vector>
 
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
-// One at a time.
 class TimerCalls {
 public:
-    TimerCalls() { s_current = this; }
-    ~TimerCalls() { s_current = nullptr; }
-
     std::vector<UINT> periods;
 
     // Whether a timer that was set still runs; it does not any more afterwards.
@@ -25,18 +22,11 @@ public:
     }
 
 private:
-    struct Set {
-        HWND hwnd;
-        UINT_PTR id;
-    };
-
-    static UINT_PTR WINAPI Fake(HWND hwnd, UINT_PTR id, UINT period, TIMERPROC procedure) {
-        s_current->periods.push_back(period);
-        s_current->m_timers.push_back({hwnd, id});
-        return s_current->m_patch.Original<decltype(&Fake)>()(hwnd, id, 10, procedure);
-    }
-
-    static inline TimerCalls* s_current = nullptr;
-    std::vector<Set> m_timers;
-    const ImportPatch m_patch{"user32.dll", "SetTimer", &Fake};
+    std::vector<std::pair<HWND, UINT_PTR>> m_timers;
+    const ImportFake<"SetTimer", decltype(&SetTimer)> m_set{
+        "user32.dll", [this](HWND hwnd, UINT_PTR id, UINT period, TIMERPROC procedure) {
+            periods.push_back(period);
+            m_timers.emplace_back(hwnd, id);
+            return m_set.Original(hwnd, id, 10, procedure);
+        }};
 };

@@ -1,6 +1,7 @@
 // An icon object on a window, with the shell's calls kept and pictures that can be told apart.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -53,6 +54,12 @@ struct TrayIconFixture {
 
     bool Asked(size_t calls) {
         return PumpUntil([&] { return shell.calls.size() >= calls; });
+    }
+
+    // Whether nobody else holds a frame any longer.
+    bool HasFramesAlone() const {
+        return std::all_of(frames.begin(), frames.end(),
+                           [](const auto& frame) { return frame->References() == 1; });
     }
 
     // What the shell was asked, from a call on: "add rest, 0, 1, 2, delete, add rest", with the frames'
