@@ -8,47 +8,38 @@
 
 #include "platform/automation_error.h"
 #include "platform/com/counted_object.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 namespace {
 
 constexpr CLSID kClass = {0x3d2e1f00, 0x3333, 0x4444, {0x85, 0x55, 0x66, 0x66, 0x77, 0x77, 0x88, 0x88}};
 
-struct Registered {
+class Made final : public CountedObject<IUnknown> {};
+
+// A registration, of which the class object stays with the test.
+struct Offered {
+    explicit Offered(ObjectMaker maker) { const ClassRegistration registration(kClass, std::move(maker)); }
+
     CLSID id{};
     ComPtr<IClassFactory> classObject;
     DWORD context = 0;
     DWORD flags = 0;
     DWORD revoked = 0;
-};
 
-Registered* g_registered = nullptr;
-
-HRESULT WINAPI Register(REFCLSID id, IUnknown* classObject, DWORD context, DWORD flags, DWORD* cookie) {
-    g_registered->id = id;
-    g_registered->context = context;
-    g_registered->flags = flags;
-    *cookie = 4711;
-    return classObject->QueryInterface(IID_PPV_ARGS(&g_registered->classObject));
-}
-
-HRESULT WINAPI Revoke(DWORD cookie) {
-    g_registered->revoked = cookie;
-    return S_OK;
-}
-
-class Made final : public CountedObject<IUnknown> {};
-
-// A registration, of which the class object stays with the test.
-struct Offered {
-    explicit Offered(ObjectMaker maker) {
-        g_registered = &registered;
-        const ClassRegistration registration(kClass, std::move(maker));
-    }
-
-    Registered registered;
-    const ImportPatch registers{"ole32.dll", "CoRegisterClassObject", &Register};
-    const ImportPatch revokes{"ole32.dll", "CoRevokeClassObject", &Revoke};
+    const ImportFake<"CoRegisterClassObject", decltype(&CoRegisterClassObject)> registers{
+        "ole32.dll",
+        [this](REFCLSID itsId, IUnknown* object, DWORD itsContext, DWORD itsFlags, DWORD* cookie) {
+            id = itsId;
+            context = itsContext;
+            flags = itsFlags;
+            *cookie = 4711;
+            return object->QueryInterface(IID_PPV_ARGS(&classObject));
+        }};
+    const ImportFake<"CoRevokeClassObject", decltype(&CoRevokeClassObject)> revokes{"ole32.dll",
+                                                                                    [this](DWORD cookie) {
+                                                                                        revoked = cookie;
+                                                                                        return S_OK;
+                                                                                    }};
 };
 
 // The process's locks, counted.
@@ -60,17 +51,16 @@ ULONG Locks() {
 }  // namespace
 
 TEST_CASE("a class is offered to other processes, suspended, for many clients, until its registration ends") {
-    const Offered offered([](REFIID, void**) { return S_OK; });
-    CHECK(IsEqualGUID(offered.registered.id, kClass));
-    CHECK(offered.registered.context == CLSCTX_LOCAL_SERVER);
-    CHECK(offered.registered.flags == (REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED));
-    CHECK(offered.registered.revoked == 4711);
+    Offered offered([](REFIID, void**) { return S_OK; });
+    CHECK(IsEqualGUID(offered.id, kClass));
+    CHECK(offered.context == CLSCTX_LOCAL_SERVER);
+    CHECK(offered.flags == (REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED));
+    CHECK(offered.revoked == 4711);
 }
 
 TEST_CASE("a class object makes what is asked for, within no other object") {
-    const Offered offered(
-        [](REFIID id, void** object) { return MakeObject<Made>()->QueryInterface(id, object); });
-    IClassFactory* const classObject = offered.registered.classObject.Get();
+    Offered offered([](REFIID id, void** object) { return MakeObject<Made>()->QueryInterface(id, object); });
+    IClassFactory* const classObject = offered.classObject.Get();
     CHECK(classObject->CreateInstance(nullptr, IID_IUnknown, nullptr) == E_POINTER);
     CHECK(classObject->QueryInterface(IID_IUnknown, nullptr) == E_POINTER);
     ComPtr<IDispatch> dispatch;
@@ -88,11 +78,9 @@ TEST_CASE("a class object makes what is asked for, within no other object") {
 
 TEST_CASE("an object that cannot be made is an error to the client, whichever way that comes out") {
     HRESULT (*fail)() = nullptr;
-    const Offered offered([&](REFIID, void**) { return fail(); });
+    Offered offered([&](REFIID, void**) { return fail(); });
     ComPtr<IUnknown> made;
-    const auto result = [&] {
-        return offered.registered.classObject->CreateInstance(nullptr, IID_PPV_ARGS(&made));
-    };
+    const auto result = [&] { return offered.classObject->CreateInstance(nullptr, IID_PPV_ARGS(&made)); };
     fail = [] { return E_ACCESSDENIED; };
     CHECK(result() == E_ACCESSDENIED);
     fail = []() -> HRESULT { throw std::bad_alloc(); };
@@ -102,15 +90,15 @@ TEST_CASE("an object that cannot be made is an error to the client, whichever wa
 }
 
 TEST_CASE("a client's lock of the class object keeps the process until it is taken back") {
-    const Offered offered([](REFIID, void**) { return S_OK; });
+    Offered offered([](REFIID, void**) { return S_OK; });
     // The test's own, or the last unlock would end its message loop.
     CoAddRefServerProcess();
     const ULONG before = Locks();
-    CHECK(offered.registered.classObject->LockServer(TRUE) == S_OK);
-    CHECK(offered.registered.classObject->LockServer(TRUE) == S_OK);
+    CHECK(offered.classObject->LockServer(TRUE) == S_OK);
+    CHECK(offered.classObject->LockServer(TRUE) == S_OK);
     CHECK(Locks() == before + 2);
-    CHECK(offered.registered.classObject->LockServer(FALSE) == S_OK);
-    CHECK(offered.registered.classObject->LockServer(FALSE) == S_OK);
+    CHECK(offered.classObject->LockServer(FALSE) == S_OK);
+    CHECK(offered.classObject->LockServer(FALSE) == S_OK);
     CHECK(Locks() == before);
     CoReleaseServerProcess();
 }

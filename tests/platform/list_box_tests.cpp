@@ -6,8 +6,9 @@
 
 #include <string>
 
+#include "platform/clipboard.h"
 #include "tests/support/error_of.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_window.h"
 
@@ -51,16 +52,6 @@ LRESULT CALLBACK Count(int code, WPARAM wParam, LPARAM lParam) {
 }
 
 constexpr wchar_t kCopy = 3;  // what Ctrl+C types
-
-void SetClipboard(HWND owner, const std::wstring& text) {
-    REQUIRE(OpenClipboard(owner));
-    EmptyClipboard();
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t));
-    lstrcpyW(static_cast<wchar_t*>(GlobalLock(memory)), text.c_str());
-    GlobalUnlock(memory);
-    SetClipboardData(CF_UNICODETEXT, memory);
-    CloseClipboard();
-}
 
 std::wstring Clipboard(HWND owner) {
     REQUIRE(OpenClipboard(owner));
@@ -144,7 +135,7 @@ TEST_CASE_FIXTURE(ListPage, "Ctrl+C, and no other key, copies the selected row a
     const std::wstring text = L"http://\x43f\x440\x438\x43c\x435\x440.example/\x4e00";
     list.AddItem(L"other");
     list.AddItem(text);
-    SetClipboard(window.Hwnd(), L"before");
+    CopyToClipboard(window.Hwnd(), L"before");
     Key(kCopy);
     CHECK(Clipboard(window.Hwnd()) == L"before");
     list.ListIndex(1);
@@ -158,15 +149,13 @@ TEST_CASE_FIXTURE(ListPage, "Ctrl+C, and no other key, copies the selected row a
 TEST_CASE_FIXTURE(ListPage, "a clipboard that another program holds stays as it is") {
     list.AddItem(L"row");
     list.ListIndex(0);
-    SetClipboard(window.Hwnd(), L"before");
-    static bool isEmptied = false;
-    struct Held {
-        static BOOL WINAPI RefuseToOpen(HWND) { return FALSE; }
-        static BOOL WINAPI NoteEmptying() { return isEmptied = true; }
-    };
+    CopyToClipboard(window.Hwnd(), L"before");
+    bool isEmptied = false;
     {
-        const ImportPatch held("user32.dll", "OpenClipboard", &Held::RefuseToOpen);
-        const ImportPatch emptied("user32.dll", "EmptyClipboard", &Held::NoteEmptying);
+        const ImportFake<"OpenClipboard", decltype(&OpenClipboard)> held{"user32.dll",
+                                                                         [](HWND) { return FALSE; }};
+        const ImportFake<"EmptyClipboard", decltype(&EmptyClipboard)> emptied{
+            "user32.dll", [&] { return isEmptied = true; }};
         Key(kCopy);
     }
     CHECK_FALSE(isEmptied);

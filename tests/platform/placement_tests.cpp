@@ -3,19 +3,11 @@
 
 #include <windows.h>
 
+#include <string>
+
 #include "platform/controls/placement.h"
 
 namespace {
-
-constexpr LONG kDialogWidth = 200;
-constexpr LONG kDialogHeight = 120;
-
-RECT WorkArea() {
-    MONITORINFO monitor{};
-    monitor.cbSize = sizeof(monitor);
-    GetMonitorInfoW(MonitorFromPoint({}, MONITOR_DEFAULTTOPRIMARY), &monitor);
-    return monitor.rcWork;
-}
 
 // A hidden window without a frame: it gets exactly the place that it asks for.
 struct Window {
@@ -30,40 +22,42 @@ struct Window {
     const HWND hwnd;
 };
 
-// Where a dialog lands whose owner has these bounds.
-RECT Centred(RECT ownerBounds, LONG width = kDialogWidth, LONG height = kDialogHeight) {
-    const Window owner(ownerBounds, nullptr);
-    const Window dialog({0, 0, width, height}, owner.hwnd);
-    CentreOnOwner(dialog.hwnd);
-    RECT bounds{};
-    GetWindowRect(dialog.hwnd, &bounds);
-    CHECK(bounds.right - bounds.left == width);
-    CHECK(bounds.bottom - bounds.top == height);
-    return bounds;
-}
-
 }  // namespace
 
-TEST_CASE("a dialog stands in the middle of its owner") {
-    const RECT bounds = Centred({300, 200, 700, 500});
-    CHECK(bounds.left == 400);
-    CHECK(bounds.top == 290);
-}
-
-TEST_CASE("a dialog stays on the screen where its owner stands at an edge") {
-    const RECT work = WorkArea();
-    const LONG middleX = (work.left + work.right) / 2;
-    const LONG middleY = (work.top + work.bottom) / 2;
-    CHECK(Centred({work.left, middleY - 20, work.left + 40, middleY + 20}).left == work.left);
-    CHECK(Centred({work.right - 40, middleY - 20, work.right, middleY + 20}).right == work.right);
-    CHECK(Centred({middleX - 20, work.top, middleX + 20, work.top + 40}).top == work.top);
-    CHECK(Centred({middleX - 20, work.bottom - 40, middleX + 20, work.bottom}).bottom == work.bottom);
-}
-
-TEST_CASE("a dialog larger than the screen shows its upper left corner") {
-    const RECT work = WorkArea();
-    const RECT bounds =
-        Centred({300, 200, 400, 300}, work.right - work.left + 50, work.bottom - work.top + 50);
-    CHECK(bounds.left == work.left);
-    CHECK(bounds.top == work.top);
+TEST_CASE("a dialog stands in the middle of its owner, but on the screen, or shows its upper left corner") {
+    MONITORINFO monitor{};
+    monitor.cbSize = sizeof(monitor);
+    GetMonitorInfoW(MonitorFromPoint({}, MONITOR_DEFAULTTOPRIMARY), &monitor);
+    const RECT work = monitor.rcWork;
+    const LONG x = (work.left + work.right) / 2;
+    const LONG y = (work.top + work.bottom) / 2;
+    const SIZE tooLarge{work.right - work.left + 50, work.bottom - work.top + 50};
+    struct Row {
+        std::string what;
+        RECT owner;
+        LONG RECT::*edge;  // of the dialog
+        LONG place;
+        SIZE size{200, 120};
+    };
+    const Row rows[] = {
+        {"across the middle", {300, 200, 700, 500}, &RECT::left, 400},
+        {"down the middle", {300, 200, 700, 500}, &RECT::top, 290},
+        {"the left edge", {work.left, y - 20, work.left + 40, y + 20}, &RECT::left, work.left},
+        {"the right edge", {work.right - 40, y - 20, work.right, y + 20}, &RECT::right, work.right},
+        {"the upper edge", {x - 20, work.top, x + 20, work.top + 40}, &RECT::top, work.top},
+        {"the lower edge", {x - 20, work.bottom - 40, x + 20, work.bottom}, &RECT::bottom, work.bottom},
+        {"too wide", {300, 200, 400, 300}, &RECT::left, work.left, tooLarge},
+        {"too high", {300, 200, 400, 300}, &RECT::top, work.top, tooLarge},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.what);
+        const Window owner(row.owner, nullptr);
+        const Window dialog({0, 0, row.size.cx, row.size.cy}, owner.hwnd);
+        CentreOnOwner(dialog.hwnd);
+        RECT bounds{};
+        GetWindowRect(dialog.hwnd, &bounds);
+        CHECK(bounds.*row.edge == row.place);
+        CHECK(bounds.right - bounds.left == row.size.cx);
+        CHECK(bounds.bottom - bounds.top == row.size.cy);
+    }
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/text.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 namespace {
 
@@ -18,29 +18,18 @@ struct Load {
 };
 
 // A Windows that refuses the search flag, or has no library at all.
-class Loader {
-public:
-    explicit Loader(DWORD error) : m_error(error) { s_current = this; }
-    Loader(const Loader&) = delete;
-    Loader& operator=(const Loader&) = delete;
-    ~Loader() { s_current = nullptr; }
+struct Loader {
+    const DWORD error;
+    std::vector<Load> loads{};
 
-    std::vector<Load> loads;
-
-private:
-    static HMODULE WINAPI Replacement(LPCWSTR name, HANDLE file, DWORD flags) {
-        s_current->loads.push_back({name, flags});
-        if (s_current->m_error != ERROR_INVALID_PARAMETER || (flags & LOAD_LIBRARY_SEARCH_SYSTEM32) != 0) {
-            SetLastError(s_current->m_error);
+    const ImportFake<"LoadLibraryExW", decltype(&LoadLibraryExW)> load{
+        "kernel32.dll", [this](LPCWSTR name, HANDLE file, DWORD flags) -> HMODULE {
+            loads.push_back({name, flags});
+            if (error == ERROR_INVALID_PARAMETER && (flags & LOAD_LIBRARY_SEARCH_SYSTEM32) == 0)
+                return load.Original(name, file, flags);
+            SetLastError(error);
             return nullptr;
-        }
-        return s_current->m_patch.Original<decltype(&LoadLibraryExW)>()(name, file, flags);
-    }
-
-    static inline Loader* s_current = nullptr;
-
-    const DWORD m_error;
-    const ImportPatch m_patch{"kernel32.dll", "LoadLibraryExW", &Replacement};
+        }};
 };
 
 std::wstring SystemPath(const wchar_t* name) {
@@ -62,7 +51,7 @@ TEST_CASE("a library comes from the system's folder") {
 }
 
 TEST_CASE("where Windows 7 does not know the search flag, the library is loaded by its full path") {
-    const Loader windows7(ERROR_INVALID_PARAMETER);
+    Loader windows7{ERROR_INVALID_PARAMETER};
     const HMODULE library = LoadSystemLibrary(L"winmm.dll");
     CHECK(windows7.loads == std::vector<Load>{{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32},
                                               {SystemPath(L"winmm.dll"), LOAD_WITH_ALTERED_SEARCH_PATH}});
@@ -70,7 +59,7 @@ TEST_CASE("where Windows 7 does not know the search flag, the library is loaded 
 }
 
 TEST_CASE("a library that is missing is not looked for anywhere else") {
-    const Loader bare(ERROR_MOD_NOT_FOUND);
+    Loader bare{ERROR_MOD_NOT_FOUND};
     CHECK(LoadSystemLibrary(L"winmm.dll") == nullptr);
     CHECK(bare.loads.size() == 1);
 }

@@ -7,28 +7,22 @@
 #include <windows.h>
 
 #include "store/server_directory.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 using namespace std::string_literals;
 
 namespace {
 
-std::wstring g_path;
+struct ServerAt {
+    std::wstring path;
 
-DWORD WINAPI PathOf(HMODULE, LPWSTR path, DWORD size) {
-    // As Windows does it: what does not fit is cut, and the result is then the whole buffer.
-    const size_t length = g_path.copy(path, size);
-    if (length == size) return size;
-    path[length] = L'\0';
-    return static_cast<DWORD>(length);
-}
-
-class ServerAt {
-public:
-    explicit ServerAt(std::wstring path) { g_path = std::move(path); }
-
-private:
-    ImportPatch m_patch{"kernel32.dll", "GetModuleFileNameW", &PathOf};
+    const ImportFake<"GetModuleFileNameW", decltype(&GetModuleFileNameW)> fake{
+        "kernel32.dll", [this](HMODULE, LPWSTR buffer, DWORD size) {
+            // As Windows does it: what does not fit is cut, and the result is then the whole buffer.
+            const auto length = static_cast<DWORD>(path.copy(buffer, size));
+            if (length < size) buffer[length] = L'\0';
+            return length;
+        }};
 };
 
 }  // namespace
@@ -59,29 +53,22 @@ TEST_CASE("upper case goes character by character and keeps the length") {
     CHECK(UpperCase(L"").empty());
     CHECK(UpperCase(L"http://Example.com/a1") == L"HTTP://EXAMPLE.COM/A1");
     CHECK(UpperCase(L"\x00e9\x00e4\x0436") == L"\x00c9\x00c4\x0416");
-    CHECK(UpperCase(L"stra\x00df"
-                    L"e") ==
-          L"STRA\x00df"
-          L"E");
+    CHECK(UpperCase(L"stra\u00dfe") == L"STRA\u00dfE");
     CHECK(UpperCase(L"a\0b"s) == L"A\0B"s);
 }
 
 TEST_CASE("the directory has no separator at its end, except where it is a drive's root") {
-    struct Row {
-        const wchar_t* path;
-        const wchar_t* directory;
-    };
-    const Row rows[] = {
+    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
         {L"C:\\Program Files\\Calvane\\server.exe", L"C:\\Program Files\\Calvane"},
         {L"C:\\Calvane\\server.exe", L"C:\\Calvane"},
         {L"C:\\server.exe", L"C:\\"},
         {L"Z:\\server.exe", L"Z:\\"},
         {L"\\\\host\\share\\server.exe", L"\\\\host\\share"},
     };
-    for (const Row& row : rows) {
-        const ServerAt server(row.path);
-        CHECK(ExecutablePath() == row.path);
-        CHECK(ServerDirectory() == row.directory);
+    for (const auto& [path, directory] : rows) {
+        const ServerAt server{path};
+        CHECK(ExecutablePath() == path);
+        CHECK(ServerDirectory() == directory);
     }
 }
 
@@ -89,7 +76,7 @@ TEST_CASE("paths longer than MAX_PATH are returned whole") {
     for (const size_t length : {MAX_PATH - 1, MAX_PATH, MAX_PATH + 1, 2 * MAX_PATH, 3000}) {
         CAPTURE(length);
         const std::wstring directory = L"C:\\" + std::wstring(length - 3 - 2, L'd');
-        const ServerAt server(directory + L"\\s");
+        const ServerAt server{directory + L"\\s"};
         CHECK(ExecutablePath() == directory + L"\\s");
         CHECK(ExecutablePath().size() == length);
         CHECK(ServerDirectory() == directory);

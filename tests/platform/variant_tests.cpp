@@ -6,8 +6,10 @@
 #include <utility>
 
 #include "platform/automation_error.h"
-#include "platform/text.h"
+#include "platform/com/com_ptr.h"
 #include "tests/support/error_of.h"
+#include "tests/support/shown_text.h"
+#include "tests/tray_icon/fake_picture_box.h"
 
 using namespace std::string_literals;
 
@@ -16,19 +18,21 @@ namespace {
 constexpr auto kTypeMismatch = static_cast<HRESULT>(0x800A000D);
 constexpr auto kOverflow = static_cast<HRESULT>(0x800A0006);
 
-// The user's separators, since conversions follow the user's locale.
 std::wstring Locale(LCTYPE what) {
     wchar_t text[8] = {};
     GetLocaleInfoW(LOCALE_USER_DEFAULT, what, text, 8);
     return text;
 }
 
-// "1.5" as the user writes it.
-std::wstring Local(std::wstring text) {
-    for (size_t at = text.find(L'.'); at != std::wstring::npos; at = text.find(L'.', at + 1)) {
-        text.replace(at, 1, Locale(LOCALE_SDECIMAL));
+// "1,000.5" as the user writes it: conversions follow the user's locale.
+std::wstring Local(const std::wstring& text) {
+    std::wstring local;
+    for (const wchar_t each : text) {
+        local += each == L'.'   ? Locale(LOCALE_SDECIMAL)
+                 : each == L',' ? Locale(LOCALE_STHOUSAND)
+                                : std::wstring(1, each);
     }
-    return text;
+    return local;
 }
 
 Variant Real(double number) {
@@ -44,27 +48,6 @@ Variant Nothing(VARTYPE type) {
     value.Receive()->vt = type;
     return value;
 }
-
-// Counts its references.
-class Counted final : public IDispatch {
-public:
-    ULONG references = 1;
-
-    STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
-        *object = iid == IID_IUnknown || iid == IID_IDispatch ? this : nullptr;
-        if (*object == nullptr) return E_NOINTERFACE;
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-    STDMETHODIMP_(ULONG) Release() override { return --references; }
-    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
-    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
-    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, UINT*) override {
-        return E_NOTIMPL;
-    }
-};
 
 }  // namespace
 
@@ -90,13 +73,30 @@ TEST_CASE("halves round to the even number, from text and from real numbers") {
     }
 }
 
-TEST_CASE("what is no number raises a type mismatch, error 13") {
-    for (const wchar_t* const text : {L"", L"abc", L"12abc", L"1 2", L"--1", L"True and False"}) {
-        const Variant value(text);
+TEST_CASE("text is a number with sign, digits, separators and exponent, and blanks around it") {
+    const std::pair<const wchar_t*, double> rows[] = {
+        {L"0", 0},     {L"1", 1},       {L"007", 7},     {L"-1", -1},         {L"+1", 1},
+        {L"1.5", 1.5}, {L".5", 0.5},    {L"5.", 5},      {L"-.5", -0.5},      {L"1.25", 1.25},
+        {L"1e5", 1e5}, {L"1E-5", 1E-5}, {L"1E+5", 1E+5}, {L"-1.5e3", -1.5e3}, {L"99999999999", 99999999999},
+        {L" 5", 5},    {L"5 ", 5},      {L"  42 ", 42},  {L"1,000", 1000},    {L"12,345", 12345},
+    };
+    for (const auto& [text, number] : rows) {
+        CAPTURE(std::wstring(text));
+        CHECK(IsNumeric(Local(text)));
+        CHECK(ToDouble(Variant(Local(text))) == doctest::Approx(number));
+    }
+}
+
+TEST_CASE("what is no number is not numeric and raises a type mismatch, error 13") {
+    for (const wchar_t* const text : {L"", L" ", L"abc", L"12abc", L"px12", L"1 2", L"--1", L"1.5.5", L"e5",
+                                      L".", L"-", L"1,5e", L"0x1G", L"\x2460", L"True and False", L"True"}) {
+        CAPTURE(std::wstring(text));
+        const Variant value(Local(text));
+        CHECK_FALSE(IsNumeric(Local(text)));
         CHECK(ErrorOf([&] { ToLong(value); }) == kTypeMismatch);
         CHECK(ErrorOf([&] { ToShort(value); }) == kTypeMismatch);
         CHECK(ErrorOf([&] { ToDouble(value); }) == kTypeMismatch);
-        CHECK(ErrorOf([&] { ToBool(value); }) == kTypeMismatch);
+        CHECK(ErrorOf([&] { ToBool(value); }) == (text == L"True"s ? S_OK : kTypeMismatch));
     }
     CHECK(ErrorOf([] { ToLong(Nothing(VT_ERROR)); }) == kTypeMismatch);
     CHECK(ErrorOf([] { ToText(Nothing(VT_NULL)); }) == kTypeMismatch);
@@ -113,15 +113,7 @@ TEST_CASE("a number too large for its type raises an overflow, error 6") {
     CHECK(ToShort(Variant(L"-32768")) == -32768);
     for (const Variant& value : {Variant(L"32768"), Variant(-32769L), Variant(40000L)})
         CHECK(ErrorOf([&] { ToShort(value); }) == kOverflow);
-}
-
-TEST_CASE("text is read as a number around blanks, with sign, separators and exponent") {
-    CHECK(ToLong(Variant(L"  42 ")) == 42);
-    CHECK(ToLong(Variant(L"+7")) == 7);
-    CHECK(ToLong(Variant(L"1e3")) == 1000);
-    CHECK(ToLong(Variant(L"1" + Locale(LOCALE_STHOUSAND) + L"000")) == 1000);
-    CHECK(ToDouble(Variant(Local(L"1.25"))) == 1.25);
-    CHECK(ToDouble(Variant(Local(L"-.5"))) == -0.5);
+    CHECK_FALSE(IsNumeric(L"1e400"));
 }
 
 TEST_CASE("a Boolean is the text True or False, and text and numbers become Booleans") {
@@ -131,9 +123,8 @@ TEST_CASE("a Boolean is the text True or False, and text and numbers become Bool
     CHECK(ToLong(Variant(false)) == 0);
     CHECK(Variant(true).Value().boolVal == VARIANT_TRUE);
 
-    for (const wchar_t* const text : {L"True", L"true", L"TRUE", L"-1", L"1", L"5"}) {
+    for (const wchar_t* const text : {L"True", L"true", L"TRUE", L"-1", L"1", L"5"})
         CHECK(ToBool(Variant(text)));
-    }
     for (const wchar_t* const text : {L"False", L"false", L"FALSE", L"0"})
         CHECK_FALSE(ToBool(Variant(text)));
     CHECK(ToBool(Variant(2L)));
@@ -141,16 +132,17 @@ TEST_CASE("a Boolean is the text True or False, and text and numbers become Bool
 }
 
 TEST_CASE("numbers are written with the user's decimal separator and no more digits than they need") {
-    CHECK(TextOf(2.5) == Local(L"2.5"));
-    CHECK(TextOf(0.001) == Local(L"0.001"));
-    CHECK(TextOf(5.0) == L"5");
-    CHECK(TextOf(-30.0) == L"-30");
-    CHECK(TextOf(5000L) == L"5000");
-    CHECK(TextOf(-1L) == L"-1");
-    CHECK(TextOf(0L) == L"0");
-    CHECK(ToText(Variant(5000L)) == L"5000");
+    const std::pair<double, const wchar_t*> rows[] = {
+        {2.5, L"2.5"}, {1.5, L"1.5"}, {0.001, L"0.001"}, {5.0, L"5"}, {-30.0, L"-30"}};
+    for (const auto& [number, text] : rows) {
+        CHECK(TextOf(number) == Local(text));
+        CHECK(ToText(Real(number)) == Local(text));
+    }
+    for (const long number : {5000L, -1L, 0L}) {
+        CHECK(TextOf(number) == std::to_wstring(number));
+        CHECK(ToText(Variant(number)) == std::to_wstring(number));
+    }
     CHECK(ToText(Variant(static_cast<short>(-3))) == L"-3");
-    CHECK(ToText(Real(1.5)) == Local(L"1.5"));
 }
 
 TEST_CASE("an empty value is no text, 0 and False") {
@@ -158,21 +150,6 @@ TEST_CASE("an empty value is no text, 0 and False") {
     CHECK(ToText(Nothing(VT_BSTR)).empty());
     CHECK(ToLong(Variant()) == 0);
     CHECK_FALSE(ToBool(Variant()));
-}
-
-TEST_CASE("text is numeric with sign, digits, separators and exponent, and not otherwise") {
-    for (const wchar_t* const text : {L"0", L"1", L"007", L"-1", L"+1", L"1.5", L".5", L"5.", L"-1.5e10",
-                                      L"1e5", L"1E-5", L"1E+5", L" 5", L"5 ", L"99999999999999"}) {
-        CAPTURE(ToAnsi(text));
-        CHECK(IsNumeric(Local(text)));
-    }
-    CHECK(IsNumeric(L"12" + Locale(LOCALE_STHOUSAND) + L"345"));
-    for (const wchar_t* const text : {L"", L" ", L"abc", L"12px", L"px12", L"1 2", L"--1", L"1.5.5", L"e5",
-                                      L".", L"-", L"1,5e", L"0x1G", L"True", L"\x2460"}) {
-        CAPTURE(ToAnsi(text));
-        CHECK_FALSE(IsNumeric(Local(text)));
-    }
-    CHECK_FALSE(IsNumeric(L"1e400"));
 }
 
 TEST_CASE("text keeps its NULs and its length") {
@@ -197,24 +174,24 @@ TEST_CASE("copies are deep, moves leave nothing behind") {
 }
 
 TEST_CASE("an object is referred to once by each value that holds it") {
-    Counted object;
+    const auto object = MakeObject<FakePictureBox>(0);
     {
-        const Variant value(&object);
-        CHECK(object.references == 2);
+        const Variant value(object.Get());
+        CHECK(object->References() == 2);
         Variant copy(value);
-        CHECK(object.references == 3);
+        CHECK(object->References() == 3);
         const Variant moved(std::move(copy));
-        CHECK(object.references == 3);
-        Variant received(&object);
-        CHECK(object.references == 4);
+        CHECK(object->References() == 3);
+        Variant received(object.Get());
+        CHECK(object->References() == 4);
         received.Receive();
-        CHECK(object.references == 3);
+        CHECK(object->References() == 3);
     }
-    CHECK(object.references == 1);
+    CHECK(object->References() == 1);
 
-    VARIANT detached = Variant(&object).Detach();
-    CHECK(object.references == 2);
+    VARIANT detached = Variant(object.Get()).Detach();
+    CHECK(object->References() == 2);
     VariantClear(&detached);
-    CHECK(object.references == 1);
+    CHECK(object->References() == 1);
     CHECK(Variant(static_cast<IDispatch*>(nullptr)).Value().vt == VT_DISPATCH);
 }
