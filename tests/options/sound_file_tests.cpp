@@ -8,8 +8,10 @@
 
 #include "platform/controls/common_dialog.h"
 #include "platform/text.h"
+#include "tests/support/dialog_script.h"
 #include "tests/support/error_of.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
+#include "tests/support/other_process.h"
 #include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
@@ -31,50 +33,43 @@ Reply Chosen(const std::wstring& file) {
 }
 
 // Serves GetOpenFileNameW from a list and notes how it was asked.
-class ScriptedDialog {
-public:
+struct ScriptedDialog {
     struct Call {
         HWND owner;
         std::wstring title;
-        std::wstring filter;  // up to and with the empty string at its end
+        std::wstring filter;  // with the empty string at its end
         std::wstring file;
         DWORD capacity;
         DWORD flags;
     };
 
-    explicit ScriptedDialog(std::vector<Reply> replies) : m_replies(std::move(replies)) { s_current = this; }
-    ScriptedDialog(const ScriptedDialog&) = delete;
-    ScriptedDialog& operator=(const ScriptedDialog&) = delete;
+    const std::vector<Reply> replies;
+    std::vector<Call> calls{};
 
-    std::vector<Call> calls;
-
-private:
-    static BOOL WINAPI Open(LPOPENFILENAMEW dialog) {
-        std::wstring filter;
-        for (const wchar_t* part = dialog->lpstrFilter;; part += std::wcslen(part) + 1) {
-            filter.append(part).push_back(L'\0');
-            if (*part == L'\0') break;
-        }
-        s_current->calls.push_back({dialog->hwndOwner, dialog->lpstrTitle, filter, dialog->lpstrFile,
-                                    dialog->nMaxFile, dialog->Flags});
-        s_current->m_last = s_current->m_replies.at(s_current->calls.size() - 1);
-        if (s_current->m_last.chosen) lstrcpyW(dialog->lpstrFile, s_current->m_last.file.c_str());
-        return s_current->m_last.chosen;
-    }
-    static DWORD WINAPI ExtendedError() { return s_current->m_last.error; }
-
-    static inline ScriptedDialog* s_current = nullptr;
-    const std::vector<Reply> m_replies;
-    Reply m_last{};
-    const ImportPatch m_open{"comdlg32.dll", "GetOpenFileNameW", &Open};
-    const ImportPatch m_error{"comdlg32.dll", "CommDlgExtendedError", &ExtendedError};
+    const ImportFake<"GetOpenFileNameW", decltype(&GetOpenFileNameW)> open{
+        "comdlg32.dll", [this](LPOPENFILENAMEW dialog) {
+            const wchar_t* end = dialog->lpstrFilter;
+            while (*end != L'\0')
+                end += std::wcslen(end) + 1;
+            calls.push_back({dialog->hwndOwner,
+                             dialog->lpstrTitle,
+                             {dialog->lpstrFilter, end + 1},
+                             dialog->lpstrFile,
+                             dialog->nMaxFile,
+                             dialog->Flags});
+            const Reply& reply = replies.at(calls.size() - 1);
+            if (reply.chosen) lstrcpyW(dialog->lpstrFile, reply.file.c_str());
+            return BOOL{reply.chosen};
+        }};
+    const ImportFake<"CommDlgExtendedError", decltype(&CommDlgExtendedError)> extendedError{
+        "comdlg32.dll", [this] { return replies.at(calls.size() - 1).error; }};
 };
 
 }  // namespace
 
 TEST_CASE_FIXTURE(SettingsWindow, "the dialog is asked for a wave file, starting with the present one") {
     popupNotice.m_strSoundFile = L"C:\\Sounds\\old.wav";
-    ScriptedDialog dialog({Chosen(L"C:\\Sounds\\new.wav"), kCancelled});
+    ScriptedDialog dialog{{Chosen(L"C:\\Sounds\\new.wav"), kCancelled}};
     popupNotice.ChooseSoundFile();
     REQUIRE(dialog.calls.size() == 1);
     const ScriptedDialog::Call& call = dialog.calls[0];
@@ -91,7 +86,7 @@ TEST_CASE_FIXTURE(SettingsWindow, "the dialog is asked for a wave file, starting
 
 TEST_CASE("the start name and the path that is kept, for each way in which the dialog ends") {
     struct Row {
-        const char* meaning;
+        std::string meaning;
         std::wstring before;
         std::vector<Reply> replies;
         std::vector<std::wstring> starts;
@@ -121,7 +116,7 @@ TEST_CASE("the start name and the path that is kept, for each way in which the d
         CAPTURE(row.meaning);
         SettingsWindow page;
         page.popupNotice.m_strSoundFile = row.before;
-        ScriptedDialog dialog(row.replies);
+        ScriptedDialog dialog{row.replies};
         page.popupNotice.ChooseSoundFile();
         std::vector<std::wstring> starts;
         for (const ScriptedDialog::Call& call : dialog.calls)
@@ -156,7 +151,7 @@ TEST_CASE(
             SettingsWindow::Check(page.chkPlaySound, row.playSound);
             page.popupNotice.m_strSoundFile = row.before;
             page.cmdTestSound.Enabled(enabledBefore);
-            ScriptedDialog dialog({row.reply});
+            ScriptedDialog dialog{{row.reply}};
             SettingsWindow::Click(page.cmdSoundFile);
             CHECK(page.popupNotice.m_strSoundFile == (row.reply.chosen ? row.reply.file : row.before));
             CHECK(page.cmdTestSound.Enabled() == row.testEnabled);
@@ -165,39 +160,36 @@ TEST_CASE(
     }
 }
 
-namespace {
-
-// A name that no code page but Unicode holds whole.
-constexpr wchar_t kForeign[] = L"C:\\Sounds\\\x4e00\x44f\x3b1.wav";
-const wchar_t* g_shortPath = nullptr;
-
-// As on a volume with short names; without, where there is no g_shortPath; or of a file that is gone, where
-// it is empty.
-DWORD WINAPI FakeShortPath(LPCWSTR path, LPWSTR buffer, DWORD capacity) {
-    const std::wstring name = g_shortPath != nullptr ? g_shortPath : path;
-    if (name.empty()) SetLastError(ERROR_FILE_NOT_FOUND);
-    if (!name.empty() && capacity <= name.size()) return static_cast<DWORD>(name.size() + 1);
-    if (!name.empty()) lstrcpyW(buffer, name.c_str());
-    return static_cast<DWORD>(name.size());
-}
-
-}  // namespace
-
 TEST_CASE(
     "a sound whose path the code page cannot hold is chosen by its short path, unless that is no better") {
+    // A name that no code page but Unicode holds whole.
+    constexpr wchar_t kForeign[] = L"C:\\Sounds\\\x4e00\x44f\x3b1.wav";
     struct Row {
-        const wchar_t* chosen;
-        const wchar_t* shortPath;
-        const wchar_t* kept;
+        std::string what;
+        std::wstring chosen;
+        std::wstring shortPath;
+        std::wstring kept;
     };
-    const ImportPatch patch("kernel32.dll", "GetShortPathNameW", &FakeShortPath);
-    for (const Row& row : {Row{kForeign, L"C:\\Sounds\\5F3A~1.WAV", L"C:\\Sounds\\5F3A~1.WAV"},
-                           Row{L"C:\\a long name \xe9.wav", L"C:\\ALONGN~1.WAV", L"C:\\a long name \xe9.wav"},
-                           Row{kForeign, nullptr, kForeign}, Row{kForeign, L"", kForeign},
-                           Row{kForeign, L"C:\\\x4e00\\5F3A~1.WAV", kForeign}}) {
-        g_shortPath = row.shortPath;
+    for (const Row& row :
+         {Row{"better", kForeign, L"C:\\Sounds\\5F3A~1.WAV", L"C:\\Sounds\\5F3A~1.WAV"},
+          Row{"not needed", L"C:\\a long name \xe9.wav", L"C:\\ALONGN~1.WAV", L"C:\\a long name \xe9.wav"},
+          Row{"a volume without short names", kForeign, kForeign, kForeign},
+          Row{"a file that is gone", kForeign, L"", kForeign},
+          Row{"no better", kForeign, L"C:\\\x4e00\\5F3A~1.WAV", kForeign}}) {
+        CAPTURE(row.what);
+        const ImportFake<"GetShortPathNameW", decltype(&GetShortPathNameW)> volume{
+            "kernel32.dll", [&](LPCWSTR, LPWSTR buffer, DWORD capacity) {
+                const auto length = static_cast<DWORD>(row.shortPath.size());
+                if (length == 0) {
+                    SetLastError(ERROR_FILE_NOT_FOUND);
+                    return length;
+                }
+                if (length >= capacity) return length + 1;
+                lstrcpyW(buffer, row.shortPath.c_str());
+                return length;
+            }};
         SettingsWindow page;
-        ScriptedDialog dialog({Chosen(row.chosen)});
+        ScriptedDialog dialog{{Chosen(row.chosen)}};
         page.popupNotice.ChooseSoundFile();
         CHECK(page.popupNotice.m_strSoundFile == row.kept);
     }
@@ -207,7 +199,7 @@ TEST_CASE_FIXTURE(SettingsWindow,
                   "the short path of a chosen sound is stored, loaded and leads to the file") {
     const TestFolder folder;
     const std::wstring chosen = folder.Write(L"\x4e00\x44f\x3b1.wav", "RIFF");
-    ScriptedDialog dialog({Chosen(chosen)});
+    ScriptedDialog dialog{{Chosen(chosen)}};
     popupNotice.ChooseSoundFile();
     transfer.SaveSettings();
     transfer.LoadSettings();
@@ -225,36 +217,12 @@ TEST_CASE(
         dialog.Filter(L"Text|*.txt");
         dialog.DialogTitle(L"Title");
         if (cancelError) dialog.CancelError(true);
-        ScriptedDialog script({kCancelled, kFailed});
+        ScriptedDialog script{{kCancelled, kFailed}};
         CHECK((ErrorOf([&] { dialog.ShowOpen(nullptr); }) & 0xFFFF) == (cancelError ? 32755 : 0));
         CHECK(dialog.FileName() == L"kept.txt");
         CHECK_THROWS_AS(dialog.ShowOpen(nullptr), AutomationError);
     }
 }
-
-namespace {
-
-// Ends the dialog as soon as it is there; its file name box holds file by then, if any is given.
-struct DialogUser {
-    static void CALLBACK Use(HWND, UINT, UINT_PTR, DWORD) {
-        const HWND dialog = FindWindowW(L"#32770", L"Select a Sound File");
-        if (dialog == nullptr || s_user->seen) return;
-        HWND edit = GetDlgItem(dialog, 0x047c);  // cmb13, the file name of an Explorer-style dialog
-        if (edit == nullptr) edit = GetDlgItem(dialog, 0x0480);
-        if (edit == nullptr) return;
-        s_user->seen = true;
-        if (!s_user->file.empty())
-            SendMessageW(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(s_user->file.c_str()));
-        PostMessageW(dialog, WM_COMMAND, s_user->button, 0);
-    }
-
-    std::wstring file;
-    WORD button;
-    bool seen = false;
-    static inline DialogUser* s_user = nullptr;
-};
-
-}  // namespace
 
 TEST_CASE_FIXTURE(SettingsWindow,
                   "the system's own dialog opens, takes a choice, can be cancelled and keeps the folder") {
@@ -263,15 +231,24 @@ TEST_CASE_FIXTURE(SettingsWindow,
     wchar_t before[MAX_PATH];
     GetCurrentDirectoryW(MAX_PATH, before);
     popupNotice.m_strSoundFile = L"C:\\no such folder\\old.wav";
-    const UINT_PTR timer = SetTimer(nullptr, 0, 50, DialogUser::Use);
-    for (DialogUser person : {DialogUser{L"", IDCANCEL}, DialogUser{chosen, IDOK}}) {
-        DialogUser::s_user = &person;
-        const std::wstring expected = person.file.empty() ? popupNotice.m_strSoundFile : chosen;
+    {
+        const DialogScript cancels({[](HWND dialog) {
+            CHECK(ShownText(dialog) == L"Select a Sound File");
+            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+        }});
         popupNotice.ChooseSoundFile();
-        CHECK(person.seen);
-        CHECK(lstrcmpiW(popupNotice.m_strSoundFile.c_str(), expected.c_str()) == 0);
     }
-    KillTimer(nullptr, timer);
+    CHECK(popupNotice.m_strSoundFile == L"C:\\no such folder\\old.wav");
+    {
+        const DialogScript chooses({[&](HWND dialog) {
+            HWND name = GetDlgItem(dialog, 0x047c);  // cmb13, the file name of an Explorer-style dialog
+            if (name == nullptr) name = GetDlgItem(dialog, 0x0480);
+            SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(chosen.c_str()));
+            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+        }});
+        popupNotice.ChooseSoundFile();
+    }
+    CHECK(lstrcmpiW(popupNotice.m_strSoundFile.c_str(), chosen.c_str()) == 0);
     wchar_t after[MAX_PATH];
     GetCurrentDirectoryW(MAX_PATH, after);
     CHECK(std::wstring(after) == before);

@@ -21,33 +21,38 @@ struct Spin {
     int maximum;
 };
 
+struct Page : SettingsWindow {
+    Page() { ShowWindow(window.Hwnd(), SW_SHOW); }
+
+    const Spin spins[2]{{udbSpeed, txtSpeed, 1, 10}, {udbPause, txtPause, 1, 30}};
+};
+
+void Step(const Spin& spin, bool byKey, bool up) {
+    byKey ? PressKey(spin.box, up) : ClickArrow(spin.arrows.Hwnd(), up);
+}
+
 }  // namespace
 
-TEST_CASE("the arrows step by 1, by mouse and by key, and stop at the ends") {
-    SettingsWindow page;
-    ShowWindow(page.window.Hwnd(), SW_SHOW);
-    for (const Spin& spin :
-         {Spin{page.udbSpeed, page.txtSpeed, 1, 10}, Spin{page.udbPause, page.txtPause, 1, 30}}) {
+TEST_CASE_FIXTURE(Page, "the arrows step by 1, by mouse and by key, and stop at the ends") {
+    for (const Spin& spin : spins) {
         for (const bool byKey : {false, true}) {
             CAPTURE(std::wstring(spin.box.Name()));
             CAPTURE(byKey);
-            const auto step = [&](bool up) {
-                byKey ? PressKey(spin.box, up) : ClickArrow(spin.arrows.Hwnd(), up);
-            };
             spin.box.Text(std::to_wstring(spin.minimum));
             for (int value = spin.minimum; value <= spin.maximum + 2; ++value) {
                 CHECK(spin.box.Text() == std::to_wstring(std::min(value, spin.maximum)));
-                step(true);
+                Step(spin, byKey, true);
             }
             for (int value = spin.maximum; value >= spin.minimum - 2; --value) {
                 CHECK(spin.box.Text() == std::to_wstring(std::max(value, spin.minimum)));
-                step(false);
+                Step(spin, byKey, false);
             }
         }
     }
 }
 
-TEST_CASE(
+TEST_CASE_FIXTURE(
+    Page,
     "a step starts from what was typed, after letters or an empty box from the last one, and ends in the "
     "range") {
     struct Row {
@@ -61,77 +66,67 @@ TEST_CASE(
         {L"1e9", L"10", L"10"}, {L"99999999999", L"7", L"5"}, {L"", L"7", L"5"},    {L"fast", L"7", L"5"},
         {L" ", L"7", L"5"},
     };
-    SettingsWindow page;
-    ShowWindow(page.window.Hwnd(), SW_SHOW);
     for (const Row& row : rows) {
         CAPTURE(std::wstring(row.typed));
         for (const bool up : {true, false}) {
             // The last step ends at 6, which is where a text that is no number starts from.
-            page.txtSpeed.Text(L"5");
-            ClickArrow(page.udbSpeed.Hwnd(), true);
-            TypeInto(page.txtSpeed.Hwnd(), row.typed);
-            CHECK(page.txtSpeed.Text() == row.typed);
-            ClickArrow(page.udbSpeed.Hwnd(), up);
-            CHECK(page.txtSpeed.Text() == (up ? row.afterUp : row.afterDown));
+            txtSpeed.Text(L"5");
+            ClickArrow(udbSpeed.Hwnd(), true);
+            TypeInto(txtSpeed.Hwnd(), row.typed);
+            CHECK(txtSpeed.Text() == row.typed);
+            ClickArrow(udbSpeed.Hwnd(), up);
+            CHECK(txtSpeed.Text() == (up ? row.afterUp : row.afterDown));
         }
     }
 }
 
-TEST_CASE("after a load an emptied box goes on from the loaded value, and the load is no change") {
-    SettingsWindow page;
-    ShowWindow(page.window.Hwnd(), SW_SHOW);
+TEST_CASE_FIXTURE(Page,
+                  "after a load an emptied box goes on from the loaded value, and the load is no change") {
+    struct Row {
+        Spin spin;
+        const wchar_t* name;
+        const wchar_t* stored;
+        bool up;
+        const wchar_t* after;
+    };
+    // From beyond the range it goes on from the end of the range.
+    const Row rows[] = {{spins[1], L"txtPause", L"12000", true, L"13"},
+                        {spins[1], L"txtPause", L"12000", false, L"11"},
+                        {spins[1], L"txtPause", L"90000", false, L"29"},
+                        {spins[0], L"txtSpeed", L"1000", false, L"5"}};
     int changes = 0;
-    page.udbPause.Change = [&] { ++changes; };
-    page.udbSpeed.Change = [&] { ++changes; };
-    page.Store(L"txtPause", L"12000");
-    page.Store(L"txtSpeed", L"1000");
-    page.transfer.LoadSettings();
-    CHECK(changes == 0);
-    const long speed = ToLong(Variant(page.txtSpeed.Text()));
-    for (TextBox* const box : {&page.txtPause, &page.txtSpeed})
-        TypeInto(box->Hwnd(), L"");
-    ClickArrow(page.udbPause.Hwnd(), true);
-    CHECK(page.txtPause.Text() == L"13");
-    ClickArrow(page.udbSpeed.Hwnd(), false);
-    CHECK(page.txtSpeed.Text() == std::to_wstring(speed - 1));
-    CHECK(changes == 2);
-    // The next load counts as much as the first.
-    page.transfer.LoadSettings();
-    TypeInto(page.txtPause.Hwnd(), L"");
-    ClickArrow(page.udbPause.Hwnd(), false);
-    CHECK(page.txtPause.Text() == L"11");
-    // From beyond the range the end of the range.
-    page.Store(L"txtPause", L"90000");
-    page.transfer.LoadSettings();
-    CHECK(page.txtPause.Text() == L"90");
-    TypeInto(page.txtPause.Hwnd(), L"");
-    ClickArrow(page.udbPause.Hwnd(), false);
-    CHECK(page.txtPause.Text() == L"29");
+    udbPause.Change = udbSpeed.Change = [&] { ++changes; };
+    for (const Row& row : rows) {
+        CAPTURE(std::wstring(row.stored));
+        CAPTURE(row.up);
+        changes = 0;
+        Store(row.name, row.stored);
+        transfer.LoadSettings();
+        CHECK(changes == 0);
+        TypeInto(row.spin.box.Hwnd(), L"");
+        Step(row.spin, false, row.up);
+        CHECK(row.spin.box.Text() == row.after);
+        CHECK(changes == 1);
+    }
 }
 
-TEST_CASE("the pause takes no more than 3 typed characters") {
-    SettingsWindow page;
-    TypeInto(page.txtPause.Hwnd(), L"12345");
-    CHECK(page.txtPause.Text() == L"123");
+TEST_CASE_FIXTURE(Page, "the pause takes no more than 3 typed characters") {
+    TypeInto(txtPause.Hwnd(), L"12345");
+    CHECK(txtPause.Text() == L"123");
 }
 
 TEST_CASE("the arrows mark a change, typing does not, and neither does an arrow at its end") {
-    for (const bool speed : {true, false}) {
+    for (const size_t number : {0, 1}) {
         for (const bool byKey : {false, true}) {
-            CAPTURE(speed);
+            CAPTURE(number);
             CAPTURE(byKey);
-            SettingsWindow page;
-            ShowWindow(page.window.Hwnd(), SW_SHOW);
-            UpDown& spin = speed ? page.udbSpeed : page.udbPause;
-            TextBox& box = speed ? page.txtSpeed : page.txtPause;
-            const auto stepUp = [&] { byKey ? PressKey(box, true) : ClickArrow(spin.Hwnd(), true); };
-            TypeInto(box.Hwnd(), speed ? L"10" : L"30");
+            Page page;
+            const Spin& spin = page.spins[number];
+            TypeInto(spin.box.Hwnd(), std::to_wstring(spin.maximum));
+            Step(spin, byKey, true);
+            TypeInto(spin.box.Hwnd(), L"3");
             CHECK_FALSE(page.cmdApply.Enabled());
-            stepUp();
-            CHECK_FALSE(page.cmdApply.Enabled());
-            TypeInto(box.Hwnd(), L"3");
-            CHECK_FALSE(page.cmdApply.Enabled());
-            stepUp();
+            Step(spin, byKey, true);
             CHECK(page.cmdApply.Enabled());
         }
     }

@@ -183,38 +183,3 @@ TEST_CASE_FIXTURE(
     saveAs(optLoadFromMenu, L"Manual");
     CHECK(Run().empty());
 }
-
-TEST_CASE_FIXTURE(Page,
-                  "without a stored mode Manual is selected, and a save that changes nothing writes none") {
-    transfer.LoadSettings();
-    CHECK(Selected() == L"Manual");
-    CHECK(Remembered() == L"Manual");
-    transfer.SaveSettings();
-    CHECK_FALSE(HasStored(L"Startup"));
-}
-
-TEST_CASE_FIXTURE(Page, "after an unknown stored mode the next save writes the selected one") {
-    Store(L"Startup", L"Sometimes");
-    transfer.LoadSettings();
-    CHECK(Selected().empty());
-    CHECK(Remembered().empty());
-    transfer.SaveSettings();
-    CHECK(Stored(L"Startup") == L"Sometimes");
-    Click(optStartup);
-    transfer.SaveSettings();
-    CHECK(Stored(L"Startup") == L"Startup");
-    CHECK(Run() == loaderPath);
-}
-
-TEST_CASE_FIXTURE(Page,
-                  "a user without rights is not told, and later saves believe the Run value to be in place") {
-    Store(L"Startup", L"Manual");
-    transfer.LoadSettings();
-    Click(optStartup);
-    calls.Fail(kNoMachineRights);
-    calls.Watch([this] { generalOptions.WriteStartupMode(registry); });
-    CHECK(Stored(L"Startup") == L"Startup");
-    CHECK(Remembered() == L"Startup");
-    transfer.SaveSettings();
-    CHECK(Run().empty());
-}
