@@ -15,7 +15,7 @@ TEST_CASE_FIXTURE(BannerPage,
     for (const int width : {200, 300, 333, 1000}) {
         CAPTURE(width);
         SetWindowPos(lvwBanners.Hwnd(), nullptr, 0, 0, width, 100, SWP_NOMOVE | SWP_NOZORDER);
-        AddRow(L"a", L"1", L"2", false);
+        AddRow({L"a", L"1", L"2"}, false);
         SetupBannerColumns(lvwBanners);
         CHECK(lvwBanners.Count() == 0);
         for (const auto& [column, share] : {std::pair(0, 0.5), std::pair(1, 0.24), std::pair(2, 0.24)})
@@ -26,29 +26,24 @@ TEST_CASE_FIXTURE(BannerPage,
 }
 
 TEST_CASE_FIXTURE(
-    BannerPage, "added to the four defaults, 90 by 728 is the checked row User Banner 0, the next number 1") {
+    BannerPage,
+    "an added size is a checked row, named by the rows behind the four defaults, so that after a removal two "
+    "rows have one name") {
     AddSize(L"90", L"728");
-    REQUIRE(lvwBanners.Count() == 5);
     CHECK(Row(5) == L"User Banner 0|728|90|x");
     CHECK(changes == 1);
     AddSize(L"1", L"2");
     CHECK(Row(6) == L"User Banner 1|2|1|x");
-    CHECK(changes == 2);
     CHECK(Row(1) == L"Full Banner|468|60|x");
-}
-
-TEST_CASE_FIXTURE(BannerPage, "after deleting row 5 of 6 a second row is named User Banner 1") {
-    AddSize(L"1", L"1");
-    AddSize(L"2", L"2");
     lvwBanners.Select(5);
     changes = 0;
     Click(cmdRemoveSize);
     CHECK(lvwBanners.Count() == 5);
     CHECK(changes == 1);
-    CHECK(recorder.messages.empty());
     AddSize(L"3", L"3");
-    CHECK(Row(5) == L"User Banner 1|2|2|x");
+    CHECK(Row(5) == L"User Banner 1|2|1|x");
     CHECK(Row(6) == L"User Banner 1|3|3|x");
+    CHECK(recorder.messages.empty());
 }
 
 TEST_CASE_FIXTURE(BannerPage,
@@ -62,25 +57,21 @@ TEST_CASE_FIXTURE(BannerPage,
     CHECK(recorder.messages.size() == 1);
 }
 
-TEST_CASE_FIXTURE(BannerPage, "the rows at the first four positions cannot be deleted") {
-    AddSize(L"1", L"1");
-    changes = 0;
+TEST_CASE_FIXTURE(
+    BannerPage,
+    "the rows at the first four positions cannot be deleted; without a selected row Remove Size "
+    "does nothing") {
+    AddRow({L"fifth", L"1", L"2"}, true);
+    Click(cmdRemoveSize);
+    CHECK(recorder.messages.empty());
     for (int position = 1; position <= 4; ++position) {
         recorder.messages.clear();
         lvwBanners.Select(position);
         Click(cmdRemoveSize);
-        CHECK(lvwBanners.Count() == 5);
         CheckMessage(L"This default setting cannot be deleted.", MB_ICONINFORMATION, window.Hwnd());
     }
-    CHECK(changes == 0);
-}
-
-TEST_CASE_FIXTURE(BannerPage, "Remove Size without a selected row does nothing") {
-    AddRow(L"fifth", L"1", L"2", true);
-    Click(cmdRemoveSize);
     CHECK(lvwBanners.Count() == 5);
     CHECK(changes == 0);
-    CHECK(recorder.messages.empty());
 }
 
 TEST_CASE_FIXTURE(
@@ -103,7 +94,7 @@ TEST_CASE_FIXTURE(
 TEST_CASE_FIXTURE(BannerPage,
                   "filling the list from code marks no change, and keeps a name of a thousand characters") {
     const std::wstring name(1000, L'n');
-    AddRow(name, name, L"1", true);
+    AddRow({name, name, L"1"}, true);
     lvwBanners.Checked(5, false);
     CHECK(Row(5) == name + L'|' + name + L"|1");
     CHECK(changes == 0);
@@ -130,16 +121,8 @@ TEST_CASE_FIXTURE(BannerPage, "sizes that are not numbers, and the height 0, are
     for (const Refusal& refusal : kRefusals) {
         CAPTURE(std::wstring(refusal.height));
         CAPTURE(std::wstring(refusal.width));
-        recorder.messages.clear();
-        Play(cmdAddSize, {[&](HWND dialog) {
-                              TypeText(dialog, kHeight, refusal.height);
-                              TypeText(dialog, kWidth, refusal.width);
-                              SetFocus(GetDlgItem(dialog, IDCANCEL));
-                              ClickButton(dialog, IDOK);
-                              CheckMessage(refusal.message, 0, dialog);
-                              CHECK(FocusedId() == refusal.focus);
-                          },
-                          kCancel});
+        CheckRefused(cmdAddSize, {{kHeight, refusal.height}, {kWidth, refusal.width}}, refusal.message, 0,
+                     refusal.focus);
     }
     CHECK(lvwBanners.Count() == 4);
     // What is mended is accepted.
@@ -169,7 +152,9 @@ TEST_CASE_FIXTURE(
     CHECK(recorder.messages.empty());
 }
 
-TEST_CASE_FIXTURE(BannerPage, "a letter typed into the height empties the box at once") {
+TEST_CASE_FIXTURE(
+    BannerPage,
+    "what is no number empties the height at every change of its text, the width when a key is released") {
     Play(cmdAddSize, {[](HWND dialog) {
                           TypeKeys(dialog, kHeight, L"12");
                           CHECK(TextIn(dialog, kHeight) == L"12");
@@ -177,12 +162,11 @@ TEST_CASE_FIXTURE(BannerPage, "a letter typed into the height empties the box at
                           CHECK(TextIn(dialog, kHeight).empty());
                           TypeKeys(dialog, kHeight, L"7");
                           CHECK(TextIn(dialog, kHeight) == L"7");
-                      },
-                      kCancel});
-}
+                          TypeText(dialog, kHeight, L"pasted");
+                          CHECK(TextIn(dialog, kHeight).empty());
+                          SetDlgItemTextW(dialog, kHeight, L"set");
+                          CHECK(TextIn(dialog, kHeight).empty());
 
-TEST_CASE_FIXTURE(BannerPage, "a letter typed into the width empties the box when the key is released") {
-    Play(cmdAddSize, {[](HWND dialog) {
                           TypeKeys(dialog, kWidth, L"12");
                           CHECK(TextIn(dialog, kWidth) == L"12");
                           SendDlgItemMessageW(dialog, kWidth, WM_KEYDOWN, 'X', 1);
@@ -190,25 +174,12 @@ TEST_CASE_FIXTURE(BannerPage, "a letter typed into the width empties the box whe
                           CHECK(TextIn(dialog, kWidth) == L"12x");
                           SendDlgItemMessageW(dialog, kWidth, WM_KEYUP, 'X', 1);
                           CHECK(TextIn(dialog, kWidth).empty());
-                      },
-                      kCancel});
-}
-
-TEST_CASE_FIXTURE(BannerPage,
-                  "the height looks at every change of its text, the width at keys alone; numbers stay") {
-    Play(cmdAddSize, {[](HWND dialog) {
-                          TypeText(dialog, kHeight, L"pasted");
-                          CHECK(TextIn(dialog, kHeight).empty());
-                          SetDlgItemTextW(dialog, kHeight, L"set");
-                          CHECK(TextIn(dialog, kHeight).empty());
                           TypeText(dialog, kWidth, L"pasted");
                           SendDlgItemMessageW(dialog, kHeight, WM_KEYUP, VK_LEFT, 1);
                           CHECK(TextIn(dialog, kWidth) == L"pasted");
-                          SendDlgItemMessageW(dialog, kWidth, WM_KEYUP, VK_LEFT, 1);
-                          CHECK(TextIn(dialog, kWidth).empty());
-                          TypeText(dialog, kWidth, L"again");
                           SendDlgItemMessageW(dialog, kWidth, WM_SYSKEYUP, VK_F10, 1);
                           CHECK(TextIn(dialog, kWidth).empty());
+
                           TypeText(dialog, kHeight, L"-1.5e2");
                           TypeText(dialog, kWidth, L"-1.5e2");
                           SendDlgItemMessageW(dialog, kWidth, WM_KEYUP, VK_LEFT, 1);

@@ -6,8 +6,6 @@
 
 namespace {
 
-using IdTexts = std::vector<std::pair<int, std::wstring>>;
-
 // Runs body(page, button, boxes, entry) for the button of each page that opens a dialog to add a row. boxes:
 // what the boxes hold when it opens, beginning with the one that has the focus; entry: what OK accepts.
 template <class Body>
@@ -73,11 +71,7 @@ TEST_CASE("Enter presses OK; Esc, the close box and Cancel add nothing; each of 
         CAPTURE(adds);
         ForEachDialog([&](auto& page, const Control& button, const IdTexts& boxes, const IdTexts& entry) {
             const int before = page.RowCount();
-            page.Play(button, {[&](HWND dialog) {
-                                   for (const auto& [id, text] : entry)
-                                       TypeText(dialog, id, text);
-                               },
-                               end});
+            page.Play(button, {Enter(entry), end});
             CHECK(page.RowCount() == before + (adds ? 1 : 0));
             CHECK(page.changes == 1);
             CHECK(page.recorder.messages.empty());

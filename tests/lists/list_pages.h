@@ -22,9 +22,17 @@
 #include "tests/support/test_window.h"
 
 using Texts = std::vector<std::wstring>;
+using IdTexts = std::vector<std::pair<int, std::wstring>>;  // of boxes in a dialog
 
 inline const DialogScript::Step kOK = [](HWND dialog) { ClickButton(dialog, IDOK); };
 inline const DialogScript::Step kCancel = [](HWND dialog) { ClickButton(dialog, IDCANCEL); };
+
+inline DialogScript::Step Enter(IdTexts texts) {
+    return [texts = std::move(texts)](HWND dialog) {
+        for (const auto& [id, text] : texts)
+            TypeText(dialog, id, text);
+    };
+}
 
 inline Texts RowsOf(const ListBox& list) {
     return ListBoxRows(list.Hwnd());
@@ -51,6 +59,25 @@ struct ListPage {
         CHECK(recorder.messages[0].owner == owner);
     }
 
+    // That OK refuses the texts in the dialog of a button with a message, after which a box has the focus.
+    // look runs in the dialog, which stays open.
+    void CheckRefused(
+        const Control& opens, const IdTexts& texts, const wchar_t* message, UINT icon, int focus,
+        const DialogScript::Step& look = [](HWND) {}) {
+        recorder.messages.clear();
+        Play(opens, {Enter(texts),
+                     [&](HWND dialog) {
+                         SetFocus(GetDlgItem(dialog, IDCANCEL));
+                         ClickButton(dialog, IDOK);
+                         CheckMessage(message, icon, dialog);
+                         CHECK(FocusedId() == focus);
+                         for (const auto& [id, text] : texts)
+                             CHECK(TextIn(dialog, id) == text);
+                         look(dialog);
+                     },
+                     kCancel});
+    }
+
     int changes = 0;
     const Event markChanged = [this] { ++changes; };
     MessageRecorder recorder;
@@ -64,36 +91,38 @@ struct ExcludePage : ListPage, ExcludeControls, CommandControls {
     TestWindow window{Join({ExcludeControls::all, CommandControls::all})};
 };
 
+// A page with a list view.
+template <class Controls, ListView Controls::*list>
+struct ListViewPage : ListPage, Controls {
+    void AddRow(const Texts& texts, bool use) {
+        const int row = View().Add(RowCount() + 1, texts[0]);
+        for (size_t column = 1; column < texts.size(); ++column)
+            View().SubItem(row, static_cast<int>(column), texts[column]);
+        View().Checked(row, use);
+    }
+
+    // "name|width|height|x" or "name|address|x", the x only where it is checked.
+    std::wstring Row(int position) const {
+        return ListViewRows((this->*list).Hwnd()).at(static_cast<size_t>(position) - 1);
+    }
+    int RowCount() const { return (this->*list).Count(); }
+
+    ListView& View() { return this->*list; }
+};
+
 // With the four default rows.
-struct BannerPage : ListPage, BannerControls {
+struct BannerPage : ListViewPage<BannerControls, &BannerControls::lvwBanners> {
     BannerPage() {
         SetUp();
-        AddRow(L"Full Banner", L"468", L"60", true);
-        AddRow(L"Half Banner", L"234", L"60", false);
-        AddRow(L"Quarter Banner", L"120", L"60", false);
-        AddRow(L"Button", L"88", L"31", false);
+        AddRow({L"Full Banner", L"468", L"60"}, true);
+        AddRow({L"Half Banner", L"234", L"60"}, false);
+        AddRow({L"Quarter Banner", L"120", L"60"}, false);
+        AddRow({L"Button", L"88", L"31"}, false);
     }
-
-    void AddRow(const std::wstring& name, const std::wstring& width, const std::wstring& height, bool use) {
-        const int row = lvwBanners.Add(lvwBanners.Count() + 1, name);
-        lvwBanners.SubItem(row, 1, width);
-        lvwBanners.SubItem(row, 2, height);
-        lvwBanners.Checked(row, use);
-    }
-
-    // "name|width|height|x", the x only where it is checked.
-    std::wstring Row(int position) const {
-        return ListViewRows(lvwBanners.Hwnd()).at(static_cast<size_t>(position) - 1);
-    }
-    int RowCount() const { return lvwBanners.Count(); }
 
     // Enters a size that must be accepted.
     void AddSize(const std::wstring& height, const std::wstring& width) {
-        Play(cmdAddSize, {[=](HWND dialog) {
-                 TypeText(dialog, IDC_TXTHEIGHT, height);
-                 TypeText(dialog, IDC_TXTWIDTH, width);
-                 ClickButton(dialog, IDOK);
-             }});
+        Play(cmdAddSize, {Enter({{IDC_TXTHEIGHT, height}, {IDC_TXTWIDTH, width}}), kOK});
     }
 
     BannerSizes page{*this, markChanged};
@@ -101,24 +130,12 @@ struct BannerPage : ListPage, BannerControls {
 };
 
 // With two rows: the first in use, the second not.
-struct SearchPage : ListPage, SearchControls {
+struct SearchPage : ListViewPage<SearchControls, &SearchControls::lvwSearchURLs> {
     SearchPage() {
         SetUp();
-        AddRow(L"One", L"http://one", true);
-        AddRow(L"Two", L"http://two", false);
+        AddRow({L"One", L"http://one"}, true);
+        AddRow({L"Two", L"http://two"}, false);
     }
-
-    void AddRow(const std::wstring& name, const std::wstring& address, bool use) {
-        const int row = lvwSearchURLs.Add(lvwSearchURLs.Count() + 1, name);
-        lvwSearchURLs.SubItem(row, 1, address);
-        lvwSearchURLs.Checked(row, use);
-    }
-
-    // "name|address|x", likewise.
-    std::wstring Row(int position) const {
-        return ListViewRows(lvwSearchURLs.Hwnd()).at(static_cast<size_t>(position) - 1);
-    }
-    int RowCount() const { return lvwSearchURLs.Count(); }
 
     SearchAddresses page{*this, markChanged};
     TestWindow window{Join({all})};

@@ -9,11 +9,8 @@ constexpr int kName = IDC_TXTNAME;
 constexpr int kAddress = IDC_TXTURL;
 constexpr int kIndex = IDC_TXTINDEX;
 
-DialogScript::Step Enter(const std::wstring& name, const std::wstring& address) {
-    return [=](HWND dialog) {
-        TypeText(dialog, kName, name);
-        TypeText(dialog, kAddress, address);
-    };
+DialogScript::Step EnterBoth(const std::wstring& name, const std::wstring& address) {
+    return Enter({{kName, name}, {kAddress, address}});
 }
 
 }  // namespace
@@ -23,7 +20,7 @@ TEST_CASE_FIXTURE(SearchPage,
     for (const int width : {200, 300, 333, 1000}) {
         CAPTURE(width);
         SetWindowPos(lvwSearchURLs.Hwnd(), nullptr, 0, 0, width, 100, SWP_NOMOVE | SWP_NOZORDER);
-        AddRow(L"a", L"b", false);
+        AddRow({L"a", L"b"}, false);
         SetupSearchColumns(lvwSearchURLs);
         CHECK(lvwSearchURLs.Count() == 0);
         for (const auto& [column, share] : {std::pair(0, 0.3), std::pair(1, 0.68)})
@@ -38,10 +35,10 @@ TEST_CASE_FIXTURE(
     "an added engine is a checked row at the end, as typed, also with the untouched http://, a name of "
     "blanks, or what is there already") {
     const std::pair<std::vector<DialogScript::Step>, const wchar_t*> additions[] = {
-        {{Enter(L" Three ", L"three.example "), kOK}, L" Three |three.example |x"},
-        {{[](HWND dialog) { TypeText(dialog, kName, L"Four"); }, kOK}, L"Four|http://|x"},
-        {{[](HWND dialog) { TypeText(dialog, kName, L" "); }, kOK}, L" |http://|x"},
-        {{Enter(L"One", L"http://one"), kOK}, L"One|http://one|x"}};
+        {{EnterBoth(L" Three ", L"three.example "), kOK}, L" Three |three.example |x"},
+        {{Enter({{kName, L"Four"}}), kOK}, L"Four|http://|x"},
+        {{Enter({{kName, L" "}}), kOK}, L" |http://|x"},
+        {{EnterBoth(L"One", L"http://one"), kOK}, L"One|http://one|x"}};
     for (const auto& [steps, row] : additions) {
         changes = 0;
         const int before = RowCount();
@@ -65,23 +62,15 @@ TEST_CASE_FIXTURE(
     constexpr Refusal kRefusals[] = {{L"", L"", L"You need an URL.", kAddress},
                                      {L"Three", L"", L"You need an URL.", kAddress},
                                      {L"", L"http://three", L"You need a Name.", kName}};
-    for (const Refusal& refusal : kRefusals) {
-        recorder.messages.clear();
-        Play(cmdAddSearch, {Enter(refusal.name, refusal.address),
-                            [&](HWND dialog) {
-                                SetFocus(GetDlgItem(dialog, IDCANCEL));
-                                ClickButton(dialog, IDOK);
-                                CheckMessage(refusal.message, 0, dialog);
-                                CHECK(FocusedId() == refusal.focus);
-                            },
-                            kCancel});
-    }
+    for (const Refusal& refusal : kRefusals)
+        CheckRefused(cmdAddSearch, {{kName, refusal.name}, {kAddress, refusal.address}}, refusal.message, 0,
+                     refusal.focus);
     CHECK(RowCount() == 2);
 }
 
 TEST_CASE_FIXTURE(SearchPage,
                   "Edit Search opens the dialog with the selected row, whose index is not for the user") {
-    AddRow(L"", L"", false);
+    AddRow({L"", L""}, false);
     const std::wstring rows[][3] = {{L"Two", L"http://two", L"2"}, {L"", L"", L"3"}};
     for (const auto& row : rows) {
         changes = 0;
@@ -100,17 +89,23 @@ TEST_CASE_FIXTURE(SearchPage,
     }
 }
 
-TEST_CASE_FIXTURE(SearchPage, "an edited row keeps its place and its box, unchecked or checked") {
+TEST_CASE_FIXTURE(
+    SearchPage,
+    "an edited row keeps its place and its box, unchecked or checked; a cancelled edit leaves the "
+    "row as it is and yet marks a change") {
     lvwSearchURLs.Select(2);
-    Play(cmdEditSearch, {Enter(L"Zwei", L"http://zwei"), kOK});
+    Play(cmdEditSearch, {EnterBoth(L"Zwei", L"http://zwei"), kCancel});
+    CHECK(Row(2) == L"Two|http://two");
+    CHECK(changes == 1);
+    Play(cmdEditSearch, {EnterBoth(L"Zwei", L"http://zwei"), kOK});
     CHECK(Row(1) == L"One|http://one|x");
     CHECK(Row(2) == L"Zwei|http://zwei");
-    CHECK(changes == 1);
+    CHECK(changes == 2);
     lvwSearchURLs.Select(1);
-    Play(cmdEditSearch, {Enter(L"Eins", L"http://eins"), kOK});
+    Play(cmdEditSearch, {EnterBoth(L"Eins", L"http://eins"), kOK});
     CHECK(Row(1) == L"Eins|http://eins|x");
     CHECK(RowCount() == 2);
-    CHECK(changes == 2);
+    CHECK(changes == 3);
 }
 
 TEST_CASE_FIXTURE(SearchPage,
@@ -132,22 +127,13 @@ TEST_CASE_FIXTURE(SearchPage,
     CHECK(Row(3) == L"New|http://new|x");
 }
 
-TEST_CASE_FIXTURE(SearchPage, "a cancelled edit leaves the row as it is and yet marks a change") {
-    lvwSearchURLs.Select(2);
-    Play(cmdEditSearch, {Enter(L"Zwei", L"http://zwei"), kCancel});
-    CHECK(Row(2) == L"Two|http://two");
-    CHECK(changes == 1);
-}
-
-TEST_CASE_FIXTURE(SearchPage, "Edit and Remove Search without a selected row do nothing at all") {
+TEST_CASE_FIXTURE(SearchPage,
+                  "every row can be removed, which leaves an empty list; Edit and Remove Search without a "
+                  "selected row do nothing at all") {
     Click(cmdEditSearch);
     Click(cmdRemoveSearch);
     CHECK(RowCount() == 2);
     CHECK(changes == 0);
-    CHECK(recorder.messages.empty());
-}
-
-TEST_CASE_FIXTURE(SearchPage, "every row can be removed, which leaves an empty list") {
     for (int left = 1; left >= 0; --left) {
         lvwSearchURLs.Select(1);
         Click(cmdRemoveSearch);
