@@ -6,9 +6,8 @@
 #include <oleauto.h>
 
 #include <functional>
-#include <string>
 
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 // While it exists, the kth call of operator new fails, counted from 1; all behind it too where isLasting. One
 // at a time.
@@ -29,8 +28,7 @@ public:
 
     // Counts an allocation and says whether it fails.
     static bool IsNext() noexcept {
-        if (s_left < 0) return false;
-        if (s_left-- > 0) return false;
+        if (s_left < 0 || s_left-- > 0) return false;
         s_happened = true;
         if (s_isLasting) s_left = 0;
         return true;
@@ -44,20 +42,11 @@ private:
 };
 
 // Texts for Automation come from a heap of their own; while it exists they fail like the others.
-class FailingTexts {
-public:
-    FailingTexts() : m_patch("oleaut32.dll", "SysAllocStringLen", &Allocate) {
-        s_original = m_patch.Original<Function>();
-    }
-
-private:
-    using Function = decltype(&SysAllocStringLen);
-    static BSTR WINAPI Allocate(const OLECHAR* text, UINT length) {
-        return FailingAllocation::IsNext() ? nullptr : s_original(text, length);
-    }
-
-    static inline Function s_original = nullptr;
-    const ImportPatch m_patch;
+struct FailingTexts {
+    const ImportFake<"SysAllocStringLen", decltype(&SysAllocStringLen)> allocate{
+        "oleaut32.dll", [this](const OLECHAR* text, UINT length) {
+            return FailingAllocation::IsNext() ? nullptr : allocate.Original(text, length);
+        }};
 };
 
 // Runs body with each allocation failing, once and from there on, until it has no such allocation, and

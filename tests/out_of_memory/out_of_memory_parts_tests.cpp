@@ -15,7 +15,7 @@ constexpr wchar_t kAddress[] = L"http://an-address-that-is-too-long-for-a-string
 // Presses OK with each allocation failing until the dialog accepts it; check is told whether the dialog
 // closed.
 template <class Page>
-void SweepOK(Page& page, const Control& opens, std::initializer_list<std::pair<int, const wchar_t*>> texts,
+void SweepOK(Page& page, const Control& opens, const IdTexts& texts,
              const std::function<void(bool isClosed)>& check) {
     const FailingTexts failingTexts;
     long faults = 0;
@@ -24,8 +24,7 @@ void SweepOK(Page& page, const Control& opens, std::initializer_list<std::pair<i
         INFO("allocation " << k);
         bool isClosed = false;
         page.Play(opens, {[&](HWND dialog) {
-                      for (const auto& [id, text] : texts)
-                          TypeText(dialog, id, text);
+                      Enter(texts)(dialog);
                       {
                           const FailingAllocation failing(k);
                           ClickButton(dialog, IDOK);
@@ -45,73 +44,54 @@ void SweepOK(Page& page, const Control& opens, std::initializer_list<std::pair<i
 }
 
 // The texts of SysAllocString, which the fake engine hands its path out with, that nobody has freed.
-class UnfreedTexts {
-public:
-    UnfreedTexts() {
-        s_texts.clear();
-        s_allocate = m_allocate.Original<decltype(&SysAllocString)>();
-        s_free = m_free.Original<decltype(&SysFreeString)>();
-    }
-
-    size_t Count() const { return s_texts.size(); }
-
-private:
-    static BSTR WINAPI Allocate(const OLECHAR* text) {
-        const BSTR copy = s_allocate(text);
-        s_texts.push_back(copy);
-        return copy;
-    }
-    static void WINAPI Free(BSTR text) {
-        std::erase(s_texts, text);
-        s_free(text);
-    }
-
-    static inline decltype(&SysAllocString) s_allocate = nullptr;
-    static inline decltype(&SysFreeString) s_free = nullptr;
-    static inline std::vector<BSTR> s_texts;
-    const ImportPatch m_allocate{"oleaut32.dll", "SysAllocString", &Allocate};
-    const ImportPatch m_free{"oleaut32.dll", "SysFreeString", &Free};
+struct UnfreedTexts {
+    std::vector<BSTR> texts;
+    const ImportFake<"SysAllocString", decltype(&SysAllocString)> allocate{
+        "oleaut32.dll", [this](const OLECHAR* text) { return texts.emplace_back(allocate.Original(text)); }};
+    const ImportFake<"SysFreeString", decltype(&SysFreeString)> release{"oleaut32.dll", [this](BSTR text) {
+                                                                            std::erase(texts, text);
+                                                                            release.Original(text);
+                                                                        }};
 };
 
 }  // namespace
 
 // Whether the dialog has closed is whether the whole row is there.
-TEST_CASE_FIXTURE(ExcludePage,
-                  "memory that runs out in the OK of an address adds the row or leaves the dialog open") {
-    SweepOK(*this, cmdAddURL, {{IDC_TXTURL, kAddress}}, [&](bool isClosed) {
-        CHECK(Rows() == (isClosed ? Texts{kAddress} : Texts{}));
-        lstExclude.Clear();
-    });
-}
-
-TEST_CASE_FIXTURE(BannerPage,
-                  "memory that runs out in the OK of a size adds the row or leaves the dialog open") {
-    SweepOK(*this, cmdAddSize, {{IDC_TXTHEIGHT, L"1200000000"}, {IDC_TXTWIDTH, L"3400000000"}},
-            [&](bool isClosed) {
-                CHECK(lvwBanners.Count() == (isClosed ? 5 : 4));
-                if (!isClosed) return;
-                CHECK(Row(5) == L"User Banner 0|3400000000|1200000000|x");
-                lvwBanners.Remove(5);
-            });
-}
-
-TEST_CASE_FIXTURE(SearchPage,
-                  "memory that runs out in the OK of an engine changes the row or leaves the dialog open") {
-    const std::wstring row = kName + (L'|' + std::wstring(kAddress));
-    SUBCASE("a new one") {
-        SweepOK(*this, cmdAddSearch, {{IDC_TXTNAME, kName}, {IDC_TXTURL, kAddress}}, [&](bool isClosed) {
-            CHECK(lvwSearchURLs.Count() == (isClosed ? 3 : 2));
-            if (!isClosed) return;
-            CHECK(Row(3) == row + L"|x");
-            lvwSearchURLs.Remove(3);
+TEST_CASE("memory that runs out in the OK of a dialog adds or changes the row or leaves the dialog open") {
+    SUBCASE("an address") {
+        ExcludePage page;
+        SweepOK(page, page.cmdAddURL, {{IDC_TXTURL, kAddress}}, [&](bool isClosed) {
+            CHECK(page.Rows() == (isClosed ? Texts{kAddress} : Texts{}));
+            page.lstExclude.Clear();
         });
     }
-    SUBCASE("an edited one") {
-        lvwSearchURLs.Select(2);
-        SweepOK(*this, cmdEditSearch, {{IDC_TXTNAME, kName}, {IDC_TXTURL, kAddress}}, [&](bool isClosed) {
-            CHECK(Row(2) == (isClosed ? row : L"Two|http://two"));
-            lvwSearchURLs.Text(2, L"Two");
-            lvwSearchURLs.SubItem(2, 1, L"http://two");
+    SUBCASE("a size") {
+        BannerPage page;
+        SweepOK(page, page.cmdAddSize, {{IDC_TXTHEIGHT, L"1200000000"}, {IDC_TXTWIDTH, L"3400000000"}},
+                [&](bool isClosed) {
+                    CHECK(page.RowCount() == (isClosed ? 5 : 4));
+                    if (!isClosed) return;
+                    CHECK(page.Row(5) == L"User Banner 0|3400000000|1200000000|x");
+                    page.lvwBanners.Remove(5);
+                });
+    }
+    SearchPage page;
+    const std::wstring row = kName + (L'|' + std::wstring(kAddress));
+    const IdTexts texts{{IDC_TXTNAME, kName}, {IDC_TXTURL, kAddress}};
+    SUBCASE("a new engine") {
+        SweepOK(page, page.cmdAddSearch, texts, [&](bool isClosed) {
+            CHECK(page.RowCount() == (isClosed ? 3 : 2));
+            if (!isClosed) return;
+            CHECK(page.Row(3) == row + L"|x");
+            page.lvwSearchURLs.Remove(3);
+        });
+    }
+    SUBCASE("an edited engine") {
+        page.lvwSearchURLs.Select(2);
+        SweepOK(page, page.cmdEditSearch, texts, [&](bool isClosed) {
+            CHECK(page.Row(2) == (isClosed ? row : L"Two|http://two"));
+            page.lvwSearchURLs.Text(2, L"Two");
+            page.lvwSearchURLs.SubItem(2, 1, L"http://two");
         });
     }
 }
@@ -150,8 +130,7 @@ TEST_CASE(
         slots.Clear();
         tray.icon->Class_Terminate();
         CHECK(tray.rest->References() == 1);
-        for (const auto& frame : tray.frames)
-            CHECK(frame->References() == 1);
+        CHECK(tray.HasFramesAlone());
     }
     CHECK(faults >= 1);
 }
@@ -198,7 +177,7 @@ TEST_CASE("memory that runs out in an engine handler is survived, and the next c
                            CHECK_FALSE(f.engine.tmMenu().Running());
                            CHECK(f.Enabled() == kRunning);
                            CHECK(f.engine.LogFile() == f.server.script.logFile);
-                           CHECK(unfreed.Count() == 0);
+                           CHECK(unfreed.texts.empty());
                        });
     }
     CHECK(faults >= 1);

@@ -114,12 +114,7 @@ TEST_CASE_FIXTURE(
     Page,
     "memory that runs out while the log is read leaves its newest lines, and the log is not kept open") {
     WriteLog(30, 3000);
-    const auto rows = [&] {
-        std::vector<std::wstring> shown;
-        for (int i = 0; i < lstClosedWnd.ListCount(); ++i)
-            shown.push_back(lstClosedWnd.List(i));
-        return shown;
-    };
+    const auto rows = [&] { return ListBoxRows(lstClosedWnd.Hwnd()); };
     closedLog.ReadClosedLog();
     const auto expected = rows();
     REQUIRE(expected.size() == 25);
