@@ -16,38 +16,32 @@ namespace {
 
 constexpr size_t kLimit = 25;
 
-// Hands out a text in memory and counts what is asked of it.
-struct TextLog {
-    explicit TextLog(std::string log) : bytes(std::move(log)) {}
+using Rows = std::vector<std::string>;
 
-    ReadBytes Reader() {
-        return [this](std::uint64_t offset, char* buffer, size_t count) {
+// A text in memory, which counts what is asked of it.
+struct TextLog {
+    Rows Read(size_t limit = kLimit) {
+        Rows rows;
+        const auto read = [this](std::uint64_t offset, char* buffer, size_t count) {
             REQUIRE(offset + count <= bytes.size());
             std::memcpy(buffer, bytes.data() + offset, count);
             bytesRead += count;
             largestRead = std::max(largestRead, count);
         };
+        const auto keep = [&](std::string_view line) {
+            ++offered;
+            rows.emplace_back(line);
+            return true;
+        };
+        ReadNewestLines(bytes.size(), read, keep, limit, kLogBlockSize);
+        return rows;
     }
 
     const std::string bytes;
+    int offered = 0;
     size_t bytesRead = 0;
     size_t largestRead = 0;
 };
-
-std::vector<std::string> Newest(const std::string& bytes, size_t limit = kLimit,
-                                size_t blockSize = kLogBlockSize) {
-    TextLog log(bytes);
-    std::vector<std::string> rows;
-    const auto keep = [&](std::string_view line) {
-        rows.emplace_back(line);
-        return true;
-    };
-    ReadNewestLines(bytes.size(), log.Reader(), keep, limit, blockSize);
-    return rows;
-}
-
-using Rows = std::vector<std::string>;
-constexpr size_t kBlockSizes[] = {1, 2, 3, 4, 5, 7, 8, 16, 61, 64, 100, 1000, kLogBlockSize};
 
 }  // namespace
 
@@ -55,15 +49,15 @@ TEST_CASE("thirty lines leave the newest twenty-five, the newest first") {
     std::string log;
     for (int i = 1; i <= 30; ++i)
         log += "line " + std::to_string(i) + "\r\n";
-    const Rows rows = Newest(log);
+    const Rows rows = TextLog{log}.Read();
     REQUIRE(rows.size() == 25);
     for (int i = 0; i < 25; ++i)
         CHECK(rows[static_cast<size_t>(i)] == "line " + std::to_string(30 - i));
-    CHECK(Newest(log, 0).empty());
+    CHECK(TextLog{log}.Read(0).empty());
 }
 
 TEST_CASE("a line is what stands before an LF or a CR LF, and two lines are equal byte by byte") {
-    const std::tuple<const char*, std::string, Rows> rows[] = {
+    const std::tuple<std::string, std::string, Rows> rows[] = {
         {"an empty log has no lines", "", {}},
         {"a line end at the end begins none", "A", {"A"}},
         {"nor an LF", "A\n", {"A"}},
@@ -88,62 +82,31 @@ TEST_CASE("a line is what stands before an LF or a CR LF, and two lines are equa
     };
     for (const auto& [meaning, log, lines] : rows) {
         CAPTURE(meaning);
-        CHECK(Newest(log) == lines);
+        CHECK(TextLog{log}.Read() == lines);
     }
 }
 
-TEST_CASE("lines longer than a block are put together, also when they repeat") {
-    const std::string longLine(1000, 'x');
-    const std::string longerLine(1500, 'x');
-    const std::string log =
-        longLine + "\r\n" + longerLine + "\r\n" + longLine + "\r\nend\r\n" + longerLine + "\r\n";
-    for (const size_t blockSize : kBlockSizes) {
-        CAPTURE(blockSize);
-        CHECK(Newest(log, kLimit, blockSize) == Rows{longerLine, "end", longLine});
-    }
-}
-
-TEST_CASE("reading stops as soon as the list is full") {
-    std::string bytes;
-    for (int i = 0; i < 100000; ++i)
-        bytes += "http://site/" + std::to_string(i) + "\r\n";
-    TextLog log(bytes);
-    int offered = 0;
-    ReadNewestLines(
-        bytes.size(), log.Reader(), [&](std::string_view) { return ++offered > 0; }, kLimit, kLogBlockSize);
-    CHECK(offered == 25);
-    CHECK(log.bytesRead == kLogBlockSize);
-}
-
-TEST_CASE("a log of one repeated line is read once, in blocks, and offered once") {
-    const std::string line = "http://www.example.com/popup.htm\r\n";
-    std::string bytes;
+TEST_CASE("a log is read in blocks, each byte once, and no further than until the list is full") {
+    std::string distinct;
+    for (int i = 0; i < 10000; ++i)
+        distinct += "http://site/" + std::to_string(i) + "\r\n";
+    std::string repeated;
     for (int i = 0; i < 50000; ++i)
-        bytes += line;
-    TextLog log(bytes);
-    int offered = 0;
-    ReadNewestLines(
-        bytes.size(), log.Reader(), [&](std::string_view) { return ++offered > 0; }, kLimit, kLogBlockSize);
-    CHECK(offered == 1);
-    CHECK(log.bytesRead == bytes.size());
-    CHECK(log.largestRead == kLogBlockSize);
-}
-
-TEST_CASE("a line of many megabytes is read whole, in blocks, each byte once") {
-    const std::string line(20 << 20, 'y');
-    TextLog log("first\r\n" + line + "\r\nlast\r\n");
-    Rows rows;
-    const auto keep = [&](std::string_view kept) {
-        rows.emplace_back(kept);
-        return true;
+        repeated += "http://www.example.com/popup.htm\r\n";
+    const std::string huge = "first\r\n" + std::string(20 << 20, 'y') + "\r\nlast\r\n";
+    const std::tuple<std::string, std::string, int, size_t> rows[] = {
+        {"lines that fill the list", distinct, 25, kLogBlockSize},
+        {"one repeated line", repeated, 1, repeated.size()},
+        {"a line of many megabytes", huge, 3, huge.size()},
     };
-    ReadNewestLines(log.bytes.size(), log.Reader(), keep, kLimit, kLogBlockSize);
-    REQUIRE(rows.size() == 3);
-    CHECK(rows[0] == "last");
-    CHECK((rows[1] == line));
-    CHECK(rows[2] == "first");
-    CHECK(log.bytesRead == log.bytes.size());
-    CHECK(log.largestRead == kLogBlockSize);
+    for (const auto& [meaning, bytes, offered, bytesRead] : rows) {
+        CAPTURE(meaning);
+        TextLog log{bytes};
+        CHECK((log.Read() == PlainNewestLines(bytes, kLimit)));
+        CHECK(log.offered == offered);
+        CHECK(log.bytesRead == bytesRead);
+        CHECK(log.largestRead == kLogBlockSize);
+    }
 }
 
 TEST_CASE("a failure to read ends the reading after the lines that were complete by then") {
@@ -171,7 +134,7 @@ TEST_CASE("a failure to read ends the reading after the lines that were complete
 }
 
 TEST_CASE("what the keeper throws ends the reading") {
-    TextLog log("A\nB\n");
+    const auto read = [](std::uint64_t, char* buffer, size_t count) { std::memset(buffer, '\n', count); };
     const auto keep = [](std::string_view) -> bool { throw std::runtime_error("full"); };
-    CHECK_THROWS_AS(ReadNewestLines(4, log.Reader(), keep, kLimit, kLogBlockSize), std::runtime_error);
+    CHECK_THROWS_AS(ReadNewestLines(4, read, keep, kLimit, kLogBlockSize), std::runtime_error);
 }

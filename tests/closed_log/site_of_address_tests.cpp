@@ -5,7 +5,7 @@
 
 TEST_CASE("the site of an address ends before the first slash at or behind its eighth character") {
     struct Row {
-        const char* meaning;
+        std::string meaning;
         const wchar_t* address;
         const wchar_t* site;
     };
