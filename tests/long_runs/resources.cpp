@@ -23,8 +23,8 @@ void CountHeap(Resources& held) {
         PROCESS_HEAP_ENTRY entry{};
         while (HeapWalk(heaps[i], &entry)) {
             if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0) continue;
-            held.heapBytes += static_cast<long>(entry.cbData);
-            ++held.heapBlocks;
+            held[HeapBytes] += static_cast<long>(entry.cbData);
+            ++held[HeapBlocks];
         }
         HeapUnlock(heaps[i]);
     }
@@ -32,7 +32,7 @@ void CountHeap(Resources& held) {
 
 // Windows tells how many there are. Wine does not everywhere, but tells what lies behind the lower half of a
 // handle.
-long GdiObjects() {
+long CountGdiObjects() {
     if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS))
         return static_cast<long>(count);
     constexpr ULONG_PTR kIndexes = 0x4000;
@@ -44,12 +44,12 @@ long GdiObjects() {
 
 void CountUserObjects(Resources& held) {
     for (ULONG_PTR handle = 0x20; handle < 0x8000; handle += 2) {
-        if (IsMenu(reinterpret_cast<HMENU>(handle))) ++held.menus;
+        if (IsMenu(reinterpret_cast<HMENU>(handle))) ++held[MenuHandles];
         DWORD process = 0;
         if (IsWindow(reinterpret_cast<HWND>(handle)) &&
             GetWindowThreadProcessId(reinterpret_cast<HWND>(handle), &process) != 0 &&
             process == GetCurrentProcessId()) {
-            ++held.windows;
+            ++held[WindowHandles];
         }
     }
 }
@@ -79,19 +79,10 @@ long KernelHandlesOf(DWORD processId) {
 }
 
 Resources HeldNow() {
-    Resources held;
-    held.kernelHandles = KernelHandlesOf(GetCurrentProcessId());
+    Resources held{};
+    held[KernelHandles] = KernelHandlesOf(GetCurrentProcessId());
     CountHeap(held);
-    held.gdiObjects = GdiObjects();
+    held[GdiObjects] = CountGdiObjects();
     CountUserObjects(held);
     return held;
-}
-
-Resources operator-(const Resources& held, const Resources& before) noexcept {
-    return {held.heapBytes - before.heapBytes,
-            held.heapBlocks - before.heapBlocks,
-            held.kernelHandles - before.kernelHandles,
-            held.gdiObjects - before.gdiObjects,
-            held.menus - before.menus,
-            held.windows - before.windows};
 }

@@ -3,19 +3,13 @@
 
 #include <windows.h>
 
-struct Resources {
-    long heapBytes = 0;  // in busy blocks of all heaps
-    long heapBlocks = 0;
-    long kernelHandles = 0;  // registry keys among them
-    long gdiObjects = 0;
-    long menus = 0;
-    long windows = 0;
-};
+#include <array>
+
+// Heap bytes and blocks: the busy ones of all heaps. Registry keys are among the kernel handles.
+enum Resource { HeapBytes, HeapBlocks, KernelHandles, GdiObjects, MenuHandles, WindowHandles };
+using Resources = std::array<long, WindowHandles + 1>;
 
 Resources HeldNow();
-
-// What is held more than before.
-Resources operator-(const Resources& held, const Resources& before) noexcept;
 
 // The kernel handles of any process.
 long KernelHandlesOf(DWORD processId);
