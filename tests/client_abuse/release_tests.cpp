@@ -131,7 +131,7 @@ TEST_CASE(
     const auto board = std::make_shared<Board>();
     Session session;
     session.Start();
-    const HWND window = session.Window();
+    const HWND window = session.window;
     const Clients clients(kClients, [board](Client& client, int) { CallEverything(client, *board); });
     REQUIRE(PumpUntil([&] { return board->ready == kClients; }));
     board->hasBegun = true;

@@ -1,9 +1,7 @@
 // How the manager comes to the engine and takes leave of it.
 #include <doctest.h>
 
-#include "platform/com/variant.h"
 #include "tests/engine/session.h"
-#include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/shown_text.h"
 
@@ -11,22 +9,20 @@ namespace {
 
 // "hwnd=... form=..." of the CreatePopup that the window's making sent.
 std::wstring CreationArguments(const Session& session) {
-    constexpr std::wstring_view kStart = L"CreatePopup ";
-    constexpr std::wstring_view kEnd = L" mode=2";
     const Lines calls = session.engine.Calls();
     REQUIRE_FALSE(calls.empty());
-    REQUIRE(calls[0].starts_with(kStart));
-    REQUIRE(calls[0].ends_with(kEnd));
-    const std::wstring arguments =
-        calls[0].substr(kStart.size(), calls[0].size() - kStart.size() - kEnd.size());
-    const std::wstring hwnd = L"hwnd=" + std::to_wstring(HandleToLong(session.window)) + L" form=";
-    REQUIRE(arguments.starts_with(hwnd));
-    CHECK(arguments.substr(hwnd.size()) != L"0");
+    const std::wstring start =
+        L"CreatePopup hwnd=" + std::to_wstring(HandleToLong(session.window)) + L" form=";
+    REQUIRE(calls[0].starts_with(start));
+    CHECK_FALSE(calls[0].starts_with(start + L"0 "));
+    const size_t end = calls[0].find(L" mode=");
+    CHECK(calls[0].substr(end) == L" mode=2");
     // Loading asks for the log once; nothing else comes by itself.
     CHECK(calls == Lines{calls[0], L"State", L"LogFile"});
     CHECK(session.engine.Popups() == 1);
     CHECK(session.engine.Connections() == 1);
-    return arguments;
+    const size_t first = calls[0].find(L"hwnd=");
+    return calls[0].substr(first, end - first);
 }
 
 }  // namespace
@@ -46,7 +42,7 @@ TEST_CASE(
         CHECK(session.engine.Calls() == Lines{L"ReleasePopup " + arguments});
         CHECK(session.engine.Popups() == 0);
         CHECK(session.engine.Connections() == 0);
-        CHECK(ToLong(Get(session.engine.Control(), L"State")) == 1);
+        CHECK(session.engine.State() == 1);
         CHECK_FALSE(ShellHasIcon(first));
         CHECK(IconStory() == "add rest, delete");
     };
@@ -75,18 +71,17 @@ TEST_CASE(
         CHECK(IconStory() == "add rest, delete, add rest");
         PostGesture(session.window, WM_LBUTTONDBLCLK);
         CHECK(WaitUntil([&] { return session.Visible(); }));
-        CHECK(LookOfMenu(session.window) == MenuLook::Running);
+        CHECK(MenuOf(session.window) == kRunningMenu);
     }
 }
 
-TEST_CASE("Apply reaches the engine as one ReloadSettings after the store has been written") {
-    Session session;
-    Put(session.engine.Control(), L"WatchValue", L"Software\\Calvane\\Settings\\txtSpeed");
-    session.Start();
-    session.Spin(L"udbSpeed", true);
+TEST_CASE_FIXTURE(StartedSession,
+                  "Apply reaches the engine as one ReloadSettings after the store has been written") {
+    engine.Set(L"WatchValue", L"Software\\Calvane\\Settings\\txtSpeed");
+    ChangeSpeed();
     CHECK(Setting(L"Settings", L"txtSpeed") == L"1000");
-    session.Press(L"cmdApply");
-    CHECK(WaitUntil([&] { return !session.Marked(); }));
+    Press(L"cmdApply");
+    CHECK(WaitUntil([&] { return !Marked(); }));
     PumpFor(300);
-    CHECK(session.engine.Calls() == Lines{L"ReloadSettings txtSpeed=800"});
+    CHECK(engine.Calls() == Lines{L"ReloadSettings txtSpeed=800"});
 }

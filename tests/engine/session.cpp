@@ -2,19 +2,9 @@
 
 #include <doctest.h>
 
-#include <cstdio>
-
-#include "platform/automation_error.h"
-#include "platform/com/variant.h"
 #include "tests/support/automation.h"
 #include "tests/support/other_process.h"
-
-// What another process returned is the first thing to know of a call that failed.
-REGISTER_EXCEPTION_TRANSLATOR(const AutomationError& error) {
-    char text[40];
-    std::snprintf(text, sizeof(text), "Automation error 0x%08lX", static_cast<unsigned long>(error.Code()));
-    return text;
-}
+#include "tests/support/shown_text.h"
 
 void Session::Open() {
     window = manager.Window();
@@ -32,7 +22,7 @@ void Session::CheckWorks(bool hasEngine) {
     const std::wstring before = manager.Text(L"txtSpeed");
     const std::wstring stored = Setting(L"Settings", L"txtSpeed");
     const size_t reloads = hasEngine ? engine.Count(L"ReloadSettings") : 0;
-    Spin(L"udbSpeed", before != L"10");
+    ChangeSpeed(before != L"10");
     CHECK(manager.Text(L"txtSpeed") != before);
     CHECK(Marked());
     const DWORD start = GetTickCount();
@@ -61,18 +51,8 @@ void Session::Settle() {
     Get(manager.Form().Get(), L"Caption");
 }
 
-void Session::Spin(const wchar_t* upDown, bool up) {
-    ClickArrow(manager.Control(upDown), up);
-}
-
-void Session::Apply() {
-    EnableWindow(apply, TRUE);
-    Press(L"cmdApply");
-}
-
-HWND Session::OpenDialog(const wchar_t* button) {
-    PostMessageW(manager.Control(button), BM_CLICK, 0, 0);
-    return WaitForDialog();
+void Session::ChangeSpeed(bool up) {
+    ClickArrow(manager.Control(L"udbSpeed"), up);
 }
 
 HWND Session::WaitForDialog() {
@@ -86,7 +66,7 @@ HWND Session::WaitForDialog() {
     return dialog;
 }
 
-bool Session::CancelDialog(HWND dialog) {
-    PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-    return WaitUntil([&] { return !IsWindow(dialog) && IsWindowEnabled(window) != FALSE; });
+StartedSession::StartedSession() {
+    Start();
+    REQUIRE(WaitForIcon());
 }

@@ -11,8 +11,6 @@ inline constexpr DWORD kHang = 25000;  // milliseconds
 
 // Members are made in their order: the engine gets its orders before the manager starts.
 struct Session {
-    explicit Session(bool keepSettings = false) : manager(BeginTrayRecord(), keepSettings) {}
-
     // Makes the manager's window, hidden. Start forgets what the engine was called by that.
     void Open();
     void Start();
@@ -21,9 +19,8 @@ struct Session {
     // icon.
     void CheckWorks(bool hasEngine = true);
 
-    HWND Window() { return window; }
     bool Visible() const { return IsWindowVisible(window) != FALSE; }
-    bool Marked() { return IsWindowEnabled(apply) != FALSE; }
+    bool Marked() const { return IsWindowEnabled(apply) != FALSE; }
 
     // Presses a button and waits until the manager has handled that. Not for what opens a dialog.
     void Press(const wchar_t* button);
@@ -31,19 +28,19 @@ struct Session {
     // Waits until everything posted to the manager before has been handled.
     void Settle();
 
-    // One click on an arrow of a spin control.
-    void Spin(const wchar_t* upDown, bool up);
+    // One click on an arrow of udbSpeed.
+    void ChangeSpeed(bool up = true);
 
-    // Enables cmdApply from outside and presses it.
-    void Apply();
-
-    // Presses a button that opens a dialog, and returns that; null when none comes.
-    HWND OpenDialog(const wchar_t* button);
+    // Null when no dialog comes.
     HWND WaitForDialog();
-    bool CancelDialog(HWND dialog);
 
     StandIn engine;
-    Manager manager;
+    Manager manager{BeginTrayRecord()};
     HWND window = nullptr;
     HWND apply = nullptr;
+};
+
+// One that is done with its start.
+struct StartedSession : Session {
+    StartedSession();
 };

@@ -1,15 +1,23 @@
 #include "tests/engine/stand_in.h"
 
+#include <doctest.h>
+
 #include <algorithm>
+#include <cstdio>
 #include <stdexcept>
 
 #include "platform/automation_error.h"
-#include "platform/com/variant.h"
 #include "tests/support/automation.h"
 #include "tests/support/killed_servers.h"
 #include "tests/support/manager.h"
-#include "tests/support/message_pump.h"
 #include "tests/support/program.h"
+
+// What another process returned is the first thing to know of a call that failed.
+REGISTER_EXCEPTION_TRANSLATOR(const AutomationError& error) {
+    char text[40];
+    std::snprintf(text, sizeof(text), "Automation error 0x%08lX", static_cast<unsigned long>(error.Code()));
+    return text;
+}
 
 namespace {
 
@@ -36,6 +44,13 @@ ComPtr<IDispatch> StartEngine() {
     return control;
 }
 
+FileHandle OpenHeldEvent(const std::wstring& name) {
+    const HANDLE event =
+        OpenEventW(SYNCHRONIZE | EVENT_MODIFY_STATE, FALSE, (L"SentrelStandin." + name).c_str());
+    if (event == nullptr) throw std::runtime_error("the engine holds no such call");
+    return FileHandle(event);
+}
+
 void Register(const wchar_t* command) {
     if (RunProgram(kStandInProgram, command) != 0)
         throw std::runtime_error("the engine's registration failed");
@@ -43,18 +58,29 @@ void Register(const wchar_t* command) {
 
 }  // namespace
 
+HeldCall::HeldCall(const std::wstring& member)
+    : m_arrived(OpenHeldEvent(member + L".Arrived")), m_letGo(OpenHeldEvent(member + L".LetGo")) {}
+
+bool HeldCall::Arrives() const {
+    return PumpUntil([this] { return HasArrived(); });
+}
+
 StandIn::StandIn() {
     if (!KeptControl() || !ResumeNext([] { Call(KeptControl().Get(), L"Reset"); }))
         KeptControl() = StartEngine();
     m_control = KeptControl();
 }
 
-void StandIn::Order(const wchar_t* member, const wchar_t* argument) const {
-    Call(Control(), member, {argument});
+Variant StandIn::Value(const wchar_t* property) const {
+    return Get(Control(), property);
 }
 
-void StandIn::Fail(const wchar_t* member) const {
-    Call(Control(), L"FailNext", {member, static_cast<long>(E_FAIL)});
+void StandIn::Set(const wchar_t* property, const Variant& value) const {
+    Put(Control(), property, value);
+}
+
+void StandIn::Fail(const wchar_t* member, HRESULT failure) const {
+    Call(Control(), L"FailNext", {member, static_cast<long>(failure)});
 }
 
 HeldCall StandIn::Hold(const wchar_t* member) const {
@@ -62,25 +88,18 @@ HeldCall StandIn::Hold(const wchar_t* member) const {
     return HeldCall(member);
 }
 
-void StandIn::State(long state) const {
-    Put(Control(), L"State", state);
+void StandIn::DieIn(const wchar_t* member) const {
+    Call(Control(), L"DieIn", {member});
 }
 
-void StandIn::RaiseByItself(bool raises) const {
-    Put(Control(), L"RaiseByItself", raises);
-}
-
-void StandIn::Raise(const wchar_t* event) const {
-    const std::wstring member = std::wstring(L"Raise") + event;
-    if (member == L"RaiseKilled") {
-        Call(Control(), member.c_str(), {4711L, L"Win a prize"});
-    } else {
-        Call(Control(), member.c_str());
-    }
+void StandIn::Raise(const std::wstring& event) const {
+    std::vector<Variant> arguments;
+    if (event == L"Killed") arguments = {4711L, L"Win a prize"};
+    Call(Control(), (L"Raise" + event).c_str(), arguments);
 }
 
 Lines StandIn::Calls() const {
-    const std::wstring text = ToText(Get(Control(), L"Calls"));
+    const std::wstring text = ToText(Value(L"Calls"));
     Lines lines;
     for (size_t start = 0, end; (end = text.find(L"\r\n", start)) != std::wstring::npos; start = end + 2)
         lines.push_back(text.substr(start, end - start));
@@ -88,21 +107,12 @@ Lines StandIn::Calls() const {
 }
 
 size_t StandIn::Count(const std::wstring& start) const {
-    const Lines lines = Calls();
-    return static_cast<size_t>(std::count_if(
-        lines.begin(), lines.end(), [&](const std::wstring& line) { return line.starts_with(start); }));
+    return static_cast<size_t>(
+        std::ranges::count_if(Calls(), [&](const std::wstring& line) { return line.starts_with(start); }));
 }
 
 void StandIn::ClearCalls() const {
     Call(Control(), L"ClearCalls");
-}
-
-long StandIn::Popups() const {
-    return ToLong(Get(Control(), L"Popups"));
-}
-
-long StandIn::Connections() const {
-    return ToLong(Get(Control(), L"Connections"));
 }
 
 void StandIn::End(Death death) {

@@ -1,4 +1,5 @@
-// The stand-in engine, which the manager under test starts and calls, in a process of its own.
+// The stand-in engine, in a process of its own: the manager under test calls it, and the test gives it
+// orders.
 #pragma once
 
 #include <windows.h>
@@ -7,12 +8,31 @@
 #include <vector>
 
 #include "platform/com/com_ptr.h"
-#include "tests/support/held_call.h"
+#include "platform/com/variant.h"
+#include "platform/handle.h"
 
 inline constexpr wchar_t kStandInProgram[] = L"SentrelStandin.exe";
 
 using Lines = std::vector<std::wstring>;
 
+// A call of the engine that waits until the test lets it go. The engine serves other calls meanwhile.
+class HeldCall {
+public:
+    explicit HeldCall(const std::wstring& member);
+    HeldCall(const HeldCall&) = delete;
+    HeldCall& operator=(const HeldCall&) = delete;
+    ~HeldCall() { LetGo(); }
+
+    bool HasArrived() const { return WaitForSingleObject(m_arrived.Get(), 0) == WAIT_OBJECT_0; }
+    bool Arrives() const;  // whether the call comes
+    void LetGo() const { SetEvent(m_letGo.Get()); }
+
+private:
+    const FileHandle m_arrived;
+    const FileHandle m_letGo;
+};
+
+// What the engine refuses is thrown as AutomationError.
 class StandIn {
 public:
     // An engine as if it were new. Its process serves test after test, until one of them ends it.
@@ -20,15 +40,19 @@ public:
 
     IDispatch* Control() const noexcept { return m_control.Get(); }
 
-    void Order(const wchar_t* member, const wchar_t* argument) const;
-    void Fail(const wchar_t* member) const;
-    HeldCall Hold(const wchar_t* member) const;  // the next call
-    void DieIn(const wchar_t* member) const { Order(L"DieIn", member); }
-    void State(long state) const;
-    void RaiseByItself(bool raises) const;
+    // Properties of its control.
+    Variant Value(const wchar_t* property) const;
+    void Set(const wchar_t* property, const Variant& value) const;
+    long State() const { return ToLong(Value(L"State")); }
+    void State(long state) const { Set(L"State", state); }
+
+    // Orders for the next call of a member.
+    void Fail(const wchar_t* member, HRESULT failure = E_FAIL) const;
+    HeldCall Hold(const wchar_t* member) const;
+    void DieIn(const wchar_t* member) const;
 
     // Raises the events Killed, Paused, Started or Stopped.
-    void Raise(const wchar_t* event) const;
+    void Raise(const std::wstring& event) const;
 
     // What the engine was called, one line per call.
     Lines Calls() const;
@@ -36,14 +60,14 @@ public:
     void ClearCalls() const;
 
     // What the clients hold of it.
-    long Popups() const;
-    long Connections() const;
+    long Popups() const { return ToLong(Value(L"Popups")); }
+    long Connections() const { return ToLong(Value(L"Connections")); }
 
     // Ends the process and waits until it is gone; the next StandIn starts another.
     enum class Death { ByOrder, ByForce };
     static void End(Death death = Death::ByOrder);
 
-    // For a test in which the engine dies by itself: waits for that.
+    // For a test in which the engine ends by itself: waits for that.
     static bool Ended();
 
 private:

@@ -1,7 +1,10 @@
 #include "tests/engine/tray.h"
 
+#include <doctest.h>
+
 #include <shellapi.h>
 
+#include <algorithm>
 #include <stdexcept>
 
 #include "app/resource.h"
@@ -12,7 +15,6 @@ namespace {
 
 // Beside the configuration window, which opens in the middle of the screen.
 constexpr POINT kMenuPlace{880, 660};
-constexpr UINT kCallback = 0x401;
 
 // A screen that is behind with who has the focus closes a menu that is open already: then it is opened again.
 constexpr int kTries = 3;
@@ -31,40 +33,40 @@ TrayRecord& Record() {
 }
 
 int Done(DWORD action) {
-    int count = 0;
-    for (const ShellCall& call : ShellCalls())
-        count += call.action == action && call.done != FALSE;
-    return count;
-}
-
-const char* NameOf(int picture) {
-    switch (picture) {
-        case IDI_TRAY_REST:
-            return "rest";
-        case IDI_TRAY_0:
-            return "frame 0";
-        case IDI_TRAY_1:
-            return "frame 1";
-        case IDI_TRAY_2:
-            return "frame 2";
-        default:
-            return "another";
-    }
+    return static_cast<int>(std::ranges::count_if(
+        ShellCalls(), [&](const ShellCall& call) { return call.action == action && call.done != FALSE; }));
 }
 
 std::string NameOf(const ShellCall& call) {
-    std::string name = NameOf(call.picture);
+    std::string name = call.picture == 0               ? "another"
+                       : call.picture == IDI_TRAY_REST ? "rest"
+                                                       : "frame " + std::to_string(call.picture - IDI_TRAY_0);
     if (call.action == NIM_ADD) name = "add " + name;
     if (call.action == NIM_DELETE) name = "delete";
     return call.done != FALSE ? name : name + " (refused)";
 }
 
-std::wstring DesignedMenu(wchar_t start, wchar_t stop, wchar_t pause) {
+// "+" or "x" for each item that is not always enabled.
+std::wstring Menu(wchar_t start, wchar_t stop, wchar_t pause) {
     return start + std::wstring(L"&Start Sentrel\n") + stop + L"S&top Sentrel\n-\n*" + pause +
            L"&Pause Sentrel\n-\n+&Open Calvane Configuration\n+E&xit Calvane\n";
 }
 
+bool MenuCloses() {
+    return WaitUntil([] { return OpenMenu() == nullptr && Record().menusClosed == Record().menusShown; });
+}
+
+bool IsChosen(wchar_t mnemonic) {
+    PostMessageW(OpenMenu(), WM_CHAR, mnemonic, 1);
+    REQUIRE(MenuCloses());
+    return Record().chosen != 0;
+}
+
 }  // namespace
+
+const std::wstring kDesignedMenu = Menu(L'+', L'+', L'+');
+const std::wstring kRunningMenu = Menu(L'x', L'+', L'+');
+const std::wstring kStoppedMenu = Menu(L'+', L'x', L'x');
 
 std::wstring BeginTrayRecord() {
     Record().calls = 0;
@@ -86,14 +88,10 @@ int ShownIcons() {
     return Done(NIM_ADD) - Done(NIM_DELETE);
 }
 
-bool WaitForIcon() {
-    return WaitForIconAfter(0);
-}
-
-bool WaitForIconAfter(int added) {
+bool WaitForIcon(int earlier) {
     return WaitUntil([&] {
         const std::vector<ShellCall> calls = ShellCalls();
-        return Done(NIM_ADD) > added && ShownIcons() == 1 && NameOf(calls.back()) == "add rest";
+        return Done(NIM_ADD) > earlier && ShownIcons() == 1 && NameOf(calls.back()) == "add rest";
     });
 }
 
@@ -101,40 +99,16 @@ std::vector<ShellCall> ShellCalls() {
     return {Record().call, Record().call + Record().calls};
 }
 
-std::string IconStory(size_t first) {
-    const std::vector<ShellCall> calls = ShellCalls();
+std::string IconStory() {
     std::string story;
-    for (size_t i = first; i < calls.size(); ++i)
-        story += (story.empty() ? "" : ", ") + NameOf(calls[i]);
+    for (const ShellCall& call : ShellCalls())
+        story += (story.empty() ? "" : ", ") + NameOf(call);
     return story;
 }
 
 void PostGesture(HWND configWindow, UINT mouseMessage) {
+    constexpr UINT kCallback = 0x401;
     PostMessageW(configWindow, kCallback, 1, static_cast<LPARAM>(mouseMessage));
-}
-
-void MoveMouseTo(POINT position) {
-    SetCursorPos(position.x, position.y);
-    Sleep(50);
-}
-
-void LeftClick() {
-    INPUT input{};
-    input.type = INPUT_MOUSE;
-    for (const DWORD flags : {MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP}) {
-        input.mi.dwFlags = flags;
-        SendInput(1, &input, sizeof(input));
-    }
-}
-
-void TypeKey(WORD virtualKey) {
-    INPUT input{};
-    input.type = INPUT_KEYBOARD;
-    input.ki.wVk = virtualKey;
-    for (const DWORD flags : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}}) {
-        input.ki.dwFlags = flags;
-        SendInput(1, &input, sizeof(input));
-    }
 }
 
 HWND OpenMenu() {
@@ -154,14 +128,11 @@ HWND WaitForMenu() {
     return menu;
 }
 
-bool MenuCloses() {
-    return WaitUntil([] { return OpenMenu() == nullptr && Record().menusClosed == Record().menusShown; });
-}
-
 HWND PopUpMenu(HWND configWindow) {
     for (int i = 0; i < kTries; ++i) {
         const LONG before = Record().menusShown;
-        MoveMouseTo(kMenuPlace);
+        SetCursorPos(kMenuPlace.x, kMenuPlace.y);
+        Sleep(50);
         PostGesture(configWindow, WM_RBUTTONUP);
         const HWND menu = WaitForMenu();
         REQUIRE(Record().menusShown == before + 1);
@@ -177,32 +148,23 @@ void CloseMenu() {
 }
 
 void Choose(wchar_t mnemonic) {
-    PostMessageW(OpenMenu(), WM_CHAR, mnemonic, 1);
-    REQUIRE(MenuCloses());
-    REQUIRE(Record().chosen != 0);
+    REQUIRE(IsChosen(mnemonic));
 }
 
 void Command(HWND configWindow, wchar_t mnemonic) {
     for (int i = 0; i < kTries; ++i) {
         PopUpMenu(configWindow);
-        PostMessageW(OpenMenu(), WM_CHAR, mnemonic, 1);
-        REQUIRE(MenuCloses());
-        if (Record().chosen != 0) return;
+        if (IsChosen(mnemonic)) return;
     }
     FAIL("the menu closes without a choice");
 }
 
-MenuLook LookOfOpenMenu() {
-    const std::wstring shown = Record().menu;
-    if (shown == DesignedMenu(L'+', L'+', L'+')) return MenuLook::Designed;
-    if (shown == DesignedMenu(L'x', L'+', L'+')) return MenuLook::Running;
-    if (shown == DesignedMenu(L'+', L'x', L'x')) return MenuLook::Stopped;
-    return MenuLook::Other;
+std::wstring ShownMenu() {
+    return Record().menu;
 }
 
-MenuLook LookOfMenu(HWND configWindow) {
+std::wstring MenuOf(HWND configWindow) {
     PopUpMenu(configWindow);
-    const MenuLook look = LookOfOpenMenu();
     CloseMenu();
-    return look;
+    return ShownMenu();
 }

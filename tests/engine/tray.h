@@ -3,8 +3,6 @@
 
 #include <windows.h>
 
-#include <doctest.h>
-
 #include <string>
 #include <vector>
 
@@ -20,26 +18,20 @@ bool ShellHasIcon(HWND configWindow);
 // The icon as the calls that the shell has carried out have left it.
 int ShownIcons();
 
-// Waits until there is one and it rests: its adding, with the resting picture, was the last call.
-bool WaitForIcon();
-bool WaitForIconAfter(int added);  // the same, after at least so many earlier ones
+// Waits until there is one, added after at least so many earlier ones, and it rests: its adding, with the
+// resting picture, was the last call.
+bool WaitForIcon(int earlier = 0);
 
-// What the icon has looked like since a call, counted from 0: "add rest, frame 0, delete, ...".
+// What the icon has looked like: "add rest, frame 0, delete, ...".
 std::vector<ShellCall> ShellCalls();
-std::string IconStory(size_t first = 0);
+std::string IconStory();
 
 // What the icon's callback tells the window: a mouse message over the icon.
 void PostGesture(HWND configWindow, UINT mouseMessage);
 
-// The real mouse and keyboard: what they do depends on what lies under the pointer and has the focus.
-void MoveMouseTo(POINT position);
-void LeftClick();
-void TypeKey(WORD virtualKey);
-
 // The open menu's window; null when none is open.
 HWND OpenMenu();
 HWND WaitForMenu();  // and until it takes the mouse and the keyboard
-bool MenuCloses();
 
 // Opens the menu by the icon's gesture, away from the mouse pointer's earlier place.
 HWND PopUpMenu(HWND configWindow);
@@ -51,22 +43,12 @@ void Choose(wchar_t mnemonic);
 // Pops up the menu and chooses.
 void Command(HWND configWindow, wchar_t mnemonic);
 
-// Which items of the menu are enabled. Captions, order, separators and the default item, Pause, are right in
-// all but the last.
-enum class MenuLook { Designed, Running, Stopped, Other };
-MenuLook LookOfOpenMenu();
+// The menu shown last, as TrayRecord has it; and that of the icon, which is popped up and closed.
+std::wstring ShownMenu();
+std::wstring MenuOf(HWND configWindow);
 
-// Pops up the menu, looks and closes it.
-MenuLook LookOfMenu(HWND configWindow);
-
-namespace doctest {
-
-template <>
-struct StringMaker<MenuLook> {
-    static String convert(MenuLook look) {
-        constexpr const char* kNames[] = {"as designed", "running", "stopped", "another"};
-        return kNames[static_cast<int>(look)];
-    }
-};
-
-}  // namespace doctest
+// The menu in each of its states. Captions, order, separators and the default item, Pause, are always the
+// same.
+extern const std::wstring kDesignedMenu;
+extern const std::wstring kRunningMenu;
+extern const std::wstring kStoppedMenu;

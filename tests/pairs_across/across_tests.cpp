@@ -29,8 +29,8 @@ constexpr DWORD kLongest = 5000;  // milliseconds, until all holds
 // A manager, and what a pair needs of it. The window is not made yet.
 struct Stage : Session {
     Stage() {
-        Put(engine.Control(), L"LogFile", folder.Write(L"closed.log", RepeatingLog()));
-        engine.RaiseByItself(false);
+        engine.Set(L"LogFile", folder.Write(L"closed.log", RepeatingLog()));
+        engine.Set(L"RaiseByItself", false);
         for (const std::string& line : PlainNewestLines(RepeatingLog(), 25))
             newestLines.push_back(FromAnsi(line));
     }

@@ -1,102 +1,95 @@
+// The stand-in engine's window.
 #include <doctest.h>
 
 #include "platform/text.h"
 #include "standin/engine/resource.h"
-#include "tests/standin/engine_process.h"
+#include "tests/standin/client.h"
+#include "tests/support/automation.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/other_process.h"
 #include "tests/support/test_folder.h"
 
 namespace {
 
-constexpr wchar_t kWindowTitle[] = L"Sentrel Stand-in";
-
 HWND EngineWindow() {
-    return FindWindowW(nullptr, kWindowTitle);
-}
-
-void Click(int id) {
-    PostMessageW(EngineWindow(), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED),
-                 reinterpret_cast<LPARAM>(GetDlgItem(EngineWindow(), id)));
+    return FindWindowW(nullptr, L"Sentrel Stand-in");
 }
 
 std::wstring ControlText(int id) {
-    wchar_t text[256] = L"";
-    SendDlgItemMessageW(EngineWindow(), id, WM_GETTEXT, 256, reinterpret_cast<LPARAM>(text));
-    return text;
+    return ShownText(GetDlgItem(EngineWindow(), id));
+}
+
+void Click(int id) {
+    PostMessageW(EngineWindow(), WM_COMMAND, MAKEWPARAM(id, BN_CLICKED), 0);
 }
 
 }  // namespace
 
-TEST_CASE("started by hand, the engine that serves the clients opens its window") {
-    const EngineProcess engine;
+TEST_CASE_FIXTURE(Client, "started by hand, the engine that serves the clients opens its window") {
     const TestFolder folder;
-    const std::wstring log = folder.Path(L"closed.log");
-    const ComPtr<_Popup> popup = CreatePopup();
-    EventLog events(popup.Get());
-    CHECK(engine.control->put_LogFile(Text(log)) == S_OK);
+    const std::wstring logFile = folder.Path(L"closed.log");
+    EventLog log(popup.Get());
+    Set(L"LogFile", logFile);
     CHECK(EngineWindow() == nullptr);
-    const std::vector<DWORD> serving = EngineProcesses();
+    const std::vector<DWORD> serving = ProcessesOf(kStandInProgram);
     REQUIRE(serving.size() == 1);
 
-    CHECK(RunProgram(kEngineProgram) == 0);
+    CHECK(RunProgram(kStandInProgram) == 0);
     REQUIRE(EngineWindow() != nullptr);
     CHECK(IsWindowVisible(EngineWindow()));
     DWORD owner = 0;
     GetWindowThreadProcessId(EngineWindow(), &owner);
     CHECK(owner == serving[0]);
-    CHECK(EngineProcesses() == serving);
+    CHECK(ProcessesOf(kStandInProgram) == serving);
     CHECK(ControlText(IDC_STATE) == L"Running");
 
     struct Row {
         int button;
+        const wchar_t* event;
         const wchar_t* state;
     };
-    Events expected;
-    for (const Row& row :
-         {Row{IDC_STOP, L"Stopped"}, Row{IDC_PAUSE, L"Paused"}, Row{IDC_START, L"Started"}}) {
+    Lines expected;
+    for (const Row& row : {Row{IDC_STOP, L"Stopped", L"Stopped"}, Row{IDC_PAUSE, L"Paused", L"Paused"},
+                           Row{IDC_START, L"Started", L"Running"}}) {
         Click(row.button);
-        expected.push_back(row.state);
-        CHECK(PumpUntil([&] { return events.events == expected; }));
-        CHECK(ControlText(IDC_STATE) == (row.button == IDC_START ? L"Running" : expected.back()));
+        expected.push_back(row.event);
+        CHECK(PumpUntil([&] { return log.events == expected; }));
+        CHECK(ControlText(IDC_STATE) == row.state);
     }
-    CHECK(engine.control->put_State(8) == S_OK);
+    State(8);
     CHECK(ControlText(IDC_STATE) == L"State 8");
 
     const std::wstring address = ControlText(IDC_ADDRESS);
     CHECK(address.starts_with(L"http://"));
     Click(IDC_CLOSE_POPUP);
-    CHECK(PumpUntil([&] { return events.events.size() == 4; }));
-    CHECK(events.events.back() == L"Killed 0 " + address);
-    CHECK(BytesOf(log) == ToAnsi(address) + "\r\n");
-    EndEngine();
+    CHECK(PumpUntil([&] { return log.events.size() == 4; }));
+    CHECK(log.events.back() == L"Killed 0 " + address);
+    CHECK(BytesOf(logFile) == ToAnsi(address) + "\r\n");
+    End();
 }
 
 TEST_CASE("an open window keeps the engine running, closing it ends it") {
-    EndEngine();
-    CHECK(RunProgram(kEngineProgram) == 0);
-    REQUIRE(EngineWindow() != nullptr);
-    {
-        const ComPtr<_Popup> popup = CreatePopup();
-        CHECK(EngineProcesses().size() == 1);
-    }
-    PumpFor(500);
-    CHECK(EngineProcesses().size() == 1);
-    // A second start brings the same window to the front.
+    StandIn::End();
+    CHECK(RunProgram(kStandInProgram) == 0);
     const HWND window = EngineWindow();
-    CHECK(RunProgram(kEngineProgram) == 0);
+    REQUIRE(window != nullptr);
+    Client::NewPopup().Reset();
+    PumpFor(500);
+    CHECK(ProcessesOf(kStandInProgram).size() == 1);
+    // A second start brings the same window to the front.
+    CHECK(RunProgram(kStandInProgram) == 0);
     CHECK(EngineWindow() == window);
     PostMessageW(window, WM_CLOSE, 0, 0);
-    CHECK(EngineEnds());
+    CHECK(ProgramEnds(kStandInProgram));
 }
 
-TEST_CASE("closing the window leaves an engine running that clients hold") {
-    const EngineProcess engine;
-    CHECK(engine.control->OpenWindow() == S_OK);
+TEST_CASE_FIXTURE(Client, "closing the window leaves an engine running that clients hold") {
+    Call(Control(), L"OpenWindow");
     REQUIRE(EngineWindow() != nullptr);
     PostMessageW(EngineWindow(), WM_CLOSE, 0, 0);
     CHECK(PumpUntil([] { return EngineWindow() == nullptr; }));
-    CHECK(engine.State() == 1);
-    CHECK(engine.control->OpenWindow() == S_OK);
+    CHECK(State() == 1);
+    Call(Control(), L"OpenWindow");
     CHECK(EngineWindow() != nullptr);
-    EndEngine();
+    End();
 }

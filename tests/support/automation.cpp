@@ -1,5 +1,7 @@
 #include "tests/support/automation.h"
 
+#include <ocidl.h>
+
 #include <stdexcept>
 
 #include "platform/automation_error.h"
@@ -61,4 +63,22 @@ ComPtr<IDispatch> CreateByName(const wchar_t* programId) {
     ComPtr<IDispatch> object;
     ThrowIfFailed(CoCreateInstance(classId, nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&object)));
     return object;
+}
+
+ComPtr<IDispatch> ListenerTo(IUnknown* source, REFIID events) {
+    ComPtr<IConnectionPointContainer> container;
+    ThrowIfFailed(source->QueryInterface(IID_PPV_ARGS(&container)));
+    ComPtr<IConnectionPoint> point;
+    ThrowIfFailed(container->FindConnectionPoint(events, &point));
+    ComPtr<IEnumConnections> connections;
+    ThrowIfFailed(point->EnumConnections(&connections));
+    CONNECTDATA connection{};
+    ULONG fetched = 0;
+    // Between processes Wine returns any result and any count; the connection itself is right.
+    connections->Next(1, &connection, &fetched);
+    ComPtr<IDispatch> listener;
+    if (connection.pUnk == nullptr) return listener;
+    connection.pUnk->QueryInterface(IID_PPV_ARGS(&listener));
+    connection.pUnk->Release();
+    return listener;
 }

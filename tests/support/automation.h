@@ -24,3 +24,6 @@ ComPtr<IDispatch> ObjectIn(const Variant& value);
 
 // Creates an object by the name under which scripts know it.
 ComPtr<IDispatch> CreateByName(const wchar_t* programId);
+
+// The first listener to an object's events; null where nobody listens.
+ComPtr<IDispatch> ListenerTo(IUnknown* source, REFIID events);

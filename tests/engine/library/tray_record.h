@@ -8,7 +8,6 @@ inline constexpr wchar_t kTrayRecordName[] = L"Calvane tests: tray record";
 
 // One call of Shell_NotifyIconA.
 struct ShellCall {
-    DWORD time = 0;  // GetTickCount, before the call
     DWORD action = 0;
     int picture = 0;  // the resource whose picture the icon shows; 0 for any other
     BOOL done = FALSE;

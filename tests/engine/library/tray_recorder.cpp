@@ -17,48 +17,35 @@ TrayRecord* record = nullptr;
 decltype(&Shell_NotifyIconA) notifyIcon = nullptr;
 decltype(&TrackPopupMenuEx) trackPopupMenu = nullptr;
 
-std::vector<DWORD> PixelsOf(HICON icon) {
-    const int size = GetSystemMetrics(SM_CXSMICON);
-    BITMAPINFO format{};
-    format.bmiHeader.biSize = sizeof(format.bmiHeader);
-    format.bmiHeader.biWidth = size;
-    format.bmiHeader.biHeight = size;
-    format.bmiHeader.biPlanes = 1;
-    format.bmiHeader.biBitCount = 32;
-    const HDC device = CreateCompatibleDC(nullptr);
-    void* bits = nullptr;
-    const HBITMAP bitmap = CreateDIBSection(device, &format, DIB_RGB_COLORS, &bits, nullptr, 0);
-    const HGDIOBJ previous = SelectObject(device, bitmap);
-    DrawIconEx(device, 0, 0, icon, size, size, 0, nullptr, DI_NORMAL);
-    GdiFlush();
-    const auto* const first = static_cast<const DWORD*>(bits);
-    std::vector<DWORD> pixels(first, first + static_cast<size_t>(size) * static_cast<size_t>(size));
-    SelectObject(device, previous);
-    DeleteObject(bitmap);
-    DeleteDC(device);
-    return pixels;
+// The bytes of an icon's picture, and its width in pixels.
+std::vector<BYTE> BytesOf(HICON icon, int& width) {
+    ICONINFO info{};
+    GetIconInfo(icon, &info);
+    BITMAP bitmap{};
+    GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap);
+    std::vector<BYTE> bytes(static_cast<size_t>(bitmap.bmWidthBytes * bitmap.bmHeight));
+    GetBitmapBits(info.hbmColor, static_cast<LONG>(bytes.size()), bytes.data());
+    DeleteObject(info.hbmColor);
+    DeleteObject(info.hbmMask);
+    width = bitmap.bmWidth;
+    return bytes;
 }
 
-std::vector<DWORD> PixelsOf(int resource) {
-    const int size = GetSystemMetrics(SM_CXSMICON);
-    const auto icon = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource),
-                                                    IMAGE_ICON, size, size, LR_DEFAULTCOLOR));
-    std::vector<DWORD> pixels = PixelsOf(icon);
-    DestroyIcon(icon);
-    return pixels;
-}
-
-int PictureOf(HICON icon) {
-    const std::vector<DWORD> shown = PixelsOf(icon);
+int PictureOf(HICON shown) {
+    int width = 0;
+    const std::vector<BYTE> bytes = BytesOf(shown, width);
     for (const int resource : {IDI_TRAY_REST, IDI_TRAY_0, IDI_TRAY_1, IDI_TRAY_2}) {
-        if (PixelsOf(resource) == shown) return resource;
+        const auto icon = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource),
+                                                        IMAGE_ICON, width, width, LR_DEFAULTCOLOR));
+        const bool isShown = BytesOf(icon, width) == bytes;
+        DestroyIcon(icon);
+        if (isShown) return resource;
     }
     return 0;
 }
 
 BOOL WINAPI NotifyIcon(DWORD action, NOTIFYICONDATAA* data) {
     ShellCall call;
-    call.time = GetTickCount();
     call.action = action;
     if ((data->uFlags & NIF_ICON) != 0) call.picture = PictureOf(data->hIcon);
     call.done = notifyIcon(action, data);
