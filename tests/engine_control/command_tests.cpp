@@ -4,36 +4,38 @@
 #include "tests/engine_control/engine_fixture.h"
 #include "tests/tray_icon/timer_calls.h"
 
-TEST_CASE("a menu command only notes itself, and the engine gets it once, when the menu has closed") {
+TEST_CASE(
+    "a menu command only notes itself, and the engine gets it once, when the menu has closed; it is done "
+    "with "
+    "whatever the engine returns, or where there is none") {
     for (const Command& command : kCommands) {
         CAPTURE(command.member);
-        TimerCalls timers;
-        EngineFixture at;
-        at.server.script.state = command.stateBefore;
-        at.ConnectQuietly();
-        CHECK_FALSE(at.engine.tmMenu().Running());
-        at.Choose(command);
-        CHECK(at.engine.*command.pending);
-        CHECK(at.server.script.calls.empty());
-        CHECK(at.Enabled() == command.menuBefore);
-        CHECK(timers.periods == std::vector<UINT>{500});
-        REQUIRE(at.Tick());
-        CHECK(at.server.script.calls == Calls{command.member});
-        CHECK_FALSE(at.AnyPending());
-        CHECK(at.Enabled() == command.menuAfter);
-        PumpFor(50);
-        CHECK(at.server.script.calls == Calls{command.member});
+        const auto check = [&](const std::string& member, HRESULT result, const Calls& calls,
+                               const std::string& menuBefore, const std::string& menuAfter) {
+            CAPTURE(result);
+            TimerCalls timers;
+            EngineFixture at;
+            at.server.script.results[member] = result;
+            at.server.script.state = command.stateBefore;
+            at.ConnectQuietly();
+            CHECK_FALSE(at.engine.tmMenu().Running());
+            at.Choose(command);
+            CHECK(at.engine.*command.pending);
+            CHECK(at.server.script.calls.empty());
+            CHECK(at.Enabled() == menuBefore);
+            CHECK(timers.periods == std::vector<UINT>{500});
+            REQUIRE(at.Tick());
+            PumpFor(50);
+            CHECK(at.server.script.calls == calls);
+            CHECK_FALSE(at.AnyPending());
+            CHECK(at.Enabled() == menuAfter);
+        };
+        check(command.member, S_OK, {command.member}, command.menuBefore, command.menuAfter);
+        for (const HRESULT failure : kFailures)
+            check(command.member, failure, {command.member}, command.menuBefore, command.menuAfter);
+        check("CreateInstance", REGDB_E_CLASSNOTREG, {}, kDesigned,
+              command.member == "Pause" ? kDesigned : command.menuAfter);
     }
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
-                  "an event within the command's call is overtaken by the command's own menu") {
-    server.script.state = 2;
-    ConnectQuietly();
-    server.script.within["Start"] = [this] { server.Raise(4); };
-    engine.mnuStartKiller_Click();
-    engine.tmMenu_Timer();
-    CHECK(Enabled() == kRunning);
 }
 
 TEST_CASE_FIXTURE(
@@ -84,51 +86,23 @@ TEST_CASE_FIXTURE(EngineFixture, "a tick without a command turns the timer off a
     CHECK(Enabled() == kRunning);
 }
 
-TEST_CASE("a command that fails, or that has no engine, is done with as if it had succeeded") {
-    for (const Command& command : kCommands) {
-        CAPTURE(command.member);
-        for (const HRESULT failure : kFailures) {
-            CAPTURE(failure);
-            EngineFixture at;
-            at.server.script.results[command.member] = failure;
-            at.server.script.state = command.stateBefore;
-            at.ConnectQuietly();
-            at.Choose(command);
-            at.engine.tmMenu_Timer();
-            CHECK(at.server.script.calls == Calls{command.member});
-            CHECK_FALSE(at.AnyPending());
-            CHECK(at.Enabled() == command.menuAfter);
-            CHECK_FALSE(at.engine.tmMenu().Running());
-        }
-        EngineFixture none;
-        none.server.script.results["CreateInstance"] = REGDB_E_CLASSNOTREG;
-        none.ConnectQuietly();
-        none.Choose(command);
-        none.engine.tmMenu_Timer();
-        CHECK_FALSE(none.AnyPending());
-        CHECK(none.Enabled() == (command.member == "Pause" ? kDesigned : command.menuAfter));
-        CHECK(none.server.script.calls.empty());
-    }
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "an engine slower than the timer's period gets the command once") {
+TEST_CASE_FIXTURE(EngineFixture,
+                  "what comes in while a command is carried out: its own tick gives it no second "
+                  "time, its menu overtakes an event's, another command waits for a later one") {
     TimerCalls timers;
+    server.script.state = 2;
     ConnectQuietly();
-    server.script.within["Start"] = [] { PumpFor(100); };
+    server.script.within["Start"] = [this] {
+        PumpFor(100);
+        server.Raise(kStoppedEvent);
+        engine.mnuStopKiller_Click();
+    };
     engine.mnuStartKiller_Click();
     REQUIRE(Tick());
     CHECK(server.script.calls == Calls{"Start"});
+    CHECK(Enabled() == kRunning);
     CHECK_FALSE(engine.bStartPending);
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "a command chosen while another is carried out waits for a later command") {
-    ConnectQuietly();
-    server.script.within["Start"] = [this] { engine.mnuStopKiller_Click(); };
-    engine.mnuStartKiller_Click();
-    engine.tmMenu_Timer();
     CHECK(engine.bStopPending);
-    CHECK_FALSE(engine.tmMenu().Running());
-    CHECK(server.script.calls == Calls{"Start"});
 }
 
 TEST_CASE_FIXTURE(EngineFixture, "a command chosen again while it is carried out is done with it") {

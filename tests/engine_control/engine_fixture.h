@@ -15,6 +15,12 @@
 
 using Calls = std::vector<std::string>;
 
+// The events of an engine object.
+inline constexpr DISPID kKilled = 1;
+inline constexpr DISPID kPausedEvent = 2;
+inline constexpr DISPID kStartedEvent = 3;
+inline constexpr DISPID kStoppedEvent = 4;
+
 // Which of the menu's items are enabled, "Start Stop Pause".
 inline constexpr char kDesigned[] = "+++";
 inline constexpr char kRunning[] = "-++";

@@ -4,15 +4,6 @@
 
 #include "tests/engine_control/engine_fixture.h"
 
-namespace {
-
-constexpr DISPID kKilled = 1;
-constexpr DISPID kPaused = 2;
-constexpr DISPID kStarted = 3;
-constexpr DISPID kStoppedEvent = 4;
-
-}  // namespace
-
 TEST_CASE_FIXTURE(EngineFixture,
                   "the engine is created with the window's handle, the reference's address and mode 2") {
     Connect();
@@ -42,28 +33,31 @@ TEST_CASE_FIXTURE(EngineFixture,
 }
 
 TEST_CASE("what fails in connecting leaves the menu as designed, and leave is taken of what was reached") {
+    const Calls toApplication{"CreateInstance"};
+    const Calls toPopup{"CreateInstance", "CreatePopup", "ReleasePopup", "SentrelApp gone"};
+    const Calls toState{"CreateInstance", "CreatePopup",  "Advise",         "State",
+                        "Popup gone",     "ReleasePopup", "SentrelApp gone"};
     struct Row {
         std::string member;
         HRESULT failure;
         Calls calls;
         bool hasEngine;
+        std::string enabled = kDesigned;
     };
-    std::vector<Row> rows;
-    for (const HRESULT failure :
-         {REGDB_E_CLASSNOTREG, CO_E_SERVER_EXEC_FAILURE, E_NOINTERFACE, E_OUTOFMEMORY}) {
+    std::vector<Row> rows{
         // Nobody starts it to leave it either.
-        rows.push_back({"CreateInstance", failure, {"CreateInstance"}, false});
-    }
+        {"CreateInstance", REGDB_E_CLASSNOTREG, toApplication, false},
+        {"CreateInstance", CO_E_SERVER_EXEC_FAILURE, toApplication, false},
+        {"CreateInstance", E_NOINTERFACE, toApplication, false},
+        {"CreateInstance", E_OUTOFMEMORY, toApplication, false},
+        // It creates nothing.
+        {"CreatePopup", S_FALSE, toPopup, false},
+        // An engine without events is still held, and its state read.
+        {"Advise", E_NOINTERFACE, toState, true, kRunning},
+    };
     for (const HRESULT failure : kFailures) {
-        rows.push_back({"CreatePopup",
-                        failure,
-                        {"CreateInstance", "CreatePopup", "ReleasePopup", "SentrelApp gone"},
-                        false});
-        rows.push_back({"State",
-                        failure,
-                        {"CreateInstance", "CreatePopup", "Advise", "State", "Popup gone", "ReleasePopup",
-                         "SentrelApp gone"},
-                        true});
+        rows.push_back({"CreatePopup", failure, toPopup, false});
+        rows.push_back({"State", failure, toState, true});
     }
     for (const Row& row : rows) {
         CAPTURE(row.member);
@@ -72,27 +66,11 @@ TEST_CASE("what fails in connecting leaves the menu as designed, and leave is ta
         at.server.script.results[row.member] = row.failure;
         at.Connect();
         CHECK((at.engine.Popup() != nullptr) == row.hasEngine);
-        if (row.hasEngine) CHECK(at.server.ConnectionCount() == 1);
-        CHECK(at.Enabled() == kDesigned);
+        if (row.hasEngine) CHECK(at.server.ConnectionCount() == (row.member == "Advise" ? 0U : 1U));
+        CHECK(at.Enabled() == row.enabled);
         at.Disconnect();
         CHECK(at.server.script.calls == row.calls);
     }
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "an application that creates nothing leaves the engine absent") {
-    server.script.createsNothing = true;
-    Connect();
-    CHECK(engine.Popup() == nullptr);
-    CHECK(Enabled() == kDesigned);
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "an engine without events is still held and its state read") {
-    server.script.results["Advise"] = E_NOINTERFACE;
-    server.script.state = 2;
-    Connect();
-    CHECK(engine.Popup() != nullptr);
-    CHECK(Enabled() == kStopped);
-    CHECK(server.script.calls == Calls{"CreateInstance", "CreatePopup", "Advise", "State"});
 }
 
 TEST_CASE_FIXTURE(EngineFixture,
@@ -102,30 +80,27 @@ TEST_CASE_FIXTURE(EngineFixture,
     CHECK(engine.Popup() == nullptr);
     CHECK(server.script.calls == Calls{"Popup gone"});
     CHECK(server.popup == nullptr);
-
     Disconnect();
     CHECK(server.script.calls == Calls{"Popup gone", "ReleasePopup", "SentrelApp gone"});
-    CHECK(server.script.configHwnd == window.Number());
-    CHECK(server.script.configForm == 0x1234);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "disconnecting lets go of the engine before it takes leave, once") {
+TEST_CASE_FIXTURE(EngineFixture,
+                  "disconnecting lets go of the engine before it takes leave, once, failing or not") {
+    const Calls left{"Popup gone", "ReleasePopup", "SentrelApp gone"};
     ConnectQuietly();
     engine.Disconnect(window.Hwnd(), 0x5678);
     engine.Disconnect(window.Hwnd(), 0x5678);
     engine.Release();
-    CHECK(server.script.calls == Calls{"Popup gone", "ReleasePopup", "SentrelApp gone"});
+    CHECK(server.script.calls == left);
+    CHECK(server.script.configHwnd == window.Number());
     CHECK(server.script.configForm == 0x5678);
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "an engine that fails when it is left is gone all the same") {
     for (const HRESULT failure : kFailures) {
         CAPTURE(failure);
         server.script.results["ReleasePopup"] = failure;
         ConnectQuietly();
         Disconnect();
         CHECK(engine.Popup() == nullptr);
-        CHECK(server.script.calls == Calls{"Popup gone", "ReleasePopup", "SentrelApp gone"});
+        CHECK(server.script.calls == left);
     }
 }
 
@@ -135,7 +110,7 @@ TEST_CASE_FIXTURE(EngineFixture,
     const ComPtr<IDispatch> client = engine.Popup();
     engine.Release();
     CHECK(server.ConnectionCount() == 0);
-    server.Raise(kKilled, {Variant(1L), Variant(L"Win a prize")});
+    server.Raise(kKilled, {1L, L"Win a prize"});
     server.Raise(kStoppedEvent);
     CHECK(notices.empty());
     CHECK(Enabled() == kRunning);
@@ -144,44 +119,32 @@ TEST_CASE_FIXTURE(EngineFixture,
 TEST_CASE_FIXTURE(EngineFixture,
                   "each closed window animates the icon, failing or not, and then gives the notice") {
     Connect();
-    server.Raise(kKilled, {Variant(0x20304L), Variant(L"Win a prize")});
+    server.Raise(kKilled, {0x20304L, L"Win a prize"});
     CHECK(notices == Calls{"animate", "announce"});
     animate = [] { RaiseError(ErrorNumber::ObjectNotSet); };
-    server.Raise(kKilled, {Variant(2L), Variant(L"")});
+    server.Raise(kKilled, {2L, L""});
     CHECK(notices == Calls{"animate", "announce", "animate", "announce"});
     CHECK(Enabled() == kRunning);
 }
 
 TEST_CASE_FIXTURE(EngineFixture,
-                  "an unknown event, and a closed window without its two arguments, do nothing") {
+                  "the engine's events set the menu; an unknown one, and a closed window "
+                  "without its two arguments, do nothing") {
+    struct Row {
+        DISPID event;
+        std::vector<Variant> arguments;
+        std::string enabled;
+    };
     Connect();
-    server.Raise(kKilled, {Variant(1L)});
-    server.Raise(kKilled, {});
-    server.Raise(5);
-    CHECK(notices.empty());
-    CHECK(Enabled() == kRunning);
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "the engine's events set the menu") {
-    Connect();
-    server.Raise(kStoppedEvent);
-    CHECK(Enabled() == kStopped);
-    server.Raise(kStarted);
-    CHECK(Enabled() == kRunning);
-    server.Raise(kPaused);
-    CHECK(Enabled() == kStopped);
+    for (const Row& row :
+         {Row{kStoppedEvent, {}, kStopped}, Row{5, {}, kStopped}, Row{kStartedEvent, {}, kRunning},
+          Row{kKilled, {1L}, kRunning}, Row{kKilled, {}, kRunning}, Row{kPausedEvent, {}, kStopped}}) {
+        CAPTURE(row.event);
+        server.Raise(row.event, row.arguments);
+        CHECK(Enabled() == row.enabled);
+    }
     CHECK(notices.empty());
     CHECK(server.script.Count("State") == 1);
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "the settings are reloaded by the engine") {
-    ConnectQuietly();
-    int done = 0;
-    engine.ReloadSettings([&] {
-        CHECK(server.script.calls == Calls{"ReloadSettings"});
-        ++done;
-    });
-    CHECK(done == 1);
 }
 
 TEST_CASE_FIXTURE(EngineFixture, "the engine tells its log, and the error of one that fails is passed on") {
@@ -201,7 +164,6 @@ TEST_CASE_FIXTURE(EngineFixture, "what a missing engine is asked fails with numb
     engine.ReloadSettings([&] { ++done; });
     CHECK(done == 1);
     CHECK(ErrorOf([&] { engine.LogFile(); }) == HresultOf(ErrorNumber::ObjectNotSet));
-    CHECK(engine.Popup() == nullptr);
 }
 
 TEST_CASE("an engine that is let go of while it is called lives until the call returns") {

@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/com/com_ptr.h"
 #include "platform/com/variant.h"
 #include "sentrel1.h"
 #include "tests/support/import_patch.h"
@@ -18,30 +17,22 @@ struct EngineScript {
     // The calls in order: "CreateInstance", "CreatePopup", "Advise", "State", "Start", ..., "Popup gone".
     std::vector<std::string> calls;
 
-    // The result of each call of that name; S_OK where nothing is set.
+    // The result of each call of that name; S_OK where nothing is set. S_FALSE: it creates nothing.
     std::map<std::string, HRESULT> results;
 
-    // What runs within each call of that name.
+    // What runs within each call of that name; and when the call has its result and has not returned yet.
+    // Also of "Unadvise", which is not among the calls.
     std::map<std::string, std::function<void()>> within;
-
-    // What runs when a call of that name has its result and has not returned yet. "Advise" and "Unadvise":
-    // the connection is made or gone by then.
     std::map<std::string, std::function<void()>> behind;
 
     LONG state = 1;
     std::wstring logFile = L"C:\\Sentrel\\closed.log";
-    bool createsNothing = false;
 
     // The arguments of the last CreatePopup and ReleasePopup.
     LONG configHwnd = 0;
     LONG configForm = 0;
     LONG mode = 0;
 
-    HRESULT Call(const std::string& name);
-
-    // A whole call: done, where it succeeds, gives what it returns.
-    HRESULT Play(const std::string& name, const std::function<void()>& done = {});
-    void Run(const std::map<std::string, std::function<void()>>& bodies, const std::string& name) const;
     int Count(const std::string& name) const;
 };
 

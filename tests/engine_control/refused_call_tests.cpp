@@ -6,8 +6,7 @@
 
 namespace {
 
-const HRESULT kRefusals[] = {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER,
-                             RPC_E_CANTCALLOUT_ININPUTSYNCCALL};
+const Calls kConnecting{"CreateInstance", "CreatePopup", "Advise", "State"};
 
 DWORD waited = 0;  // milliseconds
 
@@ -17,7 +16,7 @@ HRESULT WINAPI NoteWait(DWORD, DWORD milliseconds, ULONG, HANDLE*, DWORD*) {
 }
 
 struct RefusingEngine : EngineFixture {
-    // Refuses the next calls of the member.
+    // The result of the next calls of the member.
     void Refuse(const std::string& member, HRESULT refusal, int times) {
         server.script.results[member] = refusal;
         server.script.within[member] = [this, member, times]() mutable {
@@ -25,8 +24,16 @@ struct RefusingEngine : EngineFixture {
         };
     }
 
+    void RefuseNothing() {
+        server.script.results.clear();
+        server.script.within.clear();
+    }
+
     void Reload() {
-        engine.ReloadSettings([this] { ++done; });
+        engine.ReloadSettings([this] {
+            CHECK(server.script.Count("ReloadSettings") > 0);
+            ++done;
+        });
     }
 
     int done = 0;
@@ -35,34 +42,38 @@ struct RefusingEngine : EngineFixture {
 }  // namespace
 
 TEST_CASE_FIXTURE(RefusingEngine,
-                  "a reload that is refused for now is made again until the engine takes it") {
-    for (const HRESULT refusal : kRefusals) {
-        CAPTURE(refusal);
+                  "a reload that is refused for now is made again until the engine takes it, a "
+                  "hundred times at most; any other result is final") {
+    struct Row {
+        HRESULT result;
+        int times;
+        size_t calls;
+    };
+    const Row rows[] = {
+        {S_OK, 0, 1},
+        {RPC_E_CALL_REJECTED, 3, 4},
+        {RPC_E_SERVERCALL_RETRYLATER, 3, 4},
+        {RPC_E_CANTCALLOUT_ININPUTSYNCCALL, 3, 4},
+        {RPC_E_SERVERCALL_RETRYLATER, 1000, 101},
+        {E_FAIL, 1000, 1},
+        {RPC_E_DISCONNECTED, 1000, 1},
+        {HRESULT_FROM_WIN32(RPC_S_CALL_FAILED), 1000, 1},
+        {HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE), 1000, 1},
+    };
+    for (const Row& row : rows) {
+        CAPTURE(row.result);
+        CAPTURE(row.times);
         done = 0;
         ConnectQuietly();
-        Refuse("ReloadSettings", refusal, 3);
+        Refuse("ReloadSettings", row.result, row.times);
         Reload();
-        CHECK(done == 0);
+        CHECK(done == (row.calls == 1 ? 1 : 0));
         CHECK(server.script.calls == Calls{"ReloadSettings"});
-        REQUIRE(PumpUntil([&] { return done == 1; }));
-        CHECK(server.script.calls == Calls(4, "ReloadSettings"));
+        REQUIRE(PumpUntil([&] { return done == 1; }, 60000));
+        CHECK(server.script.calls == Calls(row.calls, "ReloadSettings"));
         PumpFor(300);
         CHECK(done == 1);
-        CHECK(server.script.calls == Calls(4, "ReloadSettings"));
-    }
-}
-
-TEST_CASE_FIXTURE(RefusingEngine, "any other failure of a reload is final") {
-    Connect();
-    for (const HRESULT failure : {E_FAIL, RPC_E_DISCONNECTED, HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE)}) {
-        CAPTURE(failure);
-        done = 0;
-        server.script.calls.clear();
-        server.script.results["ReloadSettings"] = failure;
-        Reload();
-        CHECK(done == 1);
-        PumpFor(300);
-        CHECK(server.script.calls == Calls{"ReloadSettings"});
+        CHECK(server.script.calls.size() == row.calls);
     }
 }
 
@@ -84,27 +95,18 @@ TEST_CASE_FIXTURE(RefusingEngine, "a menu command that is refused for now reache
     }
 }
 
-TEST_CASE_FIXTURE(RefusingEngine, "what was refused first is given first") {
+TEST_CASE_FIXTURE(RefusingEngine, "what follows a call that is refused for now is given in its order") {
     ConnectQuietly();
-    Refuse("ReloadSettings", RPC_E_CALL_REJECTED, 2);
-    Reload();
+    Refuse("Start", RPC_E_CALL_REJECTED, 2);
     engine.mnuStartKiller_Click();
     engine.tmMenu_Timer();
-    CHECK(server.script.calls == Calls{"ReloadSettings"});
-    REQUIRE(PumpUntil([&] { return server.script.Count("Start") == 1; }));
-    CHECK(server.script.calls == Calls{"ReloadSettings", "ReloadSettings", "ReloadSettings", "Start"});
-    CHECK(done == 1);
-}
-
-TEST_CASE_FIXTURE(RefusingEngine, "a command chosen while an earlier one is refused for now follows it") {
-    ConnectQuietly();
-    Refuse("Start", RPC_E_CALL_REJECTED, 8);
-    engine.mnuStartKiller_Click();
-    REQUIRE(Tick());
+    Reload();
     engine.mnuStopKiller_Click();
+    engine.tmMenu_Timer();
+    CHECK(server.script.calls == Calls{"Start"});
     REQUIRE(PumpUntil([&] { return server.script.Count("Stop") == 1; }));
-    CHECK(server.script.calls.back() == "Stop");
-    CHECK(server.script.Count("Start") == 9);
+    CHECK(server.script.calls == Calls{"Start", "Start", "Start", "ReloadSettings", "Stop"});
+    CHECK(done == 1);
     CHECK(Enabled() == kStopped);
     CHECK_FALSE(AnyPending());
 }
@@ -119,35 +121,28 @@ TEST_CASE_FIXTURE(RefusingEngine, "a refused call is given up when the engine is
     CHECK(server.script.calls.empty());
     CHECK(done == 0);
     // The next window's engine is not held up by it.
-    server.script.results.clear();
-    server.script.within.clear();
+    RefuseNothing();
     ConnectQuietly();
     Reload();
     CHECK(done == 1);
 }
 
-TEST_CASE_FIXTURE(RefusingEngine, "an engine that stays busy is given up after a bounded number of tries") {
-    ConnectQuietly();
-    Refuse("ReloadSettings", RPC_E_SERVERCALL_RETRYLATER, 1000);
-    Reload();
-    REQUIRE(PumpUntil([&] { return done == 1; }, 60000));
-    CHECK(server.script.calls == Calls(101, "ReloadSettings"));
-}
-
 // Counted from the call that is refused: those before it are made once.
 TEST_CASE_FIXTURE(RefusingEngine,
-                  "each call that connects to a busy engine is made until the engine takes it") {
-    const Calls kConnecting{"CreateInstance", "CreatePopup", "Advise", "State"};
+                  "each call of a busy engine whose result is needed is made until the engine takes it") {
+    Calls needed = kConnecting;
+    needed.push_back("LogFile");
     for (const HRESULT refusal : {RPC_E_CALL_REJECTED, RPC_E_SERVERCALL_RETRYLATER}) {
-        for (const std::string& member : kConnecting) {
+        for (const std::string& member : needed) {
             CAPTURE(refusal);
             CAPTURE(member);
             server.script.calls.clear();
             Refuse(member, refusal, 3);
             menu.EnableStoppedMenu();
             Connect();
+            CHECK(engine.LogFile() == server.script.logFile);
             Calls expected;
-            for (const std::string& call : kConnecting)
+            for (const std::string& call : needed)
                 expected.insert(expected.end(), call == member ? 4 : 1, call);
             CHECK(server.script.calls == expected);
             CHECK(server.ConnectionCount() == 1);
@@ -156,13 +151,6 @@ TEST_CASE_FIXTURE(RefusingEngine,
             CHECK(server.popup == nullptr);
         }
     }
-}
-
-TEST_CASE_FIXTURE(RefusingEngine, "the path of the log is asked for until a busy engine tells it") {
-    ConnectQuietly();
-    Refuse("LogFile", RPC_E_CALL_REJECTED, 3);
-    CHECK(engine.LogFile() == server.script.logFile);
-    CHECK(server.script.calls == Calls(4, "LogFile"));
 }
 
 TEST_CASE_FIXTURE(RefusingEngine, "an engine that stays busy holds the window up for a bounded time in all") {
@@ -191,7 +179,7 @@ TEST_CASE_FIXTURE(RefusingEngine,
 }
 
 TEST_CASE_FIXTURE(RefusingEngine, "a wait for a busy engine ends when the engine is released") {
-    for (const std::string member : {"CreateInstance", "CreatePopup", "Advise", "State"}) {
+    for (const std::string& member : kConnecting) {
         CAPTURE(member);
         server.script.calls.clear();
         server.script.results[member] = RPC_E_CALL_REJECTED;
@@ -202,8 +190,7 @@ TEST_CASE_FIXTURE(RefusingEngine, "a wait for a busy engine ends when the engine
         CHECK(server.script.Count(member) == 3);
         CHECK(engine.Popup() == nullptr);
         CHECK(server.popup == nullptr);
-        server.script.results.clear();
-        server.script.within.clear();
+        RefuseNothing();
     }
 }
 
@@ -214,24 +201,18 @@ TEST_CASE_FIXTURE(RefusingEngine, "in a sent message no call of the engine is wa
 }
 
 TEST_CASE_FIXTURE(RefusingEngine,
-                  "events that are connected too late are disconnected even where that is refused") {
-    server.script.behind["Advise"] = [&] {
-        Disconnect();
-        server.script.results["Unadvise"] = RPC_E_CALL_REJECTED;
-    };
-    server.script.within["Unadvise"] = [this, times = 2]() mutable {
-        if (times-- == 0) server.script.results.erase("Unadvise");
-    };
-    Connect();
-    CHECK(PumpUntil([&] { return server.popup == nullptr; }));
-    CHECK(server.script.Count("Popup gone") == 1);
-}
-
-TEST_CASE_FIXTURE(RefusingEngine,
                   "an engine that is released while its events are connected keeps no connection") {
-    server.script.within["Advise"] = [&] { Disconnect(); };
+    SUBCASE("before they are") {
+        server.script.within["Advise"] = [&] { Disconnect(); };
+    }
+    SUBCASE("when they are, and to disconnect them is refused at first") {
+        server.script.behind["Advise"] = [&] {
+            Disconnect();
+            Refuse("Unadvise", RPC_E_CALL_REJECTED, 2);
+        };
+    }
     Connect();
-    CHECK(server.popup == nullptr);
     CHECK(engine.Popup() == nullptr);
+    CHECK(PumpUntil([&] { return server.popup == nullptr; }));
     CHECK(server.script.Count("Popup gone") == 1);
 }

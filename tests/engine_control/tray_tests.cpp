@@ -1,0 +1,253 @@
+// The icon's menu, and what the user's gestures over the icon and in its menu do to the configuration window.
+#include <doctest.h>
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/automation_error.h"
+#include "shell_notification_interface.h"
+#include "tests/support/automation.h"
+#include "tests/support/error_of.h"
+#include "tests/support/import_patch.h"
+#include "tests/support/plain_window.h"
+#include "tray/shell_notification.h"
+#include "tray/tray_gestures.h"
+
+namespace {
+
+using Calls = std::vector<std::string>;
+
+constexpr UINT kNone = static_cast<UINT>(-1);
+
+// Keeps what is asked of the configuration window, the calls to Windows in between, and the menu's other
+// items that are raised.
+struct Tray : TrayWindow {
+    Tray() {
+        current = this;
+        menu.mnuStartKiller_Click = [this] { calls.push_back("Start"); };
+        menu.mnuStopKiller_Click = [this] { calls.push_back("Stop"); };
+        menu.mnuPauseKiller_Click = [this] { calls.push_back("Pause"); };
+    }
+    ~Tray() { current = nullptr; }
+
+    void ShowModeless() override { calls.push_back("Show"); }
+    void PopupTrayMenu(bool pauseIsDefault) override {
+        calls.push_back(pauseIsDefault ? "Pop up, pausing is the default" : "Pop up");
+    }
+
+    static BOOL WINAPI SetForeground(HWND hwnd) {
+        CHECK(hwnd == current->window.Hwnd());
+        current->calls.push_back("SetForegroundWindow");
+        return FALSE;
+    }
+
+    static BOOL WINAPI Post(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+        CHECK(hwnd == current->window.Hwnd());
+        CHECK(wParam == 0);
+        CHECK(lParam == 0);
+        current->calls.push_back("Post " + std::to_string(message) +
+                                 (current->b_OKtoUnload ? ", to unload" : ""));
+        return TRUE;
+    }
+
+    static BOOL WINAPI Cursor(POINT* point) {
+        *point = {321, 123};
+        return TRUE;
+    }
+
+    static BOOL WINAPI Track(HMENU menu, UINT flags, int x, int y, HWND owner, TPMPARAMS* parameters) {
+        const UINT defaultItem = GetMenuDefaultItem(menu, FALSE, GMDI_USEDISABLED);
+        current->calls.push_back(defaultItem == mnuPauseKiller ? "Track, pausing is the default" : "Track");
+        if (defaultItem != mnuPauseKiller) CHECK(defaultItem == kNone);
+        CHECK(menu == current->menu.Handle());
+        CHECK((flags & (TPM_RIGHTBUTTON | TPM_RETURNCMD)) == (TPM_RIGHTBUTTON | TPM_RETURNCMD));
+        CHECK((flags & TPM_NONOTIFY) == 0);
+        CHECK(x == 321);
+        CHECK(y == 123);
+        CHECK(owner == current->window.Hwnd());
+        CHECK(parameters == nullptr);
+        if (current->whileShown) current->whileShown();
+        return static_cast<BOOL>(std::exchange(current->chosen, 0));
+    }
+
+    // Chooses from the menu, or leaves it.
+    Calls PopUp(UINT item = 0, bool pauseIsDefault = false) {
+        calls.clear();
+        chosen = item;
+        menu.PopUp(window.Hwnd(), pauseIsDefault);
+        return calls;
+    }
+
+    void Connect() { gestures.Connect(window.Hwnd(), static_cast<IDispatch*>(icon.Get())); }
+
+    // Calls the listener to the icon's event, which the icon itself never raises. S_FALSE where nobody
+    // listens.
+    HRESULT Raise(std::vector<VARIANT> lastToFirst) {
+        const ComPtr<IDispatch> listener =
+            ListenerTo(static_cast<IDispatch*>(icon.Get()), __uuidof(__ShellNotification));
+        if (!listener) return S_FALSE;
+        DISPPARAMS arguments{lastToFirst.data(), nullptr, static_cast<UINT>(lastToFirst.size()), 0};
+        return listener->Invoke(1, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &arguments, nullptr,
+                                nullptr, nullptr);
+    }
+
+    HRESULT RaiseMouseUp(float x) {
+        short number = 2;
+        float y = 0;
+        std::vector<VARIANT> arguments(4);
+        arguments[3].vt = arguments[2].vt = VT_BYREF | VT_I2;
+        arguments[3].piVal = arguments[2].piVal = &number;
+        arguments[1].vt = arguments[0].vt = VT_BYREF | VT_R4;
+        arguments[1].pfltVal = &x;
+        arguments[0].pfltVal = &y;
+        return Raise(arguments);
+    }
+
+    static inline Tray* current = nullptr;
+
+    PlainWindow window;
+    ComPtr<ShellNotification> icon = MakeObject<ShellNotification>();
+    TrayMenu menu;
+    bool b_OKtoUnload = false;
+    TrayGestures gestures{menu, *this, b_OKtoUnload};
+    Calls calls;
+    UINT chosen = 0;
+    std::function<void()> whileShown;
+    const ImportPatch setForegroundWindow{"user32.dll", "SetForegroundWindow", &SetForeground};
+    const ImportPatch postToWindow{"user32.dll", "PostMessageA", &Post};
+    const ImportPatch postBehindMenu{"user32.dll", "PostMessageW", &Post};
+    const ImportPatch cursor{"user32.dll", "GetCursorPos", &Cursor};
+    const ImportPatch track{"user32.dll", "TrackPopupMenuEx", &Track};
+};
+
+std::wstring CaptionOf(HMENU menu, UINT position) {
+    wchar_t text[80] = L"";
+    GetMenuStringW(menu, position, text, 80, MF_BYPOSITION);
+    return text;
+}
+
+}  // namespace
+
+TEST_CASE("the menu has its items in order, captioned and enabled, the last two always") {
+    const std::pair<UINT, const wchar_t*> items[] = {{mnuStartKiller, L"&Start Sentrel"},
+                                                     {mnuStopKiller, L"S&top Sentrel"},
+                                                     {mnuSep1, L""},
+                                                     {mnuPauseKiller, L"&Pause Sentrel"},
+                                                     {mnuSep2, L""},
+                                                     {mnuShowConfig, L"&Open Calvane Configuration"},
+                                                     {mnuExit, L"E&xit Calvane"}};
+    TrayMenu menu;
+    REQUIRE(GetMenuItemCount(menu.Handle()) == 7);
+    CHECK(GetMenuDefaultItem(menu.Handle(), FALSE, GMDI_USEDISABLED) == kNone);
+    UINT position = 0;
+    for (const auto& [id, caption] : items) {
+        CAPTURE(id);
+        CHECK(CaptionOf(menu.Handle(), position) == caption);
+        CHECK(GetMenuItemID(menu.Handle(), static_cast<int>(position)) == id);
+        const UINT state = GetMenuState(menu.Handle(), position++, MF_BYPOSITION);
+        const bool isSeparator = id == mnuSep1 || id == mnuSep2;
+        CHECK(((state & MF_SEPARATOR) != 0) == isSeparator);
+        if (!isSeparator) CHECK((state & (MF_GRAYED | MF_DISABLED | MF_CHECKED)) == 0);
+    }
+    for (const auto enable : {&TrayMenu::EnableRunningMenu, &TrayMenu::EnableStoppedMenu}) {
+        (menu.*enable)();
+        for (const UINT item : {mnuShowConfig, mnuExit})
+            CHECK((GetMenuState(menu.Handle(), item, MF_BYCOMMAND) & MF_GRAYED) == 0);
+    }
+}
+
+TEST_CASE("the menu has its caption, on a menu bar, and goes with its object") {
+    HMENU handle = nullptr;
+    {
+        const TrayMenu menu;
+        handle = menu.Handle();
+        CHECK(IsMenu(handle));
+        // Nobody hands the bar out: it is looked for among all menus, by the low halves of their handles.
+        std::vector<std::wstring> captions;
+        for (ULONG_PTR number = 0x20; number < 0x10000; number += 2) {
+            const HMENU bar = reinterpret_cast<HMENU>(number);
+            if (IsMenu(bar) && GetSubMenu(bar, 0) == handle) captions.push_back(CaptionOf(bar, 0));
+        }
+        CHECK(captions == std::vector<std::wstring>{L"Config Popup"});
+    }
+    CHECK_FALSE(IsMenu(handle));
+}
+
+TEST_CASE_FIXTURE(
+    Tray,
+    "the menu pops up at the cursor for either button, and a message is posted behind it before "
+    "the chosen item is raised") {
+    CHECK(PopUp(mnuStartKiller) == Calls{"Track", "Post 0", "Start"});
+    CHECK(PopUp(mnuStopKiller) == Calls{"Track", "Post 0", "Stop"});
+    CHECK(PopUp(mnuPauseKiller) == Calls{"Track", "Post 0", "Pause"});
+    CHECK(PopUp(mnuShowConfig) == Calls{"Track", "Post 0", "Show"});
+    CHECK(PopUp() == Calls{"Track", "Post 0"});
+    // An item that nobody listens to.
+    menu.mnuStartKiller_Click = nullptr;
+    CHECK(PopUp(mnuStartKiller) == Calls{"Track", "Post 0"});
+}
+
+TEST_CASE_FIXTURE(Tray, "pausing is the default item where asked for, and none is otherwise") {
+    const Calls asked{"Track, pausing is the default", "Post 0"};
+    CHECK(PopUp(0, true) == asked);
+    CHECK(PopUp(0, false) == Calls{"Track", "Post 0"});
+    menu.EnableStoppedMenu();
+    CHECK(PopUp(0, true) == asked);
+}
+
+TEST_CASE_FIXTURE(Tray, "a menu that is shown is not shown a second time, until an item is raised") {
+    whileShown = [&] { menu.PopUp(window.Hwnd(), false); };
+    CHECK(PopUp() == Calls{"Track", "Post 0"});
+    whileShown = nullptr;
+    menu.mnuShowConfig_Click = [&] { menu.PopUp(window.Hwnd(), false); };
+    CHECK(PopUp(mnuShowConfig) == Calls{"Track", "Post 0", "Track", "Post 0"});
+}
+
+TEST_CASE_FIXTURE(
+    Tray,
+    "leaving lets the window unload, then posts it a close message, whether the icon has events or not") {
+    SUBCASE("with events") {
+        Connect();
+    }
+    SUBCASE("without") {
+        CHECK(ErrorOf([&] { gestures.Connect(window.Hwnd(), nullptr); }) != S_OK);
+    }
+    CHECK(PopUp(mnuExit) == Calls{"Track", "Post 0", "Post 16, to unload"});
+}
+
+TEST_CASE_FIXTURE(
+    Tray,
+    "any mouse event of the icon brings the window to the foreground; a double click, in twips, "
+    "shows it, a release of the right button pops up the menu without a default item") {
+    Connect();
+    CHECK(RaiseMouseUp(7725.0f) == S_OK);
+    CHECK(calls == Calls{"SetForegroundWindow", "Show"});
+    calls.clear();
+    CHECK(RaiseMouseUp(7755.0f) == S_OK);
+    CHECK(calls == Calls{"SetForegroundWindow", "Pop up"});
+    for (const float x :
+         {0.0f, 515.0f, 517.0f, 7695.0f, 7710.0f, 7724.0f, 7724.5f, 7740.0f, 7756.0f, -7725.0f}) {
+        CAPTURE(x);
+        calls.clear();
+        CHECK(RaiseMouseUp(x) == S_OK);
+        CHECK(calls == Calls{"SetForegroundWindow"});
+    }
+}
+
+TEST_CASE_FIXTURE(Tray, "the icon's event reaches its handler until it is disconnected") {
+    Connect();
+    CHECK(RaiseMouseUp(0) == S_OK);
+    gestures.Disconnect();
+    CHECK(RaiseMouseUp(0) == S_FALSE);
+    CHECK(icon->AddRef() == 2);
+    CHECK(icon->Release() == 1);
+}
+
+TEST_CASE_FIXTURE(Tray, "an event with other arguments than its own is refused") {
+    Connect();
+    CHECK(Raise({}) == HresultOf(ErrorNumber::TypeMismatch));
+    CHECK(Raise(std::vector<VARIANT>(4)) == HresultOf(ErrorNumber::TypeMismatch));
+    CHECK(calls.empty());
+}
