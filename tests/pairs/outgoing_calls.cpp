@@ -1,3 +1,4 @@
+// Every call that the manager makes out of its own code, and how it comes to be made.
 #include <algorithm>
 #include <iterator>
 #include <string_view>
