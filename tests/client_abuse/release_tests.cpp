@@ -144,8 +144,8 @@ TEST_CASE(
     REQUIRE(held.Arrives());
     board->isReleased = true;
     ComPtr<_ConfigControl> next;
-    CHECK(CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&next)) ==
-          S_OK);
+    REQUIRE(CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&next)) ==
+            S_OK);
     CHECK(ProcessesOf(kProgram).size() == 2);
     // Few calls: the engine may not hold the leave up for longer than the manager waits for it.
     CHECK(PumpUntil([&] { return board->rounds >= kClients; }));
