@@ -107,8 +107,9 @@ struct CleanRegistry {
 
     // As if the server had been registered from another folder, with this command line.
     void MoveElsewhere(const std::wstring& commandLine) const {
-        machine.Write(kFirstServerKey, L"", commandLine);
-        machine.Write(kFirstServerKey, L"ServerExecutable", kOtherServer);
+        // With the NUL at their ends, which Wine would sometimes add when they are put back.
+        machine.Write(kFirstServerKey, L"", commandLine + L'\0');
+        machine.Write(kFirstServerKey, L"ServerExecutable", std::wstring(kOtherServer) + L'\0');
         OwnTypeLibrary(kPublicTypeLibrary).Register(false, kOtherServer);
     }
 
