@@ -29,8 +29,7 @@ std::wstring CreationArguments(const Session& session) {
 
 TEST_CASE(
     "a window creates an engine object with its handle, a reference and mode 2, and takes leave with the "
-    "same "
-    "arguments; so does the one made after it") {
+    "same arguments; so does the one made after it") {
     Session session;
     session.Open();
     const HWND first = session.window;

@@ -6,8 +6,7 @@
 
 TEST_CASE(
     "a menu command only notes itself, and the engine gets it once, when the menu has closed; it is done "
-    "with "
-    "whatever the engine returns, or where there is none") {
+    "with whatever the engine returns, or where there is none") {
     for (const Command& command : kCommands) {
         CAPTURE(command.member);
         const auto check = [&](const std::string& member, HRESULT result, const Calls& calls,

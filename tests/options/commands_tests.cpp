@@ -40,8 +40,7 @@ struct EditedPage : SettingsWindow {
 
 TEST_CASE(
     "Apply saves, tells the engine after that, and clears the mark last; OK saves, hides the window and "
-    "clears the "
-    "mark, and the engine is not told") {
+    "clears the mark, and the engine is not told") {
     for (const bool isApply : {true, false}) {
         CAPTURE(isApply);
         EditedPage page;

@@ -128,8 +128,7 @@ TEST_CASE("the start name and the path that is kept, for each way in which the d
 
 TEST_CASE(
     "the file button enables the test button exactly when Play Sound is checked and there is a file, and "
-    "marks a "
-    "change, also when the dialog is cancelled") {
+    "marks a change, also when the dialog is cancelled") {
     struct Row {
         bool playSound;
         Reply reply;

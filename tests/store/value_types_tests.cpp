@@ -98,8 +98,7 @@ TEST_CASE("each value type stores its own bytes and reads back as its own kind")
 
 TEST_CASE(
     "texts of any length pass through the code page, whatever the type; an empty one is stored as no bytes "
-    "and "
-    "read as what the caller held") {
+    "and read as what the caller held") {
     const TestHive hive(HKEY_CURRENT_USER);
     std::wstring longText;
     for (int i = 0; i < 65536; ++i)
