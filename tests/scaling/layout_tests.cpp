@@ -65,7 +65,8 @@ std::string PlaceOf(HWND control) {
 // The name by which clients ask for the control; those of dialogs have none.
 std::wstring ControlName(HWND control) {
     if (g_frmConfig == nullptr) return {};
-    for (const Control* const each : ConfigControls().All()) {
+    const ConfigControls controls;
+    for (const Control* const each : controls.All()) {
         LONG handle = 0;
         g_frmConfig->ControlHwnd(BstrHandle(NewBstr(each->Name())).Get(), &handle);
         if (handle == HandleToLong(control)) return L' ' + std::wstring(each->Name());
