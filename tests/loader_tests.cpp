@@ -8,11 +8,11 @@
 
 #include <string>
 
-#include "platform/text.h"
 #include "store/server_directory.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/other_process.h"
 #include "tests/support/program.h"
+#include "tests/support/shown_text.h"
 
 namespace {
 
@@ -25,9 +25,9 @@ HWND ManagerWindow() {
     return FindWindowW(nullptr, L"Calvane");
 }
 
-int SelectedTab() {
+LRESULT SelectedTab() {
     const HWND tabs = FindWindowExW(ManagerWindow(), nullptr, WC_TABCONTROLW, nullptr);
-    return static_cast<int>(SendMessageW(tabs, TCM_GETCURSEL, 0, 0));
+    return SendMessageW(tabs, TCM_GETCURSEL, 0, 0);
 }
 
 // No manager runs when a test starts and ends.
@@ -61,30 +61,25 @@ void CALLBACK CloseMessageBox(HWND, UINT, UINT_PTR, DWORD) {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(NoManager, "without a switch the loader loads the manager hidden and leaves it running") {
-    CHECK(RunProgram(kLoader) == 0);
-    CHECK(ProgramEnds(kLoader));
-    REQUIRE(ManagerWindow() != nullptr);
-    PumpFor(1000);
-    CHECK(ProcessesOf(kManager).size() == 1);
-    CHECK_FALSE(IsWindowVisible(ManagerWindow()));
-}
-
 TEST_CASE(
-    "a switch shows the window on its page, in any letter case, be it the running manager's or a new one's; "
-    "loading again leaves it shown") {
+    "without a switch the loader loads the manager hidden and leaves it running, shown or not; a switch "
+    "shows the window on its page, in any letter case, be it the running manager's or a new one's") {
     struct Row {
-        const wchar_t* command;
+        std::wstring command;
         bool isLoaded;
         int tab;
     };
     for (const Row& row :
-         {Row{L"/show", true, 0}, Row{L"/SHOW", true, 0}, Row{L"/about", false, kAboutTab}}) {
-        CAPTURE(ToAnsi(row.command));
+         {Row{L"/show", false, 0}, Row{L"/SHOW", true, 0}, Row{L"/about", false, kAboutTab}}) {
+        CAPTURE(row.command);
         const NoManager none;
-        if (row.isLoaded) CHECK(RunProgram(kLoader) == 0);
+        if (row.isLoaded) {
+            CHECK(RunProgram(kLoader) == 0);
+            PumpFor(1000);
+            REQUIRE(ManagerWindow() != nullptr);
+            CHECK_FALSE(IsWindowVisible(ManagerWindow()));
+        }
         const HWND loaded = ManagerWindow();
-        CHECK((loaded != nullptr) == row.isLoaded);
         CHECK(RunProgram(kLoader, row.command) == 0);
         CHECK(PumpUntil([] { return IsWindowVisible(ManagerWindow()) != FALSE; }));
         if (row.isLoaded) CHECK(ManagerWindow() == loaded);
@@ -117,21 +112,14 @@ TEST_CASE_FIXTURE(NoManager,
 }
 
 TEST_CASE_FIXTURE(NoManager,
-                  "the release switch takes no other program's window of the same caption for the manager") {
-    const NoClass unregistered;  // a manager that is asked for cannot be had
+                  "the exit code tells that no manager is registered; only who waits for a window reads why, "
+                  "and another program's window of the same caption is no manager to release") {
+    const NoClass unregistered;
     const HWND foreign =
         CreateWindowW(WC_STATICW, L"Calvane", WS_POPUP, 0, 0, 1, 1, nullptr, nullptr, nullptr, nullptr);
-    REQUIRE(ManagerWindow() == foreign);
-    CHECK(RunProgram(kLoader, L"/release") == 0);
-    DestroyWindow(foreign);
-}
-
-TEST_CASE_FIXTURE(
-    NoManager, "the exit code tells that no manager is registered; only who waits for a window reads why") {
-    const NoClass unregistered;
     const UINT_PTR timer = SetTimer(nullptr, 0, 20, CloseMessageBox);
-    CHECK(RunProgram(kLoader) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
     CHECK(RunProgram(kLoader, L"/release") == 0);
+    CHECK(RunProgram(kLoader) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
     CHECK(shownMessage.empty());
     for (const wchar_t* const command : {L"/show", L"/about"}) {
         CHECK(RunProgram(kLoader, command) == static_cast<DWORD>(REGDB_E_CLASSNOTREG));
@@ -140,6 +128,7 @@ TEST_CASE_FIXTURE(
         shownMessage.clear();
     }
     KillTimer(nullptr, timer);
+    DestroyWindow(foreign);
 }
 
 TEST_CASE("the loader has the manager's icon") {

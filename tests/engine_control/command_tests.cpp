@@ -2,7 +2,7 @@
 #include <doctest.h>
 
 #include "tests/engine_control/engine_fixture.h"
-#include "tests/tray_icon/timer_calls.h"
+#include "tests/support/import_fake.h"
 
 TEST_CASE(
     "a menu command only notes itself, and the engine gets it once, when the menu has closed; it is done "
@@ -12,8 +12,7 @@ TEST_CASE(
         const auto check = [&](const std::string& member, HRESULT result, const Calls& calls,
                                const std::string& menuBefore, const std::string& menuAfter) {
             CAPTURE(result);
-            TimerCalls timers;
-            EngineFixture at;
+            TickingEngine at;
             at.server.script.results[member] = result;
             at.server.script.state = command.stateBefore;
             at.ConnectQuietly();
@@ -22,9 +21,7 @@ TEST_CASE(
             CHECK(at.engine.*command.pending);
             CHECK(at.server.script.calls.empty());
             CHECK(at.Enabled() == menuBefore);
-            CHECK(timers.periods == std::vector<UINT>{500});
-            REQUIRE(at.Tick());
-            PumpFor(50);
+            at.Tick();
             CHECK(at.server.script.calls == calls);
             CHECK_FALSE(at.AnyPending());
             CHECK(at.Enabled() == menuAfter);
@@ -37,90 +34,73 @@ TEST_CASE(
     }
 }
 
-TEST_CASE_FIXTURE(
-    EngineFixture,
-    "a second command does not put off the tick that the first one waits for, and is left over") {
-    TimerCalls timers;
+TEST_CASE_FIXTURE(TickingEngine,
+                  "one command a tick: start before stop before pause, however often chosen; what is left "
+                  "waits for the next command's tick") {
+    int starts = 0;
+    const ImportFake<"SetTimer", decltype(&SetTimer)> timer{
+        "user32.dll", [&](HWND owner, UINT_PTR id, UINT period, TIMERPROC procedure) {
+            ++starts;
+            return timer.Original(owner, id, period, procedure);
+        }};
     ConnectQuietly();
+    engine.mnuStopKiller_Click();
     engine.mnuStartKiller_Click();
     engine.mnuStopKiller_Click();
     // Set again, the timer would begin again.
-    CHECK(timers.periods == std::vector<UINT>{500});
-    REQUIRE(Tick());
-    PumpFor(50);
+    CHECK(starts == 1);
+    Tick();
     CHECK(server.script.calls == Calls{"Start"});
     CHECK(engine.bStopPending);
     CHECK(Enabled() == kRunning);
 
-    // The next command's tick serves the stop that was left over, before the pause.
     engine.mnuPauseKiller_Click();
-    REQUIRE(Tick());
+    Tick();
     CHECK(server.script.calls == Calls{"Start", "Stop"});
     CHECK(engine.bPausePending);
     CHECK(Enabled() == kStopped);
-}
 
-TEST_CASE_FIXTURE(EngineFixture, "one command a tick: start before stop before pause, however often chosen") {
-    ConnectQuietly();
-    engine.mnuPauseKiller_Click();
-    engine.mnuStopKiller_Click();
-    engine.mnuStopKiller_Click();
+    // A tick may find nothing to do.
     engine.mnuStartKiller_Click();
-    Calls served;
-    for (const Command& command : kCommands) {
-        served.push_back(command.member);
-        engine.tmMenu_Timer();
-        CHECK(server.script.calls == served);
-        CHECK_FALSE(engine.tmMenu().Running());
-    }
-    CHECK_FALSE(AnyPending());
+    engine.bStartPending = engine.bPausePending = false;
+    Tick();
+    CHECK(server.script.calls == Calls{"Start", "Stop"});
+    CHECK(Enabled() == kStopped);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "a tick without a command turns the timer off and calls nothing") {
-    ConnectQuietly();
-    engine.mnuStartKiller_Click();
-    engine.bStartPending = false;
-    REQUIRE(Tick());
-    CHECK(server.script.calls.empty());
-    CHECK(Enabled() == kRunning);
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
+TEST_CASE_FIXTURE(TickingEngine,
                   "what comes in while a command is carried out: its own tick gives it no second "
                   "time, its menu overtakes an event's, another command waits for a later one") {
-    TimerCalls timers;
     server.script.state = 2;
     ConnectQuietly();
     server.script.within["Start"] = [this] {
-        PumpFor(100);
+        CHECK(clock.Tick(kMenuInterval) == 1);
         server.Raise(kStoppedEvent);
         engine.mnuStopKiller_Click();
     };
     engine.mnuStartKiller_Click();
-    REQUIRE(Tick());
+    Tick();
     CHECK(server.script.calls == Calls{"Start"});
     CHECK(Enabled() == kRunning);
     CHECK_FALSE(engine.bStartPending);
     CHECK(engine.bStopPending);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "a command chosen again while it is carried out is done with it") {
+TEST_CASE_FIXTURE(TickingEngine, "a command chosen again while it is carried out is done with it") {
     ConnectQuietly();
     for (const Command& command : kCommands) {
         CAPTURE(command.member);
         server.script.within[command.member] = [&] { Choose(command); };
         Choose(command);
-        engine.tmMenu_Timer();
+        Tick();
         CHECK_FALSE(AnyPending());
     }
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "letting go of the engine turns the timer off") {
-    TimerCalls timers;
+TEST_CASE_FIXTURE(TickingEngine, "letting go of the engine turns the timer off") {
     ConnectQuietly();
     engine.mnuStartKiller_Click();
     engine.Release();
     CHECK_FALSE(engine.tmMenu().Running());
-    PumpFor(50);
-    CHECK(server.script.Count("Start") == 0);
+    CHECK_FALSE(clock.AnyRuns());
 }

@@ -7,8 +7,7 @@
 
 #include "platform/automation_error.h"
 #include "tests/engine_control/fake_engine.h"
-#include "tests/support/error_of.h"
-#include "tests/support/message_pump.h"
+#include "tests/pairs/clock.h"
 #include "tests/support/plain_window.h"
 #include "tests/support/shown_text.h"
 #include "tray/engine_control.h"
@@ -70,12 +69,15 @@ struct EngineFixture {
 
     void Choose(const Command& command) { (menu.*command.item)(); }
 
-    bool AnyPending() const { return engine.bStartPending || engine.bStopPending || engine.bPausePending; }
-
-    // Until the timer of the commands is off again.
-    bool Tick() {
-        return PumpUntil([&] { return !engine.tmMenu().Running(); });
+    // The result of the next calls of the member.
+    void Refuse(const std::string& member, HRESULT refusal, int times) {
+        server.script.results[member] = refusal;
+        server.script.within[member] = [this, member, times]() mutable {
+            if (times-- == 0) server.script.results.erase(member);
+        };
     }
+
+    bool AnyPending() const { return engine.bStartPending || engine.bStopPending || engine.bPausePending; }
 
     PlainWindow window;
     FakeEngine server;
@@ -88,4 +90,17 @@ struct EngineFixture {
                              if (animate) animate();
                          },
                          [this] { notices.push_back("announce"); }};
+};
+
+inline constexpr UINT kMenuInterval = 500;  // milliseconds
+
+// One whose timers tick when the test says so.
+struct TickingEngine : EngineFixture {
+    // The tick of the commands' timer, which is off after it.
+    void Tick() {
+        CHECK(clock.Tick(kMenuInterval) == 1);
+        CHECK_FALSE(engine.tmMenu().Running());
+    }
+
+    Clock clock;
 };

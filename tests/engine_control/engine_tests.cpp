@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "tests/engine_control/engine_fixture.h"
+#include "tests/support/error_of.h"
 
 TEST_CASE_FIXTURE(EngineFixture,
                   "the engine is created with the window's handle, the reference's address and mode 2") {
@@ -19,9 +20,8 @@ TEST_CASE_FIXTURE(EngineFixture,
 
 TEST_CASE_FIXTURE(EngineFixture,
                   "the menu is the state's: 1 is running, 2 and 3 are stopped, others are nothing") {
-    const std::pair<LONG, const char*> rows[] = {
-        {0, kDesigned}, {4, kDesigned}, {-1, kDesigned}, {0x7fffffff, kDesigned},
-        {1, kRunning},  {2, kStopped},  {3, kStopped}};
+    const std::pair<LONG, std::string> rows[] = {{0, kDesigned}, {1, kRunning},  {2, kStopped},
+                                                 {3, kStopped},  {4, kDesigned}, {-1, kDesigned}};
     for (const auto& [state, enabled] : rows) {
         CAPTURE(state);
         menu.EnableDesignedMenu();
@@ -74,17 +74,6 @@ TEST_CASE("what fails in connecting leaves the menu as designed, and leave is ta
 }
 
 TEST_CASE_FIXTURE(EngineFixture,
-                  "letting go of the engine gives up its events too, takes no leave yet and never stops it") {
-    ConnectQuietly();
-    engine.Release();
-    CHECK(engine.Popup() == nullptr);
-    CHECK(server.script.calls == Calls{"Popup gone"});
-    CHECK(server.popup == nullptr);
-    Disconnect();
-    CHECK(server.script.calls == Calls{"Popup gone", "ReleasePopup", "SentrelApp gone"});
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
                   "disconnecting lets go of the engine before it takes leave, once, failing or not") {
     const Calls left{"Popup gone", "ReleasePopup", "SentrelApp gone"};
     ConnectQuietly();
@@ -105,49 +94,63 @@ TEST_CASE_FIXTURE(EngineFixture,
 }
 
 TEST_CASE_FIXTURE(EngineFixture,
-                  "no event arrives after the engine was let go of, though somebody else still holds it") {
+                  "letting go of the engine gives up its events, though somebody else still holds it and it "
+                  "still raises them, and takes no leave yet") {
     ConnectQuietly();
-    const ComPtr<IDispatch> client = engine.Popup();
+    const auto raise = [this] {
+        server.Raise(kKilled, {1L, L"Win a prize"});
+        server.Raise(kStoppedEvent);
+    };
+    ComPtr<IDispatch> client = engine.Popup();
+    server.script.within["Unadvise"] = raise;
     engine.Release();
+    CHECK(engine.Popup() == nullptr);
     CHECK(server.ConnectionCount() == 0);
-    server.Raise(kKilled, {1L, L"Win a prize"});
-    server.Raise(kStoppedEvent);
+    raise();
     CHECK(notices.empty());
     CHECK(Enabled() == kRunning);
+    client.Reset();
+    CHECK(server.script.calls == Calls{"Popup gone"});
 }
 
 TEST_CASE_FIXTURE(EngineFixture,
-                  "each closed window animates the icon, failing or not, and then gives the notice") {
-    Connect();
-    server.Raise(kKilled, {0x20304L, L"Win a prize"});
-    CHECK(notices == Calls{"animate", "announce"});
-    animate = [] { RaiseError(ErrorNumber::ObjectNotSet); };
-    server.Raise(kKilled, {2L, L""});
-    CHECK(notices == Calls{"animate", "announce", "animate", "announce"});
-    CHECK(Enabled() == kRunning);
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
-                  "the engine's events set the menu; an unknown one, and a closed window "
-                  "without its two arguments, do nothing") {
+                  "the engine's events set the menu; each closed window animates the icon, failing or not, "
+                  "and then gives the notice; what is no event of an engine does nothing") {
     struct Row {
+        std::string what;
         DISPID event;
         std::vector<Variant> arguments;
         std::string enabled;
+        Calls notices;
+    };
+    const Calls notice{"animate", "announce"};
+    const Row rows[] = {
+        {"stopped", kStoppedEvent, {}, kStopped, {}},
+        {"a number that no event has", 5, {}, kStopped, {}},
+        {"started", kStartedEvent, {}, kRunning, {}},
+        {"a closed window", kKilled, {0x20304L, L"Win a prize"}, kRunning, notice},
+        {"a closed window that lacks its caption", kKilled, {1L}, kRunning, {}},
+        {"a closed window that lacks everything", kKilled, {}, kRunning, {}},
+        {"paused", kPausedEvent, {}, kStopped, {}},
+        {"a closed window without a caption", kKilled, {2L, L""}, kStopped, notice},
     };
     Connect();
-    for (const Row& row :
-         {Row{kStoppedEvent, {}, kStopped}, Row{5, {}, kStopped}, Row{kStartedEvent, {}, kRunning},
-          Row{kKilled, {1L}, kRunning}, Row{kKilled, {}, kRunning}, Row{kPausedEvent, {}, kStopped}}) {
-        CAPTURE(row.event);
-        server.Raise(row.event, row.arguments);
-        CHECK(Enabled() == row.enabled);
+    for (const bool fails : {false, true}) {
+        if (fails) animate = [] { RaiseError(ErrorNumber::ObjectNotSet); };
+        for (const Row& row : rows) {
+            CAPTURE(row.what);
+            notices.clear();
+            server.Raise(row.event, row.arguments);
+            CHECK(Enabled() == row.enabled);
+            CHECK(notices == row.notices);
+        }
     }
-    CHECK(notices.empty());
     CHECK(server.script.Count("State") == 1);
 }
 
-TEST_CASE_FIXTURE(EngineFixture, "the engine tells its log, and the error of one that fails is passed on") {
+TEST_CASE_FIXTURE(EngineFixture,
+                  "the engine tells its log; the error of one that fails, or is missing, is passed on, and a "
+                  "reload is done without it") {
     Connect();
     CHECK(engine.LogFile() == L"C:\\Sentrel\\closed.log");
     server.script.logFile.clear();
@@ -157,13 +160,11 @@ TEST_CASE_FIXTURE(EngineFixture, "the engine tells its log, and the error of one
         server.script.results["LogFile"] = failure;
         CHECK(ErrorOf([&] { engine.LogFile(); }) == failure);
     }
-}
-
-TEST_CASE_FIXTURE(EngineFixture, "what a missing engine is asked fails with number 91") {
+    engine.Release();
+    CHECK(ErrorOf([&] { engine.LogFile(); }) == HresultOf(ErrorNumber::ObjectNotSet));
     int done = 0;
     engine.ReloadSettings([&] { ++done; });
     CHECK(done == 1);
-    CHECK(ErrorOf([&] { engine.LogFile(); }) == HresultOf(ErrorNumber::ObjectNotSet));
 }
 
 TEST_CASE("an engine that is let go of while it is called lives until the call returns") {
@@ -176,12 +177,12 @@ TEST_CASE("an engine that is let go of while it is called lives until the call r
             wasAlive = at.server.popup != nullptr;
         };
         at.Connect();
-        if (call == "ReloadSettings") at.engine.ReloadSettings([] {});
-        if (call == "LogFile") at.engine.LogFile();
+        at.engine.ReloadSettings([] {});
+        ErrorOf([&] { at.engine.LogFile(); });
         for (const Command& command : kCommands) {
-            if (call == command.member) at.Choose(command);
+            at.Choose(command);
+            at.engine.tmMenu_Timer();
         }
-        at.engine.tmMenu_Timer();
         CHECK(wasAlive);
         CHECK(at.server.popup == nullptr);
         CHECK(at.engine.Popup() == nullptr);

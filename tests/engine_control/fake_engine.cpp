@@ -9,8 +9,6 @@
 
 namespace {
 
-FakeEngine* current = nullptr;
-
 void Run(const std::map<std::string, std::function<void()>>& bodies, const std::string& name) {
     if (const auto body = bodies.find(name); body != bodies.end()) body->second();
 }
@@ -154,14 +152,6 @@ int EngineScript::Count(const std::string& name) const {
     return static_cast<int>(std::ranges::count(calls, name));
 }
 
-FakeEngine::FakeEngine() : m_patch("ole32.dll", "CoCreateInstance", &Create) {
-    current = this;
-}
-
-FakeEngine::~FakeEngine() {
-    current = nullptr;
-}
-
 void FakeEngine::Raise(DISPID event, std::vector<Variant> arguments) {
     const ComPtr<FakePopup> held(popup);
     // DISPPARAMS holds the arguments last to first.
@@ -181,10 +171,8 @@ size_t FakeEngine::ConnectionCount() const {
     return popup->sinks.size();
 }
 
-HRESULT WINAPI FakeEngine::Create(REFCLSID classId, IUnknown*, DWORD context, REFIID id, void** object) {
+HRESULT FakeEngine::Create(REFIID id, void** object) {
     *object = nullptr;
-    current->classId = classId;
-    current->context = context;
-    return Play(current->script, "CreateInstance",
-                [&] { MakeObject<FakeApplication>(*current)->QueryInterface(id, object); });
+    return Play(script, "CreateInstance",
+                [&] { MakeObject<FakeApplication>(*this)->QueryInterface(id, object); });
 }

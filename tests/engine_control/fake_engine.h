@@ -10,7 +10,7 @@
 
 #include "platform/com/variant.h"
 #include "sentrel1.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 // What the engine was asked, and what it returns.
 struct EngineScript {
@@ -38,14 +38,9 @@ struct EngineScript {
 
 class FakePopup;
 
-// While it exists, CoCreateInstance of the engine's application gives the fake.
+// While it exists, CoCreateInstance gives its application. One at a time.
 class FakeEngine {
 public:
-    FakeEngine();
-    FakeEngine(const FakeEngine&) = delete;
-    FakeEngine& operator=(const FakeEngine&) = delete;
-    ~FakeEngine();
-
     EngineScript script;
 
     // What CoCreateInstance was asked for.
@@ -60,7 +55,12 @@ public:
     size_t ConnectionCount() const;
 
 private:
-    static HRESULT WINAPI Create(REFCLSID classId, IUnknown* outer, DWORD context, REFIID id, void** object);
+    HRESULT Create(REFIID id, void** object);
 
-    const ImportPatch m_patch;
+    const ImportFake<"CoCreateInstance", decltype(&CoCreateInstance)> m_create{
+        "ole32.dll", [this](REFCLSID itsClassId, IUnknown*, DWORD itsContext, REFIID id, void** object) {
+            classId = itsClassId;
+            context = itsContext;
+            return Create(id, object);
+        }};
 };

@@ -3,27 +3,15 @@
 #include <doctest.h>
 
 #include "tests/engine_control/engine_fixture.h"
+#include "tests/support/import_fake.h"
+#include "tests/support/message_pump.h"
 
 namespace {
 
+constexpr UINT kAgain = 100;  // milliseconds
 const Calls kConnecting{"CreateInstance", "CreatePopup", "Advise", "State"};
 
-DWORD waited = 0;  // milliseconds
-
-HRESULT WINAPI NoteWait(DWORD, DWORD milliseconds, ULONG, HANDLE*, DWORD*) {
-    waited += milliseconds;
-    return RPC_S_CALLPENDING;
-}
-
-struct RefusingEngine : EngineFixture {
-    // The result of the next calls of the member.
-    void Refuse(const std::string& member, HRESULT refusal, int times) {
-        server.script.results[member] = refusal;
-        server.script.within[member] = [this, member, times]() mutable {
-            if (times-- == 0) server.script.results.erase(member);
-        };
-    }
-
+struct RefusingEngine : TickingEngine {
     void RefuseNothing() {
         server.script.results.clear();
         server.script.within.clear();
@@ -67,13 +55,14 @@ TEST_CASE_FIXTURE(RefusingEngine,
         ConnectQuietly();
         Refuse("ReloadSettings", row.result, row.times);
         Reload();
-        CHECK(done == (row.calls == 1 ? 1 : 0));
-        CHECK(server.script.calls == Calls{"ReloadSettings"});
-        REQUIRE(PumpUntil([&] { return done == 1; }, 60000));
+        for (size_t made = 1; made < row.calls; ++made) {
+            CHECK(server.script.calls == Calls(made, "ReloadSettings"));
+            CHECK(done == 0);
+            REQUIRE(clock.Tick(kAgain) == 1);
+        }
         CHECK(server.script.calls == Calls(row.calls, "ReloadSettings"));
-        PumpFor(300);
         CHECK(done == 1);
-        CHECK(server.script.calls.size() == row.calls);
+        CHECK_FALSE(clock.AnyRuns());
     }
 }
 
@@ -84,14 +73,14 @@ TEST_CASE_FIXTURE(RefusingEngine, "a menu command that is refused for now reache
         ConnectQuietly();
         Refuse(command.member, RPC_E_CALL_REJECTED, 2);
         Choose(command);
-        REQUIRE(Tick());
-        CHECK(server.script.calls == Calls{command.member});
+        Tick();
+        clock.Tick(kAgain);
         CHECK(Enabled() == command.menuBefore);
-        REQUIRE(PumpUntil([&] { return server.script.calls.size() == 3; }));
+        clock.Tick(kAgain);
         CHECK(Enabled() == command.menuAfter);
-        CHECK_FALSE(AnyPending());
-        PumpFor(300);
         CHECK(server.script.calls == Calls(3, command.member));
+        CHECK_FALSE(AnyPending());
+        CHECK_FALSE(clock.AnyRuns());
     }
 }
 
@@ -99,12 +88,13 @@ TEST_CASE_FIXTURE(RefusingEngine, "what follows a call that is refused for now i
     ConnectQuietly();
     Refuse("Start", RPC_E_CALL_REJECTED, 2);
     engine.mnuStartKiller_Click();
-    engine.tmMenu_Timer();
+    Tick();
     Reload();
     engine.mnuStopKiller_Click();
-    engine.tmMenu_Timer();
+    Tick();
     CHECK(server.script.calls == Calls{"Start"});
-    REQUIRE(PumpUntil([&] { return server.script.Count("Stop") == 1; }));
+    clock.Tick(kAgain);
+    clock.Tick(kAgain);
     CHECK(server.script.calls == Calls{"Start", "Start", "Start", "ReloadSettings", "Stop"});
     CHECK(done == 1);
     CHECK(Enabled() == kStopped);
@@ -116,9 +106,7 @@ TEST_CASE_FIXTURE(RefusingEngine, "a refused call is given up when the engine is
     Refuse("ReloadSettings", RPC_E_CALL_REJECTED, 1000);
     Reload();
     Disconnect();
-    server.script.calls.clear();
-    PumpFor(300);
-    CHECK(server.script.calls.empty());
+    CHECK_FALSE(clock.AnyRuns());
     CHECK(done == 0);
     // The next window's engine is not held up by it.
     RefuseNothing();
@@ -153,12 +141,24 @@ TEST_CASE_FIXTURE(RefusingEngine,
     }
 }
 
-TEST_CASE_FIXTURE(RefusingEngine, "an engine that stays busy holds the window up for a bounded time in all") {
+TEST_CASE_FIXTURE(RefusingEngine,
+                  "an engine that stays busy holds the window up for a bounded time in all, and not at all "
+                  "in a sent message") {
+    DWORD waited = 0;  // milliseconds
+    const ImportFake<"CoWaitForMultipleHandles", decltype(&CoWaitForMultipleHandles)> wait{
+        "ole32.dll", [&](DWORD, DWORD milliseconds, ULONG, HANDLE*, DWORD*) {
+            waited += milliseconds;
+            return RPC_S_CALLPENDING;
+        }};
+    server.script.results["CreateInstance"] = RPC_E_CANTCALLOUT_ININPUTSYNCCALL;
+    Connect();
+    CHECK(server.script.calls == Calls{"CreateInstance"});
+    CHECK(waited == 0);
+
     // Of the hundred tries, creating takes up one half.
+    server.script.calls.clear();
     Refuse("CreateInstance", RPC_E_CALL_REJECTED, 50);
     server.script.results["CreatePopup"] = RPC_E_SERVERCALL_RETRYLATER;
-    waited = 0;
-    const ImportPatch wait("ole32.dll", "CoWaitForMultipleHandles", &NoteWait);
     Connect();
     CHECK(waited == 10000);
     CHECK(server.script.Count("CreateInstance") == 51);
@@ -194,13 +194,7 @@ TEST_CASE_FIXTURE(RefusingEngine, "a wait for a busy engine ends when the engine
     }
 }
 
-TEST_CASE_FIXTURE(RefusingEngine, "in a sent message no call of the engine is waited for") {
-    server.script.results["CreateInstance"] = RPC_E_CANTCALLOUT_ININPUTSYNCCALL;
-    Connect();
-    CHECK(server.script.calls == Calls{"CreateInstance"});
-}
-
-TEST_CASE_FIXTURE(RefusingEngine,
+TEST_CASE_FIXTURE(EngineFixture,
                   "an engine that is released while its events are connected keeps no connection") {
     SUBCASE("before they are") {
         server.script.within["Advise"] = [&] { Disconnect(); };

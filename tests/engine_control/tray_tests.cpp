@@ -10,8 +10,9 @@
 #include "shell_notification_interface.h"
 #include "tests/support/automation.h"
 #include "tests/support/error_of.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 #include "tests/support/plain_window.h"
+#include "tests/support/shown_text.h"
 #include "tray/shell_notification.h"
 #include "tray/tray_gestures.h"
 
@@ -25,51 +26,36 @@ constexpr UINT kNone = static_cast<UINT>(-1);
 // items that are raised.
 struct Tray : TrayWindow {
     Tray() {
-        current = this;
         menu.mnuStartKiller_Click = [this] { calls.push_back("Start"); };
         menu.mnuStopKiller_Click = [this] { calls.push_back("Stop"); };
         menu.mnuPauseKiller_Click = [this] { calls.push_back("Pause"); };
     }
-    ~Tray() { current = nullptr; }
 
     void ShowModeless() override { calls.push_back("Show"); }
     void PopupTrayMenu(bool pauseIsDefault) override {
         calls.push_back(pauseIsDefault ? "Pop up, pausing is the default" : "Pop up");
     }
 
-    static BOOL WINAPI SetForeground(HWND hwnd) {
-        CHECK(hwnd == current->window.Hwnd());
-        current->calls.push_back("SetForegroundWindow");
-        return FALSE;
-    }
-
-    static BOOL WINAPI Post(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
-        CHECK(hwnd == current->window.Hwnd());
+    BOOL Post(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+        CHECK(hwnd == window.Hwnd());
         CHECK(wParam == 0);
         CHECK(lParam == 0);
-        current->calls.push_back("Post " + std::to_string(message) +
-                                 (current->b_OKtoUnload ? ", to unload" : ""));
+        calls.push_back("Post " + std::to_string(message) + (b_OKtoUnload ? ", to unload" : ""));
         return TRUE;
     }
 
-    static BOOL WINAPI Cursor(POINT* point) {
-        *point = {321, 123};
-        return TRUE;
-    }
-
-    static BOOL WINAPI Track(HMENU menu, UINT flags, int x, int y, HWND owner, TPMPARAMS* parameters) {
-        const UINT defaultItem = GetMenuDefaultItem(menu, FALSE, GMDI_USEDISABLED);
-        current->calls.push_back(defaultItem == mnuPauseKiller ? "Track, pausing is the default" : "Track");
-        if (defaultItem != mnuPauseKiller) CHECK(defaultItem == kNone);
-        CHECK(menu == current->menu.Handle());
-        CHECK((flags & (TPM_RIGHTBUTTON | TPM_RETURNCMD)) == (TPM_RIGHTBUTTON | TPM_RETURNCMD));
-        CHECK((flags & TPM_NONOTIFY) == 0);
-        CHECK(x == 321);
-        CHECK(y == 123);
-        CHECK(owner == current->window.Hwnd());
-        CHECK(parameters == nullptr);
-        if (current->whileShown) current->whileShown();
-        return static_cast<BOOL>(std::exchange(current->chosen, 0));
+    BOOL Track(HMENU handle, UINT flags, POINT place, HWND owner) {
+        const UINT defaultItem = GetMenuDefaultItem(handle, FALSE, GMDI_USEDISABLED);
+        calls.push_back(defaultItem == mnuPauseKiller ? "Track, pausing is the default" : "Track");
+        CHECK((defaultItem == mnuPauseKiller || defaultItem == kNone));
+        CHECK(handle == menu.Handle());
+        CHECK((flags & (TPM_RIGHTBUTTON | TPM_RETURNCMD | TPM_NONOTIFY)) ==
+              (TPM_RIGHTBUTTON | TPM_RETURNCMD));
+        CHECK(place.x == 321);
+        CHECK(place.y == 123);
+        CHECK(owner == window.Hwnd());
+        if (whileShown) whileShown();
+        return static_cast<BOOL>(std::exchange(chosen, 0));
     }
 
     // Chooses from the menu, or leaves it.
@@ -102,10 +88,9 @@ struct Tray : TrayWindow {
         arguments[1].vt = arguments[0].vt = VT_BYREF | VT_R4;
         arguments[1].pfltVal = &x;
         arguments[0].pfltVal = &y;
+        calls.clear();
         return Raise(arguments);
     }
-
-    static inline Tray* current = nullptr;
 
     PlainWindow window;
     ComPtr<ShellNotification> icon = MakeObject<ShellNotification>();
@@ -115,11 +100,24 @@ struct Tray : TrayWindow {
     Calls calls;
     UINT chosen = 0;
     std::function<void()> whileShown;
-    const ImportPatch setForegroundWindow{"user32.dll", "SetForegroundWindow", &SetForeground};
-    const ImportPatch postToWindow{"user32.dll", "PostMessageA", &Post};
-    const ImportPatch postBehindMenu{"user32.dll", "PostMessageW", &Post};
-    const ImportPatch cursor{"user32.dll", "GetCursorPos", &Cursor};
-    const ImportPatch track{"user32.dll", "TrackPopupMenuEx", &Track};
+    const ImportFake<"SetForegroundWindow", decltype(&SetForegroundWindow)> foreground{
+        "user32.dll", [this](HWND hwnd) {
+            CHECK(hwnd == window.Hwnd());
+            calls.push_back("SetForegroundWindow");
+            return FALSE;
+        }};
+    const ImportFake<"PostMessageA", decltype(&PostMessageA)> postToWindow{
+        "user32.dll", [this](auto... arguments) { return Post(arguments...); }};
+    const ImportFake<"PostMessageW", decltype(&PostMessageW)> postBehindMenu{
+        "user32.dll", [this](auto... arguments) { return Post(arguments...); }};
+    const ImportFake<"GetCursorPos", decltype(&GetCursorPos)> cursor{"user32.dll", [](POINT* point) {
+                                                                         *point = {321, 123};
+                                                                         return TRUE;
+                                                                     }};
+    const ImportFake<"TrackPopupMenuEx", decltype(&TrackPopupMenuEx)> track{
+        "user32.dll", [this](HMENU handle, UINT flags, int x, int y, HWND owner, TPMPARAMS*) {
+            return Track(handle, flags, {x, y}, owner);
+        }};
 };
 
 std::wstring CaptionOf(HMENU menu, UINT position) {
@@ -130,14 +128,15 @@ std::wstring CaptionOf(HMENU menu, UINT position) {
 
 }  // namespace
 
-TEST_CASE("the menu has its items in order, captioned and enabled, the last two always") {
-    const std::pair<UINT, const wchar_t*> items[] = {{mnuStartKiller, L"&Start Sentrel"},
-                                                     {mnuStopKiller, L"S&top Sentrel"},
-                                                     {mnuSep1, L""},
-                                                     {mnuPauseKiller, L"&Pause Sentrel"},
-                                                     {mnuSep2, L""},
-                                                     {mnuShowConfig, L"&Open Calvane Configuration"},
-                                                     {mnuExit, L"E&xit Calvane"}};
+TEST_CASE(
+    "the menu has its items in order, captioned and enabled, the last two always, and no default item") {
+    const std::pair<UINT, std::wstring> items[] = {{mnuStartKiller, L"&Start Sentrel"},
+                                                   {mnuStopKiller, L"S&top Sentrel"},
+                                                   {mnuSep1, L""},
+                                                   {mnuPauseKiller, L"&Pause Sentrel"},
+                                                   {mnuSep2, L""},
+                                                   {mnuShowConfig, L"&Open Calvane Configuration"},
+                                                   {mnuExit, L"E&xit Calvane"}};
     TrayMenu menu;
     REQUIRE(GetMenuItemCount(menu.Handle()) == 7);
     CHECK(GetMenuDefaultItem(menu.Handle(), FALSE, GMDI_USEDISABLED) == kNone);
@@ -147,9 +146,8 @@ TEST_CASE("the menu has its items in order, captioned and enabled, the last two 
         CHECK(CaptionOf(menu.Handle(), position) == caption);
         CHECK(GetMenuItemID(menu.Handle(), static_cast<int>(position)) == id);
         const UINT state = GetMenuState(menu.Handle(), position++, MF_BYPOSITION);
-        const bool isSeparator = id == mnuSep1 || id == mnuSep2;
-        CHECK(((state & MF_SEPARATOR) != 0) == isSeparator);
-        if (!isSeparator) CHECK((state & (MF_GRAYED | MF_DISABLED | MF_CHECKED)) == 0);
+        CHECK(((state & MF_SEPARATOR) != 0) == caption.empty());
+        if (!caption.empty()) CHECK((state & (MF_GRAYED | MF_DISABLED | MF_CHECKED)) == 0);
     }
     for (const auto enable : {&TrayMenu::EnableRunningMenu, &TrayMenu::EnableStoppedMenu}) {
         (menu.*enable)();
@@ -177,24 +175,18 @@ TEST_CASE("the menu has its caption, on a menu bar, and goes with its object") {
 
 TEST_CASE_FIXTURE(
     Tray,
-    "the menu pops up at the cursor for either button, and a message is posted behind it before "
-    "the chosen item is raised") {
+    "the menu pops up at the cursor for either button, pausing its default item where asked for and none "
+    "otherwise, and a message is posted behind it before the chosen item is raised") {
     CHECK(PopUp(mnuStartKiller) == Calls{"Track", "Post 0", "Start"});
     CHECK(PopUp(mnuStopKiller) == Calls{"Track", "Post 0", "Stop"});
     CHECK(PopUp(mnuPauseKiller) == Calls{"Track", "Post 0", "Pause"});
     CHECK(PopUp(mnuShowConfig) == Calls{"Track", "Post 0", "Show"});
-    CHECK(PopUp() == Calls{"Track", "Post 0"});
+    menu.EnableStoppedMenu();
+    CHECK(PopUp(0, true) == Calls{"Track, pausing is the default", "Post 0"});
+    CHECK(PopUp(0, false) == Calls{"Track", "Post 0"});
     // An item that nobody listens to.
     menu.mnuStartKiller_Click = nullptr;
     CHECK(PopUp(mnuStartKiller) == Calls{"Track", "Post 0"});
-}
-
-TEST_CASE_FIXTURE(Tray, "pausing is the default item where asked for, and none is otherwise") {
-    const Calls asked{"Track, pausing is the default", "Post 0"};
-    CHECK(PopUp(0, true) == asked);
-    CHECK(PopUp(0, false) == Calls{"Track", "Post 0"});
-    menu.EnableStoppedMenu();
-    CHECK(PopUp(0, true) == asked);
 }
 
 TEST_CASE_FIXTURE(Tray, "a menu that is shown is not shown a second time, until an item is raised") {
@@ -205,15 +197,10 @@ TEST_CASE_FIXTURE(Tray, "a menu that is shown is not shown a second time, until 
     CHECK(PopUp(mnuShowConfig) == Calls{"Track", "Post 0", "Track", "Post 0"});
 }
 
-TEST_CASE_FIXTURE(
-    Tray,
-    "leaving lets the window unload, then posts it a close message, whether the icon has events or not") {
-    SUBCASE("with events") {
-        Connect();
-    }
-    SUBCASE("without") {
-        CHECK(ErrorOf([&] { gestures.Connect(window.Hwnd(), nullptr); }) != S_OK);
-    }
+TEST_CASE_FIXTURE(Tray,
+                  "leaving lets the window unload, then posts it a close message; an icon without events "
+                  "is an error, and leaving works") {
+    CHECK(ErrorOf([&] { gestures.Connect(window.Hwnd(), nullptr); }) != S_OK);
     CHECK(PopUp(mnuExit) == Calls{"Track", "Post 0", "Post 16, to unload"});
 }
 
@@ -224,30 +211,25 @@ TEST_CASE_FIXTURE(
     Connect();
     CHECK(RaiseMouseUp(7725.0f) == S_OK);
     CHECK(calls == Calls{"SetForegroundWindow", "Show"});
-    calls.clear();
     CHECK(RaiseMouseUp(7755.0f) == S_OK);
     CHECK(calls == Calls{"SetForegroundWindow", "Pop up"});
     for (const float x :
          {0.0f, 515.0f, 517.0f, 7695.0f, 7710.0f, 7724.0f, 7724.5f, 7740.0f, 7756.0f, -7725.0f}) {
         CAPTURE(x);
-        calls.clear();
         CHECK(RaiseMouseUp(x) == S_OK);
         CHECK(calls == Calls{"SetForegroundWindow"});
     }
 }
 
-TEST_CASE_FIXTURE(Tray, "the icon's event reaches its handler until it is disconnected") {
-    Connect();
-    CHECK(RaiseMouseUp(0) == S_OK);
-    gestures.Disconnect();
-    CHECK(RaiseMouseUp(0) == S_FALSE);
-    CHECK(icon->AddRef() == 2);
-    CHECK(icon->Release() == 1);
-}
-
-TEST_CASE_FIXTURE(Tray, "an event with other arguments than its own is refused") {
+TEST_CASE_FIXTURE(Tray,
+                  "the icon's event reaches its handler until it is disconnected; one with other arguments "
+                  "than its own is refused") {
     Connect();
     CHECK(Raise({}) == HresultOf(ErrorNumber::TypeMismatch));
     CHECK(Raise(std::vector<VARIANT>(4)) == HresultOf(ErrorNumber::TypeMismatch));
     CHECK(calls.empty());
+    gestures.Disconnect();
+    CHECK(RaiseMouseUp(0) == S_FALSE);
+    CHECK(icon->AddRef() == 2);
+    CHECK(icon->Release() == 1);
 }

@@ -54,8 +54,6 @@ void CountUserObjects(Resources& held) {
     }
 }
 
-}  // namespace
-
 long KernelHandlesOf(DWORD processId) {
     using Query = LONG(WINAPI*)(ULONG, PVOID, ULONG, PULONG);
     const auto query = reinterpret_cast<Query>(
@@ -77,6 +75,8 @@ long KernelHandlesOf(DWORD processId) {
     VirtualFree(buffer, 0, MEM_RELEASE);
     return held;
 }
+
+}  // namespace
 
 Resources HeldNow() {
     Resources held{};

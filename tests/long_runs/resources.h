@@ -10,6 +10,3 @@ enum Resource { HeapBytes, HeapBlocks, KernelHandles, GdiObjects, MenuHandles, W
 using Resources = std::array<long, WindowHandles + 1>;
 
 Resources HeldNow();
-
-// The kernel handles of any process.
-long KernelHandlesOf(DWORD processId);

@@ -1,43 +1,33 @@
 #include <doctest.h>
 
-#include <algorithm>
 #include <functional>
 #include <new>
+#include <string>
+#include <vector>
 
 #include "platform/automation_error.h"
+#include "tests/support/import_fake.h"
 #include "tests/support/plain_window.h"
+#include "tests/support/shown_text.h"
 #include "tests/support/test_window.h"
-#include "tests/tray_icon/hook_calls.h"
 #include "tray/bas_shell_notify.h"
 
 namespace {
 
 using Calls = std::vector<std::string>;
 
-const Calls kUnhooking{"GetProp OldWndProc", "RemoveProp OldWndProc", "SetWindowLong -4"};
-
-Calls Forwarding(UINT message) {
-    return {"GetProp OldWndProc", "CallWindowProc " + std::to_string(message)};
-}
+constexpr char kProperty[] = "OldWndProc";
 
 LONG HookProcedure() {
     return PtrToLong(reinterpret_cast<void*>(&TrayWindowProc));
 }
 
-// A window that is not hooked yet.
-struct BareWindow {
-    PlainWindow window;
-    const LONG before = window.Procedure();
-    HookCalls hook;
-};
-
-// A hooked configuration window that is known by its handle; what its icon does to it is among the calls.
-struct ConfigWindow : BareWindow, TrayWindow {
+// A hooked configuration window that is known by its handle, and what its icon does to it.
+struct ConfigWindow : TrayWindow {
     ConfigWindow() {
         HookTrayWindow(window.Hwnd());
         g_lngConfigHwnd = window.Number();
         SetTrayWindow(this);
-        hook.Forget();
     }
     ~ConfigWindow() {
         SetTrayWindow(nullptr);
@@ -46,73 +36,71 @@ struct ConfigWindow : BareWindow, TrayWindow {
     }
 
     void ShowModeless() override {
-        hook.calls.push_back("Show");
+        calls.push_back("Show");
         failure();
     }
     void PopupTrayMenu(bool pauseIsDefault) override {
-        hook.calls.push_back(pauseIsDefault ? "Pop up, Pause is default" : "Pop up");
+        calls.push_back(pauseIsDefault ? "Pop up, Pause is default" : "Pop up");
         failure();
     }
 
     LRESULT Send(UINT message, WPARAM wParam, LPARAM lParam) {
-        hook.Forget();
+        calls.clear();
         return SendMessageA(window.Hwnd(), message, wParam, lParam);
     }
 
+    PlainWindow window;
+    Calls calls;
     std::function<void()> failure = [] {};
+    BOOL isLetToForeground = TRUE;
+    const ImportFake<"SetForegroundWindow", decltype(&SetForegroundWindow)> foreground{
+        "user32.dll", [this](HWND hwnd) {
+            CHECK(hwnd == window.Hwnd());
+            calls.push_back("SetForegroundWindow");
+            return isLetToForeground;
+        }};
 };
 
 }  // namespace
 
-TEST_CASE_FIXTURE(
-    BareWindow,
-    "hooking puts the procedure in front and keeps the previous one as the property OldWndProc, once") {
+TEST_CASE(
+    "hooking puts the procedure in front and keeps the previous one as the property OldWndProc, once; "
+    "unhooking takes the property away and, where it could, puts the previous procedure back") {
+    PlainWindow window;
+    const LONG before = window.Procedure();
     CHECK(HookTrayWindow(window.Hwnd()));
-    CHECK(hook.calls == Calls{"GetProp OldWndProc", "SetWindowLong -4", "SetProp OldWndProc"});
-    CHECK(hook.windows == std::vector<HWND>(3, window.Hwnd()));
-    CHECK(hook.values == std::vector<LONG>{0, HookProcedure(), before});
-    CHECK(window.Procedure() == HookProcedure());
-
-    hook.Forget();
     CHECK_FALSE(HookTrayWindow(window.Hwnd()));
-    CHECK(hook.calls == Calls{"GetProp OldWndProc"});
-}
-
-TEST_CASE_FIXTURE(BareWindow, "a hook that cannot be made, or whose property cannot be stored, leaves none") {
-    for (const std::string function : {"SetWindowLong", "SetProp"}) {
-        CAPTURE(function);
-        hook.failing = {function};
-        CHECK_FALSE(HookTrayWindow(window.Hwnd()));
-        CHECK(window.Procedure() == before);
-        CHECK(SendMessageA(window.Hwnd(), WM_USER + 9, 0, 0) == PlainWindow::kAnswer);
+    CHECK(window.Procedure() == HookProcedure());
+    CHECK(HandleToLong(GetPropA(window.Hwnd(), kProperty)) == before);
+    {
+        const ImportFake<"RemovePropA", decltype(&RemovePropA)> kept{
+            "user32.dll", [](HWND, LPCSTR) -> HANDLE { return nullptr; }};
+        UnhookTrayWindow(window.Hwnd());
+        CHECK(window.Procedure() == HookProcedure());
     }
-    hook.failing.clear();
-    CHECK_FALSE(HookTrayWindow(nullptr));
-    window.Destroy();
-    CHECK_FALSE(HookTrayWindow(window.Hwnd()));
+    UnhookTrayWindow(window.Hwnd());
+    CHECK(window.Procedure() == before);
+    CHECK(GetPropA(window.Hwnd(), kProperty) == nullptr);
 }
 
-TEST_CASE_FIXTURE(
-    BareWindow,
-    "unhooking takes the property away and, where it could, puts the previous procedure back, once") {
-    HookTrayWindow(window.Hwnd());
-    hook.Forget();
-    hook.failing = {"RemoveProp"};
-    UnhookTrayWindow(window.Hwnd());
-    CHECK(hook.calls == Calls{"GetProp OldWndProc", "RemoveProp OldWndProc"});
-    CHECK(window.Procedure() == HookProcedure());
-
-    hook.Forget();
-    hook.failing.clear();
-    UnhookTrayWindow(window.Hwnd());
-    CHECK(hook.calls == kUnhooking);
-    CHECK(hook.values == std::vector<LONG>{0, 0, before});
+TEST_CASE("a hook that cannot be made, or whose property cannot be stored, leaves none") {
+    PlainWindow window;
+    const LONG before = window.Procedure();
+    SUBCASE("no procedure") {
+        const ImportFake<"SetWindowLongA", decltype(&SetWindowLongA)> fails{
+            "user32.dll", [](HWND, int, LONG) { return 0L; }};
+        CHECK_FALSE(HookTrayWindow(window.Hwnd()));
+    }
+    SUBCASE("no property") {
+        const ImportFake<"SetPropA", decltype(&SetPropA)> fails{"user32.dll",
+                                                                [](HWND, LPCSTR, HANDLE) { return FALSE; }};
+        CHECK_FALSE(HookTrayWindow(window.Hwnd()));
+    }
+    SUBCASE("no window") {
+        CHECK_FALSE(HookTrayWindow(nullptr));
+    }
     CHECK(window.Procedure() == before);
-    CHECK(GetPropA(window.Hwnd(), "OldWndProc") == nullptr);
-
-    hook.Forget();
-    UnhookTrayWindow(window.Hwnd());
-    CHECK(hook.calls == Calls{"GetProp OldWndProc"});
+    CHECK(GetPropA(window.Hwnd(), kProperty) == nullptr);
 }
 
 TEST_CASE("a Unicode window gets its messages through the hook and its own procedure back") {
@@ -133,29 +121,28 @@ TEST_CASE_FIXTURE(ConfigWindow,
                   "foreground, then pops up the menu, whatever fails; without a window nothing happens") {
     struct Row {
         std::string what;
-        TrayWindow* trayWindow;
-        std::set<std::string> failing;
+        BOOL isLetToForeground;
         std::function<void()> failure;
     };
     const Row rows[] = {
-        {"all goes well", this, {}, [] {}},
-        {"Windows keeps it in the background", this, {"SetForegroundWindow"}, [] {}},
-        {"an error", this, {}, [] { RaiseError(ErrorNumber::InvalidProcedureCall); }},
-        {"no memory", this, {}, [] { throw std::bad_alloc(); }},
-        {"no window", nullptr, {}, [] {}},
+        {"all goes well", TRUE, [] {}},
+        {"Windows keeps it in the background", FALSE, [] {}},
+        {"an error", TRUE, [] { RaiseError(ErrorNumber::InvalidProcedureCall); }},
+        {"no memory", TRUE, [] { throw std::bad_alloc(); }},
     };
     for (const Row& row : rows) {
         CAPTURE(row.what);
-        SetTrayWindow(row.trayWindow);
-        hook.failing = row.failing;
+        isLetToForeground = row.isLetToForeground;
         failure = row.failure;
         CHECK(Send(0x401, 1, 0x203) == 0);
-        CHECK(hook.calls == (row.trayWindow != nullptr ? Calls{"Show"} : Calls{}));
+        CHECK(calls == Calls{"Show"});
         CHECK(Send(0x401, 1, 0x205) == 0);
-        CHECK(
-            hook.calls ==
-            (row.trayWindow != nullptr ? Calls{"SetForegroundWindow", "Pop up, Pause is default"} : Calls{}));
-        CHECK((hook.windows.empty() || hook.windows[0] == window.Hwnd()));
+        CHECK(calls == Calls{"SetForegroundWindow", "Pop up, Pause is default"});
+    }
+    SetTrayWindow(nullptr);
+    for (const LPARAM gesture : {0x203, 0x205}) {
+        CHECK(Send(0x401, 1, gesture) == 0);
+        CHECK(calls.empty());
     }
     CHECK(window.messages.empty());
 }
@@ -168,77 +155,65 @@ TEST_CASE_FIXTURE(ConfigWindow, "no other gesture does anything, and none reache
             CAPTURE(wParam);
             CAPTURE(gesture);
             CHECK(Send(0x401, wParam, gesture) == 0);
-            CHECK(hook.calls.empty());
+            CHECK(calls.empty());
         }
     }
     CHECK(window.messages.empty());
 }
 
-TEST_CASE_FIXTURE(
-    ConfigWindow,
-    "every other message of the configuration window is forwarded as it came, with its result") {
-    for (const UINT message : {0x400u, 0x402u, 0x500u, 0x8000u, 0xC123u}) {
+TEST_CASE_FIXTURE(ConfigWindow,
+                  "every other message, and the callback of any window but the known one, is forwarded as it "
+                  "came, with its result") {
+    PlainWindow other;
+    HookTrayWindow(other.Hwnd());
+    const auto check = [this](PlainWindow& hooked, UINT message) {
         CAPTURE(message);
-        window.messages.clear();
-        CHECK(Send(message, 0x12345678, 0x203) == PlainWindow::kAnswer);
-        REQUIRE(window.messages.size() == 1);
-        CHECK(window.messages[0].message == message);
-        CHECK(window.messages[0].wParam == 0x12345678);
-        CHECK(window.messages[0].lParam == 0x203);
-        CHECK(hook.calls == Forwarding(message));
-    }
-}
+        hooked.messages.clear();
+        CHECK(SendMessageA(hooked.Hwnd(), message, 0x12345678, 0x203) == PlainWindow::kAnswer);
+        REQUIRE(hooked.messages.size() == 1);
+        CHECK(hooked.messages[0].message == message);
+        CHECK(hooked.messages[0].wParam == 0x12345678);
+        CHECK(hooked.messages[0].lParam == 0x203);
+        CHECK(calls.empty());
+    };
+    for (const UINT message : {0x400u, 0x402u, 0x500u, 0x8000u, 0xC123u})
+        check(window, message);
+    check(other, 0x401);
+    UnhookTrayWindow(other.Hwnd());
 
-TEST_CASE_FIXTURE(ConfigWindow, "the callback of any window but the known one is forwarded, gesture or not") {
-    SUBCASE("until the configuration window is known") {
-        g_lngConfigHwnd = 0;
-        CHECK(Send(0x401, 1, 0x203) == PlainWindow::kAnswer);
-        CHECK(hook.calls == Forwarding(0x401));
-        g_lngConfigHwnd = window.Number();
-        CHECK(Send(0x401, 1, 0x203) == 0);
-        CHECK(hook.calls == Calls{"Show"});
-        CHECK(window.Count(0x401) == 1);
-    }
-    SUBCASE("another window") {
-        PlainWindow other;
-        HookTrayWindow(other.Hwnd());
-        hook.Forget();
-        CHECK(SendMessageA(other.Hwnd(), 0x401, 1, 0x205) == PlainWindow::kAnswer);
-        CHECK(hook.calls == Forwarding(0x401));
-        CHECK(other.Count(0x401) == 1);
-        UnhookTrayWindow(other.Hwnd());
-    }
+    // The configuration window is known when it has been loaded.
+    g_lngConfigHwnd = 0;
+    check(window, 0x401);
+    g_lngConfigHwnd = window.Number();
+    CHECK(Send(0x401, 1, 0x203) == 0);
+    CHECK(calls == Calls{"Show"});
 }
 
 TEST_CASE_FIXTURE(ConfigWindow,
                   "the end of another hooked window unhooks it and is not forwarded; that of the "
                   "configuration window is forwarded and unhooks nothing") {
-    PlainWindow other;
-    HookTrayWindow(other.Hwnd());
-    hook.Forget();
-    SUBCASE("its message alone") {
-        CHECK(SendMessageA(other.Hwnd(), WM_NCDESTROY, 0, 0) == 0);
-        CHECK(hook.calls == kUnhooking);
-        CHECK(other.Procedure() != HookProcedure());
-    }
-    SUBCASE("destroyed") {
-        other.Destroy();
-        CHECK(std::count(hook.calls.begin(), hook.calls.end(), "RemoveProp OldWndProc") == 1);
-        CHECK(other.Count(WM_DESTROY) == 1);
-    }
-    CHECK(other.Count(WM_NCDESTROY) == 0);
+    PlainWindow told;
+    PlainWindow destroyed;
+    const LONG before = told.Procedure();
+    for (const PlainWindow* const other : {&told, &destroyed})
+        HookTrayWindow(other->Hwnd());
+    CHECK(SendMessageA(told.Hwnd(), WM_NCDESTROY, 0, 0) == 0);
+    CHECK(told.Count(WM_NCDESTROY) == 0);
+    CHECK(told.Procedure() == before);
+    CHECK(GetPropA(told.Hwnd(), kProperty) == nullptr);
+    destroyed.Destroy();
+    CHECK(destroyed.Count(WM_DESTROY) == 1);
+    CHECK(destroyed.Count(WM_NCDESTROY) == 0);
 
     Send(WM_NCDESTROY, 0, 0);
     CHECK(window.Count(WM_NCDESTROY) == 1);
-    CHECK(hook.calls == Forwarding(WM_NCDESTROY));
     CHECK(window.Procedure() == HookProcedure());
 }
 
 TEST_CASE_FIXTURE(ConfigWindow,
-                  "a message for a window whose property is missing returns 0 and calls nobody") {
-    hook.failing = {"GetProp"};
+                  "a message for a window whose property is missing returns 0 and reaches nobody") {
+    const HANDLE previous = RemovePropA(window.Hwnd(), kProperty);
     CHECK(Send(WM_USER + 5, 0, 0) == 0);
-    CHECK(hook.calls == Calls{"GetProp OldWndProc"});
     CHECK(window.messages.empty());
-    hook.failing.clear();
+    SetPropA(window.Hwnd(), kProperty, previous);
 }

@@ -1,31 +1,35 @@
 // An icon that the shell refuses, and a taskbar that is new.
 #include <doctest.h>
 
-#include "tests/tray_icon/timer_calls.h"
 #include "tests/tray_icon/tray_icon_fixture.h"
 
-TEST_CASE_FIXTURE(TrayIconFixture, "a new taskbar gets an added icon again, once, with the current tip") {
+namespace {
+
+constexpr UINT kTryInterval = 2000;
+
+}  // namespace
+
+TEST_CASE_FIXTURE(TickingIcon,
+                  "a new taskbar gets an added icon again, once, with the current tip, and an animation goes "
+                  "on across it") {
     icon->OnTaskbarCreated();
     SetUp();
+    REQUIRE(Animate(250) == S_OK);
+    clock.Tick(250);
     icon->OnTaskbarCreated();
-    REQUIRE(Story() == "add rest, add rest");
-    CHECK(shell.calls[1].Tip() == kTipBytes);
+    CHECK(Story() == "add rest, 0, add rest");
+    CHECK(RunToEnd(250) == "1; 2; delete, add rest");
+    SetTip(L"Calvane");
+    icon->OnTaskbarCreated();
+    CHECK(Story(5) == "delete, add rest, add rest");
+    CHECK(shell.calls.back().Tip().starts_with(std::string("Calvane\0", 8)));
     icon->RemoveIcon();
     icon->OnTaskbarCreated();
-    PumpFor(50);
-    CHECK(Story() == "add rest, add rest, delete");
+    CHECK(Story(7) == "add rest, delete");
+    CHECK_FALSE(clock.AnyRuns());
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture, "an animation goes on across a new taskbar") {
-    SetUp();
-    REQUIRE(Animate(20) == S_OK);
-    REQUIRE(Asked(2));
-    icon->OnTaskbarCreated();
-    REQUIRE(Ends());
-    CHECK(Story() == "add rest, 0, add rest, 1, 2, delete, add rest");
-}
-
-TEST_CASE_FIXTURE(TrayIconFixture,
+TEST_CASE_FIXTURE(TickingIcon,
                   "a new taskbar that arrives while the icon is being removed does not bring it back") {
     SetUp();
     shell.result = [this](DWORD action) {
@@ -36,8 +40,7 @@ TEST_CASE_FIXTURE(TrayIconFixture,
     CHECK(Story() == "add rest, delete");
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture,
-                  "the owner's release while a new taskbar's icon is prepared leaves it away") {
+TEST_CASE_FIXTURE(TickingIcon, "the owner's release while a new taskbar's icon is prepared leaves it away") {
     SetUp();
     bool isGone = false;
     bool wasGone = true;
@@ -58,48 +61,36 @@ TEST_CASE("a refused add is tried again every two seconds, for half a minute, un
     struct Row {
         std::string what;
         BOOL (*shell)(DWORD action, size_t call);  // counted from 1
-        std::string story;
-        std::vector<UINT> periods;
+        std::string tries;
         bool isNew = false;  // the taskbar, once the icon was added
     };
-    const std::string kTry = ", rest, add rest";
-    std::string always = "add rest";
-    for (int i = 0; i < 15; ++i)
-        always += kTry;
+    std::string fifteen = "rest, add rest";
+    for (int i = 1; i < 15; ++i)
+        fifteen += "; rest, add rest";
     const Row rows[] = {
-        {"taken at once", [](DWORD, size_t) { return TRUE; }, "add rest", {}},
+        {"taken at once", [](DWORD, size_t) { return TRUE; }, ""},
         {"taken at the third try",
          [](DWORD action, size_t call) -> BOOL { return action == NIM_ADD && call == 7; },
-         "add rest" + kTry + kTry + kTry,
-         {2000}},
+         "rest, add rest; rest, add rest; rest, add rest"},
         {"taken without saying so, and not added twice",
-         [](DWORD action, size_t) -> BOOL { return action == NIM_MODIFY; },
-         "add rest, rest",
-         {2000}},
-        {"refused for good", [](DWORD, size_t) { return FALSE; }, always, {2000}},
-        {"refused by a new taskbar",
-         [](DWORD, size_t call) -> BOOL { return call == 1 || call == 4; },
-         "add rest" + std::string(", add rest") + kTry,
-         {2000},
-         true},
+         [](DWORD action, size_t) -> BOOL { return action == NIM_MODIFY; }, "rest"},
+        {"refused for good", [](DWORD, size_t) { return FALSE; }, fifteen},
+        {"refused by a new taskbar", [](DWORD, size_t call) -> BOOL { return call == 1 || call == 4; },
+         "rest, add rest", true},
     };
     for (const Row& row : rows) {
         CAPTURE(row.what);
-        TimerCalls timers;
-        TrayIconFixture tray;
+        TickingIcon tray;
         tray.shell.result = [&](DWORD action) { return row.shell(action, tray.shell.calls.size()); };
         tray.SetUp();
         if (row.isNew) tray.icon->OnTaskbarCreated();
-        REQUIRE(PumpUntil([&] { return tray.Story() == row.story; }));
-        PumpFor(100);
-        CHECK(tray.Story() == row.story);
-        CHECK(timers.periods == row.periods);
-        if (tray.shell.calls.size() > 1) CHECK(tray.shell.calls.back().Tip() == kTipBytes);
+        CHECK(tray.Story() == (row.isNew ? "add rest, add rest" : "add rest"));
+        CHECK(tray.RunToEnd(kTryInterval) == row.tries);
+        if (!row.tries.empty()) CHECK(tray.shell.calls.back().Tip() == kTipBytes);
     }
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture, "removing a refused icon, and the owner's release, end the tries") {
-    TimerCalls timers;
+TEST_CASE_FIXTURE(TickingIcon, "removing a refused icon, and the owner's release, end the tries") {
     shell.result = [](DWORD) { return FALSE; };
     SetUp();
     SUBCASE("removing") {
@@ -113,29 +104,25 @@ TEST_CASE_FIXTURE(TrayIconFixture, "removing a refused icon, and the owner's rel
             icon->Class_Terminate();
             icon.Reset();
         };
-        REQUIRE(PumpUntil([&] { return icon == nullptr; }));
+        clock.Tick(kTryInterval);
     }
-    CHECK_FALSE(timers.AnyRuns());
-    PumpFor(80);
+    CHECK_FALSE(clock.AnyRuns());
     CHECK(Story() == "add rest, delete");
 }
 
-TEST_CASE_FIXTURE(TrayIconFixture, "an icon that is removed before the shell has taken it does not stay") {
-    const auto removeOnce = [this](DWORD action) {
-        if (action == NIM_ADD) {
-            shell.result = nullptr;
-            icon->RemoveIcon();
-        }
+TEST_CASE_FIXTURE(TickingIcon, "an icon that is removed before the shell has taken it does not stay") {
+    const auto remove = [this](DWORD action) {
+        if (action == NIM_ADD) icon->RemoveIcon();
         return TRUE;
     };
     SUBCASE("when it is added") {
-        shell.result = removeOnce;
+        shell.result = remove;
         SetUp();
         CHECK(Story() == "add rest, delete, delete");
     }
     SUBCASE("when the taskbar is new") {
         SetUp();
-        shell.result = removeOnce;
+        shell.result = remove;
         icon->OnTaskbarCreated();
         CHECK(Story(1) == "add rest, delete, delete");
     }

@@ -14,7 +14,6 @@
 struct ShellCall {
     DWORD action;
     std::string record;  // as many bytes as cbSize says
-    DWORD time;          // GetTickCount
 
     DWORD Number(size_t offset) const {
         DWORD number = 0;
@@ -34,7 +33,7 @@ struct ShellCalls {
     const ImportFake<"Shell_NotifyIconA", decltype(&Shell_NotifyIconA)> fake{
         "shell32.dll", [this](DWORD action, NOTIFYICONDATAA* data) {
             const std::string record(reinterpret_cast<const char*>(data), data->cbSize);
-            calls.push_back({action, record, GetTickCount()});
+            calls.push_back({action, record});
             return result ? result(action) : TRUE;
         }};
 };

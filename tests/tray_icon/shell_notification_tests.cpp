@@ -5,15 +5,17 @@
 #include "app/resource.h"
 #include "platform/com/event_connection.h"
 #include "tests/support/automation.h"
-#include "tests/tray_icon/hook_calls.h"
+#include "tests/support/shown_text.h"
 #include "tests/tray_icon/tray_icon_fixture.h"
 #include "tray/bas_shell_notify.h"
 #include "tray/picture_box.h"
 
 namespace {
 
-struct IconFixture : TrayIconFixture {
-    static bool IsHooked(const PlainWindow& window) {
+struct IconFixture : TickingIcon {
+    std::string RunToEnd() { return TickingIcon::RunToEnd(250); }
+
+    bool IsHooked() const {
         return window.Procedure() == PtrToLong(reinterpret_cast<void*>(&TrayWindowProc));
     }
 
@@ -29,30 +31,21 @@ struct IconFixture : TrayIconFixture {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(IconFixture, "setting up hooks the window and shows the resting icon with an empty tip") {
+TEST_CASE_FIXTURE(IconFixture,
+                  "setting up hooks the window, once, and the resting icon gets the last window and message, "
+                  "and an empty tip") {
+    const LONG before = window.Procedure();
+    const PlainWindow other;
+    for (const LONG number : {other.Number(), window.Number()})
+        CHECK(icon->InitShellNotify(number, 1026) == S_OK);
     SetUp();
-    CHECK(IsHooked(window));
+    CHECK(IsHooked());
     REQUIRE(Story() == "add rest");
     const NotifyIconRecord record =
         MakeNotifyIconRecord(window.Hwnd(), 1025, static_cast<HICON>(LongToHandle(kRestHandle)), L"");
     CHECK(shell.calls[0].record == std::string(reinterpret_cast<const char*>(&record), sizeof(record)));
-}
-
-TEST_CASE_FIXTURE(IconFixture,
-                  "a new tip reaches the shell with the next change or add of the icon, not before") {
-    SetUp();
-    CHECK(shell.calls.size() == 1);
-    SUBCASE("change") {
-        REQUIRE(Animate(10) == S_OK);
-        REQUIRE(Asked(2));
-        CHECK(shell.calls[1].action == NIM_MODIFY);
-    }
-    SUBCASE("add") {
-        icon->RemoveIcon();
-        icon->AddIcon(rest.Get());
-        CHECK(Story() == "add rest, delete, add rest");
-    }
-    CHECK(shell.calls.back().Tip() == kTipBytes);
+    icon->Class_Terminate();
+    CHECK(window.Procedure() == before);
 }
 
 TEST_CASE_FIXTURE(IconFixture, "the tip is kept as it was set") {
@@ -71,28 +64,13 @@ TEST_CASE_FIXTURE(IconFixture,
     SetUp();
     CHECK(icon->AddIcon(frames[3].Get()) == S_OK);
     CHECK(frames[3]->References() == 1);
-    REQUIRE(Animate(10, 1) == S_OK);
-    REQUIRE(Ends());
-    CHECK(Story() == "add rest, 0, delete, add rest");
-    shell.calls.clear();
+    REQUIRE(Animate(250, 1) == S_OK);
+    CHECK(RunToEnd() == "0; delete, add rest");
     icon->RemoveIcon();
     CHECK(icon->AddIcon(frames[3].Get()) == S_OK);
     CHECK(rest->References() == 1);
-    REQUIRE(Animate(10, 1) == S_OK);
-    REQUIRE(Ends());
-    CHECK(Story() == "delete, add 3, 0, delete, add 3");
-}
-
-TEST_CASE_FIXTURE(IconFixture, "removing sends the record as it stands from the last add or change") {
-    SetUp();
-    SUBCASE("add") {}
-    SUBCASE("change") {
-        REQUIRE(Animate(10) == S_OK);
-        REQUIRE(Asked(2));
-    }
-    CHECK(icon->RemoveIcon() == S_OK);
-    REQUIRE(shell.calls.back().action == NIM_DELETE);
-    CHECK(shell.calls.back().record == shell.calls[shell.calls.size() - 2].record);
+    REQUIRE(Animate(250, 1) == S_OK);
+    CHECK(RunToEnd() == "0; delete, add 3");
 }
 
 TEST_CASE_FIXTURE(IconFixture,
@@ -103,7 +81,7 @@ TEST_CASE_FIXTURE(IconFixture,
     SetUp();
     CHECK(icon->AddIcon(rest.Get()) == S_OK);
     CHECK(Story() == "add rest");
-    icon->RemoveIcon();
+    CHECK(icon->RemoveIcon() == S_OK);
     CHECK(icon->RemoveIcon() == S_OK);
     CHECK(Story() == "add rest, delete");
 }
@@ -124,66 +102,44 @@ TEST_CASE_FIXTURE(IconFixture, "the icon of a real picture box goes to the shell
     const auto box = MakeObject<PictureBox>(L"picShellIcon", IDI_TRAY_REST);
     CHECK(icon->AddIcon(box.Get()) == S_OK);
     REQUIRE(shell.calls.size() == 1);
+    CHECK(reinterpret_cast<HICON>(static_cast<ULONG_PTR>(shell.calls[0].Icon())) == IconOf(box.Get()));
     ICONINFO info{};
-    REQUIRE(GetIconInfo(reinterpret_cast<HICON>(static_cast<ULONG_PTR>(shell.calls[0].Icon())), &info));
+    REQUIRE(GetIconInfo(IconOf(box.Get()), &info));
     CHECK(info.fIcon);
     DeleteObject(info.hbmColor);
     DeleteObject(info.hbmMask);
 }
 
-TEST_CASE_FIXTURE(IconFixture,
-                  "a second set-up hooks a window that is hooked once only, and takes window and message") {
-    PlainWindow second;
-    icon->InitShellNotify(second.Number(), 1025);
-    icon->InitShellNotify(window.Number(), 1025);
-    {
-        HookCalls hook;
-        CHECK(icon->InitShellNotify(window.Number(), 1026) == S_OK);
-        CHECK(hook.calls == std::vector<std::string>{"GetProp OldWndProc"});
-    }
-    icon->AddIcon(rest.Get());
-    REQUIRE(shell.calls.size() == 1);
-    CHECK(shell.calls[0].Number(4) == static_cast<DWORD>(window.Number()));
-    CHECK(shell.calls[0].Number(16) == 1026);
-    icon->Class_Terminate();
-    CHECK_FALSE(IsHooked(window));
-}
-
 TEST_CASE_FIXTURE(IconFixture, "a window that cannot be hooked is not reported and the icon is still added") {
-    HookCalls hook;
-    hook.failing = {"SetProp"};
+    const ImportFake<"SetPropA", decltype(&SetPropA)> fails{"user32.dll",
+                                                            [](HWND, LPCSTR, HANDLE) { return FALSE; }};
     CHECK(icon->InitShellNotify(window.Number(), 1025) == S_OK);
     CHECK(icon->AddIcon(rest.Get()) == S_OK);
     CHECK(Story() == "add rest");
-    CHECK_FALSE(IsHooked(window));
+    CHECK_FALSE(IsHooked());
 }
 
 TEST_CASE_FIXTURE(IconFixture,
-                  "releasing the object removes the icon, then puts the window's procedure back") {
-    const LONG before = window.Procedure();
-    SetUp();
-    bool wasHookedAtRemoval = false;
+                  "releasing the object removes what it added, then puts the window's procedure back") {
+    std::string story;
+    bool wasHooked = true;
     shell.result = [&](DWORD) {
-        wasHookedAtRemoval = IsHooked(window);
+        wasHooked = IsHooked();
         return TRUE;
     };
-    icon.Reset();
-    CHECK(Story() == "add rest, delete");
-    CHECK(wasHookedAtRemoval);
-    CHECK(window.Procedure() == before);
-    CHECK(rest->References() == 1);
-}
-
-TEST_CASE_FIXTURE(IconFixture, "an object that added nothing removes nothing, and unhooks what it hooked") {
+    SUBCASE("the icon is added") {
+        SetUp();
+        story = "add rest, delete";
+    }
     SUBCASE("set up") {
         icon->InitShellNotify(window.Number(), 1025);
-        icon.Reset();
-        CHECK_FALSE(IsHooked(window));
     }
-    SUBCASE("never set up") {
-        icon.Reset();
-    }
-    CHECK(shell.calls.empty());
+    SUBCASE("never set up") {}
+    icon.Reset();
+    CHECK(Story() == story);
+    CHECK(wasHooked);
+    CHECK_FALSE(IsHooked());
+    CHECK(rest->References() == 1);
 }
 
 TEST_CASE_FIXTURE(IconFixture,
@@ -191,18 +147,18 @@ TEST_CASE_FIXTURE(IconFixture,
     SetUp();
     const ComPtr<IDispatch> client = icon;
     icon->Class_Terminate();
-    CHECK_FALSE(IsHooked(window));
+    CHECK_FALSE(IsHooked());
 
     CHECK(icon->InitShellNotify(window.Number(), 1025) == S_OK);
-    CHECK_FALSE(IsHooked(window));
+    CHECK_FALSE(IsHooked());
     CHECK(icon->AddIcon(rest.Get()) == S_OK);
-    CHECK(Animate(10) == S_OK);
+    CHECK(Animate(250) == S_OK);
     CHECK(icon->RemoveIcon() == S_OK);
     icon->OnTaskbarCreated();
     icon->Class_Terminate();
     SetTip(L"still mine");
     CHECK(Tip() == L"still mine");
-    PumpFor(60);
+    CHECK_FALSE(clock.AnyRuns());
     CHECK(Story() == "add rest, delete");
     CHECK(rest->References() == 1);
 }
@@ -230,9 +186,8 @@ TEST_CASE_FIXTURE(IconFixture, "a script reaches every member by name, and can s
     received->vt = VT_ARRAY | VT_DISPATCH | VT_BYREF;
     received->pparray = pictures.Reference();
     Variant result;
-    CHECK(InvokeByNumber(icon.Get(), 5, DISPATCH_METHOD, {array, 10L, 1L, window.Number()}, result) == S_OK);
-    REQUIRE(Asked(4));
-    CHECK(Story() == "add rest, 0, delete, add rest");
+    CHECK(InvokeByNumber(icon.Get(), 5, DISPATCH_METHOD, {array, 250L, 1L, window.Number()}, result) == S_OK);
+    CHECK(RunToEnd() == "0; delete, add rest");
 }
 
 TEST_CASE_FIXTURE(IconFixture, "clients can connect to MouseUp, and nothing ever raises it") {
@@ -243,8 +198,8 @@ TEST_CASE_FIXTURE(IconFixture, "clients can connect to MouseUp, and nothing ever
     g_lngConfigHwnd = window.Number();
     for (LPARAM gesture = 0x200; gesture <= 0x209; ++gesture)
         SendMessageA(window.Hwnd(), 0x401, 1, gesture);
-    Animate(10, 1);
-    CHECK(Asked(4));
+    Animate(250, 1);
+    CHECK(RunToEnd() == "0; delete, add rest");
     icon->Class_Terminate();
     g_lngConfigHwnd = 0;
     CHECK(raised == 0);

@@ -7,7 +7,7 @@
 
 #include "platform/com/com_ptr.h"
 #include "platform/com/variant.h"
-#include "tests/support/message_pump.h"
+#include "tests/pairs/clock.h"
 #include "tests/support/plain_window.h"
 #include "tests/tray_icon/fake_picture_box.h"
 #include "tests/tray_icon/shell_calls.h"
@@ -18,9 +18,6 @@ inline constexpr LONG kRestHandle = 100;
 inline constexpr LONG kFrameHandle = 200;  // of frame 0; 201 of frame 1, and so on
 
 inline const std::string kTipBytes = std::string("Calvane Sentrel\0", 16) + std::string(48, ' ');
-
-// A whole animation, as Story tells it.
-inline const std::string kRun = "0, 1, 2, delete, add rest";
 
 struct TrayIconFixture {
     // The calls of a manager's window that is set up, as the manager makes them.
@@ -48,14 +45,6 @@ struct TrayIconFixture {
         return icon->AnimateIcon(pictures.Reference(), interval, picsPerCycle, window.Number());
     }
 
-    bool Ends() {
-        return PumpUntil([this] { return !icon->Animating(); });
-    }
-
-    bool Asked(size_t calls) {
-        return PumpUntil([&] { return shell.calls.size() >= calls; });
-    }
-
     // Whether nobody else holds a frame any longer.
     bool HasFramesAlone() const {
         return std::all_of(frames.begin(), frames.end(),
@@ -63,7 +52,7 @@ struct TrayIconFixture {
     }
 
     // What the shell was asked, from a call on: "add rest, 0, 1, 2, delete, add rest", with the frames'
-    // numbers.
+    // numbers. What is deleted is the record as it was sent last.
     std::string Story(size_t first = 0) const {
         std::string story;
         for (size_t i = first; i < shell.calls.size(); ++i) {
@@ -71,8 +60,9 @@ struct TrayIconFixture {
             const auto handle = static_cast<LONG>(call.Icon());
             const std::string picture =
                 handle == kRestHandle ? "rest" : std::to_string(handle - kFrameHandle);
+            const bool isAsSent = i > 0 && call.record == shell.calls[i - 1].record;
             story += i == first ? "" : ", ";
-            story += call.action == NIM_DELETE ? "delete"
+            story += call.action == NIM_DELETE ? (isAsSent ? "delete" : "delete another")
                      : call.action == NIM_ADD  ? "add " + picture
                                                : picture;
         }
@@ -86,4 +76,22 @@ struct TrayIconFixture {
         MakeObject<FakePictureBox>(kFrameHandle), MakeObject<FakePictureBox>(kFrameHandle + 1),
         MakeObject<FakePictureBox>(kFrameHandle + 2), MakeObject<FakePictureBox>(kFrameHandle + 3)};
     ComPtr<ShellNotification> icon = MakeObject<ShellNotification>();
+};
+
+// One whose timers tick when the test says so.
+struct TickingIcon : TrayIconFixture {
+    // What each tick of the only timer does until it stops, of those that do something: "0; 1; 2; delete,
+    // add rest".
+    std::string RunToEnd(UINT interval) {
+        constexpr int kNeverEnds = 100;
+        std::string run;
+        for (int tick = 0; tick < kNeverEnds; ++tick) {
+            const size_t before = shell.calls.size();
+            if (clock.Tick(interval) != 1) break;
+            run += (run.empty() || shell.calls.size() == before ? "" : "; ") + Story(before);
+        }
+        return clock.AnyRuns() ? run + ", and a timer runs" : run;
+    }
+
+    Clock clock;
 };

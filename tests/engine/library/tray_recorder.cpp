@@ -3,19 +3,17 @@
 #include <windows.h>
 #include <shellapi.h>
 
-#include <algorithm>
+#include <iterator>
 #include <string>
 #include <vector>
 
 #include "app/resource.h"
 #include "tests/engine/library/tray_record.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 namespace {
 
 TrayRecord* record = nullptr;
-decltype(&Shell_NotifyIconA) notifyIcon = nullptr;
-decltype(&TrackPopupMenuEx) trackPopupMenu = nullptr;
 
 // The bytes of an icon's picture, and its width in pixels.
 std::vector<BYTE> BytesOf(HICON icon, int& width) {
@@ -44,43 +42,14 @@ int PictureOf(HICON shown) {
     return 0;
 }
 
-BOOL WINAPI NotifyIcon(DWORD action, NOTIFYICONDATAA* data) {
-    ShellCall call;
-    call.action = action;
-    if ((data->uFlags & NIF_ICON) != 0) call.picture = PictureOf(data->hIcon);
-    call.done = notifyIcon(action, data);
-    if (record->calls < TrayRecord::kMaxCalls) {
-        record->call[record->calls] = call;
-        InterlockedIncrement(&record->calls);
-    }
-    return call.done;
-}
-
-std::wstring LineOf(HMENU menu, int position) {
+std::wstring LineOf(HMENU menu, UINT position) {
     wchar_t caption[80] = L"";
-    MENUITEMINFOW item{};
-    item.cbSize = sizeof(item);
-    item.fMask = MIIM_FTYPE | MIIM_STATE | MIIM_STRING;
-    item.dwTypeData = caption;
-    item.cch = static_cast<UINT>(std::size(caption));
-    GetMenuItemInfoW(menu, static_cast<UINT>(position), TRUE, &item);
-    std::wstring line = (item.fState & MFS_DEFAULT) != 0 ? L"*" : L"";
-    if ((item.fType & MFT_SEPARATOR) != 0) return line + L"-\n";
-    line += (item.fState & MFS_GRAYED) != 0 ? L'x' : L'+';
-    return line + caption + L'\n';
-}
-
-BOOL WINAPI TrackMenu(HMENU menu, UINT flags, int x, int y, HWND owner, TPMPARAMS* exclude) {
-    std::wstring lines;
-    for (int i = 0; i < GetMenuItemCount(menu); ++i)
-        lines += LineOf(menu, i);
-    lines.resize(std::min(lines.size(), std::size(record->menu) - 1));
-    std::copy_n(lines.c_str(), lines.size() + 1, record->menu);
-    InterlockedIncrement(&record->menusShown);
-    const BOOL chosen = trackPopupMenu(menu, flags, x, y, owner, exclude);
-    record->chosen = static_cast<UINT>(chosen);
-    InterlockedIncrement(&record->menusClosed);
-    return chosen;
+    GetMenuStringW(menu, position, caption, static_cast<int>(std::size(caption)), MF_BYPOSITION);
+    const UINT state = GetMenuState(menu, position, MF_BYPOSITION);
+    const bool isDefault = GetMenuDefaultItem(menu, TRUE, GMDI_USEDISABLED) == position;
+    const std::wstring line = isDefault ? L"*" : L"";
+    if ((state & MF_SEPARATOR) != 0) return line + L"-\n";
+    return line + ((state & MF_GRAYED) != 0 ? L'x' : L'+') + caption + L'\n';
 }
 
 }  // namespace
@@ -92,9 +61,27 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
     record = static_cast<TrayRecord*>(MapViewOfFile(memory, FILE_MAP_WRITE, 0, 0, sizeof(TrayRecord)));
     if (record == nullptr) return FALSE;
     // Both stay until the process ends.
-    static const ImportPatch notify("shell32.dll", "Shell_NotifyIconA", &NotifyIcon);
-    notifyIcon = notify.Original<decltype(notifyIcon)>();
-    static const ImportPatch track("user32.dll", "TrackPopupMenuEx", &TrackMenu);
-    trackPopupMenu = track.Original<decltype(trackPopupMenu)>();
+    static const ImportFake<"Shell_NotifyIconA", decltype(&Shell_NotifyIconA)> notify{
+        "shell32.dll", [](DWORD action, NOTIFYICONDATAA* data) {
+            const int picture = (data->uFlags & NIF_ICON) != 0 ? PictureOf(data->hIcon) : 0;
+            const ShellCall call{action, picture, notify.Original(action, data)};
+            if (record->calls < TrayRecord::kMaxCalls) {
+                record->call[record->calls] = call;
+                InterlockedIncrement(&record->calls);
+            }
+            return call.done;
+        }};
+    static const ImportFake<"TrackPopupMenuEx", decltype(&TrackPopupMenuEx)> track{
+        "user32.dll", [](HMENU menu, UINT flags, int x, int y, HWND owner, TPMPARAMS* exclude) {
+            std::wstring lines;
+            for (int i = 0; i < GetMenuItemCount(menu); ++i)
+                lines += LineOf(menu, static_cast<UINT>(i));
+            lstrcpynW(record->menu, lines.c_str(), static_cast<int>(std::size(record->menu)));
+            InterlockedIncrement(&record->menusShown);
+            const BOOL chosen = track.Original(menu, flags, x, y, owner, exclude);
+            record->chosen = static_cast<UINT>(chosen);
+            InterlockedIncrement(&record->menusClosed);
+            return chosen;
+        }};
     return TRUE;
 }

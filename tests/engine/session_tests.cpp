@@ -1,0 +1,128 @@
+// What the delivered manager, its engine and the taskbar do together: one path for each capability.
+#include <doctest.h>
+
+#include "tests/engine/session.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/shown_text.h"
+
+namespace {
+
+// "hwnd=... form=..." of the CreatePopup that the making of the window sent.
+std::wstring CreationArguments(const Session& session) {
+    const Lines calls = session.engine.Calls();
+    REQUIRE_FALSE(calls.empty());
+    const std::wstring start =
+        L"CreatePopup hwnd=" + std::to_wstring(HandleToLong(session.window)) + L" form=";
+    CHECK(calls[0].starts_with(start));
+    CHECK_FALSE(calls[0].starts_with(start + L"0 "));
+    const size_t first = calls[0].find(L"hwnd=");
+    const size_t end = calls[0].find(L" mode=");
+    CHECK(calls[0].substr(end) == L" mode=2");
+    // Loading asks for the log once; nothing else comes by itself.
+    CHECK(calls == Lines{calls[0], L"State", L"LogFile"});
+    CHECK(session.engine.Popups() == 1);
+    CHECK(session.engine.Connections() == 1);
+    return calls[0].substr(first, end - first);
+}
+
+}  // namespace
+
+TEST_CASE(
+    "a window creates an engine object with its handle, a reference and mode 2, and takes leave with the "
+    "same arguments when it exits; so does the one made after it") {
+    Session session;
+    session.Open();
+    const HWND first = session.window;
+    const std::wstring arguments = CreationArguments(session);
+    REQUIRE(WaitForIcon());
+    session.engine.ClearCalls();
+    // A Windows session that goes on after all changes nothing.
+    CHECK(SendMessageW(first, WM_QUERYENDSESSION, 0, 0) != 0);
+    SendMessageW(first, WM_ENDSESSION, FALSE, 0);
+    Command(first, L'x');
+    REQUIRE(WaitUntil([&] { return !IsWindow(first); }));
+    CHECK(session.engine.Calls() == Lines{L"ReleasePopup " + arguments});
+    CHECK(session.engine.Popups() == 0);
+    CHECK(session.engine.Connections() == 0);
+    CHECK(session.engine.State() == 1);
+    CHECK_FALSE(ShellHasIcon(first));
+
+    session.engine.ClearCalls();
+    session.Open();
+    CHECK(session.window != first);
+    CreationArguments(session);
+    CHECK(WaitForIcon());
+    CHECK(IconStory() == "add rest, delete, add rest");
+    PostGesture(session.window, WM_LBUTTONDBLCLK);
+    CHECK(WaitUntil([&] { return session.Visible(); }));
+    CHECK(MenuOf(session.window) == kRunningMenu);
+}
+
+TEST_CASE_FIXTURE(StartedSession,
+                  "Apply reaches the engine as one ReloadSettings after the store has been written") {
+    engine.Set(L"WatchValue", L"Software\\Calvane\\Settings\\txtSpeed");
+    ChangeSpeed();
+    CHECK(Setting(L"Settings", L"txtSpeed") == L"1000");
+    Press(L"cmdApply");
+    CHECK(WaitUntil([&] { return !Marked(); }));
+    PumpFor(300);
+    CHECK(engine.Calls() == Lines{L"ReloadSettings txtSpeed=800"});
+}
+
+TEST_CASE_FIXTURE(StartedSession, "a closed pop-up runs the three frames, then adds the icon again") {
+    CHECK(ShellHasIcon(window));
+    // The hook in front of the window's procedure, by the property that it leaves there.
+    CHECK(GetPropA(window, "OldWndProc") != nullptr);
+    engine.Raise(L"Killed");
+    CHECK(WaitForIcon(1));
+    CHECK(IconStory() == "add rest, frame 0, frame 1, frame 2, delete, add rest");
+    CHECK(ShellHasIcon(window));
+    // The engine heard nothing of it.
+    CHECK(engine.Calls() == Lines{});
+}
+
+TEST_CASE_FIXTURE(StartedSession,
+                  "a thousand closed pop-ups in a burst leave one icon and a manager that responds") {
+    for (int i = 1; i <= 1000; ++i)
+        engine.Raise(L"Killed");
+    DWORD_PTR result = 0;
+    CHECK(SendMessageTimeoutW(window, WM_NULL, 0, 0, SMTO_NORMAL, kPatience, &result) != 0);
+    CHECK(WaitForIcon(1));
+    CHECK(engine.Connections() == 1);
+    CheckWorks();
+}
+
+TEST_CASE_FIXTURE(StartedSession,
+                  "the menu opens over the hidden window and follows the engine's events, an open one the "
+                  "next time; its commands reach the engine") {
+    PopUpMenu(window);
+    CHECK(ShownMenu() == kRunningMenu);
+    CHECK(GetForegroundWindow() == window);
+    CHECK_FALSE(Visible());
+    engine.Raise(L"Stopped");
+    CloseMenu();
+    CHECK(MenuOf(window) == kStoppedMenu);
+    Command(window, L's');
+    CHECK(WaitUntil([&] { return MenuOf(window) == kRunningMenu; }));
+    Command(window, L'p');
+    // As the engine reports it.
+    CHECK(WaitUntil([&] { return MenuOf(window) == kStoppedMenu; }));
+    CHECK(engine.Calls() == Lines{L"Start", L"Pause"});
+}
+
+TEST_CASE_FIXTURE(StartedSession,
+                  "Open shows the window in the foreground, and its close box hides it with what is "
+                  "not applied") {
+    Command(window, L'o');
+    CHECK(WaitUntil([&] { return Visible(); }));
+    CHECK(WaitUntil([&] { return GetForegroundWindow() == window; }));
+    ChangeSpeed();
+    PostMessageW(window, WM_SYSCOMMAND, SC_CLOSE, 0);
+    CHECK(WaitUntil([&] { return !Visible(); }));
+    CHECK(manager.Window() == window);
+    CHECK(manager.Text(L"txtSpeed") == L"7");
+    CHECK(Marked());
+    CHECK(Setting(L"Settings", L"txtSpeed") == L"1000");
+    CHECK(engine.Calls() == Lines{});
+    CHECK(IconStory() == "add rest");
+}
