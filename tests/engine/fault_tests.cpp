@@ -42,7 +42,7 @@ TEST_CASE("without a registered engine the window works, and its menu follows co
     CHECK(Get(session.manager.Form().Get(), L"m_oPopup").Value().pdispVal == nullptr);
     CHECK(WaitForIcon());
     CheckCommands(session.window, kDesignedMenu);
-    session.CheckWorks(false);
+    session.CheckWorks();
     CheckExit(session);
 }
 
@@ -64,10 +64,10 @@ TEST_CASE("an engine that dies in a call leaves a manager that works") {
         session.engine.DieIn(row.member.c_str());
         session.Open();
         if (row.command != 0) Command(session.window, row.command);
-        if (row.member == L"ReloadSettings") session.CheckWorks(false);
+        if (row.member == L"ReloadSettings") session.CheckWorks();
         CHECK(StandIn::Ended());
         CHECK(Becomes(session.window, row.menu));
-        session.CheckWorks(false);
+        session.CheckWorks();
     }
 }
 
@@ -87,7 +87,7 @@ TEST_CASE("an engine that dies between two calls is missed by nobody but its com
         // The frames that it started run to their end.
         CHECK(WaitForIcon(1));
         CheckCommands(session.window, kRunningMenu);
-        session.CheckWorks(false);
+        session.CheckWorks();
         CheckExit(session);
     }
 }
@@ -98,5 +98,5 @@ TEST_CASE("a terminated engine that COM still takes for alive leaves a manager t
     const DWORD start = GetTickCount();
     session.Open();
     CHECK(GetTickCount() - start < kHang);
-    session.CheckWorks(false);
+    session.CheckWorks();
 }

@@ -15,9 +15,9 @@ struct Session {
     void Open();
     void Start();
 
-    // What a user expects of the manager, with an engine or without: Apply, Refresh List, the window, the
-    // icon.
-    void CheckWorks(bool hasEngine = true);
+    // What a user expects of the manager, with an engine or without: the window, its close box, Open in the
+    // menu, Apply, Refresh List, the icon.
+    void CheckWorks();
 
     bool Visible() const { return IsWindowVisible(window) != FALSE; }
     bool Marked() const { return IsWindowEnabled(apply) != FALSE; }
@@ -28,8 +28,8 @@ struct Session {
     // Waits until everything posted to the manager before has been handled.
     void Settle();
 
-    // One click on an arrow of udbSpeed.
-    void ChangeSpeed(bool up = true);
+    // One click on the upper arrow of udbSpeed.
+    void ChangeSpeed();
 
     // Null when no dialog comes.
     HWND WaitForDialog();

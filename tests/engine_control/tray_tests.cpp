@@ -44,20 +44,6 @@ struct Tray : TrayWindow {
         return TRUE;
     }
 
-    BOOL Track(HMENU handle, UINT flags, POINT place, HWND owner) {
-        const UINT defaultItem = GetMenuDefaultItem(handle, FALSE, GMDI_USEDISABLED);
-        calls.push_back(defaultItem == mnuPauseKiller ? "Track, pausing is the default" : "Track");
-        CHECK((defaultItem == mnuPauseKiller || defaultItem == kNone));
-        CHECK(handle == menu.Handle());
-        CHECK((flags & (TPM_RIGHTBUTTON | TPM_RETURNCMD | TPM_NONOTIFY)) ==
-              (TPM_RIGHTBUTTON | TPM_RETURNCMD));
-        CHECK(place.x == 321);
-        CHECK(place.y == 123);
-        CHECK(owner == window.Hwnd());
-        if (whileShown) whileShown();
-        return static_cast<BOOL>(std::exchange(chosen, 0));
-    }
-
     // Chooses from the menu, or leaves it.
     Calls PopUp(UINT item = 0, bool pauseIsDefault = false) {
         calls.clear();
@@ -116,7 +102,17 @@ struct Tray : TrayWindow {
                                                                      }};
     const ImportFake<"TrackPopupMenuEx", decltype(&TrackPopupMenuEx)> track{
         "user32.dll", [this](HMENU handle, UINT flags, int x, int y, HWND owner, TPMPARAMS*) {
-            return Track(handle, flags, {x, y}, owner);
+            const UINT defaultItem = GetMenuDefaultItem(handle, FALSE, GMDI_USEDISABLED);
+            calls.push_back(defaultItem == mnuPauseKiller ? "Track, pausing is the default" : "Track");
+            CHECK((defaultItem == mnuPauseKiller || defaultItem == kNone));
+            CHECK(handle == menu.Handle());
+            CHECK((flags & (TPM_RIGHTBUTTON | TPM_RETURNCMD | TPM_NONOTIFY)) ==
+                  (TPM_RIGHTBUTTON | TPM_RETURNCMD));
+            CHECK(x == 321);
+            CHECK(y == 123);
+            CHECK(owner == window.Hwnd());
+            if (whileShown) whileShown();
+            return static_cast<BOOL>(std::exchange(chosen, 0));
         }};
 };
 

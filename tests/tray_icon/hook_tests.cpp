@@ -9,7 +9,6 @@
 #include "tests/support/import_fake.h"
 #include "tests/support/plain_window.h"
 #include "tests/support/shown_text.h"
-#include "tests/support/test_window.h"
 #include "tray/bas_shell_notify.h"
 
 namespace {
@@ -101,19 +100,6 @@ TEST_CASE("a hook that cannot be made, or whose property cannot be stored, leave
     }
     CHECK(window.Procedure() == before);
     CHECK(GetPropA(window.Hwnd(), kProperty) == nullptr);
-}
-
-TEST_CASE("a Unicode window gets its messages through the hook and its own procedure back") {
-    TestWindow window({});
-    REQUIRE(IsWindowUnicode(window.Hwnd()));
-    const LONG before = GetWindowLongW(window.Hwnd(), GWL_WNDPROC);
-    REQUIRE(HookTrayWindow(window.Hwnd()));
-    SetWindowTextW(window.Hwnd(), L"Calvane");
-    wchar_t caption[20] = L"";
-    GetWindowTextW(window.Hwnd(), caption, 20);
-    CHECK(std::wstring(caption) == L"Calvane");
-    UnhookTrayWindow(window.Hwnd());
-    CHECK(GetWindowLongW(window.Hwnd(), GWL_WNDPROC) == before);
 }
 
 TEST_CASE_FIXTURE(ConfigWindow,
