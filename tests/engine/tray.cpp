@@ -4,11 +4,10 @@
 
 #include <shellapi.h>
 
-#include <algorithm>
 #include <stdexcept>
 
-#include "app/resource.h"
 #include "store/server_directory.h"
+#include "tests/engine/library/tray_record.h"
 #include "tests/support/manager.h"
 
 namespace {
@@ -30,20 +29,6 @@ TrayRecord* MapRecord() {
 TrayRecord& Record() {
     static TrayRecord* const record = MapRecord();
     return *record;
-}
-
-int Done(DWORD action) {
-    return static_cast<int>(std::ranges::count_if(
-        ShellCalls(), [&](const ShellCall& call) { return call.action == action && call.done != FALSE; }));
-}
-
-std::string NameOf(const ShellCall& call) {
-    std::string name = call.picture == 0               ? "another"
-                       : call.picture == IDI_TRAY_REST ? "rest"
-                                                       : "frame " + std::to_string(call.picture - IDI_TRAY_0);
-    if (call.action == NIM_ADD) name = "add " + name;
-    if (call.action == NIM_DELETE) name = "delete";
-    return call.done != FALSE ? name : name + " (refused)";
 }
 
 // "+" or "x" for each item that is not always enabled.
@@ -69,7 +54,10 @@ const std::wstring kRunningMenu = Menu(L'x', L'+', L'+');
 const std::wstring kStoppedMenu = Menu(L'+', L'x', L'x');
 
 std::wstring BeginTrayRecord() {
-    Record().calls = 0;
+    Record().story[0] = 0;
+    Record().added = 0;
+    Record().deleted = 0;
+    Record().mostIcons = 0;
     Record().menusShown = 0;
     Record().menusClosed = 0;
     return ServerDirectory() + L"\\tray_recorder.dll";
@@ -85,25 +73,20 @@ bool ShellHasIcon(HWND configWindow) {
 }
 
 int ShownIcons() {
-    return Done(NIM_ADD) - Done(NIM_DELETE);
+    return Record().added - Record().deleted;
+}
+
+int MostIcons() {
+    return Record().mostIcons;
 }
 
 bool WaitForIcon(int earlier) {
-    return WaitUntil([&] {
-        const std::vector<ShellCall> calls = ShellCalls();
-        return Done(NIM_ADD) > earlier && ShownIcons() == 1 && NameOf(calls.back()) == "add rest";
-    });
-}
-
-std::vector<ShellCall> ShellCalls() {
-    return {Record().call, Record().call + Record().calls};
+    return WaitUntil(
+        [&] { return Record().added > earlier && ShownIcons() == 1 && IconStory().ends_with("add rest"); });
 }
 
 std::string IconStory() {
-    std::string story;
-    for (const ShellCall& call : ShellCalls())
-        story += (story.empty() ? "" : ", ") + NameOf(call);
-    return story;
+    return Record().story;
 }
 
 void PostGesture(HWND configWindow, UINT mouseMessage) {

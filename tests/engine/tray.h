@@ -4,9 +4,6 @@
 #include <windows.h>
 
 #include <string>
-#include <vector>
-
-#include "tests/engine/library/tray_record.h"
 
 // Begins a new record. The manager that is started next, with this library in it, writes to it. Returns the
 // library's path.
@@ -15,15 +12,15 @@ std::wstring BeginTrayRecord();
 // Whether the shell knows the icon of the window.
 bool ShellHasIcon(HWND configWindow);
 
-// The icon as the calls that the shell has carried out have left it.
+// The icons as the calls that the shell has carried out have left them, and the most that there have been.
 int ShownIcons();
+int MostIcons();
 
 // Waits until there is one, added after at least so many earlier ones, and it rests: its adding, with the
 // resting picture, was the last call.
 bool WaitForIcon(int earlier = 0);
 
 // What the icon has looked like: "add rest, frame 0, delete, ...".
-std::vector<ShellCall> ShellCalls();
 std::string IconStory();
 
 // What the icon's callback tells the window: a mouse message over the icon.

@@ -25,16 +25,8 @@ inline constexpr char kDesigned[] = "+++";
 inline constexpr char kRunning[] = "-++";
 inline constexpr char kStopped[] = "+--";
 
-// Ways in which a call to another process fails for good, and some that engines invent.
-inline const HRESULT kFailures[] = {E_FAIL,
-                                    E_OUTOFMEMORY,
-                                    E_ACCESSDENIED,
-                                    E_NOTIMPL,
-                                    DISP_E_EXCEPTION,
-                                    RPC_E_DISCONNECTED,
-                                    RPC_E_SERVERFAULT,
-                                    HRESULT_FROM_WIN32(RPC_S_CALL_FAILED),
-                                    HRESULT_FROM_WIN32(RPC_S_SERVER_UNAVAILABLE)};
+// Results of calls that fail for good: by the engine's will, and because it is gone.
+inline const HRESULT kFailures[] = {E_FAIL, RPC_E_DISCONNECTED, HRESULT_FROM_WIN32(RPC_S_CALL_FAILED)};
 
 // The menu's commands to the engine.
 struct Command {

@@ -47,9 +47,6 @@ TEST_CASE("what fails in connecting leaves the menu as designed, and leave is ta
     std::vector<Row> rows{
         // Nobody starts it to leave it either.
         {"CreateInstance", REGDB_E_CLASSNOTREG, toApplication, false},
-        {"CreateInstance", CO_E_SERVER_EXEC_FAILURE, toApplication, false},
-        {"CreateInstance", E_NOINTERFACE, toApplication, false},
-        {"CreateInstance", E_OUTOFMEMORY, toApplication, false},
         // It creates nothing.
         {"CreatePopup", S_FALSE, toPopup, false},
         // An engine without events is still held, and its state read.

@@ -2,6 +2,7 @@
 #include <doctest.h>
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -153,19 +154,17 @@ TEST_CASE(
 }
 
 TEST_CASE("the menu has its caption, on a menu bar, and goes with its object") {
-    HMENU handle = nullptr;
-    {
-        const TrayMenu menu;
-        handle = menu.Handle();
-        CHECK(IsMenu(handle));
-        // Nobody hands the bar out: it is looked for among all menus, by the low halves of their handles.
-        std::vector<std::wstring> captions;
-        for (ULONG_PTR number = 0x20; number < 0x10000; number += 2) {
-            const HMENU bar = reinterpret_cast<HMENU>(number);
-            if (IsMenu(bar) && GetSubMenu(bar, 0) == handle) captions.push_back(CaptionOf(bar, 0));
-        }
-        CHECK(captions == std::vector<std::wstring>{L"Config Popup"});
+    auto menu = std::make_unique<TrayMenu>();
+    const HMENU handle = menu->Handle();
+    CHECK(IsMenu(handle));
+    // Nobody hands the bar out: it is looked for among all menus, by the low halves of their handles.
+    std::vector<std::wstring> captions;
+    for (ULONG_PTR number = 0x20; number < 0x10000; number += 2) {
+        const HMENU bar = reinterpret_cast<HMENU>(number);
+        if (IsMenu(bar) && GetSubMenu(bar, 0) == handle) captions.push_back(CaptionOf(bar, 0));
     }
+    CHECK(captions == std::vector<std::wstring>{L"Config Popup"});
+    menu.reset();
     CHECK_FALSE(IsMenu(handle));
 }
 

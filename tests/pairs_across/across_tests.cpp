@@ -3,9 +3,7 @@
 #include <doctest.h>
 
 #include <windows.h>
-#include <shellapi.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <optional>
 #include <string>
@@ -269,17 +267,6 @@ bool IsPossible(const Row& row, const Column& column) {
 
 bool IsMarked(const Row& row, const Column& column) {
     return row.mark != Mark::Cleared && column.traits.mark == Mark::Set && !row.IsLoad();
-}
-
-int MostIcons() {
-    int icons = 0;
-    int most = 0;
-    for (const ShellCall& call : ShellCalls()) {
-        if (call.done == FALSE) continue;
-        icons += (call.action == NIM_ADD) - (call.action == NIM_DELETE);
-        most = std::max(most, icons);
-    }
-    return most;
 }
 
 // The first thing that does not hold; empty where all does.

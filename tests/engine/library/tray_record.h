@@ -6,20 +6,18 @@
 
 inline constexpr wchar_t kTrayRecordName[] = L"Calvane tests: tray record";
 
-// One call of Shell_NotifyIconA.
-struct ShellCall {
-    DWORD action = 0;
-    int picture = 0;  // the resource whose picture the icon shows; 0 for any other
-    BOOL done = FALSE;
-};
-
 struct TrayRecord {
-    static constexpr LONG kMaxCalls = 20000;
+    // What the icon has looked like: "add rest, frame 0, delete, ..."; what the shell refused is named so.
+    char story[1 << 18];
 
-    // Counted last, so that whatever is counted is complete.
-    volatile LONG calls;
+    // The icons that the shell has added and deleted. Counted last, so that whatever is counted is complete.
+    volatile LONG added;
+    volatile LONG deleted;
     volatile LONG menusShown;
     volatile LONG menusClosed;
+
+    // How many icons there have been at once.
+    LONG mostIcons;
 
     // What the menu closed last was closed on; 0 where nothing was chosen.
     UINT chosen;
@@ -27,5 +25,4 @@ struct TrayRecord {
     // The menu shown last, an item a line: "-" for a separator, otherwise "+" or, for an item that cannot be
     // chosen, "x", and the caption. The default item's line begins with "*".
     wchar_t menu[400];
-    ShellCall call[kMaxCalls];
 };

@@ -3,8 +3,11 @@
 #include <windows.h>
 #include <shellapi.h>
 
+#include <algorithm>
+#include <cstring>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/resource.h"
@@ -29,17 +32,19 @@ std::vector<BYTE> BytesOf(HICON icon, int& width) {
     return bytes;
 }
 
-int PictureOf(HICON shown) {
+std::string PictureOf(HICON shown) {
     int width = 0;
     const std::vector<BYTE> bytes = BytesOf(shown, width);
-    for (const int resource : {IDI_TRAY_REST, IDI_TRAY_0, IDI_TRAY_1, IDI_TRAY_2}) {
+    const std::pair<int, const char*> pictures[] = {
+        {IDI_TRAY_REST, "rest"}, {IDI_TRAY_0, "frame 0"}, {IDI_TRAY_1, "frame 1"}, {IDI_TRAY_2, "frame 2"}};
+    for (const auto& [resource, name] : pictures) {
         const auto icon = static_cast<HICON>(LoadImageW(GetModuleHandleW(nullptr), MAKEINTRESOURCEW(resource),
                                                         IMAGE_ICON, width, width, LR_DEFAULTCOLOR));
         const bool isShown = BytesOf(icon, width) == bytes;
         DestroyIcon(icon);
-        if (isShown) return resource;
+        if (isShown) return name;
     }
-    return 0;
+    return "another";
 }
 
 std::wstring LineOf(HMENU menu, UINT position) {
@@ -63,13 +68,17 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
     // Both stay until the process ends.
     static const ImportFake<"Shell_NotifyIconA", decltype(&Shell_NotifyIconA)> notify{
         "shell32.dll", [](DWORD action, NOTIFYICONDATAA* data) {
-            const int picture = (data->uFlags & NIF_ICON) != 0 ? PictureOf(data->hIcon) : 0;
-            const ShellCall call{action, picture, notify.Original(action, data)};
-            if (record->calls < TrayRecord::kMaxCalls) {
-                record->call[record->calls] = call;
-                InterlockedIncrement(&record->calls);
-            }
-            return call.done;
+            std::string event = action == NIM_DELETE ? "delete" : PictureOf(data->hIcon);
+            if (action == NIM_ADD) event.insert(0, "add ");
+            const BOOL done = notify.Original(action, data);
+            if (done == FALSE) event += " (refused)";
+            if (record->story[0] != 0) event.insert(0, ", ");
+            if (std::strlen(record->story) + event.size() < std::size(record->story))
+                lstrcatA(record->story, event.c_str());
+            if (done != FALSE && action == NIM_ADD) InterlockedIncrement(&record->added);
+            if (done != FALSE && action == NIM_DELETE) InterlockedIncrement(&record->deleted);
+            record->mostIcons = std::max(record->mostIcons, record->added - record->deleted);
+            return done;
         }};
     static const ImportFake<"TrackPopupMenuEx", decltype(&TrackPopupMenuEx)> track{
         "user32.dll", [](HMENU menu, UINT flags, int x, int y, HWND owner, TPMPARAMS* exclude) {
