@@ -19,8 +19,6 @@ using Lines = std::vector<std::wstring>;
 class HeldCall {
 public:
     explicit HeldCall(const std::wstring& member);
-    HeldCall(const HeldCall&) = delete;
-    HeldCall& operator=(const HeldCall&) = delete;
     ~HeldCall() { LetGo(); }
 
     bool HasArrived() const { return WaitForSingleObject(m_arrived.Get(), 0) == WAIT_OBJECT_0; }

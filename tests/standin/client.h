@@ -37,19 +37,18 @@ struct Client : StandIn {
 struct EventLog {
     explicit EventLog(IUnknown* popup)
         : connection(popup, __uuidof(__Popup),
-                     {{1, [this](const DISPPARAMS& arguments) { Killed(arguments); }},
+                     {{1,
+                       [this](const DISPPARAMS& arguments) {
+                           REQUIRE(arguments.cArgs == 2);
+                           CHECK(arguments.rgvarg[1].vt == VT_I4);
+                           CHECK(arguments.rgvarg[0].vt == VT_BSTR);
+                           events.push_back(L"Killed " + ToText(arguments.rgvarg[1]) + L' ' +
+                                            ToText(arguments.rgvarg[0]));
+                       }},
                       {2, [this](const DISPPARAMS&) { events.push_back(L"Paused"); }},
                       {3, [this](const DISPPARAMS&) { events.push_back(L"Started"); }},
                       {4, [this](const DISPPARAMS&) { events.push_back(L"Stopped"); }}}) {}
 
     Lines events;
     EventConnection connection;
-
-private:
-    void Killed(const DISPPARAMS& arguments) {
-        REQUIRE(arguments.cArgs == 2);
-        CHECK(arguments.rgvarg[1].vt == VT_I4);
-        CHECK(arguments.rgvarg[0].vt == VT_BSTR);
-        events.push_back(L"Killed " + ToText(arguments.rgvarg[1]) + L' ' + ToText(arguments.rgvarg[0]));
-    }
 };

@@ -13,8 +13,9 @@
 #include "tests/support/test_folder.h"
 
 TEST_CASE_FIXTURE(Client,
-                  "the calls are written down with their arguments, CreatePopup leaves the mode, and the "
-                  "engine object's members stand in the order that its clients were built with") {
+                  "the calls are written down with their arguments, on demand with their times; CreatePopup "
+                  "leaves the mode, and the engine object's members stand in the order that its clients were "
+                  "built with") {
     CHECK(Calls() == Lines{L"CreatePopup hwnd=1234 form=5678 mode=2"});
     ClearCalls();
     long mode = 3;
@@ -36,18 +37,15 @@ TEST_CASE_FIXTURE(Client,
     CHECK(app->ReleasePopup(1, 2) == S_OK);
     CHECK(Calls() == Lines{L"CreatePopup hwnd=-1 form=-2 mode=3", L"State", L"Start", L"Stop", L"Pause",
                            L"ReloadSettings", L"LogFile", L"ReleasePopup hwnd=1 form=2"});
-}
-
-TEST_CASE_FIXTURE(Client, "stamped lines start with the time of the call") {
     ClearCalls();
     Set(L"Stamped", true);
     const DWORD before = GetTickCount();
     CHECK(popup->Start() == S_OK);
     const DWORD after = GetTickCount();
-    const std::wstring call = Calls().at(0);
+    const std::wstring stamped = Calls().at(0);
     size_t digits = 0;
-    CHECK(std::stoul(call, &digits) - before <= after - before);
-    CHECK(call.substr(digits) == L" Start");
+    CHECK(std::stoul(stamped, &digits) - before <= after - before);
+    CHECK(stamped.substr(digits) == L" Start");
 }
 
 TEST_CASE_FIXTURE(Client, "ReloadSettings tells what a watched value held when it arrived") {
@@ -172,11 +170,8 @@ TEST_CASE_FIXTURE(Client,
     CHECK(log.events == reported);
 }
 
-TEST_CASE("an engine that is new or reset runs, raises by itself, and has received nothing") {
-    SUBCASE("new") {
-        StandIn::End();
-    }
-    SUBCASE("reset") {
+TEST_CASE("an engine that is reset runs, raises by itself, and has received nothing, as a new one") {
+    {
         const Client used;
         used.State(3);
         used.Set(L"RaiseByItself", false);
