@@ -7,8 +7,10 @@
 #include <string>
 #include <vector>
 
+#include "lists/resource.h"
+#include "options/resource.h"
 #include "tests/engine_control/fake_engine.h"
-#include "tests/entry/inside.h"
+#include "tests/entry/window_inside.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/registry_calls.h"
 #include "tests/support/shown_text.h"
@@ -64,23 +66,17 @@ struct CountedManager {
     }
 
     // Watches a press of the button.
-    void Press(const wchar_t* name) {
-        LONG window = 0;
-        const BSTR text = SysAllocString(name);
-        CHECK(g_frmConfig->ControlHwnd(text, &window) == S_OK);
-        SysFreeString(text);
-        const HWND button = static_cast<HWND>(LongToHandle(window));
-        EnableWindow(button, TRUE);
-        Watch([&] { SendMessageW(button, BM_CLICK, 0, 0); });
+    void Press(int id) {
+        EnableWindow(ControlOf(id), TRUE);
+        Watch([&] { Click(id); });
     }
 
     // That the last body read, wrote and deleted so many values and called this of the engine, and nothing
     // else.
     void CheckCalls(long read, long written, long deleted, const EngineCalls& ofEngine) {
         const auto count = [this](const char* word) {
-            const std::vector<std::string> values = registry.Values();
-            return std::count_if(values.begin(), values.end(),
-                                 [&](const std::string& line) { return line.starts_with(word); });
+            return std::ranges::count_if(registry.Values(),
+                                         [&](const std::string& line) { return line.starts_with(word); });
         };
         CHECK(count("read ") == read);
         CHECK(count("write ") == written);
@@ -94,7 +90,6 @@ struct CountedManager {
     // tells once; what the manager did by itself would come in each period.
     void CheckIdle() {
         constexpr int kPeriods = 8;
-
         bool isIdle = false;
         for (int i = 0; i < kPeriods && !isIdle; ++i) {
             engine.script.calls.clear();
@@ -143,35 +138,30 @@ TEST_CASE_FIXTURE(
     "Cancel reads each setting once, and the log; Apply deletes each list, writes each setting once and "
     "tells the engine; OK does the same without telling it; a refresh asks for the path") {
     Start();
-    Press(L"cmdCancel");
+    Press(IDCANCEL);
     CheckCalls(kRead + 2, 0, 0, {"LogFile"});
-    Press(L"cmdApply");
+    Press(IDC_CMDAPPLY);
     CheckCalls(0, kWritten, kDeleted, {"ReloadSettings"});
-    Press(L"cmdOK");
+    Press(IDC_CMDOK);
     CheckCalls(0, kWritten, kDeleted, {});
-    Press(L"cmdRefreshLog");
+    Press(IDC_CMDREFRESHLOG);
     CheckCalls(0, 0, 0, {"LogFile"});
     CHECK(shell.calls.empty());
     CheckIdle();
 }
 
-TEST_CASE_FIXTURE(CountedManager, "a manager, hidden or shown, on whatever page, gets no message") {
-    Start();
-    CheckIdle();
-    for (const long showType : std::initializer_list<long>{formShow, kShowAbout}) {
-        inside.Instance(showType);
-        CheckIdle();
-    }
-}
-
 TEST_CASE_FIXTURE(CountedManager,
-                  "a notice keeps the manager busy for three frames and the end, and leaves it idle again") {
+                  "a manager, hidden or shown, on whatever page, gets no message; a notice keeps it busy for "
+                  "three frames and the end, and leaves it idle again") {
     Start();
     CheckIdle();
     shell.calls.clear();
     engine.Raise(1, {0L, L"http://ads.example.com"});
     const std::vector<UINT> messages = MessagesWithin(kIdleMilliseconds);
-    CHECK(std::count(messages.begin(), messages.end(), static_cast<UINT>(WM_TIMER)) == 4);
+    CHECK(std::ranges::count(messages, UINT{WM_TIMER}) == 4);
     CHECK(shell.calls.size() == 5);
-    CheckIdle();
+    for (const long showType : std::initializer_list<long>{FormHide, formShow, kShowAbout}) {
+        inside.Instance(showType);
+        CheckIdle();
+    }
 }

@@ -23,9 +23,7 @@ bool Press(HWND focus, WPARAM key, std::initializer_list<int> held = {}) {
 // focus is clicked, and selects itself, unless it has been told not to (BM_SETDONTCLICK). One at a time.
 class WindowsButtons {
 public:
-    WindowsButtons() : m_hook(SetWindowsHookExW(WH_CALLWNDPROCRET, Watch, nullptr, GetCurrentThreadId())) {
-        s_isSilent.clear();
-    }
+    WindowsButtons() { s_isSilent.clear(); }
     WindowsButtons(const WindowsButtons&) = delete;
     WindowsButtons& operator=(const WindowsButtons&) = delete;
     ~WindowsButtons() { UnhookWindowsHookEx(m_hook); }
@@ -43,34 +41,10 @@ private:
     }
 
     static inline std::map<HWND, bool> s_isSilent;
-    const HHOOK m_hook;
+    const HHOOK m_hook = SetWindowsHookExW(WH_CALLWNDPROCRET, Watch, nullptr, GetCurrentThreadId());
 };
 
 constexpr int kOptions[] = {IDC_OPTSTARTUP, IDC_OPTLOADWITHKILLER, IDC_OPTLOADFROMMENU};
-
-// 0 where none is.
-int SelectedOption() {
-    for (const int option : kOptions) {
-        if (SendMessageW(ControlOf(option), BM_GETCHECK, 0, 0) == BST_CHECKED) return option;
-    }
-    return 0;
-}
-
-std::vector<int> OptionTabStops() {
-    std::vector<int> stops;
-    for (const int option : kOptions) {
-        if ((GetWindowLongW(ControlOf(option), GWL_STYLE) & WS_TABSTOP) != 0) stops.push_back(option);
-    }
-    return stops;
-}
-
-bool CanApply() {
-    return IsWindowEnabled(ControlOf(IDC_CMDAPPLY)) != FALSE;
-}
-
-void SelectPage(int page) {
-    SendDlgItemMessageW(Window(), IDC_TAB, TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0);
-}
 
 struct ShownWindow : InsideWithoutEngine {
     void Show(const wchar_t* mode = L"RunOnly") {
@@ -81,6 +55,19 @@ struct ShownWindow : InsideWithoutEngine {
     }
 
     static HWND Tabs() { return ControlOf(IDC_TAB); }
+    static void SelectPage(int page) { SendMessageW(Tabs(), TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0); }
+
+    // That this option button is selected, 0: none; the tab key stops at that other one; and nothing has
+    // been changed.
+    static void CheckOptions(int selected, int tabStop) {
+        for (const int option : kOptions) {
+            CAPTURE(option);
+            CHECK((SendMessageW(ControlOf(option), BM_GETCHECK, 0, 0) == BST_CHECKED) ==
+                  (option == selected));
+            CHECK(((GetWindowLongW(ControlOf(option), GWL_STYLE) & WS_TABSTOP) != 0) == (option == tabStop));
+        }
+        CHECK_FALSE(IsWindowEnabled(ControlOf(IDC_CMDAPPLY)));
+    }
 };
 
 }  // namespace
@@ -98,40 +85,35 @@ TEST_CASE_FIXTURE(InsideWithoutEngine, "keys of another window, or without a win
         CHECK_FALSE(Press(window, VK_TAB));
 }
 
-TEST_CASE_FIXTURE(InsideWithoutEngine,
-                  "Ctrl with Tab, Page Down and Page Up walks the pages round, whoever has the focus") {
-    Instance(FormHide);
+TEST_CASE_FIXTURE(
+    InsideWithoutEngine,
+    "Ctrl with Tab, Page Down and Page Up walks the pages round, whoever has the focus, but not "
+    "with Alt held, when a key goes up, or where another program has taken the tabs away") {
+    Instance(formShow);
     const struct {
         WPARAM key;
-        bool hasShift;
+        std::initializer_list<int> held;
         int page;
-    } walk[] = {{VK_TAB, false, 1}, {VK_TAB, false, 2}, {VK_TAB, false, 3},   {VK_TAB, false, 4},
-                {VK_TAB, false, 5}, {VK_TAB, false, 0}, {VK_PRIOR, false, 5}, {VK_NEXT, false, 0},
-                {VK_TAB, true, 5},  {VK_NEXT, true, 0}};
+    } walk[] = {{VK_TAB, {VK_CONTROL}, 1},           {VK_TAB, {VK_CONTROL}, 2},
+                {VK_NEXT, {VK_CONTROL}, 3},          {VK_TAB, {VK_CONTROL, VK_MENU}, 3},
+                {VK_NEXT, {VK_CONTROL, VK_MENU}, 3}, {VK_TAB, {}, 3},
+                {VK_NEXT, {VK_CONTROL}, 4},          {VK_NEXT, {VK_CONTROL}, 5},
+                {VK_TAB, {VK_CONTROL}, 0},           {VK_PRIOR, {VK_CONTROL}, 5},
+                {VK_NEXT, {VK_CONTROL}, 0},          {VK_TAB, {VK_CONTROL, VK_SHIFT}, 5},
+                {VK_NEXT, {VK_CONTROL, VK_SHIFT}, 0}};
     for (const HWND focus : {Window(), ControlOf(IDC_TAB), ControlOf(IDC_CMDOK)}) {
-        for (const auto& [key, hasShift, page] : walk) {
-            CHECK((hasShift ? Press(focus, key, {VK_CONTROL, VK_SHIFT}) : Press(focus, key, {VK_CONTROL})));
+        for (const auto& [key, held, page] : walk) {
+            Press(focus, key, held);
             CHECK(SelectedTab() == page);
         }
     }
-}
-
-TEST_CASE_FIXTURE(InsideWithoutEngine, "the pages stay with Alt held, without Ctrl or when a key goes up") {
-    Instance(FormHide);
-    const HWND tabs = ControlOf(IDC_TAB);
-    Press(tabs, VK_TAB, {VK_CONTROL, VK_MENU});
-    Press(tabs, VK_NEXT, {VK_CONTROL, VK_MENU});
-    Press(tabs, VK_TAB);
-    const HeldKeys held{VK_CONTROL};
-    MSG released = Key(tabs, VK_TAB);
-    released.message = WM_KEYUP;
-    IsFormMessage(released);
-    CHECK(SelectedTab() == 0);
-}
-
-TEST_CASE_FIXTURE(InsideWithoutEngine,
-                  "where another program has taken the tabs away the page keys do nothing") {
-    Instance(formShow);
+    {
+        const HeldKeys held{VK_CONTROL};
+        MSG released = Key(ControlOf(IDC_TAB), VK_TAB);
+        released.message = WM_KEYUP;
+        IsFormMessage(released);
+        CHECK(SelectedTab() == 0);
+    }
     SendDlgItemMessageW(Window(), IDC_TAB, TCM_DELETEALLITEMS, 0, 0);
     SetFocus(ControlOf(IDC_CMDOK));
     for (const WPARAM key : {VK_TAB, VK_NEXT, VK_PRIOR}) {
@@ -143,47 +125,37 @@ TEST_CASE_FIXTURE(InsideWithoutEngine,
 
 TEST_CASE_FIXTURE(ShownWindow, "moving the focus selects no option button and marks no change") {
     const WindowsButtons windows;
-    Show();
-    for (const int option : kOptions) {
-        CAPTURE(option);
-        SendMessageW(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ControlOf(option)), TRUE);
-        CHECK(GetFocus() == ControlOf(option));
-        CHECK(SelectedOption() == IDC_OPTLOADWITHKILLER);
-        CHECK_FALSE(CanApply());
+    SUBCASE("the stored one is selected") {
+        Show();
+        for (const int option : kOptions) {
+            SendMessageW(Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(ControlOf(option)), TRUE);
+            CHECK(GetFocus() == ControlOf(option));
+            CheckOptions(IDC_OPTLOADWITHKILLER, IDC_OPTLOADWITHKILLER);
+        }
+        SetFocus(Tabs());
+        for (int i = 0; i < 9; ++i)
+            Press(GetFocus(), VK_TAB);
+        CheckOptions(IDC_OPTLOADWITHKILLER, IDC_OPTLOADWITHKILLER);
     }
-    SetFocus(Tabs());
-    for (int i = 0; i < 9; ++i)
-        Press(GetFocus(), VK_TAB);
-    CHECK(SelectedOption() == IDC_OPTLOADWITHKILLER);
-    CHECK_FALSE(CanApply());
-}
-
-TEST_CASE_FIXTURE(ShownWindow, "after Esc on an option button the next show finds the stored one selected") {
-    const WindowsButtons windows;
-    Show();
-    SetFocus(ControlOf(IDC_OPTSTARTUP));
-    Click(IDC_OPTSTARTUP);
-    CHECK(SelectedOption() == IDC_OPTSTARTUP);
-    CHECK(CanApply());
-    Press(GetFocus(), VK_ESCAPE);
-    REQUIRE_FALSE(IsWindowVisible(Window()));
-    EnableWindow(ControlOf(IDC_CMDAPPLY), FALSE);
-    Instance(formShow);
-    SetFocus(ControlOf(IDC_OPTSTARTUP));
-    CHECK(SelectedOption() == IDC_OPTLOADWITHKILLER);
-    CHECK(OptionTabStops() == std::vector<int>{IDC_OPTLOADWITHKILLER});
-    CHECK_FALSE(CanApply());
-}
-
-TEST_CASE_FIXTURE(ShownWindow, "where no option button is selected the tab key stops at the first") {
-    const WindowsButtons windows;
-    Show(L"Something else");
-    CHECK(OptionTabStops() == std::vector<int>{IDC_OPTSTARTUP});
-    SetFocus(Tabs());
-    Press(Tabs(), VK_TAB);
-    CHECK(GetFocus() == ControlOf(IDC_OPTSTARTUP));
-    CHECK(SelectedOption() == 0);
-    CHECK_FALSE(CanApply());
+    SUBCASE("the stored one is selected after another one was, and Esc") {
+        Show();
+        SetFocus(ControlOf(IDC_OPTSTARTUP));
+        Click(IDC_OPTSTARTUP);
+        CHECK(IsWindowEnabled(ControlOf(IDC_CMDAPPLY)));
+        Press(GetFocus(), VK_ESCAPE);
+        REQUIRE_FALSE(IsWindowVisible(Window()));
+        EnableWindow(ControlOf(IDC_CMDAPPLY), FALSE);
+        Instance(formShow);
+        SetFocus(ControlOf(IDC_OPTSTARTUP));
+        CheckOptions(IDC_OPTLOADWITHKILLER, IDC_OPTLOADWITHKILLER);
+    }
+    SUBCASE("none is selected, and the tab key stops at the first") {
+        Show(L"Something else");
+        SetFocus(Tabs());
+        Press(Tabs(), VK_TAB);
+        CHECK(GetFocus() == ControlOf(IDC_OPTSTARTUP));
+        CheckOptions(0, IDC_OPTSTARTUP);
+    }
 }
 
 TEST_CASE_FIXTURE(ShownWindow, "a click on a tab, selected or not, takes the focus from the page") {

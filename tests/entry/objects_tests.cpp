@@ -5,6 +5,7 @@
 #include <string>
 
 #include "lists/resource.h"
+#include "platform/com/event_connection.h"
 #include "tests/entry/window_inside.h"
 #include "tests/support/alone.h"
 #include "tests/support/automation.h"
@@ -27,34 +28,47 @@ TYPEATTR AttributesOf(ITypeInfo* info) {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(
-    InsideWithoutEngine,
-    "every object describes its one interface, and Config its class, whose name a script asks for") {
-    const auto config = Instance(FormHide);
-    ComPtr<ITypeInfo> info;
-    for (IDispatch* const object :
-         {config.Get(), static_cast<IDispatch*>(control.Get()), static_cast<IDispatch*>(g_frmConfig.Get())}) {
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "every object describes its one interface, and what it has not got is an error") {
+    Instance(FormHide);
+    for (const ComPtr<IDispatch>& object : Objects()) {
         UINT count = 0;
         CHECK(object->GetTypeInfoCount(nullptr) == E_POINTER);
         CHECK(object->GetTypeInfoCount(&count) == S_OK);
         CHECK(count == 1);
+        ComPtr<ITypeInfo> info;
         CHECK(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, nullptr) == E_POINTER);
-        CHECK(object->GetTypeInfo(1, LOCALE_USER_DEFAULT, info.ReleaseAndGetAddressOf()) == DISP_E_BADINDEX);
+        for (const UINT index : {1u, 0xFFFFu, 0xFFFFFFFFu})
+            CHECK(object->GetTypeInfo(index, LOCALE_USER_DEFAULT, &info) == DISP_E_BADINDEX);
         CHECK(info == nullptr);
         REQUIRE(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info) == S_OK);
         CHECK((AttributesOf(info.Get()).wTypeFlags & TYPEFLAG_FDUAL) != 0);
+
+        wchar_t nonsense[] = L"nonsense";
+        LPOLESTR names[] = {nonsense, nonsense};
+        DISPID ids[2]{};
+        for (const UINT wanted : {1u, 2u})
+            CHECK(FAILED(object->GetIDsOfNames(IID_NULL, names, wanted, LOCALE_USER_DEFAULT, ids)));
+        // All that COM itself knows: the reference to what there is goes at once.
+        for (GUID id{0, 0, 0, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}}; id.Data1 < 0x200; ++id.Data1) {
+            ComPtr<IUnknown> other;
+            const HRESULT result = object->QueryInterface(id, reinterpret_cast<void**>(other.GetAddressOf()));
+            CHECK(result == (other != nullptr ? S_OK : E_NOINTERFACE));
+        }
     }
     ComPtr<ISupportErrorInfo> errors;
     REQUIRE(control.As(&errors) == S_OK);
     CHECK(errors->InterfaceSupportsErrorInfo(__uuidof(_ConfigControl)) == S_OK);
     CHECK(errors->InterfaceSupportsErrorInfo(__uuidof(_Config)) == S_FALSE);
 
+    // By its class a script asks for the name of Config.
     ComPtr<IProvideClassInfo> provider;
-    REQUIRE(config.As(&provider) == S_OK);
+    ComPtr<ITypeInfo> ofClass;
+    REQUIRE(g_oConfig.As(&provider) == S_OK);
     CHECK(provider->GetClassInfo(nullptr) == E_POINTER);
-    REQUIRE(provider->GetClassInfo(info.ReleaseAndGetAddressOf()) == S_OK);
-    CHECK(AttributesOf(info.Get()).typekind == TKIND_COCLASS);
-    CHECK(IsEqualGUID(AttributesOf(info.Get()).guid, CLSID_Config));
+    REQUIRE(provider->GetClassInfo(&ofClass) == S_OK);
+    CHECK(AttributesOf(ofClass.Get()).typekind == TKIND_COCLASS);
+    CHECK(IsEqualGUID(AttributesOf(ofClass.Get()).guid, CLSID_Config));
 }
 
 TEST_CASE_FIXTURE(InsideWithoutEngine, "Config and its form hand out the window's members by their names") {
@@ -62,15 +76,14 @@ TEST_CASE_FIXTURE(InsideWithoutEngine, "Config and its form hand out the window'
     const auto form = ObjectIn(Get(config.Get(), L"ConfigForm"));
     CHECK(ToLong(Get(form.Get(), L"hWnd")) == g_lngConfigHwnd);
     CHECK(ToText(Get(form.Get(), L"Caption")) == L"Calvane");
-    CHECK_FALSE(ToBool(Get(form.Get(), L"Visible")));
-    Put(form.Get(), L"Visible", true);
-    CHECK(Get(form.Get(), L"Visible").Value().boolVal == VARIANT_TRUE);
+    for (const wchar_t* const flag : {L"Visible", L"b_OKtoUnload"}) {
+        CHECK(Get(form.Get(), flag).Value().boolVal == VARIANT_FALSE);
+        Put(form.Get(), flag, true);
+        CHECK(Get(form.Get(), flag).Value().boolVal == VARIANT_TRUE);
+    }
     CHECK(IsWindowVisible(Window()));
-    CHECK_FALSE(ToBool(Get(form.Get(), L"b_OKtoUnload")));
-    Put(form.Get(), L"b_OKtoUnload", true);
-    CHECK(Get(form.Get(), L"b_OKtoUnload").Value().boolVal == VARIANT_TRUE);
-    const auto icon = ObjectIn(Get(config.Get(), L"ShellIconClass"));
-    CHECK(icon.Get() == ObjectIn(Get(form.Get(), L"m_oShellIcon")).Get());
+    CHECK(ObjectIn(Get(config.Get(), L"ShellIconClass")).Get() ==
+          ObjectIn(Get(form.Get(), L"m_oShellIcon")).Get());
     CHECK(ToText(Get(ObjectIn(Get(form.Get(), L"picShellIcon")).Get(), L"Name")) == L"picShellIcon");
     for (short index = -1; index <= 3; ++index) {
         CAPTURE(index);
@@ -91,14 +104,24 @@ TEST_CASE_FIXTURE(InsideWithoutEngine, "Config and its form hand out the window'
 TEST_CASE_FIXTURE(InsideWithoutEngine, "calls with wrong arguments get an error and change nothing") {
     const auto config = Instance(FormHide);
     const auto form = ObjectIn(Get(config.Get(), L"ConfigForm"));
-    CHECK_THROWS_AS(Call(control.Get(), L"ConfigInstance"), AutomationError);
-    CHECK_THROWS_AS(Call(control.Get(), L"ConfigInstance", {L"no number"}), AutomationError);
-    CHECK_THROWS_AS(Call(control.Get(), L"ConfigInstance", {1L, 2L}), AutomationError);
+    for (const std::vector<Variant>& arguments : {std::vector<Variant>{}, {L"no number"}, {1L, 2L}})
+        CHECK_THROWS_AS(Call(control.Get(), L"ConfigInstance", arguments), AutomationError);
     CHECK_THROWS_AS(Call(control.Get(), L"NoSuchMember"), AutomationError);
     CHECK_THROWS_AS(Put(form.Get(), L"b_OKtoUnload", L"no flag"), AutomationError);
     CHECK_THROWS_AS(Put(config.Get(), L"ConfigHwnd", 1L), AutomationError);
     CHECK_FALSE(IsShown());
     CHECK(g_lngClientCount == 1);
+}
+
+TEST_CASE_FIXTURE(InsideWithoutEngine, "clients can connect to ConfigClosed and never receive it") {
+    const auto config = Instance(formShow);
+    int received = 0;
+    const EventConnection connection(config.Get(), __uuidof(__Config),
+                                     {{1, [&](const DISPPARAMS&) { ++received; }}});
+    SendMessageW(Window(), WM_CLOSE, 0, 0);
+    Instance(formShow);
+    g_frmConfig->Unload();
+    CHECK(received == 0);
 }
 
 TEST_CASE("the window, each client's control and each client's reference lock the process") {
@@ -119,10 +142,11 @@ TEST_CASE("the window, each client's control and each client's reference lock th
 }
 
 TEST_CASE("show type 1 shows the window as it is, 3 on its About page; others neither show nor hide") {
-    for (const long showType : {2L, 0L, 4L, -1L, LONG_MIN, LONG_MAX}) {
+    for (const long showType : {2L, 0L, 4L, LONG_MIN}) {
         CAPTURE(showType);
         InsideWithoutEngine inside;
-        inside.Instance(showType);
+        const auto first = inside.Instance(showType);
+        const HWND window = Window();
         CHECK_FALSE(IsShown());
         inside.Instance(formShow);
         CHECK(IsShown());
@@ -136,21 +160,15 @@ TEST_CASE("show type 1 shows the window as it is, 3 on its About page; others ne
         g_frmConfig->Hide();
         inside.Instance(formShow);
         CHECK(SelectedTab() == kAboutTab);
-        CHECK(g_lngClientCount == 5);
-    }
-}
 
-TEST_CASE_FIXTURE(InsideWithoutEngine,
-                  "the show type is never written, and each client gets the same Config") {
-    const auto first = Instance(FormHide);
-    const HWND window = Window();
-    for (const long before : {1L, 2L, 3L, 77L}) {
-        long showType = before;
+        // It is never written, and each client gets the same Config.
+        long asked = showType;
         ComPtr<IDispatch> config;
-        CHECK(MakeObject<ConfigControl>()->ConfigInstance(&showType, &config) == S_OK);
-        CHECK(showType == before);
+        CHECK(MakeObject<ConfigControl>()->ConfigInstance(&asked, &config) == S_OK);
+        CHECK(asked == showType);
         CHECK(config.Get() == first.Get());
         CHECK(Window() == window);
+        CHECK(g_lngClientCount == 6);
     }
 }
 

@@ -1,73 +1,51 @@
 // In what order the manager starts, and what comes in while it does.
 #include <doctest.h>
 
-#include <cstring>
-#include <utility>
-
 #include "store/server_directory.h"
-#include "tests/entry/start_journal.h"
-#include "tests/entry/window_inside.h"
+#include "tests/entry/journalled.h"
 #include "tests/support/automation.h"
 #include "tests/support/shown_text.h"
 
 namespace {
 
-struct Started : Journalled {
-    Started() { Instance(FormHide); }
-};
+bool IsRead(const std::string& entry) {
+    return entry.starts_with("read:");
+}
 
-const ImportPatch* modulePath = nullptr;
-bool atRoot = false;
-
-// The first who asks for the program's path is told that it lies in the root of a drive.
-DWORD WINAPI PathAtRoot(HMODULE module, LPWSTR path, DWORD size) {
-    const bool isFirst = module == nullptr && std::exchange(atRoot, false);
-    if (!isFirst) return modulePath->Original<decltype(&GetModuleFileNameW)>()(module, path, size);
-    lstrcpynW(path, L"C:\\SentrelConfig.exe", static_cast<int>(size));
-    return static_cast<DWORD>(lstrlenW(path));
+bool IsWrite(const std::string& entry) {
+    return entry.starts_with("write:");
 }
 
 }  // namespace
 
 TEST_CASE_FIXTURE(
-    Started,
-    "the loader's path is built first, then come the window, the engine, the icon and the settings") {
-    CHECK(journal.entries.at(0).text == "window");
-    CHECK(journal.entries.at(0).loaderPath == ServerDirectory() + L"\\CalvaneConfigLoader.exe");
-    CHECK(journal.Count("window") == 1);
-    CHECK(journal.Count("page") == 6);
-    CHECK(journal.Last("page") < journal.First("engine:CreateInstance"));
-    CHECK(journal.First("engine:CreateInstance") < journal.First("engine:CreatePopup"));
-    CHECK(journal.First("engine:CreatePopup") < journal.First("engine:State"));
-    CHECK(journal.Count("icon:0") == 1);
-    CHECK(journal.First("engine:State") < journal.First("icon:0"));
-    CHECK(journal.First("icon:0") < journal.First("open:Software\\Calvane\\Settings"));
-    CHECK(journal.Last("read:1Name") < journal.First("engine:LogFile"));
-    CHECK(journal.First("engine:LogFile") < journal.First("read:Startup"));
-    CHECK(journal.engine.script.mode == 2);
-    CHECK(journal.engine.script.configHwnd == g_lngConfigHwnd);
-}
-
-TEST_CASE_FIXTURE(Started, "the defaults are all written before any setting is read") {
-    const int lastWrite = journal.Last("write:First Time");
-    CHECK(journal.Count("write:First Time") == 1);
-    int reads = 0;
-    for (int i = 0; i < static_cast<int>(journal.entries.size()); ++i) {
-        const std::string& text = journal.entries[static_cast<size_t>(i)].text;
-        CAPTURE(text);
-        if (text.starts_with("write:")) CHECK(i <= lastWrite);
-        if (!text.starts_with("read:")) continue;
-        CHECK(i > lastWrite);
-        ++reads;
+    Journalled,
+    "the loader's path is built first, then come the window, the engine, the icon, the defaults and the "
+    "settings; the window's handle is stored when all is there") {
+    atEntry = [] {
+        CHECK(g_strLoaderPath == ServerDirectory() + L"\\CalvaneConfigLoader.exe");
+        CHECK(g_lngConfigHwnd == 0);
+    };
+    Instance(FormHide);
+    int before = -1;
+    for (const std::string entry :
+         {"window", "page", "engine:CreateInstance", "engine:CreatePopup", "engine:State", "icon:0",
+          "write:First Time", "read:1Name", "engine:LogFile", "read:Startup"}) {
+        CAPTURE(entry);
+        CHECK(First(entry) > before);
+        before = Last(entry);
     }
-    CHECK(reads > 40);
-}
+    CHECK(Count("window") == 1);
+    CHECK(Count("page") == 6);
+    CHECK(Count("icon:0") == 1);
+    CHECK(First("icon:0") < First("open:Software\\Calvane\\Settings"));
+    const auto lastDefault = entries.begin() + Last("write:First Time");
+    CHECK(std::find_if(entries.begin(), lastDefault, IsRead) == lastDefault);
+    CHECK(std::find_if(lastDefault + 1, entries.end(), IsWrite) == entries.end());
+    CHECK(std::ranges::count_if(entries, IsRead) > 40);
 
-TEST_CASE_FIXTURE(Started, "the window's handle is stored when the window has been loaded, not before") {
-    for (const auto& entry : journal.entries) {
-        CAPTURE(entry.text);
-        CHECK(entry.configHwnd == 0);
-    }
+    CHECK(engine.script.mode == 2);
+    CHECK(engine.script.configHwnd == g_lngConfigHwnd);
     CHECK(IsWindow(Window()));
     Variant handle;
     CHECK(g_oConfig->get_ConfigHwnd(handle.Receive()) == S_OK);
@@ -75,32 +53,37 @@ TEST_CASE_FIXTURE(Started, "the window's handle is stored when the window has be
     CHECK(handle.Value().lVal == g_lngConfigHwnd);
 }
 
-TEST_CASE_FIXTURE(Started,
+TEST_CASE_FIXTURE(Journalled,
                   "the icon is added to the hooked window with an empty tip, and gets its tip after that") {
-    REQUIRE(journal.iconCalls.size() == 1);
-    const StartJournal::IconCall& call = journal.iconCalls[0];
-    CHECK(call.isHooked);
-    const auto number = [&](size_t offset) {
-        LONG value = 0;
-        std::memcpy(&value, call.record.data() + offset, sizeof(value));
-        return value;
+    bool isHooked = false;
+    shell.result = [&](DWORD) {
+        isHooked =
+            GetPropA(static_cast<HWND>(ULongToHandle(shell.calls[0].Number(4))), "OldWndProc") != nullptr;
+        return TRUE;
     };
-    CHECK(number(4) == g_lngConfigHwnd);
-    CHECK(number(16) == 1025);
-    CHECK(call.record.substr(24) == std::string(1, '\0') + std::string(63, ' '));
+    Instance(FormHide);
+    REQUIRE(shell.calls.size() == 1);
+    CHECK(isHooked);
+    CHECK(static_cast<LONG>(shell.calls[0].Number(4)) == g_lngConfigHwnd);
+    CHECK(shell.calls[0].Number(16) == kTrayCallback);
+    CHECK(shell.calls[0].Tip() == std::string(1, '\0') + std::string(63, ' '));
     ComPtr<IDispatch> icon;
     REQUIRE(g_frmConfig->get_m_oShellIcon(&icon) == S_OK);
     CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"Calvane Sentrel");
 }
 
-TEST_CASE("a server in a drive's root gets a loader path with a doubled separator") {
-    InsideWithoutEngine inside;
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "a server in a drive's root gets a loader path with a doubled separator") {
     g_oConfig = MakeObject<Config>();
-    const ImportPatch path("kernel32.dll", "GetModuleFileNameW", &PathAtRoot);
-    modulePath = &path;
-    atRoot = true;
+    bool isAsked = false;
+    const ImportFake<"GetModuleFileNameW", decltype(&GetModuleFileNameW)> path{
+        "kernel32.dll", [&](HMODULE module, LPWSTR text, DWORD size) {
+            // Others ask behind the first one.
+            if (module != nullptr || std::exchange(isAsked, true)) return path.Original(module, text, size);
+            lstrcpynW(text, L"C:\\SentrelConfig.exe", static_cast<int>(size));
+            return static_cast<DWORD>(lstrlenW(text));
+        }};
     g_oConfig->Initialise();
-    CHECK_FALSE(atRoot);
     CHECK(g_strLoaderPath == L"C:\\\\CalvaneConfigLoader.exe");
 }
 
@@ -111,31 +94,28 @@ TEST_CASE(
         const char* moment;
         long showType;
         bool isShown;
-        int tab = 0;
+        int tab;
     } rows[] = {
-        {"CreateInstance", formShow, true}, {"CreatePopup", formShow, true},
-        {"LogFile", formShow, true},        {"CreatePopup", kShowAbout, true, 5},
-        {"CreatePopup", FormHide, false},   {"CreatePopup", 0, false},
-        {"CreatePopup", 4, false},
+        {"CreateInstance", formShow, true, 0},
+        {"LogFile", formShow, true, 0},
+        {"CreatePopup", kShowAbout, true, 5},
+        {"CreatePopup", FormHide, false, 0},
     };
     for (const auto& [moment, showType, isShown, tab] : rows) {
-        CAPTURE(moment);
         CAPTURE(showType);
         Journalled inside;
-        const StartJournal& journal = inside.journal;
         ComPtr<IDispatch> nested;
-        inside.journal.engine.script.within[moment] = [&, asked = showType] {
-            if (nested != nullptr) return;
+        inside.LetIn(moment, [&, asked = showType] {
             CHECK(inside.Instance(asked, nested) == S_OK);
             CHECK_FALSE(IsShown());
-        };
+        });
         const auto config = inside.Instance(FormHide);
         CHECK(nested != nullptr);
         CHECK(nested.Get() == config.Get());
-        CHECK(journal.Count("window") == 1);
-        CHECK(journal.engine.script.Count("CreatePopup") == 1);
-        CHECK(journal.Count("read:chkPlaySound") == 1);
-        CHECK(journal.Count("icon:0") == 1);
+        CHECK(inside.Count("window") == 1);
+        CHECK(inside.engine.script.Count("CreatePopup") == 1);
+        CHECK(inside.Count("read:chkPlaySound") == 1);
+        CHECK(inside.Count("icon:0") == 1);
         CHECK(g_lngClientCount == 2);
         CHECK(IsShown() == isShown);
         CHECK(SelectedTab() == tab);

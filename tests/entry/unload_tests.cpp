@@ -1,41 +1,48 @@
 // In what order the window takes leave, what comes in meanwhile, and what of it the next one finds.
 #include <doctest.h>
 
-#include <string>
+#include <atomic>
+#include <thread>
 
 #include "options/resource.h"
-#include "tests/entry/start_journal.h"
-#include "tests/entry/window_inside.h"
+#include "tests/entry/journalled.h"
+#include "tests/support/message_pump.h"
 
 namespace {
 
-UINT chosen = 0;
-TIMERPROC tick = nullptr;
-UINT_PTR timer = 0;
-
-BOOL WINAPI Choose(HMENU, UINT, int, int, HWND, LPTPMPARAMS) {
-    return static_cast<BOOL>(chosen);
-}
-
-UINT_PTR WINAPI TakeTimer(HWND, UINT_PTR id, UINT, TIMERPROC procedure) {
-    timer = id;
-    tick = procedure;
-    return 1;
-}
-
-// Commands of the tray menu, chosen without a user, and the ticks that carry them out, without a clock.
-struct TrayCommands {
-    ImportPatch menu{"user32.dll", "TrackPopupMenuEx", &Choose};
-    ImportPatch clock{"user32.dll", "SetTimer", &TakeTimer};
-
-    void Give(UINT item) const {
-        chosen = item;
+// The tray menu and its commands' timer, played.
+class TrayMenuPlayed {
+public:
+    // Opens the menu over the icon and chooses. Returns which of the engine's three items, "Start Stop
+    // Pause", could be chosen.
+    std::string Choose(UINT item) {
+        m_chosen = item;
         SendMessageW(Window(), kTrayCallback, 0, WM_RBUTTONUP);
+        return m_shown;
     }
     void Tick() const {
-        REQUIRE(static_cast<bool>(tick));
-        tick(Window(), WM_TIMER, timer, 0);
+        REQUIRE(static_cast<bool>(m_tick));
+        m_tick(Window(), WM_TIMER, m_timer, 0);
     }
+
+private:
+    UINT m_chosen = 0;
+    std::string m_shown;
+    TIMERPROC m_tick = nullptr;
+    UINT_PTR m_timer = 0;
+    const ImportFake<"TrackPopupMenuEx", decltype(&TrackPopupMenuEx)> m_menu{
+        "user32.dll", [this](HMENU menu, UINT, int, int, HWND, LPTPMPARAMS) {
+            m_shown.clear();
+            for (const UINT item : {mnuStartKiller, mnuStopKiller, mnuPauseKiller})
+                m_shown += (GetMenuState(menu, item, MF_BYCOMMAND) & MF_GRAYED) == 0 ? '+' : '-';
+            return static_cast<BOOL>(m_chosen);
+        }};
+    const ImportFake<"SetTimer", decltype(&SetTimer)> m_clock{
+        "user32.dll", [this](HWND, UINT_PTR id, UINT, TIMERPROC procedure) {
+            m_timer = id;
+            m_tick = procedure;
+            return UINT_PTR{1};
+        }};
 };
 
 }  // namespace
@@ -45,41 +52,77 @@ TEST_CASE_FIXTURE(
     "an unloading lets go of the engine, then of the icon, and takes leave while the window is still there") {
     Instance(FormHide);
     const LONG handle = g_lngConfigHwnd;
-    const LONG reference = journal.engine.script.configForm;
+    const LONG reference = engine.script.configForm;
     bool wasThere = false;
-    journal.engine.script.within["ReleasePopup"] = [&] {
-        StartJournal::Note("engine:ReleasePopup");
+    engine.script.within["ReleasePopup"] = [&] {
+        Note("engine:ReleasePopup");
         wasThere = IsWindow(Window()) != FALSE;
     };
 
     SUBCASE("and the engine returns") {}
     SUBCASE("and the engine fails") {
-        journal.engine.script.results["ReleasePopup"] = E_FAIL;
+        engine.script.results["ReleasePopup"] = E_FAIL;
     }
     g_frmConfig->Unload();
-    CHECK(journal.First("engine:Popup gone") >= 0);
-    CHECK(journal.First("engine:Popup gone") < journal.First("icon:2"));
-    CHECK(journal.First("icon:2") < journal.First("engine:ReleasePopup"));
+    CHECK(First("engine:Popup gone") >= 0);
+    CHECK(First("engine:Popup gone") < First("icon:2"));
+    CHECK(First("icon:2") < First("engine:ReleasePopup"));
     CHECK(wasThere);
-    CHECK(journal.engine.script.configHwnd == handle);
-    CHECK(journal.engine.script.configForm == reference);
+    CHECK(engine.script.configHwnd == handle);
+    CHECK(engine.script.configForm == reference);
     CHECK_FALSE(IsWindow(Window()));
+}
+
+// While this thread handles a message that somebody else has sent, Windows lets no call out to the engine.
+TEST_CASE_FIXTURE(Journalled, "the engine hears once of a window that goes with the session") {
+    int refused = 0;
+    int taken = 0;
+    engine.script.within["ReleasePopup"] = [&] {
+        const bool isSent = (InSendMessageEx(nullptr) & (ISMEX_SEND | ISMEX_REPLIED)) == ISMEX_SEND;
+        ++(isSent ? refused : taken);
+        engine.script.results["ReleasePopup"] = isSent ? RPC_E_CANTCALLOUT_ININPUTSYNCCALL : S_OK;
+    };
+    Instance(FormHide);
+    const HWND window = Window();
+    std::atomic<bool> isHandled = false;
+    const std::jthread session([&] {
+        SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+        isHandled = true;
+    });
+    CHECK(PumpUntil([&] { return isHandled && taken > 0; }));
+    PumpFor(50);
+    CHECK(refused > 0);
+    CHECK(taken == 1);
+    CHECK_FALSE(IsWindow(window));
+    CHECK(engine.popup == nullptr);
+}
+
+TEST_CASE_FIXTURE(Journalled,
+                  "a window made again has the menu as designed where it has no engine to tell a state") {
+    TrayMenuPlayed menu;
+    engine.script.state = 2;
+    Instance(FormHide);
+    CHECK(menu.Choose(0) == "+--");
+    g_frmConfig->Unload();
+    engine.script.results["CreateInstance"] = REGDB_E_CLASSNOTREG;
+    g_frmConfig->Handle();
+    CHECK(menu.Choose(0) == "+++");
 }
 
 TEST_CASE_FIXTURE(
     Journalled,
     "a load forgets what was to be started or stopped, and no tick outlives the window before it") {
     Instance(FormHide);
-    const TrayCommands commands;
-    const auto& script = journal.engine.script;
+    TrayMenuPlayed menu;
+    const auto& script = engine.script;
     for (const UINT item : {mnuStartKiller, mnuStopKiller, mnuPauseKiller})
-        commands.Give(item);
+        menu.Choose(item);
     g_frmConfig->Unload();
     g_frmConfig->Handle();
-    commands.Tick();
+    menu.Tick();
     CHECK(script.Count("Start") + script.Count("Stop") + script.Count("Pause") == 0);
-    commands.Give(mnuPauseKiller);
-    commands.Tick();
+    menu.Choose(mnuPauseKiller);
+    menu.Tick();
     CHECK(script.Count("Start") + script.Count("Stop") == 0);
     CHECK(script.Count("Pause") == 1);
 }
@@ -90,7 +133,7 @@ TEST_CASE_FIXTURE(Journalled,
     LetIn("ReleasePopup", [&] { Instance(kShowAbout); });
     g_frmConfig->Unload();
     // Asking for the handle would make the window.
-    REQUIRE(journal.Count("window") == 2);
+    REQUIRE(Count("window") == 2);
     CHECK(IsShown());
     CHECK(SelectedTab() == 5);
 }
@@ -127,34 +170,24 @@ TEST_CASE_FIXTURE(InsideWithoutEngine, "after the exit a client that still holds
     CHECK(g_frmConfig->get_m_oShellIcon(&icon) == S_OK);
     CHECK(icon != nullptr);
     // The close box only hides the new one.
-    VARIANT_BOOL mayUnload = VARIANT_TRUE;
-    CHECK(g_frmConfig->get_b_OKtoUnload(&mayUnload) == S_OK);
-    CHECK(mayUnload == VARIANT_FALSE);
     SendMessageW(Window(), WM_CLOSE, 0, 0);
     CHECK(IsWindow(Window()));
 }
 
-TEST_CASE_FIXTURE(InsideWithoutEngine, "reading the members of an unloaded window does not load it") {
+// A message may wait in the queue while the window goes, and its handle may be that of the next window.
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "neither reading the members of an unloaded window nor a gesture over its icon makes one") {
     Instance(FormHide);
+    const HWND window = Window();
     g_frmConfig->Unload();
+    REQUIRE_FALSE(IsWindow(window));
     VARIANT icon;
     CHECK(g_oConfig->get_ShellIconClass(&icon) == S_OK);
     CHECK(icon.vt == VT_DISPATCH);
     CHECK(icon.pdispVal == nullptr);
     CHECK_FALSE(IsShown());
     Instance(FormHide);
-    CHECK(FindWindowW(L"#32770", L"Calvane") == nullptr);
-}
-
-// The message may wait in the queue while the window goes, and its handle may be that of the next window.
-TEST_CASE_FIXTURE(InsideWithoutEngine,
-                  "a gesture over the icon that comes in behind an unloading makes no window") {
-    Instance(FormHide);
-    const HWND window = Window();
-    g_frmConfig->Unload();
-    REQUIRE_FALSE(IsWindow(window));
-    for (const LPARAM gesture : {WM_LBUTTONDBLCLK, WM_RBUTTONUP}) {
+    for (const LPARAM gesture : {WM_LBUTTONDBLCLK, WM_RBUTTONUP})
         CHECK(TrayWindowProc(window, kTrayCallback, 1, gesture) == 0);
-        CHECK(FindWindowW(nullptr, L"Calvane") == nullptr);
-    }
+    CHECK(FindWindowW(L"#32770", L"Calvane") == nullptr);
 }

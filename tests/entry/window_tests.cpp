@@ -1,16 +1,18 @@
-// What the window is like to its user: where it appears, its pictures, its tray menu, a new taskbar.
+// What the window is like to its user: where it appears, and its icon when a pop-up has been closed.
 #include <doctest.h>
 
 #include <set>
-#include <string>
-#include <vector>
 
-#include "tests/entry/start_journal.h"
-#include "tests/entry/window_inside.h"
-#include "tray/picture_box.h"
-#include "tray/tray_menu.h"
+#include "options/resource.h"
+#include "platform/text.h"
+#include "store/server_directory.h"
+#include "tests/entry/journalled.h"
+#include "tests/support/message_pump.h"
+#include "tests/support/sound_patch.h"
 
 namespace {
+
+constexpr DISPID kKilled = 1;
 
 RECT Bounds() {
     RECT bounds{};
@@ -22,10 +24,10 @@ void MoveTo(int x, int y) {
     SetWindowPos(Window(), nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-std::string ColoursOf(HICON icon) {
+std::string ColoursOf(DWORD icon) {
     ICONINFO info{};
     BITMAP bitmap{};
-    REQUIRE(GetIconInfo(icon, &info));
+    REQUIRE(GetIconInfo(reinterpret_cast<HICON>(icon), &info));
     GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap);
     std::string colours(static_cast<size_t>(bitmap.bmWidthBytes * bitmap.bmHeight), '\0');
     CHECK(GetBitmapBits(info.hbmColor, static_cast<LONG>(colours.size()), colours.data()) > 0);
@@ -34,46 +36,24 @@ std::string ColoursOf(HICON icon) {
     return colours;
 }
 
-std::string shownMenu;
-
-// Notes which of the engine's three items can be chosen, "Start Stop Pause", and chooses none.
-BOOL WINAPI NoteMenu(HMENU menu, UINT, int, int, HWND, TPMPARAMS*) {
-    for (const UINT item : {mnuStartKiller, mnuStopKiller, mnuPauseKiller})
-        shownMenu += (GetMenuState(menu, item, MF_BYCOMMAND) & MF_GRAYED) == 0 ? '+' : '-';
-    return FALSE;
-}
-
-std::string Menu() {
-    shownMenu.clear();
-    const ImportPatch track("user32.dll", "TrackPopupMenuEx", &NoteMenu);
-    SendMessageW(Window(), kTrayCallback, 1, WM_RBUTTONUP);
-    return shownMenu;
-}
-
-// To a window of a program of more rights than the sender's Windows delivers no message but those that the
-// window lets in.
-struct Filter : InsideWithoutEngine {
-    static BOOL WINAPI Change(HWND window, UINT message, DWORD action, CHANGEFILTERSTRUCT* status) {
-        CHECK(status == nullptr);
-        if (action == MSGFLT_ALLOW) s_allowed.push_back({window, message});
-        return TRUE;
-    }
-
-    using Allowed = std::vector<std::pair<HWND, UINT>>;
-    static inline Allowed s_allowed;
-    const ImportPatch patch{"user32.dll", "ChangeWindowMessageFilterEx", &Change};
-};
-
 }  // namespace
 
-TEST_CASE_FIXTURE(
-    InsideWithoutEngine,
-    "a window whose monitor has gone is shown in the middle of the nearest one, in its own size") {
+TEST_CASE_FIXTURE(InsideWithoutEngine,
+                  "a window is shown where it is, restored, and in the middle of the nearest monitor, in its "
+                  "own size, where its own has gone") {
     Instance(FormHide);
     const RECT before = Bounds();
+    MoveTo(30, 40);
+    Instance(formShow);
+    CHECK(Bounds().left == 30);
+    CHECK(Bounds().top == 40);
+    ShowWindow(Window(), SW_MINIMIZE);
+    REQUIRE(IsIconic(Window()));
+    Instance(formShow);
+    CHECK_FALSE(IsIconic(Window()));
+
     MoveTo(-20000, -20000);
     REQUIRE(MonitorFromWindow(Window(), MONITOR_DEFAULTTONULL) == nullptr);
-
     Instance(formShow);
     const RECT after = Bounds();
     MONITORINFO monitor{};
@@ -84,23 +64,6 @@ TEST_CASE_FIXTURE(
     CHECK(EqualRect(&inBoth, &after));
     CHECK(after.right - after.left == before.right - before.left);
     CHECK(after.bottom - after.top == before.bottom - before.top);
-}
-
-TEST_CASE_FIXTURE(InsideWithoutEngine, "a window on a monitor is shown where it is") {
-    Instance(FormHide);
-    MoveTo(30, 40);
-    Instance(formShow);
-    CHECK(Bounds().left == 30);
-    CHECK(Bounds().top == 40);
-}
-
-TEST_CASE_FIXTURE(InsideWithoutEngine, "a window that was minimised is restored when it is shown again") {
-    Instance(formShow);
-    ShowWindow(Window(), SW_MINIMIZE);
-    REQUIRE(IsIconic(Window()));
-    Instance(formShow);
-    CHECK_FALSE(IsIconic(Window()));
-    CHECK(IsShown());
 }
 
 TEST_CASE_FIXTURE(InsideWithoutEngine,
@@ -117,49 +80,61 @@ TEST_CASE_FIXTURE(InsideWithoutEngine,
     DestroyWindow(dialog);
 }
 
-TEST_CASE_FIXTURE(InsideWithoutEngine, "no two of the resting picture and the three frames look alike") {
-    Instance(FormHide);
-    ComPtr<IDispatch> box;
-    REQUIRE(g_frmConfig->get_picShellIcon(&box) == S_OK);
-    std::set<std::string> pictures{ColoursOf(IconOf(box.Get()))};
-    for (short frame = 0; frame < 3; ++frame) {
-        REQUIRE(g_frmConfig->get_picTray(frame, box.ReleaseAndGetAddressOf()) == S_OK);
-        pictures.insert(ColoursOf(IconOf(box.Get())));
-    }
-    CHECK(pictures.size() == 4);
-}
-
-TEST_CASE_FIXTURE(Filter,
+// To a window of a program of more rights than the sender's Windows delivers no message but those that the
+// window lets in.
+TEST_CASE_FIXTURE(InsideWithoutEngine,
                   "a manager of more rights than Explorer hears of a new taskbar, and of nothing else") {
-    const UINT taskbarCreated = RegisterWindowMessageW(L"TaskbarCreated");
+    std::vector<std::pair<HWND, UINT>> allowed;
+    const ImportFake<"ChangeWindowMessageFilterEx", decltype(&ChangeWindowMessageFilterEx)> filter{
+        "user32.dll", [&](HWND window, UINT message, DWORD action, CHANGEFILTERSTRUCT* status) {
+            CHECK(action == MSGFLT_ALLOW);
+            CHECK(status == nullptr);
+            allowed.emplace_back(window, message);
+            return TRUE;
+        }};
     Instance(FormHide);
-    // Of each window that is made.
-    for (int i = 0; i < 2; ++i) {
-        CHECK(s_allowed == Allowed{{Window(), taskbarCreated}});
-        s_allowed.clear();
-        g_frmConfig->Unload();
-        g_frmConfig->Handle();
-    }
+    CHECK(allowed == std::vector{std::pair{Window(), RegisterWindowMessageW(L"TaskbarCreated")}});
 }
 
-TEST_CASE("a window made again has the menu as designed where its engine tells no state") {
-    using Change = void (*)(EngineScript & engine);
-    constexpr Change kChanges[] = {
-        [](EngineScript& engine) { engine.results["CreateInstance"] = REGDB_E_CLASSNOTREG; },
-        [](EngineScript& engine) { engine.results["CreatePopup"] = E_FAIL; },
-        [](EngineScript& engine) { engine.results["State"] = E_FAIL; },
-        [](EngineScript& engine) { engine.state = 7; },
+TEST_CASE_FIXTURE(
+    Journalled,
+    "a closed pop-up starts the frames, then gives the notice that the window shows, saved or not; the "
+    "frames are three pictures, behind which the resting one comes back with the tip") {
+    const SoundPatch play([this](LPCSTR path, UINT flags) {
+        Note(std::string("play ") + path + ' ' + std::to_string(flags));
+        return TRUE;
+    });
+    const ImportFake<"MessageBeep", decltype(&MessageBeep)> beep{"user32.dll", [this](UINT type) {
+                                                                     Note("beep " + std::to_string(type));
+                                                                     return TRUE;
+                                                                 }};
+    const ImportFake<"SetTimer", decltype(&SetTimer)> timer{
+        "user32.dll", [&](HWND hwnd, UINT_PTR id, UINT period, TIMERPROC procedure) {
+            Note("timer " + std::to_string(period));
+            return timer.Original(hwnd, id, period, procedure);
+        }};
+    // What is done at once.
+    const auto close = [this] {
+        entries.clear();
+        engine.Raise(kKilled, {Variant(0x20304L), Variant(L"Win a prize")});
+        return entries;
     };
-    for (const Change change : kChanges) {
-        Journalled inside;
-        StartJournal& journal = inside.journal;
-        journal.engine.script.state = 2;
-        inside.Instance(FormHide);
-        CHECK(Menu() == "+--");
+    Instance(FormHide);
+    using Deeds = std::vector<std::string>;
+    CHECK(close() == Deeds{"timer 250", "play " + ToAnsi(ServerDirectory()) + "\\Arc.wav 1"});
+    Click(IDC_CHKBEEP);
+    CHECK(close() == Deeds{"timer 250", "beep 0"});
 
-        g_frmConfig->Unload();
-        change(journal.engine.script);
-        g_frmConfig->Handle();
-        CHECK(Menu() == "+++");
+    const std::vector<ShellCall>& calls = shell.calls;
+    REQUIRE(PumpUntil([&] { return calls.size() >= 6; }));
+    std::vector<DWORD> actions;
+    std::set<std::string> pictures;
+    for (const ShellCall& call : calls) {
+        actions.push_back(call.action);
+        pictures.insert(ColoursOf(call.Icon()));
     }
+    CHECK(actions == std::vector<DWORD>{NIM_ADD, NIM_MODIFY, NIM_MODIFY, NIM_MODIFY, NIM_DELETE, NIM_ADD});
+    CHECK(pictures.size() == 4);
+    CHECK(calls[5].Icon() == calls[0].Icon());
+    CHECK(calls[5].Tip() == std::string("Calvane Sentrel\0", 16) + std::string(48, ' '));
 }

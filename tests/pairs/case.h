@@ -9,7 +9,7 @@
 
 #include "lists/resource.h"
 #include "options/resource.h"
-#include "tests/entry/inside.h"
+#include "tests/entry/window_inside.h"
 #include "tests/pairs/outside.h"
 #include "tests/support/other_process.h"
 #include "tests/support/registry_calls.h"

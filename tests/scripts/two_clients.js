@@ -1,5 +1,5 @@
 // Two clients of the configuration manager in one script. Ends with 77 when everything was as it should be.
-var kShow = 1, kHide = 2, kAbout = 3;
+var kShow = 1, kHide = 2;
 
 function Check(condition, what) {
     if (condition) return;
@@ -20,27 +20,16 @@ function ErrorOf(action) {
 var first = new ActiveXObject("SentrelConfig.ConfigControl");
 var second = new ActiveXObject("SentrelConfig.ConfigControl");
 var config = first.ConfigInstance(kHide);
-var same = second.ConfigInstance(kHide);
+var form = config.ConfigForm;
 
 Check(typeof config.ConfigHwnd == "number", "ConfigHwnd is a number, not " + typeof config.ConfigHwnd);
-Check(config.ConfigHwnd != 0, "there is a window");
-Check(same.ConfigHwnd == config.ConfigHwnd, "both clients see the same window");
-
-var form = config.ConfigForm;
+Check(second.ConfigInstance(kHide).ConfigHwnd == config.ConfigHwnd, "both clients see the same window");
 Check(form.hWnd == config.ConfigHwnd, "the form is that window");
-Check(form.Caption == "Calvane", "its caption");
 Check(form.Visible === false, "it is hidden");
 first.ConfigInstance(kShow);
 Check(form.Visible === true, "show type 1 shows it");
 form.Visible = false;
 Check(form.Visible === false, "it is hidden again");
-second.ConfigInstance(kAbout);
-Check(form.Visible === true, "show type 3 shows it");
-form.b_OKtoUnload = true;
-Check(same.ConfigForm.b_OKtoUnload === true, "what one client sets the other sees");
-form.b_OKtoUnload = false;
-Check(form.ControlHwnd("cmdOK") != 0, "its controls have windows");
-Check(form.m_oShellIcon != null, "there is a tray icon");
 Check(config.ShellIconClass.ToolTip == "Calvane Sentrel", "ShellIconClass is the window's icon");
 Check(ErrorOf(function () { form.ControlHwnd("cmdNone"); }) == 5, "an unknown control is error 5");
 Check(ErrorOf(function () { form.NoSuchMember(); }) != 0, "an unknown member is an error");
