@@ -24,11 +24,8 @@ public:
     // manager again.
     void KillAndRestart();
 
-    // Lets the manager end by itself, and starts it again.
-    void EndAndRestart();
-
     // The window, to the front; one that has gone is made again.
-    void Show();
+    void Show() { m_manager->Instance(formShow); }
 
     Manager& Program() { return *m_manager; }
 
@@ -40,7 +37,6 @@ public:
     Rows Logged() { return ListBoxRows(Find(L"lstClosedWnd")); }
     bool CanPress(const wchar_t* name) { return IsWindowEnabled(Find(name)) != FALSE; }
     bool IsWindowShown() { return IsWindowVisible(m_manager->Window()) != FALSE; }
-    bool IsChecked(const wchar_t* name) { return SendMessageW(Find(name), BM_GETCHECK, 0, 0) == BST_CHECKED; }
 
     // A button that opens nothing; returns when its work is done. Throws std::runtime_error when it is out of
     // sight or disabled.
@@ -48,10 +44,6 @@ public:
 
     // A button that opens a dialog; returns the dialog.
     HWND Open(const wchar_t* name, const wchar_t* title);
-
-    // A button that opens a message, of the window or of a dialog; returns what the message said, after its
-    // button was pressed.
-    std::wstring PressAndRead(HWND button);
 
     // Presses the button of a dialog and waits until the dialog is gone; before, fills in its boxes and
     // presses OK.
@@ -66,15 +58,12 @@ public:
     // Presses the upper or lower arrow of a spin control.
     void Spin(const wchar_t* name, bool up) { ClickArrow(Find(name), up); }
 
-    HWND Find(const wchar_t* name);
+    HWND Find(const wchar_t* name) { return m_manager->Control(name); }
 
 private:
     void Start(bool keepSettings);
     HWND WaitForWindow(const std::wstring& title);
     HWND Pressable(const wchar_t* name);
-    void SelectFirst(HWND list);
 
     std::optional<Manager> m_manager;
-    std::map<std::wstring, HWND> m_controls;
-    DWORD m_process = 0;
 };
