@@ -4,20 +4,18 @@
 #include <cstdlib>
 #include <functional>
 #include <string>
-#include <vector>
 
 #include "lists/resource.h"
 #include "store/first_run.h"
 #include "tests/client_abuse/quiet_system.h"
 #include "tests/engine_control/fake_engine.h"
-#include "tests/entry/inside.h"
+#include "tests/entry/window_inside.h"
 #include "tests/lists/list_pages.h"
 #include "tests/long_runs/resources.h"
-#include "tests/support/import_fake.h"
+#include "tests/pairs/clock.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/registry_calls.h"
 #include "tests/support/settings_window.h"
-#include "tray/tray_menu.h"
 
 namespace {
 
@@ -38,9 +36,11 @@ int Times(int count) {
     return count * (text != nullptr ? std::atoi(text) : 1);
 }
 
-// What is kept of doing something count times, after a few times in which Windows fills its caches.
+constexpr int kFirstTimes = 4;  // in which Windows fills its caches
+
+// What is kept of doing something count times.
 Resources KeptBy(int count, const std::function<void()>& deed) {
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < kFirstTimes; ++i)
         deed();
     const Resources before = HeldNow();
     for (int i = 0; i < count; ++i)
@@ -51,21 +51,19 @@ Resources KeptBy(int count, const std::function<void()>& deed) {
     return kept;
 }
 
-// Checks that this is nothing but such caches, and prints it. keys: registry keys that each time leaves open
-// by design. bare: what Windows itself keeps in this process for its part of the same thing.
+// Checks that this is nothing but caches, and prints it. keys: registry keys that each time leaves open by
+// design. bare: what Windows itself keeps in this process for its part of the same thing.
 void CheckKept(const std::string& what, int count, const std::function<void()>& deed, long keys = 0,
                const Resources& bare = {}) {
-    const DWORD start = GetTickCount();
     const Resources kept = KeptBy(count, deed);
-    std::string line =
-        what + ": " + std::to_string(count) + " times, " + std::to_string(GetTickCount() - start) + " ms";
+    std::string line = what + ": " + std::to_string(count) + " times";
     for (const auto& [resource, name, ceiling] : kKinds) {
         const long byDesign = resource == KernelHandles ? count * keys : 0;
         CAPTURE(name);
         CHECK(kept[resource] - bare[resource] - byDesign < ceiling);
         if (byDesign != 0) CHECK(kept[resource] >= byDesign);
-        line += "; " + name + " " + std::to_string(kept[resource]) + ", by design " +
-                std::to_string(byDesign) + ", bare " + std::to_string(bare[resource]);
+        line +=
+            "; " + name + " " + std::to_string(kept[resource]) + ", bare " + std::to_string(bare[resource]);
     }
     MESSAGE(line);
 }
@@ -73,10 +71,7 @@ void CheckKept(const std::string& what, int count, const std::function<void()>& 
 // Ends the menus and dialogs of its thread as soon as they wait for a user, and counts them.
 class Impatience {
 public:
-    Impatience() {
-        s_menus = s_dialogs = 0;
-        m_hook = SetWindowsHookExW(WH_CALLWNDPROC, Watch, nullptr, GetCurrentThreadId());
-    }
+    Impatience() { s_menus = s_dialogs = 0; }
     Impatience(const Impatience&) = delete;
     Impatience& operator=(const Impatience&) = delete;
     ~Impatience() { UnhookWindowsHookEx(m_hook); }
@@ -87,53 +82,20 @@ public:
 private:
     static LRESULT CALLBACK Watch(int code, WPARAM wParam, LPARAM lParam) {
         const auto& sent = *reinterpret_cast<const CWPSTRUCT*>(lParam);
-        if (code == HC_ACTION && sent.message == WM_ENTERIDLE) {
-            if (sent.wParam == MSGF_MENU) {
-                ++s_menus;
-                EndMenu();
-            } else {
-                ++s_dialogs;
-                PostMessageW(reinterpret_cast<HWND>(sent.lParam), WM_COMMAND, IDCANCEL, 0);
-            }
+        const bool isIdle = code == HC_ACTION && sent.message == WM_ENTERIDLE;
+        if (isIdle && sent.wParam == MSGF_MENU) {
+            ++s_menus;
+            EndMenu();
+        } else if (isIdle) {
+            ++s_dialogs;
+            PostMessageW(reinterpret_cast<HWND>(sent.lParam), WM_COMMAND, IDCANCEL, 0);
         }
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
     static inline long s_menus = 0;
     static inline long s_dialogs = 0;
-    HHOOK m_hook = nullptr;
-};
-
-constexpr DISPID kKilled = 1;
-constexpr UINT kFrameInterval = 250;  // milliseconds
-constexpr int kTicksOfAnimation = 4;
-// The whole animation, and 1, 2, 0, 1, 2, 0, 1 ticks of the seven others.
-constexpr long kTicksOfEight = kTicksOfAnimation + 7;
-
-// The icon's timer, of which the test decides when it ticks.
-class IconTimer {
-public:
-    // Whether there was one that ticked.
-    bool Tick() const {
-        if (m_tick.hwnd == nullptr) return false;
-        DispatchMessageW(&m_tick);
-        return true;
-    }
-
-private:
-    MSG m_tick{};
-    const ImportFake<"SetTimer", decltype(&SetTimer)> m_set{
-        "user32.dll", [this](HWND owner, UINT_PTR id, UINT interval, TIMERPROC procedure) {
-            if (interval != kFrameInterval) return m_set.Original(owner, id, interval, procedure);
-            m_tick = {owner, WM_TIMER, id, reinterpret_cast<LPARAM>(procedure), 0, {}};
-            return id;
-        }};
-    const ImportFake<"KillTimer", decltype(&KillTimer)> m_kill{
-        "user32.dll", [this](HWND owner, UINT_PTR id) {
-            if (owner != m_tick.hwnd || id != m_tick.wParam) return m_kill.Original(owner, id);
-            m_tick.hwnd = nullptr;
-            return TRUE;
-        }};
+    const HHOOK m_hook = SetWindowsHookExW(WH_CALLWNDPROC, Watch, nullptr, GetCurrentThreadId());
 };
 
 // Enough for a block of the heap in each to be more than caches.
@@ -155,30 +117,31 @@ void CheckDialog(const std::string& what, int resource, Button Page::*button) {
     });
     CheckKept(
         what, kOpenings, [&] { page.Click(page.*button); }, 0, bare);
-    CHECK(user.Dialogs() >= 2 * (kOpenings + 4));
+    CHECK(user.Dialogs() >= 2 * (kOpenings + kFirstTimes));
 }
 
 }  // namespace
 
 TEST_CASE("thousands of notices with their animations leave nothing behind") {
+    constexpr DISPID kKilled = 1;
+    constexpr int kTicksOfAnimation = 4;
     const QuietSystem quiet;
+    Clock clock;
     FakeEngine engine;
     Inside inside;
     inside.Instance(FormHide);
-    const IconTimer timer;
-    const auto eightNotices = [&] {
-        long ticks = 0;
+    CheckKept("eight notices", Times(250), [&] {
+        size_t ticks = 0;
         for (int i = 0; i < 8; ++i) {
             engine.Raise(kKilled, {4711L, L"Win a prize"});
             // Each eighth animation runs to its end; the others are cut off at some frame by the next one.
-            for (int left = i == 0 ? kTicksOfAnimation : i % 3; left > 0; --left) {
-                if (timer.Tick()) ++ticks;
-            }
+            for (int left = i == 0 ? kTicksOfAnimation : i % 3; left > 0; --left)
+                ticks += clock.Tick();
             PumpUntil([] { return GetQueueStatus(QS_ALLINPUT) == 0; });
         }
-        CHECK(ticks == kTicksOfEight);
-    };
-    CheckKept("eight notices", Times(250), eightNotices);
+        clock.TickLate();
+        CHECK(ticks == kTicksOfAnimation + 1 + 2 + 0 + 1 + 2 + 0 + 1);
+    });
 }
 
 TEST_CASE(
@@ -204,13 +167,12 @@ TEST_CASE("hundreds of openings of the tray menu leave nothing behind") {
     const QuietSystem quiet;
     InsideWithoutEngine inside;
     inside.Instance(FormHide);
-    const auto window = reinterpret_cast<HWND>(static_cast<LONG_PTR>(g_lngConfigHwnd));
     const Impatience user;
     CheckKept("openings of the tray menu", openings, [&] {
-        SendMessageW(window, 1025, 0, WM_RBUTTONUP);
+        SendMessageW(Window(), kTrayCallback, 0, WM_RBUTTONUP);
         PumpFor(0);
     });
-    CHECK(user.Menus() >= openings + 4);
+    CHECK(user.Menus() >= openings + kFirstTimes);
 }
 
 TEST_CASE("hundreds of openings of each dialog leave no more behind than those of its bare template") {

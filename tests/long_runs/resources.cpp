@@ -1,24 +1,19 @@
 #include "tests/long_runs/resources.h"
 
+#include <winternl.h>
+
+#include <algorithm>
+
+#include "platform/system_library.h"
+
 namespace {
 
-// Of ntdll: the handles of all processes.
-constexpr ULONG kSystemHandleInformation = 16;
 constexpr LONG kLengthMismatch = static_cast<LONG>(0xC0000004);
-
-struct HandleEntry {
-    ULONG processId;
-    BYTE objectType;
-    BYTE flags;
-    USHORT value;
-    PVOID object;
-    ACCESS_MASK access;
-};
 
 void CountHeap(Resources& held) {
     HANDLE heaps[64];
-    const DWORD count = GetProcessHeaps(64, heaps);
-    for (DWORD i = 0; i < count && i < 64; ++i) {
+    const DWORD count = std::min(GetProcessHeaps(64, heaps), DWORD{64});
+    for (DWORD i = 0; i < count; ++i) {
         HeapLock(heaps[i]);
         PROCESS_HEAP_ENTRY entry{};
         while (HeapWalk(heaps[i], &entry)) {
@@ -35,9 +30,8 @@ void CountHeap(Resources& held) {
 long CountGdiObjects() {
     if (const DWORD count = GetGuiResources(GetCurrentProcess(), GR_GDIOBJECTS))
         return static_cast<long>(count);
-    constexpr ULONG_PTR kIndexes = 0x4000;
     long count = 0;
-    for (ULONG_PTR index = 0; index < kIndexes; ++index)
+    for (ULONG_PTR index = 0; index < 0x4000; ++index)
         count += GetObjectType(reinterpret_cast<HGDIOBJ>(index)) != 0 ? 1 : 0;
     return count;
 }
@@ -46,8 +40,7 @@ void CountUserObjects(Resources& held) {
     for (ULONG_PTR handle = 0x20; handle < 0x8000; handle += 2) {
         if (IsMenu(reinterpret_cast<HMENU>(handle))) ++held[MenuHandles];
         DWORD process = 0;
-        if (IsWindow(reinterpret_cast<HWND>(handle)) &&
-            GetWindowThreadProcessId(reinterpret_cast<HWND>(handle), &process) != 0 &&
+        if (GetWindowThreadProcessId(reinterpret_cast<HWND>(handle), &process) != 0 &&
             process == GetCurrentProcessId()) {
             ++held[WindowHandles];
         }
@@ -55,25 +48,21 @@ void CountUserObjects(Resources& held) {
 }
 
 long KernelHandlesOf(DWORD processId) {
-    using Query = LONG(WINAPI*)(ULONG, PVOID, ULONG, PULONG);
-    const auto query = reinterpret_cast<Query>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
+    auto* const query = FunctionOf<decltype(NtQuerySystemInformation)>(GetModuleHandleW(L"ntdll.dll"),
+                                                                       "NtQuerySystemInformation");
     // Outside the heaps, which are counted too.
-    ULONG size = 4 << 20;
-    ULONG needed = 0;
-    BYTE* buffer = nullptr;
-    while (buffer = static_cast<BYTE*>(VirtualAlloc(nullptr, size, MEM_COMMIT, PAGE_READWRITE)),
-           query(kSystemHandleInformation, buffer, size, &needed) == kLengthMismatch) {
+    void* buffer = nullptr;
+    for (ULONG size = 4 << 20;; size *= 2) {
+        buffer = VirtualAlloc(nullptr, size, MEM_COMMIT, PAGE_READWRITE);
+        if (query(SystemHandleInformation, buffer, size, nullptr) != kLengthMismatch) break;
         VirtualFree(buffer, 0, MEM_RELEASE);
-        size *= 2;
     }
-    const ULONG count = *reinterpret_cast<const ULONG*>(buffer);
-    const auto* const entries = reinterpret_cast<const HandleEntry*>(buffer + sizeof(ULONG));
-    long held = 0;
-    for (ULONG i = 0; i < count; ++i)
-        held += entries[i].processId == processId ? 1 : 0;
+    const auto& all = *static_cast<const SYSTEM_HANDLE_INFORMATION*>(buffer);
+    const auto held = std::count_if(all.Handle, all.Handle + all.Count, [&](const SYSTEM_HANDLE_ENTRY& each) {
+        return each.OwnerPid == processId;
+    });
     VirtualFree(buffer, 0, MEM_RELEASE);
-    return held;
+    return static_cast<long>(held);
 }
 
 }  // namespace

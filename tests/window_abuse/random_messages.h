@@ -13,6 +13,8 @@
 #include <string>
 #include <vector>
 
+#include "tests/support/other_process.h"
+
 // Random numbers that a printed seed brings back.
 class Chance {
 public:
@@ -143,9 +145,8 @@ inline MSG RandomDialogMessage(Chance& chance, HWND dialog, HWND control) {
 }
 
 inline MSG RandomControlMessage(Chance& chance, HWND control) {
-    wchar_t className[64]{};
-    GetClassNameW(control, className, 64);
-    if (lstrcmpiW(className, WC_EDITW) == 0) {
+    const std::wstring className = ClassOf(control);
+    if (className == WC_EDITW) {
         // Wine's edit control fails by itself at much that Windows' one bears.
         constexpr UINT kBorne[] = {WM_CHAR,      WM_KEYDOWN,   WM_KEYUP,    WM_SETFOCUS,
                                    WM_KILLFOCUS, WM_MOUSEMOVE, WM_LBUTTONUP};
