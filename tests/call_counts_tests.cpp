@@ -9,13 +9,9 @@
 
 #include "lists/resource.h"
 #include "options/resource.h"
-#include "tests/engine_control/fake_engine.h"
-#include "tests/entry/window_inside.h"
-#include "tests/support/message_pump.h"
-#include "tests/support/registry_calls.h"
+#include "tests/entry/journalled.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
-#include "tests/tray_icon/shell_calls.h"
 
 namespace {
 
@@ -52,17 +48,17 @@ std::vector<UINT> MessagesWithin(DWORD milliseconds) {
     return messages;
 }
 
-struct CountedManager {
+struct CountedManager : Journalled {
     CountedManager() { engine.script.logFile = folder.Path(L"closed.log"); }
 
     void Watch(const std::function<void()>& body) {
         engine.script.calls.clear();
         shell.calls.clear();
-        registry.Watch(body);
+        store.Watch(body);
     }
 
     void Start() {
-        Watch([this] { config = inside.Instance(FormHide); });
+        Watch([this] { config = Instance(FormHide); });
     }
 
     // Watches a press of the button.
@@ -75,14 +71,14 @@ struct CountedManager {
     // else.
     void CheckCalls(long read, long written, long deleted, const EngineCalls& ofEngine) {
         const auto count = [this](const char* word) {
-            return std::ranges::count_if(registry.Values(),
+            return std::ranges::count_if(store.Values(),
                                          [&](const std::string& line) { return line.starts_with(word); });
         };
         CHECK(count("read ") == read);
         CHECK(count("write ") == written);
         CHECK(count("delete ") == deleted);
-        CHECK(registry.Count(RegistryFunction::Create) == static_cast<size_t>(written));
-        CHECK(registry.Count(RegistryFunction::Open) <= static_cast<size_t>(read + deleted) + 2);
+        CHECK(store.Count(RegistryFunction::Create) == static_cast<size_t>(written));
+        CHECK(store.Count(RegistryFunction::Open) <= static_cast<size_t>(read + deleted) + 2);
         CHECK(engine.script.calls == ofEngine);
     }
 
@@ -99,11 +95,7 @@ struct CountedManager {
     }
 
     TestFolder folder;
-    FakeEngine engine;
-    ShellCalls shell;
-    Inside inside;
     ComPtr<IDispatch> config;
-    RegistryCalls registry;
 };
 
 const EngineCalls kStartOfEngine{"CreateInstance", "CreatePopup", "Advise", "State", "LogFile"};
@@ -121,7 +113,7 @@ TEST_CASE_FIXTURE(
     CHECK(shell.calls[0].action == NIM_ADD);
     Watch([this] {
         for (const long showType : {2L, 1L, 3L, 1L, 0L})
-            inside.Instance(showType);
+            Instance(showType);
     });
     CheckCalls(0, 0, 0, {});
 
@@ -161,7 +153,7 @@ TEST_CASE_FIXTURE(CountedManager,
     CHECK(std::ranges::count(messages, UINT{WM_TIMER}) == 4);
     CHECK(shell.calls.size() == 5);
     for (const long showType : std::initializer_list<long>{FormHide, formShow, kShowAbout}) {
-        inside.Instance(showType);
+        Instance(showType);
         CheckIdle();
     }
 }

@@ -12,11 +12,6 @@ namespace {
 
 constexpr wchar_t kProgram[] = L"SentrelConfig.exe";
 
-void WaitUntilGone(HWND window) {
-    if (!WaitUntil([&] { return !IsWindow(window); }))
-        throw std::runtime_error("a window stays open: " + ToAnsi(ShownText(window)));
-}
-
 }  // namespace
 
 // The first calls after a manager was killed can still be sent to it: they fail, and are tried again.
@@ -84,11 +79,6 @@ void User::Press(const wchar_t* name) {
         throw std::runtime_error("stays pressed: " + ToAnsi(name));
 }
 
-HWND User::Open(const wchar_t* name, const wchar_t* title) {
-    PostMessageW(Pressable(name), BM_CLICK, 0, 0);
-    return WaitForWindow(title);
-}
-
 void User::Answer(HWND dialog, const std::map<int, std::wstring>& fields) {
     for (const auto& [id, text] : fields)
         TypeInto(GetDlgItem(dialog, id), text);
@@ -97,7 +87,8 @@ void User::Answer(HWND dialog, const std::map<int, std::wstring>& fields) {
 
 void User::Close(HWND dialog, int button) {
     PostMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
-    WaitUntilGone(dialog);
+    if (!WaitUntil([&] { return !IsWindow(dialog); }))
+        throw std::runtime_error("a dialog stays open: " + ToAnsi(ShownText(dialog)));
     // What the manager does behind the dialog is done by the time that its window responds again.
     SendMessageW(m_manager->Window(), WM_NULL, 0, 0);
 }
@@ -121,20 +112,19 @@ void User::Tick(const wchar_t* list, int row) {
     Key(list, VK_SPACE);
 }
 
-// A dialog of the manager's, or a message, but not its window, which may have the same title.
-HWND User::WaitForWindow(const std::wstring& title) {
-    const HWND own = m_manager->Window();
+HWND User::Open(const wchar_t* name, const wchar_t* title) {
     DWORD manager = 0;
-    GetWindowThreadProcessId(own, &manager);
+    GetWindowThreadProcessId(m_manager->Window(), &manager);
+    PostMessageW(Pressable(name), BM_CLICK, 0, 0);
     HWND found = nullptr;
     const bool isThere = WaitUntil([&] {
-        while ((found = FindWindowExW(nullptr, found, L"#32770", title.c_str())) != nullptr) {
+        while ((found = FindWindowExW(nullptr, found, L"#32770", title)) != nullptr) {
             DWORD process = 0;
             GetWindowThreadProcessId(found, &process);
-            if (process == manager && found != own && IsWindowVisible(found)) return true;
+            if (process == manager && IsWindowVisible(found)) return true;
         }
         return false;
     });
-    if (!isThere) throw std::runtime_error("no window came up: " + ToAnsi(title));
+    if (!isThere) throw std::runtime_error("no dialog came up: " + ToAnsi(title));
     return found;
 }

@@ -62,7 +62,6 @@ public:
 
 private:
     void Start(bool keepSettings);
-    HWND WaitForWindow(const std::wstring& title);
     HWND Pressable(const wchar_t* name);
 
     std::optional<Manager> m_manager;
