@@ -3,7 +3,6 @@
 
 #include <process.h>
 
-#include "platform/automation_error.h"
 #include "platform/text.h"
 #include "tests/support/killed_servers.h"
 #include "tests/support/manager.h"
@@ -12,20 +11,7 @@
 
 namespace {
 
-ComPtr<_ConfigControl> AnotherControl() {
-    ComPtr<_ConfigControl> control;
-    ThrowIfFailed(
-        CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&control)));
-    return control;
-}
-
-size_t ManagerCount() {
-    return ProcessesOf(L"SentrelConfig.exe").size();
-}
-
-bool NoManagerIsLeft() {
-    return ProgramEnds(L"SentrelConfig.exe");
-}
+constexpr wchar_t kProgram[] = L"SentrelConfig.exe";
 
 }  // namespace
 
@@ -38,7 +24,7 @@ TEST_CASE("clients in script languages reach the manager, share it and end it") 
         const std::wstring path = L'"' + DataFile(std::wstring(L"tests\\scripts\\") + script) + L'"';
         CHECK(_wspawnlp(_P_WAIT, L"cscript.exe", L"cscript.exe", L"//nologo", path.c_str(), nullptr) ==
               kDone);
-        const bool hasEnded = NoManagerIsLeft();
+        const bool hasEnded = ProgramEnds(kProgram);
         CHECK(hasEnded);
         // The next script needs a manager of its own.
         if (!hasEnded) const Manager left(true);
@@ -62,16 +48,18 @@ TEST_CASE("clients cannot create Config themselves") {
 }
 
 TEST_CASE("a control that is only created leaves no process behind, let go or told ReleaseConfig") {
-    REQUIRE(NoManagerIsLeft());
-    auto control = AnotherControl();
-    CHECK(ManagerCount() == 1);
+    REQUIRE(ProgramEnds(kProgram));
+    ComPtr<_ConfigControl> control;
+    REQUIRE(CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&control)) ==
+            S_OK);
+    CHECK(ProcessesOf(kProgram).size() == 1);
     SUBCASE("let go") {
         control.Reset();
-        CHECK(NoManagerIsLeft());
+        CHECK(ProgramEnds(kProgram));
     }
     SUBCASE("told ReleaseConfig") {
         CHECK(control->ReleaseConfig() == S_OK);
-        CHECK(NoManagerIsLeft());
+        CHECK(ProgramEnds(kProgram));
         LONG hidden = FormHide;
         ComPtr<IDispatch> config;
         CHECK(FAILED(control->ConfigInstance(&hidden, &config)));
