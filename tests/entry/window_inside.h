@@ -16,7 +16,7 @@
 #include "app/frm_config.h"
 #include "app/resource.h"
 #include "platform/automation_error.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 #include "tests/support/test_hive.h"
 #include "tray/bas_shell_notify.h"
 
@@ -57,12 +57,9 @@ struct Inside {
     }
 };
 
-inline HRESULT WINAPI NoEngine(REFCLSID, IUnknown*, DWORD, REFIID, void**) {
-    return REGDB_E_CLASSNOTREG;
-}
-
 struct InsideWithoutEngine : Inside {
-    ImportPatch engine{"ole32.dll", "CoCreateInstance", &NoEngine};
+    const ImportFake<"CoCreateInstance", decltype(&CoCreateInstance)> engine{
+        "ole32.dll", [](REFCLSID, IUnknown*, DWORD, REFIID, void**) { return REGDB_E_CLASSNOTREG; }};
 };
 
 // What the process may be unloaded by: its locks, counted.
