@@ -27,6 +27,7 @@ TEST_CASE_FIXTURE(
         CHECK(g_lngConfigHwnd == 0);
     };
     Instance(FormHide);
+    atEntry = nullptr;
     int before = -1;
     for (const std::string entry :
          {"window", "page", "engine:CreateInstance", "engine:CreatePopup", "engine:State", "icon:0",

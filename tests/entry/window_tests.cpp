@@ -104,10 +104,10 @@ TEST_CASE_FIXTURE(
         Note(std::string("play ") + path + ' ' + std::to_string(flags));
         return TRUE;
     });
-    const ImportFake<"MessageBeep", decltype(&MessageBeep)> beep{"user32.dll", [this](UINT type) {
-                                                                     Note("beep " + std::to_string(type));
-                                                                     return TRUE;
-                                                                 }};
+    const ImportFake<"MessageBeep", decltype(&MessageBeep)> beep("user32.dll", [this](UINT type) {
+        Note("beep " + std::to_string(type));
+        return TRUE;
+    });
     const ImportFake<"SetTimer", decltype(&SetTimer)> timer{
         "user32.dll", [&](HWND hwnd, UINT_PTR id, UINT period, TIMERPROC procedure) {
             Note("timer " + std::to_string(period));
