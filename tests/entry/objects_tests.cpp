@@ -173,7 +173,8 @@ TEST_CASE("show type 1 shows the window as it is, 3 on its About page; others ne
 }
 
 TEST_CASE_FIXTURE(InsideWithoutEngine,
-                  "a count that is full lets ConfigInstance show the window and then fail with overflow") {
+                  "a count that is full lets ConfigInstance show the window and then fail with overflow, and "
+                  "one that cannot fall ReleaseConfig") {
     Instance(FormHide);
     const HWND window = Window();
     for (const long showType : {2L, 1L}) {
@@ -188,11 +189,8 @@ TEST_CASE_FIXTURE(InsideWithoutEngine,
     g_lngClientCount = LONG_MAX - 1;
     Instance(FormHide);
     CHECK(g_lngClientCount == LONG_MAX);
-}
 
-TEST_CASE_FIXTURE(InsideWithoutEngine,
-                  "a count that cannot fall lets ReleaseConfig fail with overflow, and the manager goes on") {
-    Instance(FormHide);
+    // It cannot fall below the lowest number either, and the manager goes on.
     g_lngClientCount = LONG_MIN;
     {
         const NotedEnd end;

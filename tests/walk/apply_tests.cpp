@@ -1,10 +1,13 @@
 // A walk through every page, and what of it is there after the manager was killed.
 #include <doctest.h>
 
+#include <algorithm>
+
 #include "lists/resource.h"
+#include "platform/text.h"
+#include "store/settings_schema.h"
 #include "tests/support/automation.h"
 #include "tests/support/shown_text.h"
-#include "tests/support/store_snapshot.h"
 #include "tests/support/test_folder.h"
 #include "tests/support/wine.h"
 #include "tests/walk/user.h"
@@ -40,10 +43,41 @@ constexpr wchar_t kAddAddress[] = L"Add Web Site URL";
 constexpr wchar_t kAddSize[] = L"New Banner Height and Width";
 constexpr wchar_t kAddSearch[] = L"Add Search Address";
 
+// The values of a key below the settings' root as "name=text", sorted by name.
+Rows StoredIn(const std::wstring& key) {
+    HKEY opened = nullptr;
+    RegOpenKeyExW(HKEY_CURRENT_USER, (L"Software\\Calvane\\" + key).c_str(), 0, KEY_READ, &opened);
+    const RegistryKey owner(opened);
+    Rows rows;
+    for (DWORD index = 0;; ++index) {
+        char name[64];
+        char data[512];
+        DWORD nameLength = sizeof(name);
+        DWORD size = sizeof(data);
+        DWORD type = 0;
+        if (RegEnumValueA(opened, index, name, &nameLength, nullptr, &type, reinterpret_cast<BYTE*>(data),
+                          &size) != ERROR_SUCCESS)
+            break;
+        CHECK(type == REG_SZ);
+        rows.push_back(FromAnsi(name) + L'=' + FromAnsi(std::string(data, size)));
+    }
+    std::ranges::sort(rows);
+    return rows;
+}
+
 // No start-up entry is left from another test, nor for one.
-struct NoRunEntry {
-    NoRunEntry() { DeleteRunEntry(); }
-    ~NoRunEntry() { DeleteRunEntry(); }
+struct RunEntry {
+    RunEntry() { Delete(); }
+    ~RunEntry() { Delete(); }
+
+    static void Delete() { RegDeleteKeyValueW(HKEY_LOCAL_MACHINE, Schema::kRunKey, Schema::kRunValue); }
+    static std::wstring Text() {
+        wchar_t text[1024] = L"";
+        DWORD size = sizeof(text);
+        RegGetValueW(HKEY_LOCAL_MACHINE, Schema::kRunKey, Schema::kRunValue, RRF_RT_REG_SZ, nullptr, text,
+                     &size);
+        return text;
+    }
 };
 
 struct Walk : User {
@@ -54,7 +88,7 @@ struct Walk : User {
     void CheckChangesStored() const;
     bool HasToldEngine() const { return engine.Count(L"ReloadSettings") > 0; }
 
-    const NoRunEntry noRunEntry;
+    const RunEntry runEntry;
     const TestFolder folder;
     const std::wstring sound = folder.Write(L"bell.wav", "RIFF");
 };
@@ -127,20 +161,21 @@ void Walk::CheckChangesStored() const {
                                        L"2=http://four.example", L"3=http://new.example",
                                        L"4=http://old.example"});
     // On Windows only an administrator's manager may write it.
-    CHECK(RunEntry().ends_with(L"\\CalvaneConfigLoader.exe") == RunsUnderWine());
+    CHECK(RunEntry::Text().ends_with(L"\\CalvaneConfigLoader.exe") == RunsUnderWine());
 }
 
 }  // namespace
 
 TEST_CASE_FIXTURE(
     Walk, "exactly what was applied is there after the manager was killed, on every page and in the store") {
-    const Rows stored = Stored();
+    const Rows stored = StoredIn(L"Settings");
     CHECK_FALSE(CanPress(L"cmdApply"));
     ChangeSettings();
     ChangeLists();
     CHECK(CanPress(L"cmdApply"));
     CHECK(Look() == kChanged);
-    CHECK(Stored() == stored);
+    CHECK(StoredIn(L"Settings") == stored);
+    CHECK(StoredIn(L"Exclude").empty());
     CHECK_FALSE(HasToldEngine());
 
     Press(L"cmdApply");
