@@ -31,19 +31,18 @@ std::string RandomBytes(Random& random, size_t size) {
 
 // A log as an engine writes it: lines out of a stock, some of them often in a row, some of them long.
 std::string RandomLog(Random& random) {
-    std::vector<std::string> stock;
-    for (size_t count = 1 + Below(random, 40); count != 0; --count) {
-        std::string line = "http://site" + std::to_string(Below(random, 20));
-        line.append(Below(random, 8) == 0 ? Below(random, 300) : Below(random, 12), 'x');
-        if (Below(random, 20) == 0) line = RandomBytes(random, Below(random, 6));
-        stock.push_back(line);
+    std::vector<std::string> stock(1 + Below(random, 40));
+    for (std::string& line : stock) {
+        const size_t longest = Below(random, 8) == 0 ? 300 : 12;
+        line = Below(random, 20) == 0 ? RandomBytes(random, Below(random, 6))
+                                      : "http://site" + std::to_string(Below(random, 20)) +
+                                            std::string(Below(random, longest), 'x');
     }
     std::string log;
     for (size_t count = Below(random, 120); count != 0; --count) {
-        const std::string& line = stock[Below(random, stock.size())];
-        const char* const end = Below(random, 4) == 0 ? "\n" : "\r\n";
+        const std::string line = stock[Below(random, stock.size())] + (Below(random, 4) == 0 ? "\n" : "\r\n");
         for (size_t repeats = Below(random, 6) == 0 ? 1 + Below(random, 9) : 1; repeats != 0; --repeats)
-            log += line + end;
+            log += line;
     }
     if (Below(random, 3) == 0) log += stock.front();
     if (Below(random, 10) == 0) log += '\r';
