@@ -12,6 +12,7 @@ struct FilledPage : ExcludePage {
     FilledPage() { cmdApply.Enabled(false); }
 
     void Fill(int count) {
+        lstExclude.Clear();
         for (int i = 0; i < count; ++i)
             lstExclude.AddItem(L"row" + std::to_wstring(i));
     }
@@ -19,58 +20,53 @@ struct FilledPage : ExcludePage {
 
 }  // namespace
 
-TEST_CASE_FIXTURE(FilledPage,
-                  "the dialog opens with the caret behind http://, where the typed address follows") {
+TEST_CASE_FIXTURE(
+    FilledPage,
+    "the dialog opens with the caret behind http://, where the typed address follows; OK appends "
+    "the address exactly as typed as the last row, blanks alone and the untouched http:// too") {
+    lstExclude.AddItem(L"zzz");
     Play(cmdAddURL, {[](HWND dialog) {
                          CHECK(SelectionIn(dialog, kAddress) == TextSelection{7, 7});
                          TypeKeys(dialog, kAddress, L"www.example.com");
                      },
                      kOK});
-    CHECK(Rows() == Texts{L"http://www.example.com"});
-}
-
-TEST_CASE_FIXTURE(FilledPage,
-                  "OK appends the address exactly as typed as the last row, blanks alone and the untouched "
-                  "http:// too") {
-    lstExclude.AddItem(L"zzz");
     Play(cmdAddURL, {Enter({{kAddress, L" HTTP://Www.Example.com/A b "}}), kOK});
     Play(cmdAddURL, {Enter({{kAddress, L"  "}}), kOK});
     Play(cmdAddURL, {kOK});
-    CHECK(Rows() == Texts{L"zzz", L" HTTP://Www.Example.com/A b ", L"  ", L"http://"});
-    CHECK(changes == 3);
+    CHECK(Rows() ==
+          Texts{L"zzz", L"http://www.example.com", L" HTTP://Www.Example.com/A b ", L"  ", L"http://"});
+    CHECK(changes == 4);
     CHECK(recorder.messages.empty());
 }
 
-TEST_CASE_FIXTURE(FilledPage, "an empty address is refused, and the focus goes to the address") {
-    CheckRefused(cmdAddURL, {{kAddress, L""}}, L"Please enter the web site address to exclude.",
-                 MB_ICONINFORMATION, kAddress);
-    CHECK(Rows().empty());
-}
-
-TEST_CASE_FIXTURE(
-    FilledPage,
-    "a duplicate but for letter case is refused; what follows http:// is selected to be overtyped, or "
-    "else the whole") {
+TEST_CASE_FIXTURE(FilledPage,
+                  "an empty address is refused, and a duplicate but for letter case; the focus goes to the "
+                  "address, in which "
+                  "what follows http:// is selected to be overtyped, or else the whole") {
+    const wchar_t* const empty = L"Please enter the web site address to exclude.";
+    const wchar_t* const duplicate = L"The URL you entered already exists in the list, please enter another";
     struct Row {
-        const wchar_t* listed;
-        const wchar_t* typed;
+        std::wstring listed;
+        std::wstring typed;
+        const wchar_t* message;
         TextSelection selection;
     };
-    for (const Row& row : {Row{L"http://Example.com", L"http://eXAMPLE.COM", {7, 18}},
-                           Row{L"x http://a", L"x http://a", {7, 10}},
-                           Row{L"https://example.com", L"https://example.com", {0, 19}},
-                           Row{L"http://b", L"HTTP://b", {0, 8}}, Row{L"a", L"a", {0, 1}}}) {
-        CAPTURE(std::wstring(row.typed));
+    const Row rows[] = {{L"a", L"", empty, {0, 0}},
+                        {L"http://Example.com", L"http://eXAMPLE.COM", duplicate, {7, 18}},
+                        {L"x http://a", L"x http://a", duplicate, {7, 10}},
+                        {L"https://example.com", L"https://example.com", duplicate, {0, 19}},
+                        {L"http://b", L"HTTP://b", duplicate, {0, 8}},
+                        {L"a", L"a", duplicate, {0, 1}}};
+    for (const Row& row : rows) {
+        CAPTURE(row.typed);
         lstExclude.Clear();
         lstExclude.AddItem(L"http://other");
         lstExclude.AddItem(row.listed);
-        CheckRefused(cmdAddURL, {{kAddress, row.typed}},
-                     L"The URL you entered already exists in the list, please enter another",
-                     MB_ICONINFORMATION, kAddress, [&](HWND dialog) {
+        CheckRefused(cmdAddURL, {{kAddress, row.typed}}, row.message, MB_ICONINFORMATION, kAddress,
+                     [&](HWND dialog) {
                          CHECK(SelectionIn(dialog, kAddress) == row.selection);
                          TypeKeys(dialog, kAddress, L"new");
-                         CHECK(TextIn(dialog, kAddress) ==
-                               std::wstring(row.typed).substr(0, row.selection.start) + L"new");
+                         CHECK(TextIn(dialog, kAddress) == row.typed.substr(0, row.selection.start) + L"new");
                      });
         CHECK(Rows() == Texts{L"http://other", row.listed});
     }
@@ -92,44 +88,25 @@ TEST_CASE_FIXTURE(FilledPage,
 
 TEST_CASE_FIXTURE(
     FilledPage,
-    "a removal selects the row above, of row 0 the new row 0, of the last row the new last row, and of the "
-    "only row disables Remove Url; it enables Apply by itself, not through the change mark") {
-    struct Row {
-        int count;
-        int removed;
-        int selected;
-    };
-    for (const Row& row :
-         {Row{6, 3, 2}, Row{3, 0, 0}, Row{3, 2, 1}, Row{2, 1, 0}, Row{3, 1, 0}, Row{1, 0, -1}}) {
-        CAPTURE(row.count);
-        CAPTURE(row.removed);
-        lstExclude.Clear();
-        Fill(row.count);
-        Texts expected = Rows();
-        expected.erase(expected.begin() + row.removed);
-        cmdApply.Enabled(false);
-        lstExclude.ListIndex(row.removed);
-        Click(cmdRemoveURL);
-        CHECK(Rows() == expected);
-        CHECK(lstExclude.ListIndex() == row.selected);
-        CHECK(cmdApply.Enabled());
-        CHECK(cmdRemoveURL.Enabled() == (row.count > 1));
-    }
-    CHECK(changes == 0);
-}
-
-TEST_CASE_FIXTURE(FilledPage,
-                  "Remove Url without a selected row changes nothing, except that it disables itself "
-                  "where the list is empty") {
-    for (const int count : {2, 0}) {
+    "a removal selects the row above, of row 0 the new row 0, of the last row the new last row, and enables "
+    "Apply by itself, not through the change mark; without a selected row it changes nothing; where the list "
+    "is empty then Remove Url is disabled") {
+    constexpr int kRows[][3] = {{6, 3, 2}, {3, 0, 0},  {3, 2, 1},   {2, 1, 0},
+                                {3, 1, 0}, {1, 0, -1}, {2, -1, -1}, {0, -1, -1}};
+    for (const auto& [count, removed, selected] : kRows) {
         CAPTURE(count);
-        lstExclude.Clear();
+        CAPTURE(removed);
         Fill(count);
+        Texts expected = Rows();
+        if (removed != -1) expected.erase(expected.begin() + removed);
+        cmdApply.Enabled(false);
+        cmdRemoveURL.Enabled(true);
+        lstExclude.ListIndex(removed);
         page.cmdRemoveURL_Click();
-        CHECK(lstExclude.ListCount() == count);
-        CHECK(lstExclude.ListIndex() == -1);
-        CHECK(cmdRemoveURL.Enabled() == (count != 0));
-        CHECK_FALSE(cmdApply.Enabled());
+        CHECK(Rows() == expected);
+        CHECK(lstExclude.ListIndex() == selected);
+        CHECK(cmdApply.Enabled() == (removed != -1));
+        CHECK(cmdRemoveURL.Enabled() == !expected.empty());
     }
     CHECK(changes == 0);
 }

@@ -94,14 +94,7 @@ struct ExcludePage : ListPage, ExcludeControls, CommandControls {
 // A page with a list view.
 template <class Controls, ListView Controls::*list>
 struct ListViewPage : ListPage, Controls {
-    void AddRow(const Texts& texts, bool use) {
-        const int row = View().Add(RowCount() + 1, texts[0]);
-        for (size_t column = 1; column < texts.size(); ++column)
-            View().SubItem(row, static_cast<int>(column), texts[column]);
-        View().Checked(row, use);
-    }
-
-    // "name|width|height|x" or "name|address|x", the x only where it is checked.
+    // As ListViewRows tells it.
     std::wstring Row(int position) const {
         return ListViewRows((this->*list).Hwnd()).at(static_cast<size_t>(position) - 1);
     }
@@ -114,10 +107,9 @@ struct ListViewPage : ListPage, Controls {
 struct BannerPage : ListViewPage<BannerControls, &BannerControls::lvwBanners> {
     BannerPage() {
         SetUp();
-        AddRow({L"Full Banner", L"468", L"60"}, true);
-        AddRow({L"Half Banner", L"234", L"60"}, false);
-        AddRow({L"Quarter Banner", L"120", L"60"}, false);
-        AddRow({L"Button", L"88", L"31"}, false);
+        for (const wchar_t* const row :
+             {L"Full Banner|468|60|x", L"Half Banner|234|60", L"Quarter Banner|120|60", L"Button|88|31"})
+            AddRow(lvwBanners, row);
     }
 
     // Enters a size that must be accepted.
@@ -133,8 +125,8 @@ struct BannerPage : ListViewPage<BannerControls, &BannerControls::lvwBanners> {
 struct SearchPage : ListViewPage<SearchControls, &SearchControls::lvwSearchURLs> {
     SearchPage() {
         SetUp();
-        AddRow({L"One", L"http://one"}, true);
-        AddRow({L"Two", L"http://two"}, false);
+        AddRow(lvwSearchURLs, L"One|http://one|x");
+        AddRow(lvwSearchURLs, L"Two|http://two");
     }
 
     SearchAddresses page{*this, markChanged};

@@ -2,6 +2,8 @@
 
 #include <commctrl.h>
 
+#include <sstream>
+
 #include "tests/support/resource.h"
 
 namespace {
@@ -76,6 +78,17 @@ bool TestWindow::OnInit() {
         top += height;
     }
     return true;
+}
+
+void AddRow(ListView& list, std::wstring row) {
+    const bool isChecked = row.ends_with(L"|x");
+    if (isChecked) row.resize(row.size() - 2);
+    const int position = list.Add(list.Count() + 1, L"");
+    std::wistringstream cells(row);
+    std::wstring cell;
+    for (int column = 0; std::getline(cells, cell, L'|'); ++column)
+        list.SubItem(position, column, cell);
+    list.Checked(position, isChecked);
 }
 
 std::vector<Control*> Join(std::initializer_list<ControlTable> groups) {
