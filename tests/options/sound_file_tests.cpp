@@ -3,9 +3,11 @@
 #include <commdlg.h>
 #include <cderr.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
+#include "options/wave_file.h"
 #include "platform/controls/common_dialog.h"
 #include "platform/text.h"
 #include "tests/support/dialog_script.h"
@@ -19,74 +21,51 @@
 namespace {
 
 struct Reply {
-    bool chosen;
+    bool isChosen;
     std::wstring file;
-    DWORD error;
+    DWORD error = 0;
 };
 
-const Reply kCancelled{false, L"", 0};
+const Reply kCancelled{false, L""};
 const Reply kRefusedName{false, L"", FNERR_INVALIDFILENAME};
 const Reply kFailed{false, L"", CDERR_INITIALIZATION};
 
 Reply Chosen(const std::wstring& file) {
-    return {true, file, 0};
+    return {true, file};
 }
 
-// Serves GetOpenFileNameW from a list and notes how it was asked.
+// Serves GetOpenFileNameW from a list, and notes with which names it was to start. It is asked for a wave
+// file.
 struct ScriptedDialog {
-    struct Call {
-        HWND owner;
-        std::wstring title;
-        std::wstring filter;  // with the empty string at its end
-        std::wstring file;
-        DWORD capacity;
-        DWORD flags;
-    };
-
     const std::vector<Reply> replies;
-    std::vector<Call> calls{};
+    std::vector<std::wstring> starts{};
+    HWND owner = nullptr;
 
     const ImportFake<"GetOpenFileNameW", decltype(&GetOpenFileNameW)> open{
         "comdlg32.dll", [this](LPOPENFILENAMEW dialog) {
-            const wchar_t* end = dialog->lpstrFilter;
-            while (*end != L'\0')
-                end += std::wcslen(end) + 1;
-            calls.push_back({dialog->hwndOwner,
-                             dialog->lpstrTitle,
-                             {dialog->lpstrFilter, end + 1},
-                             dialog->lpstrFile,
-                             dialog->nMaxFile,
-                             dialog->Flags});
-            const Reply& reply = replies.at(calls.size() - 1);
-            if (reply.chosen) lstrcpyW(dialog->lpstrFile, reply.file.c_str());
-            return BOOL{reply.chosen};
+            constexpr wchar_t kFilter[] = L"WAV File\0*.WAV\0";
+            CHECK(std::equal(std::begin(kFilter), std::end(kFilter), dialog->lpstrFilter));
+            CHECK(std::wstring(dialog->lpstrTitle) == L"Select a Sound File");
+            CHECK(dialog->nMaxFile >= 32768);
+            CHECK(dialog->Flags == (OFN_HIDEREADONLY | OFN_EXPLORER | OFN_NOCHANGEDIR));
+            owner = dialog->hwndOwner;
+            starts.push_back(dialog->lpstrFile);
+            const Reply& reply = replies.at(starts.size() - 1);
+            if (reply.isChosen) lstrcpyW(dialog->lpstrFile, reply.file.c_str());
+            return BOOL{reply.isChosen};
         }};
     const ImportFake<"CommDlgExtendedError", decltype(&CommDlgExtendedError)> extendedError{
-        "comdlg32.dll", [this] { return replies.at(calls.size() - 1).error; }};
+        "comdlg32.dll", [this] { return replies.at(starts.size() - 1).error; }};
 };
 
 }  // namespace
 
-TEST_CASE_FIXTURE(SettingsWindow, "the dialog is asked for a wave file, starting with the present one") {
-    popupNotice.m_strSoundFile = L"C:\\Sounds\\old.wav";
-    ScriptedDialog dialog{{Chosen(L"C:\\Sounds\\new.wav"), kCancelled}};
-    popupNotice.ChooseSoundFile();
-    REQUIRE(dialog.calls.size() == 1);
-    const ScriptedDialog::Call& call = dialog.calls[0];
-    CHECK(call.owner == window.Hwnd());
-    CHECK(call.title == L"Select a Sound File");
-    CHECK(call.filter == std::wstring(L"WAV File\0*.WAV\0\0", 16));
-    CHECK(call.file == L"C:\\Sounds\\old.wav");
-    CHECK(call.capacity >= 32768);
-    CHECK(call.flags == (OFN_HIDEREADONLY | OFN_EXPLORER | OFN_NOCHANGEDIR));
-    CHECK(popupNotice.m_strSoundFile == L"C:\\Sounds\\new.wav");
-    // Cancelling it is an error for the program.
-    CHECK_THROWS_AS(popupNotice.cdlg.ShowOpen(nullptr), AutomationError);
-}
-
-TEST_CASE("the start name and the path that is kept, for each way in which the dialog ends") {
+TEST_CASE(
+    "the start name, the path that is kept and whether it can be tested, which takes Play Sound, for each "
+    "way "
+    "in which the dialog ends; a change is marked in any case") {
     struct Row {
-        std::string meaning;
+        std::string what;
         std::wstring before;
         std::vector<Reply> replies;
         std::vector<std::wstring> starts;
@@ -96,6 +75,7 @@ TEST_CASE("the start name and the path that is kept, for each way in which the d
     const std::wstring noName = L"C:\\\"not a name\"\\";
     const std::wstring tooLong(70000, L'a');
     const Row rows[] = {
+        {"a first file", L"", {Chosen(L"C:\\new.wav")}, {L""}, L"C:\\new.wav"},
         {"without a file it starts with an empty name", L"", {kCancelled}, {L""}, L""},
         {"cancelling keeps the old path", old, {kCancelled}, {old}, old},
         {"so does an error of the dialog", old, {kFailed}, {old}, old},
@@ -113,48 +93,23 @@ TEST_CASE("the start name and the path that is kept, for each way in which the d
         {"a path longer than any path starts it with an empty name", tooLong, {kCancelled}, {L""}, tooLong},
     };
     for (const Row& row : rows) {
-        CAPTURE(row.meaning);
-        SettingsWindow page;
-        page.popupNotice.m_strSoundFile = row.before;
-        ScriptedDialog dialog{row.replies};
-        page.popupNotice.ChooseSoundFile();
-        std::vector<std::wstring> starts;
-        for (const ScriptedDialog::Call& call : dialog.calls)
-            starts.push_back(call.file);
-        CHECK(starts == row.starts);
-        CHECK((page.popupNotice.m_strSoundFile == row.after));
-    }
-}
-
-TEST_CASE(
-    "the file button enables the test button exactly when Play Sound is checked and there is a file, and "
-    "marks a change, also when the dialog is cancelled") {
-    struct Row {
-        bool playSound;
-        Reply reply;
-        const wchar_t* before;
-        bool testEnabled;
-    };
-    const Row rows[] = {
-        {true, Chosen(L"C:\\new.wav"), L"", true},   {true, kCancelled, L"", false},
-        {true, kCancelled, L"C:\\old.wav", true},    {true, kFailed, L"C:\\old.wav", true},
-        {false, Chosen(L"C:\\new.wav"), L"", false}, {false, kCancelled, L"C:\\old.wav", false},
-    };
-    for (const Row& row : rows) {
-        for (const bool enabledBefore : {false, true}) {
-            CAPTURE(row.playSound);
-            CAPTURE(row.reply.file);
-            CAPTURE(std::wstring(row.before));
-            CAPTURE(enabledBefore);
-            SettingsWindow page;
-            SettingsWindow::Check(page.chkPlaySound, row.playSound);
-            page.popupNotice.m_strSoundFile = row.before;
-            page.cmdTestSound.Enabled(enabledBefore);
-            ScriptedDialog dialog{{row.reply}};
-            SettingsWindow::Click(page.cmdSoundFile);
-            CHECK(page.popupNotice.m_strSoundFile == (row.reply.chosen ? row.reply.file : row.before));
-            CHECK(page.cmdTestSound.Enabled() == row.testEnabled);
-            CHECK(page.cmdApply.Enabled());
+        for (const bool playSound : {false, true}) {
+            for (const bool canTestBefore : {false, true}) {
+                CAPTURE(row.what);
+                CAPTURE(playSound);
+                CAPTURE(canTestBefore);
+                SettingsWindow page;
+                SettingsWindow::Check(page.chkPlaySound, playSound);
+                page.popupNotice.m_strSoundFile = row.before;
+                page.cmdTestSound.Enabled(canTestBefore);
+                ScriptedDialog dialog{row.replies};
+                SettingsWindow::Click(page.cmdSoundFile);
+                CHECK(dialog.starts == row.starts);
+                CHECK(dialog.owner == page.window.Hwnd());
+                CHECK((page.popupNotice.m_strSoundFile == row.after));
+                CHECK(page.cmdTestSound.Enabled() == (playSound && !row.after.empty()));
+                CHECK(page.cmdApply.Enabled());
+            }
         }
     }
 }
@@ -187,10 +142,7 @@ TEST_CASE(
                 lstrcpyW(buffer, row.shortPath.c_str());
                 return length;
             }};
-        SettingsWindow page;
-        ScriptedDialog dialog{{Chosen(row.chosen)}};
-        page.popupNotice.ChooseSoundFile();
-        CHECK(page.popupNotice.m_strSoundFile == row.kept);
+        CHECK(PlayablePath(row.chosen) == row.kept);
     }
 }
 
@@ -207,19 +159,20 @@ TEST_CASE_FIXTURE(SettingsWindow,
 }
 
 TEST_CASE(
-    "cancelling raises error 32755 only where that is asked for, a dialog that cannot be shown always an "
-    "error") {
-    for (const bool cancelError : {false, true}) {
-        CAPTURE(cancelError);
+    "cancelling raises error 32755 where that is asked for, as for a sound, a dialog that cannot be shown "
+    "always an error") {
+    for (const bool isForSound : {false, true}) {
+        CAPTURE(isForSound);
+        SettingsWindow page;
         CommonDialog dialog;
-        dialog.FileName(L"kept.txt");
-        dialog.Filter(L"Text|*.txt");
-        dialog.DialogTitle(L"Title");
-        if (cancelError) dialog.CancelError(true);
-        ScriptedDialog script{{kCancelled, kFailed}};
-        CHECK((ErrorOf([&] { dialog.ShowOpen(nullptr); }) & 0xFFFF) == (cancelError ? 32755 : 0));
-        CHECK(dialog.FileName() == L"kept.txt");
-        CHECK_THROWS_AS(dialog.ShowOpen(nullptr), AutomationError);
+        dialog.Filter(L"WAV File|*.WAV");
+        dialog.DialogTitle(L"Select a Sound File");
+        CommonDialog& asked = isForSound ? page.popupNotice.cdlg : dialog;
+        ScriptedDialog script{{Chosen(L"kept.wav"), kCancelled, kFailed}};
+        isForSound ? page.popupNotice.ChooseSoundFile() : dialog.ShowOpen(nullptr);
+        CHECK((ErrorOf([&] { asked.ShowOpen(nullptr); }) & 0xFFFF) == (isForSound ? 32755 : 0));
+        CHECK(asked.FileName() == L"kept.wav");
+        CHECK_THROWS_AS(asked.ShowOpen(nullptr), AutomationError);
     }
 }
 
@@ -230,23 +183,21 @@ TEST_CASE_FIXTURE(SettingsWindow,
     wchar_t before[MAX_PATH];
     GetCurrentDirectoryW(MAX_PATH, before);
     popupNotice.m_strSoundFile = L"C:\\no such folder\\old.wav";
-    {
-        const DialogScript cancels({[](HWND dialog) {
-            CHECK(ShownText(dialog) == L"Select a Sound File");
-            PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
-        }});
+    const auto choose = [this](const DialogScript::Step& step) {
+        const DialogScript script({step});
         popupNotice.ChooseSoundFile();
-    }
+    };
+    choose([](HWND dialog) {
+        CHECK(ShownText(dialog) == L"Select a Sound File");
+        PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
+    });
     CHECK(popupNotice.m_strSoundFile == L"C:\\no such folder\\old.wav");
-    {
-        const DialogScript chooses({[&](HWND dialog) {
-            HWND name = GetDlgItem(dialog, 0x047c);  // cmb13, the file name of an Explorer-style dialog
-            if (name == nullptr) name = GetDlgItem(dialog, 0x0480);
-            SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(chosen.c_str()));
-            PostMessageW(dialog, WM_COMMAND, IDOK, 0);
-        }});
-        popupNotice.ChooseSoundFile();
-    }
+    choose([&](HWND dialog) {
+        HWND name = GetDlgItem(dialog, 0x047c);  // cmb13, the file name of an Explorer-style dialog
+        if (name == nullptr) name = GetDlgItem(dialog, 0x0480);
+        SendMessageW(name, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(chosen.c_str()));
+        PostMessageW(dialog, WM_COMMAND, IDOK, 0);
+    });
     CHECK(lstrcmpiW(popupNotice.m_strSoundFile.c_str(), chosen.c_str()) == 0);
     wchar_t after[MAX_PATH];
     GetCurrentDirectoryW(MAX_PATH, after);

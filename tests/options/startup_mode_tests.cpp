@@ -17,15 +17,16 @@ const Fault kNoMachineRights{std::nullopt, 3, true};
 
 constexpr const wchar_t* kModes[] = {L"Startup", L"RunOnly", L"Manual"};
 constexpr const wchar_t* kModesOrNone[] = {L"", L"Startup", L"RunOnly", L"Manual"};
-constexpr wchar_t kOldRunData[] = L"C:\\old loader.exe";
 
 struct Page : SettingsWindow {
     OptionButton& ButtonOf(const std::wstring& mode) {
         return mode == L"Startup" ? optStartup : mode == L"RunOnly" ? optLoadWithKiller : optLoadFromMenu;
     }
-    void Select(const std::wstring& mode) {
+    // What is remembered and selected.
+    void Put(const std::wstring& remembered, const std::wstring& selected) {
+        generalOptions.m_strStartupMode = remembered;
         for (const wchar_t* const each : kModes)
-            Check(ButtonOf(each), mode == each);
+            Check(ButtonOf(each), selected == each);
     }
     std::wstring Selected() {
         std::wstring selected;
@@ -33,21 +34,9 @@ struct Page : SettingsWindow {
             if (ButtonOf(mode).Value()) selected += mode;
         return selected;
     }
-    std::wstring& Remembered() { return generalOptions.m_strStartupMode; }
     void PutStored(const wchar_t* text) {
         user.DeleteTree(Schema::kSettingsKey);
         if (text != nullptr) Store(L"Startup", text);
-    }
-    // The text of the Run value; empty where there is none.
-    std::wstring Run() const {
-        return machine.Exists(Schema::kRunKey, Schema::kRunValue)
-                   ? machine.Text(Schema::kRunKey, Schema::kRunValue)
-                   : L"";
-    }
-    void PutRun(bool isThere) const {
-        machine.Write(Schema::kRunKey, L"Another program", L"stays");
-        machine.Delete(Schema::kRunKey, Schema::kRunValue);
-        if (isThere) machine.Write(Schema::kRunKey, Schema::kRunValue, kOldRunData);
     }
 
     Registry registry;
@@ -68,8 +57,8 @@ LRESULT CALLBACK CheckAlone(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
 }  // namespace
 
 TEST_CASE("reading the startup mode leaves a tab stop to the selected button alone") {
-    for (const wchar_t* const stored : kModes) {
-        CAPTURE(std::wstring(stored));
+    for (const std::wstring stored : kModes) {
+        CAPTURE(stored);
         bool isChecking = false;
         Page page;
         const auto isTabStop = [&](const wchar_t* mode) {
@@ -80,10 +69,10 @@ TEST_CASE("reading the startup mode leaves a tab stop to the selected button alo
                               reinterpret_cast<DWORD_PTR>(&isChecking));
             REQUIRE(isTabStop(mode));
         }
-        page.PutStored(stored);
+        page.PutStored(stored.c_str());
         page.generalOptions.ReadStartupMode(page.registry);
         for (const wchar_t* const mode : kModes)
-            CHECK(isTabStop(mode) == (std::wstring(mode) == stored));
+            CHECK(isTabStop(mode) == (stored == mode));
     }
 }
 
@@ -91,22 +80,20 @@ TEST_CASE_FIXTURE(
     Page, "reading the startup mode selects its button and remembers it; an unknown text changes neither") {
     // The stored text, null for none, and the mode that it is; null: it changes nothing.
     constexpr std::pair<const wchar_t*, const wchar_t*> kStored[] = {
-        {nullptr, L"Manual"},     {L"", nullptr},         {L"Startup", L"Startup"},
-        {L"RunOnly", L"RunOnly"}, {L"Manual", L"Manual"}, {L"startup", nullptr},
-        {L"MANUAL", nullptr},     {L"Startup ", nullptr}, {L"Something", nullptr}};
+        {nullptr, L"Manual"},   {L"", nullptr},        {L"Startup", L"Startup"}, {L"RunOnly", L"RunOnly"},
+        {L"Manual", L"Manual"}, {L"startup", nullptr}, {L"Startup ", nullptr},   {L"Something", nullptr}};
     for (const auto& [stored, mode] : kStored) {
-        for (const wchar_t* const remembered : kModesOrNone) {
-            for (const wchar_t* const selected : kModesOrNone) {
+        for (const std::wstring remembered : kModesOrNone) {
+            for (const std::wstring selected : kModesOrNone) {
                 CAPTURE(std::wstring(stored == nullptr ? L"(missing)" : stored));
-                CAPTURE(std::wstring(remembered));
-                CAPTURE(std::wstring(selected));
+                CAPTURE(remembered);
+                CAPTURE(selected);
                 PutStored(stored);
-                Remembered() = remembered;
-                Select(selected);
+                Put(remembered, selected);
                 generalOptions.ReadStartupMode(registry);
-                CHECK(Remembered() == (mode != nullptr ? mode : remembered));
+                CHECK(generalOptions.m_strStartupMode == (mode != nullptr ? mode : remembered));
                 CHECK(Selected() == (mode != nullptr ? mode : selected));
-                CHECK(HasStored(L"Startup") == (stored != nullptr));
+                CHECK(user.Exists(Schema::kSettingsKey, L"Startup") == (stored != nullptr));
                 CHECK(machine.ValueCount(Schema::kRunKey) == 0);
             }
         }
@@ -114,7 +101,12 @@ TEST_CASE_FIXTURE(
 }
 
 TEST_CASE_FIXTURE(
-    Page, "writing the startup mode: the store and the Run value for each remembered and selected mode") {
+    Page,
+    "writing the startup mode: the store and, entering and leaving Startup alone, the Run value, which holds "
+    "the loader's path as it stands then") {
+    const std::string before = "C:\\old loader.exe";
+    loaderPath = L"D:\\\\CalvaneConfigLoader.exe";
+    machine.Write(Schema::kRunKey, L"Another program", L"stays");
     for (const bool hasRights : {true, false}) {
         for (const std::wstring remembered : kModesOrNone) {
             for (const std::wstring selected : kModesOrNone) {
@@ -124,62 +116,25 @@ TEST_CASE_FIXTURE(
                     CAPTURE(selected);
                     CAPTURE(isRunThere);
                     PutStored(L"as it was");
-                    PutRun(isRunThere);
-                    Remembered() = remembered;
-                    Select(selected);
+                    machine.Delete(Schema::kRunKey, Schema::kRunValue);
+                    if (isRunThere) machine.Write(Schema::kRunKey, Schema::kRunValue, REG_SZ, before);
+                    Put(remembered, selected);
                     calls.Fail(hasRights ? Fault{} : kNoMachineRights);
                     calls.Watch([this] { generalOptions.WriteStartupMode(registry); });
                     const bool changes = !selected.empty() && selected != remembered;
-                    CHECK(Remembered() == (changes ? selected : remembered));
+                    CHECK(generalOptions.m_strStartupMode == (changes ? selected : remembered));
                     CHECK(Stored(L"Startup") == (changes ? selected : L"as it was"));
-                    std::wstring run = isRunThere ? kOldRunData : L"";
-                    if (hasRights && changes && selected == L"Startup") run = loaderPath;
+                    std::string run = isRunThere ? before : "";
+                    if (hasRights && changes && selected == L"Startup") run = "D:\\\\CalvaneConfigLoader.exe";
                     if (hasRights && changes && remembered == L"Startup") run.clear();
-                    CHECK(Run() == run);
-                    CHECK(machine.Exists(Schema::kRunKey, L"Another program"));
+                    DWORD type = REG_SZ;
+                    const bool isThere = machine.Exists(Schema::kRunKey, Schema::kRunValue);
+                    CHECK((isThere ? machine.Bytes(Schema::kRunKey, Schema::kRunValue, &type) : "") == run);
+                    CHECK(type == REG_SZ);
+                    CHECK(machine.ValueCount(Schema::kRunKey) == (isThere ? 2 : 1));
                     CHECK_FALSE(user.Exists(Schema::kRunKey));
                 }
             }
         }
     }
-}
-
-TEST_CASE_FIXTURE(Page,
-                  "the Run value holds the loader's path, as it stands when the mode is written, as text") {
-    loaderPath = L"D:\\\\CalvaneConfigLoader.exe";
-    optStartup.Value(true);
-    generalOptions.WriteStartupMode(registry);
-    DWORD type = 0;
-    CHECK(machine.Bytes(Schema::kRunKey, Schema::kRunValue, &type) == "D:\\\\CalvaneConfigLoader.exe");
-    CHECK(type == REG_SZ);
-    CHECK(machine.ValueCount(Schema::kRunKey) == 1);
-}
-
-TEST_CASE_FIXTURE(
-    Page,
-    "through a session only entering and leaving Startup touches the Run value; from RunOnly to "
-    "Manual deletes nothing") {
-    const auto saveAs = [this](const Control& button, const wchar_t* mode) {
-        Click(button);
-        transfer.SaveSettings();
-        CHECK(Stored(L"Startup") == mode);
-    };
-    Store(L"Startup", L"RunOnly");
-    transfer.LoadSettings();
-    CHECK(Selected() == L"RunOnly");
-    PutRun(true);
-    saveAs(optLoadFromMenu, L"Manual");
-    CHECK(Run() == kOldRunData);
-    saveAs(optStartup, L"Startup");
-    CHECK(Run() == loaderPath);
-    PutRun(false);
-    transfer.SaveSettings();
-    CHECK(Run().empty());  // neither checked nor repaired
-    PutRun(true);
-    saveAs(optLoadWithKiller, L"RunOnly");
-    CHECK(Run().empty());
-    saveAs(optStartup, L"Startup");
-    CHECK(Run() == loaderPath);
-    saveAs(optLoadFromMenu, L"Manual");
-    CHECK(Run().empty());
 }

@@ -4,7 +4,6 @@
 
 #include <array>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "lists/banner_sizes.h"
@@ -17,6 +16,7 @@
 #include "options/general_options.h"
 #include "options/popup_notice.h"
 #include "options/settings_transfer.h"
+#include "platform/automation_error.h"
 #include "store/settings_schema.h"
 #include "tests/support/test_hive.h"
 #include "tests/support/test_window.h"
@@ -29,7 +29,13 @@ class SettingsWindow : public CommandControls,
                        public SearchControls,
                        public AboutControls {
 public:
-    SettingsWindow();
+    // The link and the logo stay empty: what they show is the tests' to say.
+    SettingsWindow() {
+        SettingsControls::SetUp();
+        BannerControls::SetUp();
+        SearchControls::SetUp();
+        cmdApply.Enabled(false);
+    }
 
     // Sets the state of a button as Windows does it, without a click: so the handlers are passed by.
     static void Check(const Control& button, bool checked) {
@@ -39,19 +45,11 @@ public:
     // Clicks as a user does.
     static void Click(const Control& button) { SendMessageW(button.Hwnd(), BM_CLICK, 0, 0); }
 
-    // Writes values, each with its text, into a key of the user.
-    using Values = std::initializer_list<std::pair<const wchar_t*, const wchar_t*>>;
-    void Write(const wchar_t* key, Values values) const {
-        for (const auto& [name, text] : values)
-            user.Write(key, name, text);
-    }
-
     // In the Settings key.
     void Store(const std::wstring& value, const std::wstring& text) const {
         user.Write(Schema::kSettingsKey, value, text);
     }
     std::wstring Stored(const std::wstring& value) const { return user.Text(Schema::kSettingsKey, value); }
-    bool HasStored(const std::wstring& value) const { return user.Exists(Schema::kSettingsKey, value); }
 
     TestHive machine{HKEY_LOCAL_MACHINE};
     TestHive user{HKEY_CURRENT_USER};
@@ -63,14 +61,15 @@ public:
     ListView lvwExtra{L"lvwExtra", 4};
     const std::array<Control*, 4> extra{&chkExtra, &txtExtra, &lstExtra, &lvwExtra};
 
-    const std::vector<Control*> controls;
-    TestWindow window;
+    const std::vector<Control*> controls =
+        Join({CommandControls::all, SettingsControls::all, ExcludeControls::all, LogControls::all,
+              BannerControls::all, SearchControls::all, AboutControls::all, extra});
+    TestWindow window{controls};
 
     std::wstring loaderPath = L"C:\\Program Files\\Calvane\\CalvaneConfigLoader.exe";
-    std::function<std::wstring()> logFile;
+    std::function<std::wstring()> logFile = []() -> std::wstring { RaiseError(ErrorNumber::ObjectNotSet); };
     std::vector<std::string> events;  // "reload" and "hide", as Commands calls them
-    Event onReload;
-    Event onHide;
+    Event onEvent;
 
     ChangeMark changeMark{cmdApply};
     Event markChanged = [this] { changeMark.MarkChanged(); };
@@ -79,10 +78,16 @@ public:
     AboutPage aboutPage{*this};
     ClosedLog closedLog{*this, lstExclude, [this] { return logFile(); }, markChanged};
     SettingsTransfer transfer{controls, changeMark, popupNotice, generalOptions, closedLog, cboPauseKey};
-    Commands commands{*this, changeMark, transfer, [this](const Event& done) { Reload(done); },
-                      [this] { Hide(); }};
+    Commands commands{*this, changeMark, transfer,
+                      [this](const Event& done) {
+                          Note("reload");
+                          done();
+                      },
+                      [this] { Note("hide"); }};
 
 private:
-    void Reload(const Event& done);
-    void Hide();
+    void Note(const char* event) {
+        events.push_back(event);
+        if (onEvent) onEvent();
+    }
 };
