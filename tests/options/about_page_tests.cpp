@@ -18,6 +18,7 @@ namespace {
 // A window whose link shows an address. The shell has no program for any.
 struct AboutPageFixture : SettingsWindow {
     AboutPageFixture() { lblNavSite.Caption(L"http://www.calvane.example/"); }
+
     static void Press(const Control& control) {
         SendMessageW(control.Hwnd(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 6));
         SendMessageW(control.Hwnd(), WM_LBUTTONUP, 0, MAKELPARAM(10, 6));

@@ -1,14 +1,11 @@
 // What a load makes of a store.
-#include <windows.h>
-#include <commctrl.h>
-
-#include <algorithm>
 #include <string>
 #include <vector>
 
 #include "platform/automation_error.h"
 #include "tests/settings_transfer/transfer_page.h"
 #include "tests/support/shown_text.h"
+#include "tests/support/test_folder.h"
 
 namespace {
 
@@ -29,7 +26,7 @@ TEST_CASE_FIXTURE(
     "each stored option is shown in its control; a missing or empty one leaves its control as it is, "
     "or takes over the text read before it where that converts") {
     struct Row {
-        const char* meaning;
+        std::string what;
         StoredRows stored;
         WindowState before;   // of a window as it is designed
         WindowState changes;  // of that one, with Manual and Shift chosen and no sound
@@ -92,6 +89,18 @@ TEST_CASE_FIXTURE(
           {"optLoadFromMenu", L"0"},
           {"optStartup", L"1"},
           {"m_strStartupMode", L"Startup"}}},
+        {"a missing sound file loads as empty and leaves the test button as it is under Play Sound",
+         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=0"},
+         {{"m_strSoundFile", L"C:\\before.wav"}, {"chkPlaySound", L"1"}, {"cmdTestSound", L"1"}},
+         {{"m_strSoundFile", L""},
+          {"cmdSoundFile", L"1"},
+          {"cmdTestSound", L"1"},
+          {"txtPause", L"0"},
+          {"txtExtra", L"0"}}},
+        {"so does an empty one",
+         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=0", "Settings\\SoundFile="},
+         {{"m_strSoundFile", L"C:\\before.wav"}, {"chkPlaySound", L"1"}, {"cmdTestSound", L"0"}},
+         {{"m_strSoundFile", L""}, {"cmdSoundFile", L"1"}, {"txtPause", L"0"}, {"txtExtra", L"0"}}},
         {"without exclude rows the list is empty", {}, {{"lstExclude", L"edited\n"}}, {{"lstExclude", L""}}},
         {"exclude rows are read from 0 to the first gap",
          {"Exclude\\0=http://zero", "Exclude\\1=http://one", "Exclude\\3=http://three"},
@@ -110,7 +119,7 @@ TEST_CASE_FIXTURE(
           {"txtExtra", L"http://three"}}},
     };
     for (const Row& row : rows) {
-        CAPTURE(std::string(row.meaning));
+        CAPTURE(row.what);
         Put(*this, designed);
         Put(*this, row.before);
         WindowState shown = StateOf(*this);
@@ -129,27 +138,39 @@ TEST_CASE_FIXTURE(
 }
 
 TEST_CASE_FIXTURE(LoadPage,
-                  "a pause is shown in seconds, fractions too; a pause key that is no item changes nothing") {
+                  "a text is shown as the number, level, check mark or key that it is; one that is none "
+                  "leaves what is shown") {
     struct Row {
-        const char* stored;
+        std::string stored;
         const char* control;
         const wchar_t* shown;
     };
-    const Row rows[] = {
-        {"txtPause=1500", "txtPause", L"1.5"},      {"txtPause=2500", "txtPause", L"2.5"},
-        {"txtPause=30000", "txtPause", L"30"},      {"txtPause=1", "txtPause", L"0.001"},
-        {"txtPause=0", "txtPause", L"0"},           {"txtPause=-5000", "txtPause", L"-5"},
-        {"txtPause=5000.5", "txtPause", L"5.0005"}, {"Pause Key=Alt", "cboPauseKey", L"Alt"},
-        {"Pause Key=Ctrl", "cboPauseKey", L"Ctrl"}, {"Pause Key=Shift", "cboPauseKey", L"Shift"},
-        {"Pause Key=F6", "cboPauseKey", L"F6"},     {"Pause Key=F7", "cboPauseKey", L"F7"},
-        {"Pause Key=F8", "cboPauseKey", L"F8"},     {"Pause Key=F9", "cboPauseKey", L"F9"},
-        {"Pause Key=F10", "cboPauseKey", L"F10"},   {"Pause Key=F12", "cboPauseKey", L"F10"},
-        {"Pause Key=F", "cboPauseKey", L"F10"},     {"Pause Key=F100", "cboPauseKey", L"F10"},
-        {"Pause Key= ", "cboPauseKey", L"F10"},     {"Pause Key=", "cboPauseKey", L"F10"},
-        {"Pause Key=Alt+F4", "cboPauseKey", L"F10"}};
+    const Row rows[] = {{"txtPause=1500", "txtPause", L"1.5"},
+                        {"txtPause=1", "txtPause", L"0.001"},
+                        {"txtPause=-5000", "txtPause", L"-5"},
+                        {"txtPause=5000.5", "txtPause", L"5.0005"},
+                        {"txtPause=five", "txtPause", L"5.0005"},
+                        {"txtPause=1e400", "txtPause", L"5.0005"},
+                        {"txtPause= ", "txtPause", L"5.0005"},
+                        {"txtSpeed=1100", "txtSpeed", L"6"},
+                        {"txtSpeed= 200.5 ", "txtSpeed", L"10"},
+                        {"txtSpeed=2147483648", "txtSpeed", L"10"},
+                        {"txtSpeed=fast", "txtSpeed", L"10"},
+                        {"chkExtra=1", "chkExtra", L"1"},
+                        {"chkExtra=2", "chkExtra", L"1"},
+                        {"chkExtra=32768", "chkExtra", L"1"},
+                        {"chkExtra=True", "chkExtra", L"1"},
+                        {"chkExtra=0.5", "chkExtra", L"0"},
+                        {"chkExtra= 1.4 ", "chkExtra", L"1"},
+                        {"Pause Key=Alt", "cboPauseKey", L"Alt"},
+                        {"Pause Key=shift", "cboPauseKey", L"Shift"},
+                        {"Pause Key=F10", "cboPauseKey", L"F10"},
+                        {"Pause Key=F12", "cboPauseKey", L"F10"},
+                        {"Pause Key=F", "cboPauseKey", L"F10"},
+                        {"Pause Key=", "cboPauseKey", L"F10"}};
     for (const Row& row : rows) {
-        CAPTURE(std::string(row.stored));
-        CHECK(Loaded({std::string("Settings\\") + row.stored}).at(row.control) == row.shown);
+        CAPTURE(row.stored);
+        CHECK(Loaded({"Settings\\" + row.stored}).at(row.control) == row.shown);
     }
 }
 
@@ -159,54 +180,37 @@ TEST_CASE_FIXTURE(LoadPage, "nothing is taken over from the load before") {
     CHECK(Loaded({}).at("chkBeep") == L"0");
 }
 
-TEST_CASE_FIXTURE(
-    LoadPage,
-    "a missing or empty sound file loads as empty and leaves the test button as it is under Play Sound") {
-    for (const StoredRows& file : {StoredRows{}, {"Settings\\SoundFile="}}) {
-        for (const wchar_t* const canTest : {L"0", L"1"}) {
-            CAPTURE(file.size());
-            StoredRows stored{"Settings\\chkPlaySound=1", "Settings\\chkBeep=0"};
-            stored.insert(stored.end(), file.begin(), file.end());
-            Put(*this,
-                {{"m_strSoundFile", L"C:\\before.wav"}, {"chkPlaySound", L"1"}, {"cmdTestSound", canTest}});
-            WindowState shown = Loaded(stored);
-            CHECK(shown["m_strSoundFile"].empty());
-            CHECK(shown["cmdSoundFile"] == L"1");
-            CHECK(shown["cmdTestSound"] == canTest);
-        }
-    }
-}
-
 TEST_CASE_FIXTURE(LoadPage, "banner sizes are read from 1 on, with name, width, height and use") {
     StoredRows stored{"Banners\\1Name=Full",  "Banners\\1Width=468", "Banners\\1Height=60",
                       "Banners\\1Use=True",   "Banners\\2Name=Half", "Banners\\2Width=-2.5",
                       "Banners\\2Height=1e3", "Banners\\2Use=False"};
-    const std::wstring two = L"Full|468|60|x\nHalf|-2.5|1e3\n";
-    const auto loadedWith = [&](const StoredRows& more) {
-        stored.insert(stored.end(), more.begin(), more.end());
-        return Loaded(stored).at("lvwBanners");
+    struct Row {
+        std::string what;
+        StoredRows more;
+        std::wstring shown;  // behind those two
+    };
+    const Row rows[] = {
+        {"to the first missing name", {"Banners\\4Name=beyond the gap", "Banners\\4Use=True"}, L""},
+        {"to the first entry without a use, which is shown; its check mark comes from the width",
+         {"Banners\\3Name=Third", "Banners\\3Height=7", "Banners\\3Width=0"},
+         L"Third|0|7\n"},
+        {"the width may be a mark", {"Banners\\3Width=100"}, L"Third|100|7|x\n"},
+        {"missing fields take over what was read before them: the height the name, the width the height",
+         {"Banners\\3Height=", "Banners\\3Width=", "Banners\\3Use=True", "Banners\\4Name=Fourth",
+          "Banners\\4Height=9", "Banners\\5Name=Fifth", "Banners\\5Width=8"},
+         L"Third|Third|Third|x\nFourth|9|9|x\nFifth|8|Fifth|x\n"},
     };
     lvwBanners.Add(1, L"edited");
-    SUBCASE("to the first missing name") {
-        CHECK(loadedWith({"Banners\\4Name=beyond the gap", "Banners\\4Use=True"}) == two);
+    for (const Row& row : rows) {
+        CAPTURE(row.what);
+        stored.insert(stored.end(), row.more.begin(), row.more.end());
+        CHECK(Loaded(stored).at("lvwBanners") == L"Full|468|60|x\nHalf|-2.5|1e3\n" + row.shown);
     }
-    SUBCASE("to the first entry without a use, which is shown; its check mark comes from the width") {
-        CHECK(loadedWith({"Banners\\3Name=Third", "Banners\\3Height=7", "Banners\\3Width=0",
-                          "Banners\\4Name=Fourth", "Banners\\4Use=True"}) == two + L"Third|0|7\n");
-        CHECK(loadedWith({"Banners\\3Width=100"}) == two + L"Third|100|7|x\n");
-    }
-    SUBCASE(
-        "missing fields take over what was read before them, the height from the name, the width from that") {
-        CHECK(loadedWith({"Banners\\3Name=Third", "Banners\\3Use=True", "Banners\\4Name=Fourth",
-                          "Banners\\4Height=9", "Banners\\4Use=True", "Banners\\5Name=Fifth",
-                          "Banners\\5Width=8"}) ==
-              two + L"Third|Third|Third|x\nFourth|9|9|x\nFifth|8|Fifth|x\n");
-    }
-    SUBCASE("with the uses that Automation takes for a Boolean") {
-        for (const char* const use : {"True", "true", "1", "-1"})
-            CHECK(loadedWith({"Banners\\1Use=" + std::string(use)}) == two);
-        for (const char* const use : {"False", "FALSE", "0", "yes", "?"})
-            CHECK(loadedWith({"Banners\\1Use=" + std::string(use)}) == L"Full|468|60\nHalf|-2.5|1e3\n");
+    for (const std::string use : {"True", "true", "1", "-1", "False", "FALSE", "0", "yes", "?"}) {
+        CAPTURE(use);
+        const bool isUsed = use == "1" || use == "-1" || use[1] == 'r';
+        CHECK(Loaded({"Search\\1Name=One", "Search\\1Url=http://one", "Search\\1Use=" + use})
+                  .at("lvwSearchURLs") == (isUsed ? L"One|http://one|x\n" : L"One|http://one\n"));
     }
 }
 
@@ -226,27 +230,37 @@ TEST_CASE_FIXTURE(SettingsWindow,
     CHECK_FALSE(changeMark.m_bLoading);
 }
 
-TEST_CASE_FIXTURE(TransferPage, "a load sets the columns of the lists, and draws each once, after its rows") {
-    static std::vector<UINT> s_messages;
+TEST_CASE_FIXTURE(
+    TransferPage,
+    "a load sets the columns of the lists, and draws each list once, after its rows, also a log "
+    "that cannot be read") {
+    using Deeds = std::vector<std::string>;
     struct Watch {
         static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
-                                          DWORD_PTR) {
-            if (message == WM_SETREDRAW || message == LB_INSERTSTRING || message == LVM_INSERTITEMW)
-                s_messages.push_back(message == WM_SETREDRAW ? static_cast<UINT>(wParam) : message);
+                                          DWORD_PTR deeds) {
+            auto& noted = *reinterpret_cast<Deeds*>(deeds);
+            if (message == WM_SETREDRAW) noted.push_back(wParam != FALSE ? "draw" : "hold");
+            if (message == LB_RESETCONTENT || message == LVM_DELETEALLITEMS) noted.push_back("clear");
+            if (message == LB_INSERTSTRING || message == LVM_INSERTITEMW) noted.push_back("add");
             return DefSubclassProc(hwnd, message, wParam, lParam);
         }
     };
+    const TestFolder folder;
+    const std::wstring path = folder.Write(L"closed.log", "A\r\nB\r\nC\r\n");
     registry.contents = UsualStore();
-    for (const HWND list : {lstExclude.Hwnd(), lvwBanners.Hwnd(), lvwSearchURLs.Hwnd()}) {
-        s_messages.clear();
-        SetWindowSubclass(list, Watch::Procedure, 1, 0);
+    const auto deedsOn = [&](const Control& list) {
+        Deeds deeds;
+        SetWindowSubclass(list.Hwnd(), Watch::Procedure, 1, reinterpret_cast<DWORD_PTR>(&deeds));
         transfer.LoadSettings();
-        RemoveWindowSubclass(list, Watch::Procedure, 1);
-        REQUIRE(s_messages.size() == 5);
-        CHECK(s_messages.front() == FALSE);
-        CHECK(s_messages.back() == TRUE);
-        CHECK(std::count_if(s_messages.begin(), s_messages.end(), [](UINT each) { return each <= 1; }) == 2);
-    }
+        RemoveWindowSubclass(list.Hwnd(), Watch::Procedure, 1);
+        return deeds;
+    };
+    CHECK(deedsOn(lstClosedWnd) == Deeds{"hold", "clear", "draw"});
+    logFile = [&] { return path; };
+    for (const Control* const list : {&lstClosedWnd, &lstExclude})
+        CHECK(deedsOn(*list) == Deeds{"hold", "clear", "add", "add", "add", "draw"});
+    for (const Control* const list : {&lvwBanners, &lvwSearchURLs})
+        CHECK(deedsOn(*list) == Deeds{"clear", "hold", "add", "add", "add", "draw"});
     const int width = lvwBanners.Width();
     CHECK(ListView_GetColumnWidth(lvwBanners.Hwnd(), 0) == width / 2);
     CHECK(std::abs(ListView_GetColumnWidth(lvwSearchURLs.Hwnd(), 1) - width * 68 / 100) <= 1);

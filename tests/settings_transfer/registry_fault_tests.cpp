@@ -6,18 +6,10 @@
 #include "platform/text.h"
 #include "store/first_run.h"
 #include "tests/settings_transfer/transfer_page.h"
-#include "tests/support/first_run_defaults.h"
+#include "tests/support/settings_keys.h"
 #include "tests/support/shown_text.h"
 
 namespace {
-
-// Null where the store has no such value.
-const StoredValue* ValueIn(const RegistryContents& store, const std::string& key, const std::string& name) {
-    const auto values = store.find(key);
-    if (values == store.end()) return nullptr;
-    const auto value = values->second.find(name);
-    return value == values->second.end() ? nullptr : &value->second;
-}
 
 struct FaultSweep : TransferPage {
     // Does the work once without a fault, and once for each fault: each of its calls, by itself and with all
@@ -77,18 +69,15 @@ struct FaultSweep : TransferPage {
             CHECK(Difference(registry.contents, stores[call - 1]) == "");
             return;
         }
-        long wrong = 0;
-        for (const auto& [key, written] : ideal) {
-            for (const auto& [name, value] : written) {
-                const StoredValue* const found = ValueIn(registry.contents, key, name);
-                if (found == nullptr || !(*found == value)) ++wrong;
-            }
-        }
-        CHECK(wrong <= 1);
-        for (const auto& [key, found] : registry.contents) {
-            for (const auto& [name, value] : found)
-                CHECK((ValueIn(ideal, key, name) != nullptr || ValueIn(before, key, name) != nullptr));
-        }
+        const NamedTexts found = TextsOf(registry.contents);
+        const NamedTexts wanted = TextsOf(ideal);
+        CHECK(std::count_if(wanted.begin(), wanted.end(), [&](const auto& value) {
+                  const auto written = found.find(value.first);
+                  return written == found.end() || written->second != value.second;
+              }) <= 1);
+        CHECK(std::all_of(found.begin(), found.end(), [&, old = TextsOf(before)](const auto& value) {
+            return wanted.contains(value.first) || old.contains(value.first);
+        }));
     }
 
     size_t call = 0;
@@ -183,22 +172,21 @@ TEST_CASE_FIXTURE(
         });
 }
 
-TEST_CASE("the system's own registry comes to what the one in memory comes to") {
-    SettingsWindow page;
-    const auto hiveOf = [&](const std::string& path) -> const TestHive& {
-        return path.starts_with("HKLM") ? page.machine : page.user;
+TEST_CASE_FIXTURE(SettingsWindow, "the system's own registry comes to what the one in memory comes to") {
+    const auto hiveOf = [this](const std::string& path) -> const TestHive& {
+        return path.starts_with("HKLM") ? machine : user;
     };
     for (const auto& [path, values] : UsualStore()) {
         for (const auto& [name, value] : values)
             hiveOf(path).Write(FromAnsi(path).substr(5), FromAnsi(name), value.type, value.bytes);
     }
     // Loads the store, then saves another window.
-    const auto use = [&page] {
-        Put(page, EditedWindow());
-        page.transfer.LoadSettings();
-        const WindowState loaded = StateOf(page);
-        Put(page, EditedWindow());
-        page.transfer.SaveSettings();
+    const auto use = [this] {
+        Put(*this, EditedWindow());
+        transfer.LoadSettings();
+        const WindowState loaded = StateOf(*this);
+        Put(*this, EditedWindow());
+        transfer.SaveSettings();
         return loaded;
     };
     const WindowState loaded = use();

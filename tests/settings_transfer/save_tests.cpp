@@ -5,7 +5,7 @@
 
 #include "store/first_run.h"
 #include "tests/settings_transfer/transfer_page.h"
-#include "tests/support/first_run_defaults.h"
+#include "tests/support/settings_keys.h"
 #include "tests/support/shown_text.h"
 
 namespace {
@@ -82,30 +82,23 @@ TEST_CASE_FIXTURE(
     "a typed level of 11 is saved as 1000, a pause as its whole number; what is none, or too great, is not "
     "written") {
     struct Row {
-        const wchar_t* text;
+        std::wstring text;
         const char* pause;  // empty: nothing is written
         const char* speed;
     };
-    const Row rows[] = {{L"5", "5000", "1200"},
+    const Row rows[] = {{L" 7 ", "7000", "800"},
                         {L"2.5", "2000", "1800"},
                         {L"3.5", "4000", "1400"},
-                        {L"30", "30000", "1000"},
-                        {L"0", "0", "1000"},
-                        {L"-1", "-1000", "1000"},
-                        {L"2147483", "2147483000", "1000"},
+                        {L"11", "11000", "1000"},
                         {L"-2147483", "-2147483000", "1000"},
+                        {L"2147483", "2147483000", "1000"},
                         {L"2147484", "", "1000"},
                         {L"-2147484", "", "1000"},
                         {L"2147483648", "", ""},
-                        {L"1e400", "", ""},
                         {L"", "", ""},
-                        {L" ", "", ""},
-                        {L"five", "", ""},
-                        {L"5 s", "", ""},
-                        {L" 7 ", "7000", "800"},
-                        {L"11", "11000", "1000"}};
+                        {L"5 s", "", ""}};
     for (const Row& row : rows) {
-        CAPTURE(std::wstring(row.text));
+        CAPTURE(row.text);
         Put(*this, {{"txtPause", row.text}, {"txtSpeed", row.text}});
         registry.contents.clear();
         transfer.SaveSettings();
@@ -124,10 +117,9 @@ TEST_CASE_FIXTURE(
                  "Banners\\1Width=1", "Banners\\1Height=1", "Banners\\2Name=2", "Banners\\2Use=2",
                  "Search\\1Use=1", "Search\\2Name=1", "Search\\2URL=1", "Search\\2Use=1"});
     transfer.SaveSettings();
-    RegistryContents expected = StoreOf(
-        {"Exclude\\0=row 1", "Exclude\\1=new", "Exclude\\3=row 3", "Banners\\2Name=2", "Banners\\2Use=2"});
-    for (const char* const key : {kExclude, kBanners, kSearch})
-        CHECK(Difference(registry.contents[key], expected[key]) == "");
+    registry.contents.erase(kSettings);
+    CHECK(Difference(registry.contents, StoreOf({"Exclude\\0=row 1", "Exclude\\1=new", "Exclude\\3=row 3",
+                                                 "Banners\\2Name=2", "Banners\\2Use=2"})) == "");
 }
 
 TEST_CASE_FIXTURE(SavePage,
@@ -157,22 +149,18 @@ TEST_CASE_FIXTURE(SavePage,
     }
 }
 
-TEST_CASE_FIXTURE(SavePage, "lists under other names, the log and the link are neither loaded nor stored") {
-    Put(*this, {{"lstExtra", L"kept\n"}, {"lvwExtra", L"kept\n"}});
+TEST_CASE_FIXTURE(SavePage,
+                  "lists under other names, the log and the link are neither loaded nor stored; without a "
+                  "chosen pause key an empty one is") {
     lblNavSite.Caption(L"http://www.calvane.example/");
+    Put(*this, {{"lstExtra", L"kept\n"}, {"lvwExtra", L"kept\n"}, {"lstClosedWnd", L"http://closed\n"}});
+    transfer.SaveSettings();
+    CHECK(Difference(registry.contents,
+                     StoreOf({"Settings\\chkPlaySound=0", "Settings\\chkBeep=0", "Settings\\txtSpeed=1000",
+                              "Settings\\txtPause=5000", "Settings\\chkExtra=0",
+                              "Settings\\txtExtra=", "Settings\\SoundFile=", "Settings\\Pause Key="})) == "");
     transfer.LoadSettings();
     CHECK(StateOf(*this).at("lstExtra") == L"kept\n");
     CHECK(StateOf(*this).at("lvwExtra") == L"kept\n");
     CHECK(lblNavSite.Caption() == L"http://www.calvane.example/");
-    lstClosedWnd.AddItem(L"http://closed");
-    transfer.SaveSettings();
-    CHECK(Difference(registry.contents,
-                     StoreOf({"Settings\\chkPlaySound=0", "Settings\\chkBeep=0", "Settings\\txtSpeed=1000",
-                              "Settings\\txtPause=5000", "Settings\\chkExtra=0", "Settings\\txtExtra=",
-                              "Settings\\SoundFile=", "Settings\\Pause Key=Shift"})) == "");
-}
-
-TEST_CASE_FIXTURE(SavePage, "without a chosen pause key an empty one is stored") {
-    transfer.SaveSettings();
-    CHECK(registry.contents[kSettings].at("Pause Key") == Text(""));
 }

@@ -3,17 +3,17 @@
 #include <sstream>
 
 #include "platform/text.h"
-#include "tests/support/first_run_defaults.h"
 #include "tests/support/other_process.h"
+#include "tests/support/settings_keys.h"
 
 namespace {
 
-Rows Split(const std::wstring& text, wchar_t end) {
-    Rows pieces;
+Rows LinesIn(const std::wstring& text) {
+    Rows lines;
     std::wistringstream stream(text);
-    for (std::wstring piece; std::getline(stream, piece, end);)
-        pieces.push_back(piece);
-    return pieces;
+    for (std::wstring line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
 }
 
 std::wstring Flag(bool isSet) {
@@ -22,8 +22,8 @@ std::wstring Flag(bool isSet) {
 
 std::wstring LinesOf(const ListBox& list) {
     std::wstring lines;
-    for (int row = 0; row < list.ListCount(); ++row)
-        lines += list.List(row) + L'\n';
+    for (const std::wstring& row : ListBoxRows(list.Hwnd()))
+        lines += row + L'\n';
     return lines;
 }
 
@@ -39,34 +39,23 @@ std::wstring LinesOf(const ListView& list) {
     return lines;
 }
 
-void PutLines(ListBox& list, const std::wstring& lines) {
+void Fill(ListBox& list, const std::wstring& lines) {
     list.Clear();
-    for (const std::wstring& row : Split(lines, L'\n'))
-        list.AddItem(row);
+    for (const std::wstring& line : LinesIn(lines))
+        list.AddItem(line);
 }
 
-void PutLines(ListView& list, const std::wstring& lines) {
+void Fill(ListView& list, const std::wstring& lines) {
     list.Clear();
-    for (const std::wstring& line : Split(lines, L'\n')) {
-        Rows cells = Split(line, L'|');
-        const bool isChecked = cells.back() == L"x";
-        if (isChecked) cells.pop_back();
-        const int position = list.Add(list.Count() + 1, cells[0]);
-        for (size_t cell = 1; cell < cells.size(); ++cell)
-            list.SubItem(position, static_cast<int>(cell), cells[cell]);
-        list.Checked(position, isChecked);
-    }
+    for (const std::wstring& line : LinesIn(lines))
+        AddRow(list, line);
 }
 
-void PutText(const Control& control, const std::wstring& text) {
-    if (control.Kind() == ControlKind::TextBox) {
-        SetWindowTextW(control.Hwnd(), text.c_str());
-        return;
-    }
-    SendMessageW(control.Hwnd(), CB_SETCURSEL, static_cast<WPARAM>(-1), 0);
-    if (!text.empty())
-        SendMessageW(control.Hwnd(), CB_SELECTSTRING, static_cast<WPARAM>(-1),
-                     reinterpret_cast<LPARAM>(text.c_str()));
+// Without the click that a user's choice raises.
+void Choose(HWND combo, const std::wstring& text) {
+    const LRESULT item = SendMessageW(combo, CB_FINDSTRINGEXACT, static_cast<WPARAM>(-1),
+                                      reinterpret_cast<LPARAM>(text.c_str()));
+    SendMessageW(combo, CB_SETCURSEL, static_cast<WPARAM>(item), 0);
 }
 
 std::string Shown(const std::wstring& text) {
@@ -80,61 +69,46 @@ WindowState StateOf(const SettingsWindow& window) {
                       {"m_strStartupMode", window.generalOptions.m_strStartupMode},
                       {"m_bLoading", Flag(window.changeMark.m_bLoading)}};
     for (Control* const control : window.controls) {
-        const std::string name = ToAnsi(control->Name());
-        switch (control->Kind()) {
-            case ControlKind::CheckBox:
-            case ControlKind::OptionButton:
-                state[name] = Flag(SendMessageW(control->Hwnd(), BM_GETCHECK, 0, 0) == BST_CHECKED);
-                break;
-            case ControlKind::Button:
-                state[name] = Flag(control->Enabled());
-                break;
-            case ControlKind::TextBox:
-            case ControlKind::ComboBox:
-                state[name] = ShownText(control->Hwnd());
-                break;
-            case ControlKind::ListBox:
-                state[name] = LinesOf(static_cast<ListBox&>(*control));
-                break;
-            case ControlKind::ListView:
-                state[name] = LinesOf(static_cast<ListView&>(*control));
-                break;
-            default:
-                break;
-        }
+        std::wstring& text = state[ToAnsi(control->Name())];
+        const ControlKind kind = control->Kind();
+        if (kind == ControlKind::CheckBox || kind == ControlKind::OptionButton)
+            text = Flag(SendMessageW(control->Hwnd(), BM_GETCHECK, 0, 0) == BST_CHECKED);
+        else if (kind == ControlKind::Button)
+            text = Flag(control->Enabled());
+        else if (kind == ControlKind::ListBox)
+            text = LinesOf(static_cast<ListBox&>(*control));
+        else if (kind == ControlKind::ListView)
+            text = LinesOf(static_cast<ListView&>(*control));
+        else
+            text = ShownText(control->Hwnd());
     }
     return state;
 }
 
 void Put(SettingsWindow& window, const WindowState& state) {
+    std::vector<std::pair<Control*, bool>> buttons;
     for (const auto& [name, text] : state) {
-        Control* const control = FindControl(window.controls, FromAnsi(name));
         if (name == "m_strSoundFile") window.popupNotice.m_strSoundFile = text;
         if (name == "m_strStartupMode") window.generalOptions.m_strStartupMode = text;
+        Control* const control = FindControl(window.controls, FromAnsi(name));
         if (control == nullptr) continue;
-        switch (control->Kind()) {
-            case ControlKind::Button:
-                break;
-            case ControlKind::ListBox:
-                PutLines(static_cast<ListBox&>(*control), text);
-                break;
-            case ControlKind::ListView:
-                PutLines(static_cast<ListView&>(*control), text);
-                break;
-            case ControlKind::TextBox:
-            case ControlKind::ComboBox:
-                PutText(*control, text);
-                break;
-            default:
-                SettingsWindow::Check(*control, text == L"1");
-                break;
-        }
+        const ControlKind kind = control->Kind();
+        if (kind == ControlKind::CheckBox || kind == ControlKind::OptionButton)
+            SettingsWindow::Check(*control, text == L"1");
+        else if (kind == ControlKind::Button)
+            buttons.emplace_back(control, text == L"1");
+        else if (kind == ControlKind::ComboBox)
+            Choose(control->Hwnd(), text);
+        else if (kind == ControlKind::ListBox)
+            Fill(static_cast<ListBox&>(*control), text);
+        else if (kind == ControlKind::ListView)
+            Fill(static_cast<ListView&>(*control), text);
+        else
+            SetWindowTextW(control->Hwnd(), text.c_str());
     }
-    // Last, as a change of a text marks one.
-    for (Button* const button : {&window.cmdApply, &window.cmdSoundFile, &window.cmdTestSound}) {
-        const auto found = state.find(ToAnsi(button->Name()));
-        if (found != state.end()) button->Enabled(found->second == L"1");
-    }
+    // Last, as a change of the others may enable them.
+    for (const auto& [button, isEnabled] : buttons)
+        button->Enabled(isEnabled);
 }
 
 RegistryContents StoreOf(const std::vector<std::string>& rows) {
@@ -154,7 +128,7 @@ RegistryContents UsualStore() {
          "Settings\\txtPause=12000", "Settings\\chkExtra=1", "Settings\\txtExtra=a text of an extra box",
          "Settings\\Startup=RunOnly", "Settings\\Pause Key=F9",
          "Settings\\SoundFile=C:\\a folder of sounds\\a.wav", "Settings\\First Time=True"});
-    store[kRun] = {{kRunEntry, Text("C:\\old.exe")}, {"Another", Text("C:\\another.exe")}};
+    store[kRun] = {{"Calvane Config Manager", Text("C:\\old.exe")}, {"Another", Text("C:\\another.exe")}};
     for (int n = 1; n <= 3; ++n) {
         const std::string number = std::to_string(n);
         const std::string use = n == 2 ? "False" : "True";
@@ -191,12 +165,29 @@ WindowState EditedWindow() {
             {"cmdApply", L"0"}};
 }
 
-std::string Difference(const std::wstring& actual, const std::wstring& expected) {
-    return actual == expected ? "" : "is " + Shown(actual) + ", not " + Shown(expected) + "; ";
+NamedTexts TextsOf(const RegistryContents& store) {
+    NamedTexts texts;
+    for (const auto& [key, values] : store) {
+        for (const auto& [name, value] : values) {
+            std::wstring& text = texts[key + '\\' + name];
+            if (value.type != REG_SZ) text = L"type " + std::to_wstring(value.type) + L' ';
+            text += FromAnsi(value.bytes);
+        }
+    }
+    return texts;
 }
 
-std::string Difference(const StoredValue& actual, const StoredValue& expected) {
-    if (actual == expected) return {};
-    return Difference(FromAnsi(actual.bytes), FromAnsi(expected.bytes)) + "type " +
-           std::to_string(actual.type) + "; ";
+std::string Difference(const NamedTexts& actual, const NamedTexts& expected) {
+    std::string text;
+    for (const auto& [name, wanted] : expected) {
+        const auto found = actual.find(name);
+        if (found == actual.end())
+            text += name + " is missing; ";
+        else if (found->second != wanted)
+            text += name + " is " + Shown(found->second) + ", not " + Shown(wanted) + "; ";
+    }
+    for (const auto& [name, value] : actual) {
+        if (!expected.contains(name)) text += name + " is there; ";
+    }
+    return text;
 }

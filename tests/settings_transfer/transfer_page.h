@@ -10,11 +10,13 @@
 #include "tests/support/registry_calls.h"
 #include "tests/support/settings_window.h"
 
+using NamedTexts = std::map<std::string, std::wstring, LessNoCase>;
+
 // What controls show, by their names: a text; 1 or 0 of what is checked, and of a button that is enabled;
 // each row of a list with a line feed behind it, "text\n" or "text|sub-item|...|x\n", the x only where it is
 // checked. Also what the window remembers: m_strSoundFile, m_strStartupMode, and whether it is loading in
 // m_bLoading.
-using WindowState = std::map<std::string, std::wstring>;
+using WindowState = NamedTexts;
 
 WindowState StateOf(const SettingsWindow& window);
 // Leaves what the state does not name.
@@ -35,21 +37,11 @@ struct TransferPage : SettingsWindow {
     RegistryCalls registry{RegistryCalls::Of::Memory};
 };
 
-// What differs, in words; empty where nothing does.
-std::string Difference(const std::wstring& actual, const std::wstring& expected);
-std::string Difference(const StoredValue& actual, const StoredValue& expected);
+// The texts of a store by key and name, each with its type where that is no text's.
+NamedTexts TextsOf(const RegistryContents& store);
 
-template <class Map>
-std::string Difference(const Map& actual, const Map& expected) {
-    std::string text;
-    for (const auto& [name, value] : expected) {
-        const auto found = actual.find(name);
-        const std::string difference =
-            found == actual.end() ? "is missing; " : Difference(found->second, value);
-        if (!difference.empty()) text += name + ' ' + difference;
-    }
-    for (const auto& [name, value] : actual) {
-        if (!expected.contains(name)) text += name + " is there; ";
-    }
-    return text;
+// What differs, in words; empty where nothing does.
+std::string Difference(const NamedTexts& actual, const NamedTexts& expected);
+inline std::string Difference(const RegistryContents& actual, const RegistryContents& expected) {
+    return Difference(TextsOf(actual), TextsOf(expected));
 }

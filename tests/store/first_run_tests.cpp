@@ -4,9 +4,12 @@
 
 #include <doctest.h>
 
+#include <utility>
+
 #include "platform/text.h"
 #include "store/server_directory.h"
-#include "tests/support/first_run_defaults.h"
+#include "tests/support/import_fake.h"
+#include "tests/support/settings_keys.h"
 #include "tests/support/shown_text.h"
 
 using namespace std::string_literals;
@@ -16,6 +19,11 @@ namespace {
 
 // A registry in memory, in which the manager starts for the first time.
 struct FirstRun {
+    FirstRun() {
+        WriteFirstRunDefaults();
+        defaults = std::exchange(registry.contents, {});
+    }
+
     // What comes of the contents.
     void Check(const RegistryContents& before, const RegistryContents& after) {
         registry.contents = before;
@@ -24,85 +32,77 @@ struct FirstRun {
     }
 
     RegistryCalls registry{RegistryCalls::Of::Memory};
-    const std::vector<Default> rows = FirstRunDefaults(ToAnsi(ServerDirectory()));
-    const RegistryContents defaults = [this] {
-        RegistryContents contents;
-        for (const Default& row : rows)
-            contents[row.key][row.name] = Text(row.text);
-        return contents;
-    }();
+    RegistryContents defaults;
 };
 
 }  // namespace
 
-TEST_CASE_FIXTURE(FirstRun,
-                  "an empty store gets twelve settings, four banner sizes, six engines and no exclude list") {
-    Check({}, defaults);
-    CHECK(registry.contents.at(kSettings).size() == 12);
-    CHECK(registry.contents.at(kBanners).size() == 16);
-    CHECK(registry.contents.at(kSearch).size() == 18);
-    CHECK_FALSE(registry.contents.contains(kExclude));
-}
-
-TEST_CASE_FIXTURE(FirstRun, "the defaults are written one by one in their order, the mark last, each once") {
-    Lines expected{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Settings", 0, 0x19))"};
-    size_t key = 0;
-    for (const Default& row : rows) {
-        expected.push_back("RegCreateKeyExA(HKCU, " + Quoted(row.key + 5) +
-                           R"(, 0, "", 0, 0x2, {50, no descriptor, inherited}))");
-        expected.push_back("RegSetValueExA(key" + std::to_string(++key) + ", " + Quoted(row.name) +
-                           ", 0, type 1, " + Quoted(row.text) + ", no NUL behind)");
-    }
-    CHECK(registry.Watch(&WriteFirstRunDefaults) == expected);
+TEST_CASE_FIXTURE(FirstRun, "an empty store gets its defaults one by one in their order, the mark last") {
+    Lines expected;
+    const auto writes = [&](const std::string& key, const Lines& values) {
+        for (const std::string& value : values)
+            expected.push_back("write " + key + '\\' + value);
+    };
+    writes("Settings", {"chkBeep=0", "chkPlaySound=1", "chkStartup=1", "chkStopAds=True", "chkStopPop=True",
+                        "chkTray=1", "txtPause=5000", "txtSpeed=1000"});
+    writes("Settings", {"SoundFile=" + ToAnsi(ServerDirectory()) + "\\Arc.wav"});
+    writes("Banners", {"1Name=Full Banner", "1Width=468", "1Height=60", "1Use=True"});
+    writes("Banners", {"2Name=Half Banner", "2Width=234", "2Height=60", "2Use=False"});
+    writes("Banners", {"3Name=Quarter Banner", "3Width=120", "3Height=60", "3Use=False"});
+    writes("Banners", {"4Name=Button", "4Width=88", "4Height=31", "4Use=False"});
+    writes("Search", {"1Name=Yahoo", "1Url=http://search.yahoo.com/bin/search?p=", "1Use=True"});
+    writes("Search", {"2Name=Alta Vista", "2Url=http://www.altavista.com/sites/search/web?q=", "2Use=True"});
+    writes("Search",
+           {"3Name=MSN", "3Url=http://search.msn.com/results.asp?RS=CHECKED&FORM=MSNH&v=1&q=", "3Use=True"});
+    writes("Search", {"4Name=Google", "4Url=http://www.google.com/search?q=", "4Use=True"});
+    writes("Search", {"5Name=Teoma", "5Url=http://s.teoma.com/search?q=", "5Use=True"});
+    writes("Search", {"6Name=Overture",
+                      "6Url=http://www.overture.com/d/search/?type=home&tm=1&Keywords=", "6Use=True"});
+    writes("Settings", {"Startup=RunOnly", "Pause Key=Shift", "First Time=True"});
+    registry.Watch(&WriteFirstRunDefaults);
+    CHECK(registry.Values() == expected);
     CHECK(registry.Count(RegistryFunction::Set) == 46);
+    CHECK(registry.contents.size() == 3);  // no exclude list
 }
 
-TEST_CASE_FIXTURE(FirstRun, "a second start reads the mark and writes nothing, whatever is missing by then") {
-    RegistryContents owned = defaults;
-    owned[kSettings].erase("txtPause");
-    owned[kBanners]["1Use"] = Text("False");
-    Check(owned, owned);
-    CHECK(registry.Watch(&WriteFirstRunDefaults).size() == 6);
-    CHECK(registry.Values() == Lines{"read Settings\\First Time"});
-}
-
-TEST_CASE_FIXTURE(FirstRun, "the mark counts by its presence alone, whatever it holds") {
+TEST_CASE_FIXTURE(FirstRun,
+                  "a start that finds the mark, whatever that holds, writes nothing, whatever is missing") {
     for (const StoredValue& mark :
-         {Text("True"), Text("False"), Text(""), Text("\0"s), Text("0"), StoredValue{REG_EXPAND_SZ, "%x%"},
-          StoredValue{REG_BINARY, "\0\x01"s}, StoredValue{REG_BINARY, ""}, StoredValue{REG_MULTI_SZ, ""},
-          StoredValue{REG_DWORD, "\0\0\0\0"s}, StoredValue{REG_DWORD, ""}, StoredValue{REG_DWORD, "\x01"s},
-          StoredValue{REG_NONE, ""}, StoredValue{REG_DWORD_BIG_ENDIAN, "1"}, StoredValue{11, "12345678"}}) {
+         {Text("False"), Text(""), Text("\0"s), StoredValue{REG_BINARY, "\0\x01"s},
+          StoredValue{REG_MULTI_SZ, ""}, StoredValue{REG_DWORD, "\0\0\0\0"s}, StoredValue{REG_DWORD, ""},
+          StoredValue{REG_DWORD, "\x01"s}, StoredValue{REG_DWORD_BIG_ENDIAN, "1"}}) {
         CAPTURE(mark.type);
         CAPTURE(mark.bytes.size());
         const RegistryContents marked{{kSettings, {{"First Time", mark}}}};
         Check(marked, marked);
+        registry.Watch(&WriteFirstRunDefaults);
+        CHECK(registry.Values() == Lines{"read Settings\\First Time"});
     }
 }
 
 TEST_CASE_FIXTURE(
     FirstRun, "without the mark every default is written over what is there, and further entries survive") {
-    RegistryContents others{{kSettings, {{"Another", Text("value")}}},
+    RegistryContents before{{kSettings, {{"Another", Text("value")}}},
                             {kBanners, {{"5Name", Text("My size")}, {"5Width", Text("10")}}},
                             {kSearch, {{"7Name", Text("My engine")}}},
                             {kExclude, {{"0", Text("http://example.com")}}}};
-    RegistryContents before = others;
-    RegistryContents after = others;
-    for (const Default& row : rows) {
-        before[row.key][row.name] = {REG_DWORD, "\x01\x02\x03\x04"};
-        after[row.key][row.name] = Text(row.text);
+    RegistryContents after = before;
+    for (const auto& [key, values] : defaults) {
+        for (const auto& [name, value] : values) {
+            before[key][name] = {REG_DWORD, "\x01\x02\x03\x04"};
+            after[key][name] = value;
+        }
     }
     before[kSettings].erase("First Time");
     Check(before, after);
 }
 
 TEST_CASE_FIXTURE(FirstRun, "a server in a drive's root gets a sound file with a doubled separator") {
-    struct Fake {
-        static DWORD WINAPI FileName(HMODULE, LPWSTR path, DWORD size) {
+    const ImportFake<"GetModuleFileNameW", decltype(&GetModuleFileNameW)> root{
+        "kernel32.dll", [](HMODULE, LPWSTR path, DWORD size) -> DWORD {
             wcsncpy(path, L"C:\\server.exe", size);
             return 13;
-        }
-    };
-    const ImportPatch patch("kernel32.dll", "GetModuleFileNameW", &Fake::FileName);
+        }};
     WriteFirstRunDefaults();
     CHECK(registry.contents[kSettings]["SoundFile"] == Text("C:\\\\Arc.wav"));
 }

@@ -14,8 +14,7 @@ using Lines = std::vector<std::string>;
 namespace {
 
 constexpr wchar_t kKey[] = L"Software\\Calvane\\Calls";
-constexpr LSTATUS kErrors[] = {ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_NOT_ENOUGH_MEMORY,
-                               ERROR_MORE_DATA, ERROR_KEY_DELETED};
+constexpr LSTATUS kErrors[] = {ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_MORE_DATA};
 
 const Lines kRead{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x19))",
                   R"(RegQueryValueExA(key1, "Value", type 0, 0 NULs, 0))",
@@ -23,22 +22,19 @@ const Lines kRead{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x19))",
                   R"(RegQueryValueExA(key1, "Value", type 0, 3 NULs, 3))",
                   R"(RegCloseKey(key1))",
                   R"(RegCloseKey(HKCU))"};
-const Lines kDeletion{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x2))",
-                      R"(RegDeleteValueA(key1, "Value"))", R"(RegCloseKey(key1))"};
 
-Lines Picked(std::initializer_list<size_t> ofRead) {
-    Lines lines;
-    for (const size_t index : ofRead)
-        lines.push_back(kRead[index]);
-    return lines;
-}
+// A query that fails leaves the key open.
+const Lines kFailed{kRead[0], kRead[1], kRead[2], kRead[3], kRead[5]};
+// Without a size from the probe.
+const Lines kReadNothing{kRead[0], kRead[1], kRead[2], kRead[1], kRead[4], kRead[5]};
+const Lines kFoundNothing{kRead[0], kRead[1], kRead[2], kRead[1], kRead[5]};
 
 // What a read made of what its caller held.
 struct ReadBack {
     bool isRead;
     std::wstring text;
     long type;
-    std::wstring keyClass;
+    std::wstring keyClass{};
     bool operator==(const ReadBack&) const = default;
 };
 const ReadBack kUntouched{false, L"default", 77, L"class"};
@@ -54,9 +50,15 @@ ReadBack ReadValue(HKEY root = HKEY_CURRENT_USER, const std::wstring& key = kKey
 
 // A key with another value in a registry that is watched.
 struct Watched {
+    // stored: null for no value.
     explicit Watched(const char* stored = "abc") {
+        Put(REG_SZ, stored);
         hive.Write(kKey, L"Other", L"abc");
-        if (stored != nullptr) hive.Write(kKey, L"Value", REG_SZ, stored);
+    }
+
+    void Put(DWORD type, const char* bytes) const {
+        hive.Delete(kKey, L"Value");
+        if (bytes != nullptr) hive.Write(kKey, L"Value", type, bytes);
     }
 
     template <class Operation>
@@ -65,10 +67,7 @@ struct Watched {
         calls.Watch([&] { result = operation(); });
         return result;
     }
-    ReadBack Read() {
-        return Watch([] { return ReadValue(); });
-    }
-    bool Save(const std::wstring& text = L"abc", long type = REG_SZ) {
+    bool Save(const std::wstring& text, long type = REG_SZ) {
         return Watch([&] { return Registry().Save(HKEY_CURRENT_USER, kKey, L"", L"Value", text, type); });
     }
     bool Delete(const wchar_t* name = L"Value", const wchar_t* key = kKey) {
@@ -86,41 +85,69 @@ bool IsUsable(HKEY key) {
 
 }  // namespace
 
-TEST_CASE("a read probes the size, asks for the class, reads the value and closes key and root") {
+TEST_CASE(
+    "a read probes the size, asks for the class, reads the value and closes key and root, whichever call "
+    "fails and whatever becomes of the value meanwhile") {
+    using enum RegistryFunction;
     struct Row {
-        const char* meaning;
+        std::string what;
         const char* stored;  // null: no value
+        Fault fault;
+        std::function<void(const Watched&)> beforeQuery;  // behind the probe
         ReadBack read;
         Lines calls;
         Lines open;
     };
-    const ReadBack empty{true, L"default", REG_SZ, L""};
-    const ReadBack missing{false, L"default", 0, L""};
+    // An empty value fits the buffer of no length that a probe without a result leaves. What the probe had
+    // seen, REG_SZ, is not taken for the query's result.
+    const ReadBack abc{true, L"abc", REG_SZ};
+    const ReadBack empty{true, L"default", REG_SZ};
+    const ReadBack missing{false, L"default", 0};
+    const ReadBack tooLong{false, L"default", REG_SZ};
+    const ReadBack noClass{true, L"abc", REG_SZ, std::wstring(511, L'\0')};
+    const Lines key{"key1"};
+    const auto becomes = [](const char* bytes, DWORD type = REG_SZ) {
+        return [=](const Watched& watched) { watched.Put(type, bytes); };
+    };
     const Row rows[] = {
-        {"a value", "abc", {true, L"abc", REG_SZ, L""}, kRead, {}},
-        {"an empty one keeps the caller's default", "", empty, Picked({0, 1, 2, 1, 4, 5}), {}},
-        {"a missing one leaves the key open, not the root",
-         nullptr,
-         missing,
-         Picked({0, 1, 2, 1, 5}),
-         {"key1"}},
+        {"a value", "abc", {}, {}, abc, kRead, {}},
+        {"an empty one keeps the caller's default", "", {}, {}, empty, kReadNothing, {}},
+        {"a missing one leaves the key open, not the root", nullptr, {}, {}, missing, kFoundNothing, key},
+        {"a key that cannot be opened ends it", "abc", {Open, 1}, {}, kUntouched, {kRead[0]}, {}},
+        {"a size probe that fails counts for nothing", "", {Query, 1}, {}, empty, kReadNothing, {}},
+        {"the query that follows decides", "abc", {Query, 1}, {}, tooLong, kFoundNothing, key},
+        {"a query that fails leaves both as they are", "abc", {Query, 2}, {}, missing, kFailed, key},
+        {"a class that is not told is the untouched buffer", "abc", {Info, 1}, {}, noClass, kRead, {}},
+        {"a key that cannot be closed hinders nothing", "abc", {Close, 1}, {}, abc, kRead, key},
+        {"one that grows fails the read", "abc", {}, becomes("abcd"), tooLong, kFailed, key},
+        {"one that shrinks is read", "abc", {}, becomes("ab"), {true, L"ab", REG_SZ}, kRead, {}},
+        {"one that is emptied leaves the default", "abc", {}, becomes(""), empty, kRead, {}},
+        {"one of another type", "abc", {}, becomes("x", REG_BINARY), {true, L"x", REG_BINARY}, kRead, {}},
+        {"one that vanishes is missing", "abc", {}, becomes(nullptr), missing, kFailed, key},
     };
     for (const Row& row : rows) {
-        CAPTURE(std::string(row.meaning));
-        Watched watched(row.stored);
-        CHECK(watched.Read() == row.read);
-        CHECK(watched.calls.Lines() == row.calls);
-        CHECK(watched.calls.OpenHandles() == row.open);
+        CAPTURE(row.what);
+        for (const LSTATUS error : kErrors) {
+            CAPTURE(error);
+            Watched watched(row.stored);
+            watched.calls.Fail({row.fault.function, row.fault.first, false, error});
+            watched.calls.beforeCall = [&](RegistryFunction function, const std::string&) {
+                if (function == Info && row.beforeQuery) row.beforeQuery(watched);
+            };
+            CHECK(watched.Watch([] { return ReadValue(); }) == row.read);
+            CHECK(watched.calls.Lines() == row.calls);
+            CHECK(watched.calls.OpenHandles() == row.open);
+        }
     }
     Watched watched;
     watched.hive.DeleteTree(kKey);
-    CHECK(watched.Read() == kUntouched);
-    CHECK(watched.calls.Lines() == Picked({0}));
+    CHECK(watched.Watch([] { return ReadValue(); }) == kUntouched);
+    CHECK(watched.calls.Lines() == Lines{kRead[0]});
 }
 
 TEST_CASE_FIXTURE(Watched, "a root that is no predefined one is closed by the read of a key that opened") {
     struct Row {
-        const wchar_t* key;
+        std::wstring key;
         const wchar_t* value;
         bool isRead;
         bool isRootOpen;
@@ -128,7 +155,7 @@ TEST_CASE_FIXTURE(Watched, "a root that is no predefined one is closed by the re
     for (const Row& row :
          {Row{L"Calvane\\Calls", L"Value", true, false}, Row{L"Calvane\\Calls", L"Missing", false, false},
           Row{L"Calvane\\Missing", L"Value", false, true}}) {
-        CAPTURE(std::wstring(row.key));
+        CAPTURE(row.key);
         HKEY root = nullptr;
         REQUIRE(RegOpenKeyExW(HKEY_CURRENT_USER, L"Software", 0, KEY_READ, &root) == ERROR_SUCCESS);
         CHECK(ReadValue(root, row.key, row.value).isRead == row.isRead);
@@ -136,112 +163,29 @@ TEST_CASE_FIXTURE(Watched, "a root that is no predefined one is closed by the re
         if (row.isRootOpen) RegCloseKey(root);
     }
     // A predefined one can be read from again.
-    CHECK(Read().isRead);
-    CHECK(Read().isRead);
+    CHECK(ReadValue().isRead);
+    CHECK(ReadValue().isRead);
 }
 
 TEST_CASE_FIXTURE(
     Watched,
     "the read returns the class that the key was created with, cut where it is longer than the buffer") {
-    const Registry registry;
-    hive.DeleteTree(kKey);
-    REQUIRE(registry.Save(HKEY_CURRENT_USER, kKey, L"Window settings", L"Value", L"abc", REG_SZ));
-    CHECK(ReadValue().keyClass == L"Window settings");
-    CHECK(ReadValue(HKEY_CURRENT_USER, kKey, L"Missing").keyClass == L"Window settings");
-    hive.DeleteTree(kKey);
-    REQUIRE(registry.Save(HKEY_CURRENT_USER, kKey, std::wstring(600, L'c'), L"Value", L"abc", REG_SZ));
-    const ReadBack read = ReadValue();
-    CHECK(read.text == L"abc");
-    CHECK(read.keyClass.size() <= 512);
-    CHECK(read.keyClass.find_first_not_of(L"c\0"s) == std::wstring::npos);
-}
-
-TEST_CASE_FIXTURE(Watched, "value names and keys are found in any case") {
-    CHECK(ReadValue(HKEY_CURRENT_USER, L"SOFTWARE\\calvane\\CALLS", L"VALUE").text == L"abc");
-    CHECK(Registry().Save(HKEY_CURRENT_USER, kKey, L"", L"vALUE", L"another", REG_SZ));
-    CHECK(hive.ValueCount(kKey) == 2);
-    CHECK(Delete(L"value"));
-    CHECK(hive.ValueCount(kKey) == 1);
-}
-
-TEST_CASE_FIXTURE(Watched, "a read of which a call fails, with whatever error") {
-    struct Row {
-        const char* meaning;
-        RegistryFunction fails;
-        long first;
-        const char* stored;
-        ReadBack read;
-        size_t calls;  // how many are made
-        size_t open;   // how many keys it leaves open
-    };
-    const ReadBack abc{true, L"abc", REG_SZ, L""};
-    const ReadBack empty{true, L"default", REG_SZ, L""};
-    const ReadBack noType{false, L"default", 0, L""};
-    const ReadBack tooLong{false, L"default", REG_SZ, L""};
-    const ReadBack noClass{true, L"abc", REG_SZ, std::wstring(511, L'\0')};
-    using enum RegistryFunction;
-    // An empty value fits the buffer of no length that a probe without a result leaves. What the probe had
-    // seen, REG_SZ, is not taken for the query's result.
-    const Row rows[] = {
-        {"a key that cannot be opened ends it and changes nothing", Open, 1, "abc", kUntouched, 1, 0},
-        {"a size probe that fails counts for nothing", Query, 1, "", empty, 6, 0},
-        {"the query that follows decides", Query, 1, "abc", tooLong, 5, 1},
-        {"a query that fails leaves the value and the key open", Query, 2, "abc", noType, 5, 1},
-        {"a class that is not told is the untouched buffer", Info, 1, "abc", noClass, 6, 0},
-        {"a key that cannot be closed hinders nothing", Close, 1, "abc", abc, 6, 1},
-    };
-    for (const Row& row : rows) {
-        CAPTURE(std::string(row.meaning));
-        hive.Write(kKey, L"Value", REG_SZ, row.stored);
-        for (const LSTATUS error : kErrors) {
-            CAPTURE(error);
-            const size_t before = calls.OpenHandles().size();
-            calls.Fail({row.fails, row.first, false, error});
-            CHECK(Read() == row.read);
-            CHECK(calls.Lines().size() == row.calls);
-            if (row.calls > 1) CHECK(calls.Lines().back() == "RegCloseKey(HKCU)");
-            CHECK(calls.OpenHandles().size() == before + row.open);
-        }
-    }
-}
-
-TEST_CASE("a value that changes between the probe and the query is as the query finds it") {
-    struct Row {
-        const char* meaning;
-        DWORD type;
-        const char* bytes;  // null: the value vanishes
-        ReadBack read;
-        Lines open;
-    };
-    const Row rows[] = {
-        {"one that grows fails the read", REG_SZ, "abcde", {false, L"default", REG_SZ, L""}, {"key1"}},
-        {"one that shrinks is read", REG_SZ, "ab", {true, L"ab", REG_SZ, L""}, {}},
-        {"one that is emptied leaves the default", REG_SZ, "", {true, L"default", REG_SZ, L""}, {}},
-        {"one that changes its type has the new one",
-         REG_DWORD,
-         "abcd",
-         {true, L"1684234849", REG_DWORD, L""},
-         {}},
-        {"one that vanishes is missing", REG_SZ, nullptr, {false, L"default", 0, L""}, {"key1"}},
-    };
-    for (const Row& row : rows) {
-        CAPTURE(std::string(row.meaning));
-        Watched watched("abcd");
-        watched.calls.beforeCall = [&](RegistryFunction function, const std::string&) {
-            if (function != RegistryFunction::Info) return;
-            watched.hive.Delete(kKey, L"Value");
-            if (row.bytes != nullptr) watched.hive.Write(kKey, L"Value", row.type, row.bytes);
-        };
-        CHECK(watched.Read() == row.read);
-        CHECK(watched.calls.Lines().back() == "RegCloseKey(HKCU)");
-        CHECK(watched.calls.OpenHandles() == row.open);
+    for (const std::wstring& keyClass : {L"Window settings"s, std::wstring(600, L'c')}) {
+        hive.DeleteTree(kKey);
+        REQUIRE(Registry().Save(HKEY_CURRENT_USER, kKey, keyClass, L"Value", L"abc", REG_SZ));
+        const ReadBack read = ReadValue();
+        CHECK(read.text == L"abc");
+        if (keyClass.size() < 512) CHECK(read.keyClass == keyClass);
+        CHECK(read.keyClass.size() <= 512);
+        CHECK(read.keyClass.find_first_not_of(keyClass + L'\0') == std::wstring::npos);
+        CHECK(ReadValue(HKEY_CURRENT_USER, kKey, L"Missing").keyClass == read.keyClass);
     }
 }
 
 TEST_CASE_FIXTURE(Watched,
-                  "saving creates the key, of the class, writes the value with nothing behind it, and leaves "
-                  "the key open") {
-    CHECK(Save());
+                  "saving creates the key, of the class, writes the value with nothing behind it, whatever "
+                  "its type, and leaves the key open") {
+    CHECK(Save(L"abc"));
     CHECK(
         calls.Lines() ==
         Lines{
@@ -259,9 +203,6 @@ TEST_CASE_FIXTURE(Watched,
             R"(RegSetValueExA(key2, "", 0, type 4, "\fe\ff\ff\ff", no NUL behind))",
         });
     CHECK(calls.OpenHandles().size() == 2);
-}
-
-TEST_CASE_FIXTURE(Watched, "no type has a NUL behind what it counts") {
     for (long type = 0; type <= 11; ++type) {
         CAPTURE(type);
         for (const std::wstring& text : {L"7"s, L"12345"s, L"1234567"s, L"123456789"s}) {
@@ -292,21 +233,44 @@ TEST_CASE_FIXTURE(
     CHECK(hive.Text(kKey, L"Value") == L"abc");
 }
 
-TEST_CASE_FIXTURE(
-    Watched,
-    "deleting a value opens the key for writing, deletes the value and closes the key; a missing one fails, "
-    "under a missing key it creates none") {
-    CHECK(Delete());
-    CHECK(calls.Lines() == kDeletion);
-    CHECK_FALSE(hive.Exists(kKey, L"Value"));
-    CHECK_FALSE(Delete());
-    CHECK(calls.Functions() == Lines{"RegOpenKeyExA", "RegDeleteValueA", "RegCloseKey"});
-    CHECK(calls.OpenHandles().empty());
-    CHECK(hive.Exists(kKey, L"Other"));
-    hive.DeleteTree(kKey);
-    CHECK_FALSE(Delete());
-    CHECK(calls.Lines() == Lines{kDeletion[0]});
-    CHECK_FALSE(hive.Exists(kKey));
+TEST_CASE(
+    "deleting a value opens the key for writing, deletes the value and closes the key; a call that fails "
+    "ends it and leaves no key open") {
+    const Lines all{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x2))",
+                    R"(RegDeleteValueA(key1, "Value"))", R"(RegCloseKey(key1))"};
+    const Lines alone{all[0]};
+    using enum RegistryFunction;
+    struct Row {
+        std::string what;
+        Fault fault;
+        std::function<void(const Watched&)> before;
+        bool isDeleted;
+        Lines calls;
+    };
+    const auto nothing = [](const Watched&) {};
+    for (const Row& row : {
+             Row{"a value", {}, nothing, true, all},
+             Row{"a missing one", {}, [](const Watched& watched) { watched.Put(0, nullptr); }, false, all},
+             Row{"under a missing key, which is not created",
+                 {},
+                 [](const Watched& watched) { watched.hive.DeleteTree(kKey); },
+                 false,
+                 alone},
+             Row{"a key that cannot be opened", {Open, 1}, nothing, false, alone},
+             Row{"a value that cannot be deleted", {DeleteValue, 1}, nothing, false, all},
+         }) {
+        CAPTURE(row.what);
+        Watched watched;
+        row.before(watched);
+        const bool isKeyThere = watched.hive.Exists(kKey);
+        watched.calls.Fail(row.fault);
+        CHECK(watched.Delete() == row.isDeleted);
+        CHECK(watched.calls.Lines() == row.calls);
+        CHECK(watched.calls.OpenHandles().empty());
+        CHECK(watched.hive.Exists(kKey, L"Value") == (row.fault.first != 0));
+        CHECK(watched.hive.Exists(kKey, L"Other") == isKeyThere);
+        CHECK(watched.hive.Exists(kKey) == isKeyThere);
+    }
 }
 
 TEST_CASE_FIXTURE(
@@ -323,29 +287,12 @@ TEST_CASE_FIXTURE(
     CHECK_FALSE(Delete(L""));
     CHECK(hive.Exists(kKey + L"\\Below"s, L"Value"));
     hive.DeleteTree(kKey + L"\\Below"s);
+    calls.Fail({RegistryFunction::DeleteKey, 1});
+    CHECK_FALSE(Delete(L""));
+    calls.Fail({});
     CHECK(Delete(L""));
     CHECK(calls.Lines() == Lines{R"(RegDeleteKeyA(HKCU, "Software\Calvane\Calls"))"});
     CHECK_FALSE(hive.Exists(kKey));
     CHECK(hive.Exists(L"Software\\Calvane"));
     CHECK_FALSE(Delete(L""));
-}
-
-TEST_CASE_FIXTURE(
-    Watched, "a deletion that fails, or whose key cannot be opened, returns false and leaves no key open") {
-    struct Row {
-        RegistryFunction fails;
-        const wchar_t* name;
-        size_t calls;
-    };
-    for (const Row& row :
-         {Row{RegistryFunction::Open, L"Value", 1}, Row{RegistryFunction::DeleteValue, L"Value", 3},
-          Row{RegistryFunction::DeleteKey, L"", 1}}) {
-        for (const LSTATUS error : kErrors) {
-            calls.Fail({row.fails, 1, false, error});
-            CHECK_FALSE(Delete(row.name));
-            CHECK(calls.Lines().size() == row.calls);
-            CHECK(calls.OpenHandles().empty());
-        }
-    }
-    CHECK(hive.Exists(kKey, L"Value"));
 }
