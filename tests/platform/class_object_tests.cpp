@@ -42,12 +42,6 @@ struct Offered {
                                                                                     }};
 };
 
-// The process's locks, counted.
-ULONG Locks() {
-    CoAddRefServerProcess();
-    return CoReleaseServerProcess();
-}
-
 }  // namespace
 
 TEST_CASE("a class is offered to other processes, suspended, for many clients, until its registration ends") {
@@ -60,7 +54,7 @@ TEST_CASE("a class is offered to other processes, suspended, for many clients, u
 
 TEST_CASE("a class object makes what is asked for, within no other object") {
     Offered offered([](REFIID id, void** object) { return MakeObject<Made>()->QueryInterface(id, object); });
-    IClassFactory* const classObject = offered.classObject.Get();
+    const ComPtr<IClassFactory>& classObject = offered.classObject;
     CHECK(classObject->CreateInstance(nullptr, IID_IUnknown, nullptr) == E_POINTER);
     CHECK(classObject->QueryInterface(IID_IUnknown, nullptr) == E_POINTER);
     ComPtr<IDispatch> dispatch;
@@ -77,28 +71,28 @@ TEST_CASE("a class object makes what is asked for, within no other object") {
 }
 
 TEST_CASE("an object that cannot be made is an error to the client, whichever way that comes out") {
-    HRESULT (*fail)() = nullptr;
-    Offered offered([&](REFIID, void**) { return fail(); });
-    ComPtr<IUnknown> made;
-    const auto result = [&] { return offered.classObject->CreateInstance(nullptr, IID_PPV_ARGS(&made)); };
-    fail = [] { return E_ACCESSDENIED; };
-    CHECK(result() == E_ACCESSDENIED);
-    fail = []() -> HRESULT { throw std::bad_alloc(); };
-    CHECK(result() == E_OUTOFMEMORY);
-    fail = []() -> HRESULT { throw AutomationError(CO_E_SERVER_STOPPING); };
-    CHECK(result() == CO_E_SERVER_STOPPING);
+    const std::pair<ObjectMaker, HRESULT> rows[] = {
+        {[](REFIID, void**) { return E_ACCESSDENIED; }, E_ACCESSDENIED},
+        {[](REFIID, void**) -> HRESULT { throw std::bad_alloc(); }, E_OUTOFMEMORY},
+        {[](REFIID, void**) -> HRESULT { throw AutomationError(CO_E_SERVER_STOPPING); },
+         CO_E_SERVER_STOPPING},
+    };
+    for (const auto& [maker, result] : rows) {
+        const Offered offered(maker);
+        ComPtr<IUnknown> made;
+        CHECK(offered.classObject->CreateInstance(nullptr, IID_PPV_ARGS(&made)) == result);
+    }
 }
 
 TEST_CASE("a client's lock of the class object keeps the process until it is taken back") {
     Offered offered([](REFIID, void**) { return S_OK; });
     // The test's own, or the last unlock would end its message loop.
-    CoAddRefServerProcess();
-    const ULONG before = Locks();
-    CHECK(offered.classObject->LockServer(TRUE) == S_OK);
-    CHECK(offered.classObject->LockServer(TRUE) == S_OK);
-    CHECK(Locks() == before + 2);
-    CHECK(offered.classObject->LockServer(FALSE) == S_OK);
-    CHECK(offered.classObject->LockServer(FALSE) == S_OK);
-    CHECK(Locks() == before);
+    const ULONG before = CoAddRefServerProcess();
+    for (int locks = 0; locks < 2; ++locks)
+        CHECK(offered.classObject->LockServer(TRUE) == S_OK);
+    CHECK(CoAddRefServerProcess() == before + 3);
+    for (int locks = 0; locks < 2; ++locks)
+        CHECK(offered.classObject->LockServer(FALSE) == S_OK);
+    CHECK(CoReleaseServerProcess() == before);
     CoReleaseServerProcess();
 }

@@ -6,6 +6,7 @@
 #include <olectl.h>
 
 #include "platform/com/com_ptr.h"
+#include "platform/com/counted_object.h"
 #include "platform/com/event_connection.h"
 #include "platform/com/event_source.h"
 
@@ -13,78 +14,69 @@ namespace {
 
 constexpr IID kEvents = {0x6f1a2b3c, 0x1111, 0x4222, {0x83, 0x33, 0x44, 0x44, 0x55, 0x55, 0x66, 0x66}};
 
-// An object with events, on the test's own stack. Nobody holds it or is connected to it at its end.
-struct Owner final : IUnknown {
-    Owner() = default;
-    Owner(const Owner&) = delete;
-    Owner& operator=(const Owner&) = delete;
-    ~Owner() {
+// An object with events. Nobody holds it or is connected to it at its end.
+struct Owner : CountedObject<IUnknown> {
+    ~Owner() override {
         CHECK(source.ConnectionCount() == 0);
-        CHECK(references == 1);
+        CHECK(AddRef() == 2);
     }
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        *object = nullptr;
-        if (IsEqualIID(id, IID_IConnectionPointContainer)) *object = source.Container();
-        if (IsEqualIID(id, IID_IUnknown)) *object = static_cast<IUnknown*>(this);
-        if (*object == nullptr) return E_NOINTERFACE;
+        if (!IsEqualIID(id, IID_IConnectionPointContainer)) return CountedObject::QueryInterface(id, object);
+        *object = container;
         AddRef();
         return S_OK;
     }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
-    STDMETHODIMP_(ULONG) Release() override { return --references; }
 
-    ComPtr<IConnectionPoint> Point() {
+    ComPtr<IConnectionPoint> Point() const {
         ComPtr<IConnectionPoint> point;
-        REQUIRE(source.Container()->FindConnectionPoint(kEvents, &point) == S_OK);
+        REQUIRE(container->FindConnectionPoint(kEvents, &point) == S_OK);
         return point;
     }
 
-    ULONG references = 1;
-    EventSource source{*this, kEvents};
-};
+    ComPtr<IEnumConnections> Connections() const {
+        ComPtr<IEnumConnections> connections;
+        REQUIRE(Point()->EnumConnections(&connections) == S_OK);
+        return connections;
+    }
 
-ComPtr<IEnumConnections> ConnectionsOf(Owner& owner) {
-    ComPtr<IEnumConnections> connections;
-    REQUIRE(owner.Point()->EnumConnections(&connections) == S_OK);
-    return connections;
-}
+    EventSource source{*this, kEvents};
+    IConnectionPointContainer* const container = source.Container();
+};
 
 }  // namespace
 
-TEST_CASE("an object tells its one connection point, and the point tells its events and its object") {
-    Owner owner;
+TEST_CASE_FIXTURE(Owner,
+                  "an object tells its one connection point, and the point tells its events and its object") {
     ComPtr<IEnumConnectionPoints> points;
-    REQUIRE(owner.source.Container()->EnumConnectionPoints(&points) == S_OK);
+    REQUIRE(container->EnumConnectionPoints(&points) == S_OK);
     IConnectionPoint* found[2] = {};
     ULONG count = 0;
     CHECK(points->Next(2, found, &count) == S_FALSE);
     REQUIRE(count == 1);
-    IID events{};
-    CHECK(found[0]->GetConnectionInterface(&events) == S_OK);
-    CHECK(IsEqualIID(events, kEvents));
-    ComPtr<IConnectionPointContainer> container;
-    CHECK(found[0]->GetConnectionPointContainer(&container) == S_OK);
-    CHECK(container.Get() == owner.source.Container());
-    CHECK(found[0] == owner.Point().Get());
+    CHECK(found[0] == Point().Get());
     found[0]->Release();
-
-    IConnectionPoint* other = found[0];
-    CHECK(owner.source.Container()->FindConnectionPoint(IID_IDispatch, &other) == CONNECT_E_NOCONNECTION);
-    CHECK(other == nullptr);
+    IID events{};
+    CHECK(Point()->GetConnectionInterface(&events) == S_OK);
+    CHECK(IsEqualIID(events, kEvents));
+    ComPtr<IConnectionPointContainer> ofPoint;
+    CHECK(Point()->GetConnectionPointContainer(&ofPoint) == S_OK);
+    CHECK(ofPoint.Get() == container);
+    CHECK(container->FindConnectionPoint(IID_IDispatch, &found[0]) == CONNECT_E_NOCONNECTION);
+    CHECK(found[0] == nullptr);
 }
 
-TEST_CASE("the connections are enumerated as they stood when they were asked for") {
-    Owner owner;
-    EventConnection first(&owner, kEvents, {});
-    EventConnection second(&owner, kEvents, {});
-    const ComPtr<IEnumConnections> connections = ConnectionsOf(owner);
-    EventConnection third(&owner, kEvents, {});
+TEST_CASE_FIXTURE(Owner, "the connections are enumerated as they stood when they were asked for") {
+    EventConnection first(this, kEvents, {});
+    EventConnection second(this, kEvents, {});
+    const ComPtr<IEnumConnections> connections = Connections();
+    EventConnection third(this, kEvents, {});
 
     CONNECTDATA data[3] = {};
     ULONG count = 0;
     CHECK(connections->Next(1, data, nullptr) == S_OK);
     CHECK(data[0].dwCookie == 1);
+    data[0].pUnk->Release();
     ComPtr<IEnumConnections> clone;
     CHECK(connections->Clone(&clone) == S_OK);
     for (IEnumConnections* const each : {connections.Get(), clone.Get()}) {
@@ -96,7 +88,6 @@ TEST_CASE("the connections are enumerated as they stood when they were asked for
         CHECK(each->Next(1, data + 1, &count) == S_FALSE);
         CHECK(count == 0);
     }
-    data[0].pUnk->Release();
 
     CHECK(clone->Reset() == S_OK);
     CHECK(clone->Skip(1) == S_OK);
@@ -107,29 +98,28 @@ TEST_CASE("the connections are enumerated as they stood when they were asked for
     CHECK(clone->Clone(nullptr) == E_POINTER);
 }
 
-TEST_CASE("connection points return an error for what makes no sense") {
-    Owner owner;
-    const ComPtr<IConnectionPoint> point = owner.Point();
+TEST_CASE_FIXTURE(Owner, "connection points return an error for what makes no sense") {
+    const ComPtr<IConnectionPoint> point = Point();
     DWORD cookie = 7;
     CHECK(point->Advise(nullptr, &cookie) == E_POINTER);
-    CHECK(point->Advise(&owner, nullptr) == E_POINTER);
-    CHECK(point->Advise(&owner, &cookie) == CONNECT_E_CANNOTCONNECT);
+    CHECK(point->Advise(this, nullptr) == E_POINTER);
+    CHECK(point->Advise(this, &cookie) == CONNECT_E_CANNOTCONNECT);
     CHECK(cookie == 0);
     CHECK(point->Unadvise(1) == CONNECT_E_NOCONNECTION);
     CHECK(point->GetConnectionInterface(nullptr) == E_POINTER);
     CHECK(point->GetConnectionPointContainer(nullptr) == E_POINTER);
     CHECK(point->EnumConnections(nullptr) == E_POINTER);
-    CHECK(owner.source.Container()->EnumConnectionPoints(nullptr) == E_POINTER);
-    CHECK(owner.source.Container()->FindConnectionPoint(kEvents, nullptr) == E_POINTER);
+    CHECK(container->EnumConnectionPoints(nullptr) == E_POINTER);
+    CHECK(container->FindConnectionPoint(kEvents, nullptr) == E_POINTER);
     ComPtr<IDispatch> dispatch;
     CHECK(point->QueryInterface(IID_PPV_ARGS(&dispatch)) == E_NOINTERFACE);
 }
 
-TEST_CASE("a sink of events tells no type information and no names, and one interface beside IDispatch") {
-    Owner owner;
-    EventConnection connection(&owner, kEvents, {});
+TEST_CASE_FIXTURE(
+    Owner, "a sink of events tells no type information and no names, and one interface beside IDispatch") {
+    EventConnection connection(this, kEvents, {});
     CONNECTDATA data{};
-    REQUIRE(ConnectionsOf(owner)->Next(1, &data, nullptr) == S_OK);
+    REQUIRE(Connections()->Next(1, &data, nullptr) == S_OK);
     ComPtr<IDispatch> sink;
     CHECK(data.pUnk->QueryInterface(IID_PPV_ARGS(&sink)) == S_OK);
     data.pUnk->Release();

@@ -1,5 +1,3 @@
-// What a list box does for rows that are wider than it is, for whoever wants a row elsewhere, and for rows
-// that are none.
 #include "platform/controls/list_box.h"
 
 #include <doctest.h>
@@ -69,7 +67,7 @@ const std::wstring kLonger = kLong + std::wstring(100, L'W');
 
 }  // namespace
 
-TEST_CASE_FIXTURE(ListPage, "a list scrolls sideways as far as its widest row is wide") {
+TEST_CASE_FIXTURE(ListPage, "a list scrolls sideways as far as its widest row is wide, in any font") {
     list.AddItem(kLong);
     CHECK(Fits(kLong));
     list.AddItem(L"short");
@@ -87,6 +85,17 @@ TEST_CASE_FIXTURE(ListPage, "a list scrolls sideways as far as its widest row is
     CHECK(Extent() == 0);
     list.AddItem(kLong);
     CHECK(Fits(kLong));
+
+    const int before = Extent();
+    LOGFONTW description{};
+    description.lfHeight = -40;
+    lstrcpyW(description.lfFaceName, L"Tahoma");
+    const HFONT large = CreateFontIndirectW(&description);
+    SendMessageW(list.Hwnd(), WM_SETFONT, reinterpret_cast<WPARAM>(large), TRUE);
+    CHECK(Extent() > before * 3 / 2);
+    CHECK(Extent() > WidthOf(kLong));
+    window.Destroy();
+    DeleteObject(large);
 }
 
 TEST_CASE_FIXTURE(ListPage,
@@ -100,21 +109,6 @@ TEST_CASE_FIXTURE(ListPage,
     CHECK(list.List(list.ListIndex()) == L"c");
     list.RemoveItem(1);
     CHECK(list.ListIndex() == -1);
-}
-
-TEST_CASE_FIXTURE(ListPage, "a larger font scrolls further") {
-    list.AddItem(kLong);
-    list.AddItem(kLonger);
-    const int before = Extent();
-    LOGFONTW description{};
-    description.lfHeight = -40;
-    lstrcpyW(description.lfFaceName, L"Tahoma");
-    const HFONT large = CreateFontIndirectW(&description);
-    SendMessageW(list.Hwnd(), WM_SETFONT, reinterpret_cast<WPARAM>(large), TRUE);
-    CHECK(Extent() > before * 3 / 2);
-    CHECK(Extent() > WidthOf(kLonger));
-    window.Destroy();
-    DeleteObject(large);
 }
 
 TEST_CASE_FIXTURE(ListPage, "a list of many rows is measured without asking the window for each") {
@@ -131,7 +125,9 @@ TEST_CASE_FIXTURE(ListPage, "a list of many rows is measured without asking the 
     CHECK(Fits(kLonger));
 }
 
-TEST_CASE_FIXTURE(ListPage, "Ctrl+C, and no other key, copies the selected row as it stands") {
+TEST_CASE_FIXTURE(
+    ListPage,
+    "Ctrl+C, and no other key, copies the selected row as it stands, if nobody holds the clipboard") {
     const std::wstring text = L"http://\x43f\x440\x438\x43c\x435\x440.example/\x4e00";
     list.AddItem(L"other");
     list.AddItem(text);
@@ -141,15 +137,6 @@ TEST_CASE_FIXTURE(ListPage, "Ctrl+C, and no other key, copies the selected row a
     list.ListIndex(1);
     Key(L'c');
     CHECK(Clipboard(window.Hwnd()) == L"before");
-    Key(kCopy);
-    CHECK(Clipboard(window.Hwnd()) == text);
-    CHECK(list.ListIndex() == 1);
-}
-
-TEST_CASE_FIXTURE(ListPage, "a clipboard that another program holds stays as it is") {
-    list.AddItem(L"row");
-    list.ListIndex(0);
-    CopyToClipboard(window.Hwnd(), L"before");
     bool isEmptied = false;
     {
         const ImportFake<"OpenClipboard", decltype(&OpenClipboard)> held{"user32.dll",
@@ -160,6 +147,9 @@ TEST_CASE_FIXTURE(ListPage, "a clipboard that another program holds stays as it 
     }
     CHECK_FALSE(isEmptied);
     CHECK(Clipboard(window.Hwnd()) == L"before");
+    Key(kCopy);
+    CHECK(Clipboard(window.Hwnd()) == text);
+    CHECK(list.ListIndex() == 1);
 }
 
 TEST_CASE_FIXTURE(ListPage, "a list box refuses rows that are none, and keeps the selected one") {

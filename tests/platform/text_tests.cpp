@@ -57,28 +57,15 @@ TEST_CASE("upper case goes character by character and keeps the length") {
     CHECK(UpperCase(L"a\0b"s) == L"A\0B"s);
 }
 
-TEST_CASE("the directory has no separator at its end, except where it is a drive's root") {
-    const std::pair<const wchar_t*, const wchar_t*> rows[] = {
-        {L"C:\\Program Files\\Calvane\\server.exe", L"C:\\Program Files\\Calvane"},
-        {L"C:\\Calvane\\server.exe", L"C:\\Calvane"},
-        {L"C:\\server.exe", L"C:\\"},
-        {L"Z:\\server.exe", L"Z:\\"},
-        {L"\\\\host\\share\\server.exe", L"\\\\host\\share"},
-    };
-    for (const auto& [path, directory] : rows) {
-        const ServerAt server{path};
-        CHECK(ExecutablePath() == path);
-        CHECK(ServerDirectory() == directory);
-    }
-}
-
-TEST_CASE("paths longer than MAX_PATH are returned whole") {
-    for (const size_t length : {MAX_PATH - 1, MAX_PATH, MAX_PATH + 1, 2 * MAX_PATH, 3000}) {
-        CAPTURE(length);
-        const std::wstring directory = L"C:\\" + std::wstring(length - 3 - 2, L'd');
-        const ServerAt server{directory + L"\\s"};
-        CHECK(ExecutablePath() == directory + L"\\s");
-        CHECK(ExecutablePath().size() == length);
+TEST_CASE("the directory has no separator at its end but in a drive's root; long paths are returned whole") {
+    std::vector<std::wstring> directories{L"C:\\Program Files\\Calvane", L"C:\\Calvane", L"C:\\", L"Z:\\",
+                                          L"\\\\host\\share"};
+    for (const size_t length : {MAX_PATH - 1, MAX_PATH, MAX_PATH + 1, 2 * MAX_PATH, 3000})
+        directories.push_back(L"C:\\" + std::wstring(length - 3 - 2, L'd'));
+    for (const std::wstring& directory : directories) {
+        const ServerAt server{directory + (directory.ends_with(L'\\') ? L"s" : L"\\s")};
+        CAPTURE(server.path.size());
+        CHECK(ExecutablePath() == server.path);
         CHECK(ServerDirectory() == directory);
     }
 }
