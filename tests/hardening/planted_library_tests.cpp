@@ -47,10 +47,8 @@ void AddSystemLibrary(const std::string& name, std::set<std::string>& names) {
 
 std::vector<std::wstring> LibrariesToPlant() {
     std::set<std::string> known;
-    for (const char* const name : {"ADVAPI32.DLL", "COMDLG32.DLL", "GDI32.DLL", "KERNEL32.DLL", "MSVCRT.DLL",
-                                   "OLE32.DLL", "OLEAUT32.DLL", "SHELL32.DLL", "USER32.DLL"}) {
+    for (const std::string& name : Image(ProgramPath()).libraries)
         AddSystemLibrary(name, known);
-    }
     // Wine's user32.dll loads themes while it is being loaded itself, before the first instruction of the
     // program.
     if (RunsUnderWine()) known.insert({"UXTHEME.DLL", "MSIMG32.DLL"});
@@ -63,42 +61,32 @@ std::vector<std::wstring> LibrariesToPlant() {
 }
 
 // A folder with a program and, beside it, the planted libraries.
-class PlantedFolder {
-public:
-    explicit PlantedFolder(const std::wstring& program, const wchar_t* name)
-        : m_program(m_folder.Path(name)) {
-        REQUIRE(CopyFileW(program.c_str(), m_program.c_str(), TRUE));
-        for (const std::wstring& library : m_libraries)
-            REQUIRE(CopyFileW((ServerDirectory() + L"\\planted.dll").c_str(), m_folder.Path(library).c_str(),
+struct PlantedFolder {
+    PlantedFolder(const std::wstring& original, const wchar_t* name) : program(folder.Path(name)) {
+        REQUIRE(CopyFileW(original.c_str(), program.c_str(), TRUE));
+        for (const std::wstring& library : libraries)
+            REQUIRE(CopyFileW((ServerDirectory() + L"\\planted.dll").c_str(), folder.Path(library).c_str(),
                               TRUE));
     }
 
-    const std::wstring& Program() const { return m_program; }
-    const std::vector<std::wstring>& Libraries() const { return m_libraries; }
-    const std::wstring& Folder() const { return m_folder.Folder(); }
-
     std::vector<std::wstring> Loaded() const {
         std::vector<std::wstring> names;
-        for (const std::wstring& library : m_libraries) {
-            if (FileExists(m_folder.Path(library) + L".loaded")) names.push_back(library);
+        for (const std::wstring& library : libraries) {
+            if (FileExists(folder.Path(library) + L".loaded")) names.push_back(library);
         }
         return names;
     }
 
-private:
-    const TestFolder m_folder;
-    const std::vector<std::wstring> m_libraries = LibrariesToPlant();
-    const std::wstring m_program;
+    const TestFolder folder;
+    const std::vector<std::wstring> libraries = LibrariesToPlant();
+    const std::wstring program;
 };
 
 // The manager is registered from another folder meanwhile.
-class RegisteredElsewhere {
-public:
+struct RegisteredElsewhere {
     explicit RegisteredElsewhere(const std::wstring& program) {
         REQUIRE(RunProgram(program.c_str(), L"/RegServer") == 0);
     }
-    RegisteredElsewhere(const RegisteredElsewhere&) = delete;
-    RegisteredElsewhere& operator=(const RegisteredElsewhere&) = delete;
     ~RegisteredElsewhere() { CHECK(RunProgram(L"SentrelConfig.exe", L"/RegServer") == 0); }
 };
 
@@ -124,7 +112,7 @@ void CheckModules(Manager& manager, const PlantedFolder& planted) {
     wchar_t windows[MAX_PATH]{};
     GetWindowsDirectoryW(windows, MAX_PATH);
     const std::wstring system = UpperCase(windows) + L'\\';
-    const std::wstring own = UpperCase(planted.Program());
+    const std::wstring own = UpperCase(planted.program);
     const std::vector<std::wstring> modules = ModulesOf(manager.Window());
     CHECK(modules.size() > 10);
     CHECK(std::ranges::count(modules, own) == 1);
@@ -139,19 +127,19 @@ void CheckModules(Manager& manager, const PlantedFolder& planted) {
 TEST_CASE("a program that takes no care loads each of the planted libraries") {
     const PlantedFolder planted(ServerDirectory() + L"\\unguarded.exe", L"unguarded.exe");
     std::wstring arguments;
-    for (const std::wstring& library : planted.Libraries())
+    for (const std::wstring& library : planted.libraries)
         arguments += L' ' + library;
-    CHECK(RunProgram(planted.Program().c_str(), arguments) == 0);
+    CHECK(RunProgram(planted.program.c_str(), arguments) == 0);
     for (const wchar_t* const library : {L"winmm.dll", L"comctl32.dll", L"propsys.dll"})
-        CHECK(FileExists(planted.Folder() + L'\\' + library));
-    CHECK(planted.Loaded().size() > 0);
+        CHECK(FileExists(planted.folder.Path(library)));
+    CHECK_FALSE(planted.Loaded().empty());
 }
 
 TEST_CASE("the manager loads nothing from its own folder, whatever it does") {
-    const PlantedFolder planted(ManagerPath(), L"SentrelConfig.exe");
-    REQUIRE(CopyFileW(ProgramPath(L"Arc.wav").c_str(), (planted.Folder() + L"\\Arc.wav").c_str(), TRUE));
+    const PlantedFolder planted(ProgramPath(), L"SentrelConfig.exe");
+    REQUIRE(CopyFileW(ProgramPath(L"Arc.wav").c_str(), planted.folder.Path(L"Arc.wav").c_str(), TRUE));
     {
-        const RegisteredElsewhere registered(planted.Program());
+        const RegisteredElsewhere registered(planted.program);
         Manager manager;
         manager.Instance(formShow);
         CheckModules(manager, planted);
