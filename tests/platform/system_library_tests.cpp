@@ -48,14 +48,14 @@ void CheckLoaded() {
 
 TEST_CASE("a library comes from the system's folder, on Windows 7 too, which does not know the search flag") {
     CheckLoaded();
-    const Loader windows7{ERROR_INVALID_PARAMETER};
+    Loader windows7{ERROR_INVALID_PARAMETER};
     CheckLoaded();
     CHECK(windows7.loads == std::vector<Load>{{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32},
                                               {SystemPath(), LOAD_WITH_ALTERED_SEARCH_PATH}});
 }
 
 TEST_CASE("a library that is missing is not looked for anywhere else") {
-    const Loader bare{ERROR_MOD_NOT_FOUND};
+    Loader bare{ERROR_MOD_NOT_FOUND};
     CHECK(LoadSystemLibrary(L"winmm.dll") == nullptr);
     CHECK(bare.loads.size() == 1);
 }

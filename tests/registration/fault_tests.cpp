@@ -1,114 +1,78 @@
 // Registering without rights and with calls that fail.
 #include <doctest.h>
 
+#include <set>
+
 #include "tests/registration/test_server.h"
-#include "tests/support/import_patch.h"
-#include "tests/support/registry_calls.h"
+#include "tests/support/import_fake.h"
 #include "tests/support/wine.h"
 
 namespace {
 
-// Whether an open key lies in the registry that a test has for HKEY_LOCAL_MACHINE.
-bool IsMachineKey(HKEY key) {
-    if (key == HKEY_LOCAL_MACHINE) return true;
-    struct KeyName {
-        ULONG length;
-        wchar_t text[1024];
-    } name{};
-    constexpr ULONG kKeyNameInformation = 3;
-    using Query = LONG(WINAPI*)(HANDLE, ULONG, void*, ULONG, ULONG*);
-    static const auto query = reinterpret_cast<Query>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQueryKey")));
-    ULONG size = 0;
-    if (query(key, kKeyNameInformation, &name, sizeof(name), &size) != 0) return false;
-    const std::wstring ofTest = std::to_wstring(GetCurrentProcessId()) + L"M\\";
-    return std::wstring_view(name.text, name.length / sizeof(wchar_t)).find(ofTest) !=
-           std::wstring_view::npos;
-}
+constexpr LSTATUS kError = ERROR_NO_SYSTEM_RESOURCES;
 
-// While it exists nothing of the machine's can be changed where that is denied, and of the calls that write,
-// those of the fault fail. One at a time.
-class FaultyRegistry {
-public:
-    explicit FaultyRegistry(bool deniesMachine, const Fault& fault = {})
-        : m_deniesMachine(deniesMachine), m_counter(fault) {
-        s_current = this;
-    }
-    FaultyRegistry(const FaultyRegistry&) = delete;
-    FaultyRegistry& operator=(const FaultyRegistry&) = delete;
-    ~FaultyRegistry() { s_current = nullptr; }
+// While it exists nothing of the machine's can be changed where that is denied, and of the calls that write
+// one fails, counted from 1.
+struct FaultyRegistry {
+    const bool deniesMachine;
+    const long failingWrite = 0;
+    long writes = 0;
+    std::set<HKEY> machineKeys{HKEY_LOCAL_MACHINE};
 
-private:
-    static LSTATUS WINAPI Create(HKEY parent, LPCWSTR name, DWORD reserved, LPWSTR keyClass, DWORD options,
-                                 REGSAM rights, LPSECURITY_ATTRIBUTES security, PHKEY key,
-                                 LPDWORD disposition) {
-        if (const LSTATUS fault = s_current->Write(RegistryFunction::Create, parent)) return fault;
-        return s_current->m_create.Original<decltype(&RegCreateKeyExW)>()(
-            parent, name, reserved, keyClass, options, rights, security, key, disposition);
-    }
-
-    static LSTATUS WINAPI Set(HKEY key, LPCWSTR name, DWORD reserved, DWORD type, const BYTE* data,
-                              DWORD size) {
-        if (const LSTATUS fault = s_current->Write(RegistryFunction::Set, key)) return fault;
-        return s_current->m_set.Original<decltype(&RegSetValueExW)>()(key, name, reserved, type, data, size);
-    }
-
-    static LSTATUS WINAPI Open(HKEY parent, LPCWSTR name, DWORD options, REGSAM rights, PHKEY key) {
-        const bool writes = (rights & (KEY_SET_VALUE | KEY_CREATE_SUB_KEY)) != 0;
-        if (writes && s_current->Denies(parent)) return ERROR_ACCESS_DENIED;
-        return s_current->m_open.Original<decltype(&RegOpenKeyExW)>()(parent, name, options, rights, key);
-    }
-
-    static LSTATUS WINAPI Delete(HKEY parent, LPCWSTR name) {
-        if (s_current->Denies(parent)) return ERROR_ACCESS_DENIED;
-        return s_current->m_delete.Original<decltype(&RegDeleteKeyW)>()(parent, name);
-    }
-
-    static HRESULT WINAPI Register(ITypeLib* library, OLECHAR* path, OLECHAR* help) {
-        const LSTATUS fault = s_current->Write(RegistryFunction::Set, HKEY_LOCAL_MACHINE);
-        if (fault == ERROR_ACCESS_DENIED) return TYPE_E_REGISTRYACCESS;
-        if (fault != ERROR_SUCCESS) return HRESULT_FROM_WIN32(static_cast<DWORD>(fault));
-        return s_current->m_register.Original<decltype(&RegisterTypeLib)>()(library, path, help);
-    }
-
-    bool Denies(HKEY key) const { return m_deniesMachine && IsMachineKey(key); }
-
-    LSTATUS Write(RegistryFunction function, HKEY key) {
+    bool Denies(HKEY key) const { return deniesMachine && machineKeys.contains(key); }
+    LSTATUS Write(HKEY key) {
         if (Denies(key)) return ERROR_ACCESS_DENIED;
-        return m_counter.Fails(function) ? m_counter.Cause().error : ERROR_SUCCESS;
+        return ++writes == failingWrite ? kError : ERROR_SUCCESS;
     }
 
-    static inline FaultyRegistry* s_current = nullptr;
-    const bool m_deniesMachine;
-    FaultCounter m_counter;
-    const ImportPatch m_create{"advapi32.dll", "RegCreateKeyExW", &Create};
-    const ImportPatch m_set{"advapi32.dll", "RegSetValueExW", &Set};
-    const ImportPatch m_open{"advapi32.dll", "RegOpenKeyExW", &Open};
-    const ImportPatch m_delete{"advapi32.dll", "RegDeleteKeyW", &Delete};
-    const ImportPatch m_register{"oleaut32.dll", "RegisterTypeLib", &Register};
+    const ImportFake<"RegOpenKeyExW", decltype(&RegOpenKeyExW)> open{
+        "advapi32.dll",
+        [this](HKEY parent, LPCWSTR name, DWORD options, REGSAM rights, PHKEY key) -> LSTATUS {
+            const bool isToWrite = (rights & (KEY_SET_VALUE | KEY_CREATE_SUB_KEY)) != 0;
+            if (isToWrite && Denies(parent)) return ERROR_ACCESS_DENIED;
+            const LSTATUS status = open.Original(parent, name, options, rights, key);
+            if (status == ERROR_SUCCESS && machineKeys.contains(parent)) machineKeys.insert(*key);
+            return status;
+        }};
+    const ImportFake<"RegCloseKey", decltype(&RegCloseKey)> close{"advapi32.dll",
+                                                                  [this](HKEY key) -> LSTATUS {
+                                                                      machineKeys.erase(key);
+                                                                      return close.Original(key);
+                                                                  }};
+    const ImportFake<"RegCreateKeyExW", decltype(&RegCreateKeyExW)> create{
+        "advapi32.dll", [this](HKEY parent, auto... rest) {
+            const LSTATUS fault = Write(parent);
+            return fault != ERROR_SUCCESS ? fault : create.Original(parent, rest...);
+        }};
+    const ImportFake<"RegSetValueExW", decltype(&RegSetValueExW)> set{
+        "advapi32.dll", [this](HKEY key, auto... rest) {
+            const LSTATUS fault = Write(key);
+            return fault != ERROR_SUCCESS ? fault : set.Original(key, rest...);
+        }};
+    const ImportFake<"RegDeleteKeyW", decltype(&RegDeleteKeyW)> remove{
+        "advapi32.dll", [this](HKEY parent, LPCWSTR name) -> LSTATUS {
+            return Denies(parent) ? ERROR_ACCESS_DENIED : remove.Original(parent, name);
+        }};
+    const ImportFake<"RegisterTypeLib", decltype(&RegisterTypeLib)> registers{
+        "oleaut32.dll", [this](ITypeLib* library, OLECHAR* path, OLECHAR* help) {
+            const LSTATUS fault = Write(HKEY_LOCAL_MACHINE);
+            if (fault == ERROR_ACCESS_DENIED) return TYPE_E_REGISTRYACCESS;
+            return fault != ERROR_SUCCESS ? HRESULT_FROM_WIN32(static_cast<DWORD>(fault))
+                                          : registers.Original(library, path, help);
+        }};
 };
 
-// On top of that registered for the user alone.
-struct RegisteredForUser : CleanRegistry {
-    RegisteredForUser() {
-        REQUIRE(RegisterServer(TestServer()) == S_OK);
-        machineWide = Exported();
-        const FaultyRegistry denied(true);
-        REQUIRE(RegisterServer(TestServer()) == S_OK);
-        REQUIRE(Exported() != machineWide);
-    }
-
-    Export machineWide;
-};
+// RegisterServer or UnregisterServer, called by a user who may not change the machine's classes.
+HRESULT WithoutRights(decltype(&RegisterServer) call, const ServerDescription& server = TestServer()) {
+    FaultyRegistry denied{true};
+    return call(server);
+}
 
 }  // namespace
 
 TEST_CASE_FIXTURE(CleanRegistry,
                   "without rights to the machine's classes the server is registered for the user alone") {
-    {
-        const FaultyRegistry denied(true);
-        REQUIRE(RegisterServer(TestServer()) == S_OK);
-    }
+    REQUIRE(WithoutRights(RegisterServer) == S_OK);
     CHECK(Stored(HKEY_LOCAL_MACHINE, kFirstKey) == L"(none)");
     CHECK(Stored(HKEY_CURRENT_USER, kFirstKey) == L"First test class");
     CHECK(Stored(HKEY_CURRENT_USER, kFirstServerKey) == L'"' + ExecutablePath() + L'"');
@@ -124,25 +88,23 @@ TEST_CASE_FIXTURE(CleanRegistry,
                   "without rights to the machine's classes the user's own classes can be unregistered") {
     ServerDescription classesOnly = TestServer();
     classesOnly.typeLibraries.clear();
-    const FaultyRegistry denied(true);
-    REQUIRE(RegisterServer(classesOnly) == S_OK);
+    REQUIRE(WithoutRights(RegisterServer, classesOnly) == S_OK);
     CHECK(Stored(HKEY_CURRENT_USER, kFirstKey) == L"First test class");
-    CHECK(UnregisterServer(classesOnly) == S_OK);
+    CHECK(WithoutRights(UnregisterServer, classesOnly) == S_OK);
     CHECK(Exported() == before);
 }
 
-TEST_CASE_FIXTURE(RegisteredForUser,
-                  "what may not be removed is reported, and the user's own part is removed all the same") {
-    {
-        const FaultyRegistry denied(true);
-        CHECK(UnregisterServer(TestServer()) == E_ACCESSDENIED);
+TEST_CASE_FIXTURE(CleanRegistry, "beside a registration for the machine the user's own does not stay") {
+    REQUIRE(RegisterServer(TestServer()) == S_OK);
+    const Export machineWide = Exported();
+    REQUIRE(WithoutRights(RegisterServer) == S_OK);
+    REQUIRE(Exported() != machineWide);
+    SUBCASE("where the machine's may not be removed, which is reported") {
+        CHECK(WithoutRights(UnregisterServer) == E_ACCESSDENIED);
     }
-    CHECK(Exported() == machineWide);
-}
-
-TEST_CASE_FIXTURE(RegisteredForUser,
-                  "a registration for the machine replaces the user's own, which would hide it") {
-    CHECK(RegisterServer(TestServer()) == S_OK);
+    SUBCASE("where the machine's is registered again: it would hide that") {
+        CHECK(RegisterServer(TestServer()) == S_OK);
+    }
     CHECK(Exported() == machineWide);
 }
 
@@ -151,21 +113,18 @@ TEST_CASE_FIXTURE(CleanRegistry, "a registration that fails at any of its steps 
     SUBCASE("on a machine that knows nothing of the server") {}
     SUBCASE("on a machine where it is registered from another folder") {
         REQUIRE(RegisterServer(TestServer()) == S_OK);
-        MoveElsewhere(kOtherServer);
+        MoveElsewhere();
     }
     SUBCASE("for the user alone") {
         deniesMachine = true;
     }
     const Export atFirst = Exported();
     const auto registerWith = [&](long failingWrite) {
-        Fault fault;
-        fault.first = failingWrite;
-        fault.error = ERROR_NO_SYSTEM_RESOURCES;
-        const FaultyRegistry faulty(deniesMachine, fault);
+        FaultyRegistry faulty{deniesMachine, failingWrite};
         return RegisterServer(TestServer());
     };
     long failures = 0;
-    while (failures < 100 && registerWith(failures + 1) == HRESULT_FROM_WIN32(ERROR_NO_SYSTEM_RESOURCES)) {
+    while (failures < 100 && registerWith(failures + 1) == HRESULT_FROM_WIN32(kError)) {
         ++failures;
         CAPTURE(failures);
         CHECK(Exported() == atFirst);

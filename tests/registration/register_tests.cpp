@@ -64,7 +64,7 @@ TEST_CASE_FIXTURE(
 }
 
 TEST_CASE_FIXTURE(Registered, "registering from another folder replaces the paths") {
-    MoveElsewhere(std::wstring(L"\"") + kOtherServer + L'"');
+    MoveElsewhere();
     REQUIRE(Stored(HKEY_LOCAL_MACHINE, kLibraryPathKey) == kOtherServer);
     CHECK(RegisterServer(TestServer()) == S_OK);
     CHECK(Exported() == once);
@@ -72,8 +72,8 @@ TEST_CASE_FIXTURE(Registered, "registering from another folder replaces the path
 
 TEST_CASE("a registration that is damaged or of a folder that is gone is removed all the same") {
     using Damage = std::function<void(const Registered&)>;
-    const std::pair<const char*, Damage> rows[] = {
-        {"a folder that is gone", [](auto& registered) { registered.MoveElsewhere(kOtherServer); }},
+    const std::pair<std::string, Damage> rows[] = {
+        {"a folder that is gone", [](auto& registered) { registered.MoveElsewhere(); }},
         {"no value of the server key",
          [](auto& registered) { registered.machine.Delete(kFirstServerKey, L""); }},
         {"no class", [](auto& registered) { registered.machine.DeleteTree(kFirstKey); }},

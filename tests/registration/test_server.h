@@ -105,11 +105,11 @@ struct CleanRegistry {
     CleanRegistry& operator=(const CleanRegistry&) = delete;
     ~CleanRegistry() { RegOverridePredefKey(HKEY_CLASSES_ROOT, nullptr); }
 
-    // As if the server had been registered from another folder, with this command line.
-    void MoveElsewhere(const std::wstring& commandLine) const {
+    // As if the server had been registered from another folder.
+    void MoveElsewhere() const {
         // With the NUL at their ends, which Wine would sometimes add when they are put back.
-        machine.Write(kFirstServerKey, L"", commandLine + L'\0');
-        machine.Write(kFirstServerKey, L"ServerExecutable", std::wstring(kOtherServer) + L'\0');
+        for (const wchar_t* const name : {L"", L"ServerExecutable"})
+            machine.Write(kFirstServerKey, name, std::wstring(kOtherServer) + L'\0');
         OwnTypeLibrary(kPublicTypeLibrary).Register(false, kOtherServer);
     }
 
