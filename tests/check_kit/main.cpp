@@ -8,14 +8,19 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
+#include "platform/handle.h"
 #include "platform/text.h"
 #include "store/server_directory.h"
-#include "tests/check_kit/own_programs.h"
-#include "tests/check_kit/suite.h"
-#include "tests/check_kit/surroundings.h"
+#include "tests/check_kit/machine.h"
+#include "tests/support/manager.h"
 #include "tests/support/user_locale.h"
 #include "tests/support/wine.h"
 
@@ -23,57 +28,52 @@ namespace {
 
 enum ExitCode : int { kPassed = 0, kForMachine = 1, kNotPassed = 1, kCannotRun = 2 };
 
-// In the kit's folder, and on the screen.
-class Report {
-public:
-    explicit Report(const std::wstring& path) : m_file(_wfopen(path.c_str(), L"w")) {}
-    Report(const Report&) = delete;
-    Report& operator=(const Report&) = delete;
-    ~Report() {
-        if (m_file != nullptr) std::fclose(m_file);
-    }
-
-    void Write(const std::string& text) const {
-        WriteQuietly(text);
-        std::fputs(text.c_str(), stdout);
-        std::fflush(stdout);
-    }
-
-    void WriteQuietly(const std::string& text) const {
-        if (m_file == nullptr) return;
-        std::fputs(text.c_str(), m_file);
-        std::fflush(m_file);
-    }
-
-private:
-    FILE* const m_file;
+// A line of suites.txt: "NAME SECONDS", or "NAME - why it is not in the kit".
+struct Suite {
+    std::string name;
+    DWORD seconds = 0;
+    std::string leftOut;
 };
 
-std::string Now() {
-    SYSTEMTIME time;
-    GetLocalTime(&time);
-    char text[32];
-    std::snprintf(text, sizeof(text), "%04d-%02d-%02d %02d:%02d", time.wYear, time.wMonth, time.wDay,
-                  time.wHour, time.wMinute);
-    return text;
+struct Counts {
+    long passed = 0;
+    long failed = 0;
+    long skipped = 0;
+};
+
+struct Outcome {
+    Counts counts;
+    std::string skipped;  // a line for each skipped test case
+    std::string note;     // of a suite that did not end by itself
+    std::string output;
+};
+
+std::string TextOf(const Counts& counts) {
+    return std::to_string(counts.passed) + " passed, " + std::to_string(counts.failed) + " failed, " +
+           std::to_string(counts.skipped) + " skipped";
 }
 
-int IsReady() {
-    const std::string obstacle = Obstacle();
-    if (!obstacle.empty()) {
-        std::puts(obstacle.c_str());
-        return kCannotRun;
+// Its text; empty where there is none.
+std::string TextOfFile(const std::wstring& path) {
+    std::ifstream file{std::filesystem::path(path)};
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Those of the names, all where there is none; empty where a name is wrong.
+std::vector<Suite> ReadSuites(const std::vector<std::string>& names) {
+    std::vector<Suite> suites;
+    std::istringstream lines(TextOfFile(ServerDirectory() + L"\\suites.txt"));
+    for (std::string line; std::getline(lines, line);) {
+        Suite suite;
+        std::istringstream words(line);
+        words >> suite.name;
+        if (!(words >> suite.seconds)) suite.leftOut = line.substr(line.find(" - ") + 3);
+        suites.push_back(suite);
     }
-    return RunsUnderWine() ? kForMachine : kPassed;
-}
-
-// Those of the names; all where there is none. Empty where a name is wrong.
-std::vector<Suite> Chosen(const std::vector<Suite>& suites, const std::vector<std::string>& names) {
     if (names.empty()) return suites;
     std::vector<Suite> chosen;
     for (const std::string& name : names) {
-        const auto found =
-            std::find_if(suites.begin(), suites.end(), [&](const Suite& each) { return each.name == name; });
+        const auto found = std::ranges::find(suites, name, &Suite::name);
         if (found == suites.end()) {
             std::printf("%s is not in suites.txt.\n", name.c_str());
             return {};
@@ -83,54 +83,128 @@ std::vector<Suite> Chosen(const std::vector<Suite>& suites, const std::vector<st
     return chosen;
 }
 
-struct Totals {
-    long passed = 0;
-    long failed = 0;
-    long skipped = 0;
-};
-
-// Adds the suite to the totals; returns what it printed where something failed.
-std::string RunAndReport(const Suite& suite, const std::wstring& logs, const Report& report, Totals& totals) {
-    if (!suite.leftOut.empty()) {
-        ++totals.skipped;
-        report.Write(suite.name + ": skipped: " + suite.leftOut + '\n');
-        return {};
+// Whether the program ended in time; its exit code.
+bool RunProgram(const std::wstring& program, const std::wstring& log, DWORD seconds, DWORD& code) {
+    SECURITY_ATTRIBUTES inheritable{sizeof(inheritable), nullptr, TRUE};
+    const FileHandle output(CreateFileW(log.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                        &inheritable, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    std::wstring commandLine = L'"' + program + L'"';
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = output.Get();
+    startup.hStdError = output.Get();
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup,
+                        &started)) {
+        code = GetLastError();
+        return true;
     }
-    // The suite before may have been stopped while they were not.
-    const std::string problem = RegisterOwnServers();
-    if (!problem.empty()) report.Write(problem + '\n');
-    const Outcome outcome = Run(suite, logs);
-    EndOwnPrograms();
-    totals.passed += outcome.passed;
-    totals.failed += outcome.failed;
-    totals.skipped += static_cast<long>(outcome.skipped.size());
-    report.Write(suite.name + ": " + std::to_string(outcome.passed) + " passed, " +
-                 std::to_string(outcome.failed) + " failed, " + std::to_string(outcome.skipped.size()) +
-                 " skipped" + (outcome.note.empty() ? "" : " (" + outcome.note + ')') + '\n');
-    for (const std::string& skipped : outcome.skipped)
-        report.Write("    skipped: " + skipped + '\n');
-    return outcome.failed == 0 ? "" : "\n=== " + suite.name + "\n" + outcome.output;
+    CloseHandle(started.hThread);
+    const ProcessHandle process(started.hProcess);
+    const bool ended = WaitForSingleObject(process.Get(), seconds * 1000) == WAIT_OBJECT_0;
+    if (!ended) TerminateProcess(process.Get(), 1);
+    GetExitCodeProcess(process.Get(), &code);
+    return ended;
+}
+
+// Whether doctest has printed a summary. A suite may start itself, so that the last one counts.
+bool ReadOutput(Outcome& outcome) {
+    bool hasSummary = false;
+    std::istringstream lines(outcome.output);
+    for (std::string line; std::getline(lines, line);) {
+        constexpr std::string_view kSkipped = "[skipped] ";
+        if (line.starts_with(kSkipped)) {
+            outcome.skipped += "    skipped: " + line.substr(kSkipped.size()) + '\n';
+            ++outcome.counts.skipped;
+        }
+        long all = 0;
+        if (std::sscanf(line.c_str(), "[doctest] test cases: %ld | %ld passed | %ld failed", &all,
+                        &outcome.counts.passed, &outcome.counts.failed) == 3) {
+            hasSummary = true;
+        }
+    }
+    return hasSummary;
+}
+
+// Runs the suite beside this program, for its seconds at most. Its output is kept in the kit's folder.
+Outcome Run(const Suite& suite) {
+    const std::wstring name = FromAnsi(suite.name);
+    const std::wstring log = KitFolder() + L"logs\\" + name + L".txt";
+    const std::wstring current = log + L".current";
+    SetEnvironmentVariableW(L"TEST_CURRENT", current.c_str());
+    Outcome outcome;
+    DWORD code = 0;
+    const bool ended = RunProgram(ServerDirectory() + L'\\' + name + L".exe", log, suite.seconds, code);
+    outcome.output = TextOfFile(log);
+    const bool hasSummary = ReadOutput(outcome);
+    if (!ended) {
+        outcome.note = "stopped after " + std::to_string(suite.seconds) + " s";
+    } else if (!hasSummary) {
+        outcome.note = "ended without a summary, exit code " + std::to_string(code);
+    } else if (code != 0 && outcome.counts.failed == 0) {
+        outcome.note = "exit code " + std::to_string(code);
+    }
+    if (!outcome.note.empty()) {
+        std::string inCase = TextOfFile(current);
+        inCase.resize(inCase.find_last_not_of('\n') + 1);
+        outcome.note = " (" + outcome.note + ", in test case: " + inCase + ')';
+        outcome.counts.failed = std::max(outcome.counts.failed, 1L);
+    }
+    DeleteFileW(current.c_str());
+    return outcome;
+}
+
+int IsReady() {
+    const std::string obstacle = Obstacle();
+    if (obstacle.empty()) return RunsUnderWine() ? kForMachine : kPassed;
+    std::puts(obstacle.c_str());
+    return kCannotRun;
 }
 
 int RunSuites(const std::vector<std::string>& names) {
-    const std::vector<Suite> suites = Chosen(ReadSuites(ServerDirectory() + L"\\suites.txt"), names);
+    const std::vector<Suite> suites = ReadSuites(names);
     if (suites.empty()) return kCannotRun;
-    const std::wstring logs = KitFolder() + L"logs";
-    CreateDirectoryW(logs.c_str(), nullptr);
+    CreateDirectoryW((KitFolder() + L"logs").c_str(), nullptr);
+    std::ofstream report{std::filesystem::path(KitFolder() + L"report.txt")};
+    // On the screen too.
+    const auto tell = [&](const std::string& text) {
+        report << text << std::flush;
+        std::fputs(text.c_str(), stdout);
+        std::fflush(stdout);
+    };
+    const auto now = [] {
+        char text[32];
+        const std::time_t time = std::time(nullptr);
+        std::strftime(text, sizeof(text), "%Y-%m-%d %H:%M\n", std::localtime(&time));
+        return std::string(text);
+    };
 
-    const Report report(KitFolder() + L"report.txt");
-    report.Write(Surroundings() + "Started: " + Now() + "\n\n");
+    tell(Surroundings() + "Started: " + now() + '\n');
     EndOwnPrograms();
     // Texts of the tests have a decimal point.
     const Separators separators(L".", L",");
-    Totals totals;
+    Counts total;
     std::string failures;
-    for (const Suite& suite : suites)
-        failures += RunAndReport(suite, logs, report, totals);
-    report.Write("\nEnded: " + Now() + "\nTotal: " + std::to_string(totals.passed) + " passed, " +
-                 std::to_string(totals.failed) + " failed, " + std::to_string(totals.skipped) + " skipped\n");
-    report.WriteQuietly(failures);
-    return totals.passed > 0 && totals.failed == 0 ? kPassed : kNotPassed;
+    for (const Suite& suite : suites) {
+        if (!suite.leftOut.empty()) {
+            ++total.skipped;
+            tell(suite.name + ": skipped: " + suite.leftOut + '\n');
+            continue;
+        }
+        // The suite before may have been stopped while they were not.
+        tell(RegisterOwnServers());
+        const auto [counts, skipped, note, output] = Run(suite);
+        EndOwnPrograms();
+        tell(suite.name + ": " + TextOf(counts) + note + '\n' + skipped);
+        total.passed += counts.passed;
+        total.failed += counts.failed;
+        total.skipped += counts.skipped;
+        if (counts.failed != 0) failures += "\n=== " + suite.name + "\n" + output;
+    }
+    tell("\nEnded: " + now() + "Total: " + TextOf(total) + '\n');
+    report << failures;
+    return total.passed > 0 && total.failed == 0 ? kPassed : kNotPassed;
 }
 
 }  // namespace
@@ -141,6 +215,5 @@ int wmain(int count, wchar_t** arguments) {
     std::vector<std::string> names;
     for (int i = 1; i < count; ++i)
         names.push_back(ToAnsi(arguments[i]));
-    if (names == std::vector<std::string>{"/ready"}) return IsReady();
-    return RunSuites(names);
+    return names == std::vector<std::string>{"/ready"} ? IsReady() : RunSuites(names);
 }
