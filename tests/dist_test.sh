@@ -10,8 +10,6 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 kTarget=i686-w64-mingw32
 kSigned="$kWork/signed build"
-kInstalled="$WINEPREFIX/drive_c/Program Files/Calvane"
-! Is64Bit || kInstalled="$WINEPREFIX/drive_c/Program Files (x86)/Calvane"
 
 # Runs COMMAND...
 Runs() {
@@ -22,8 +20,6 @@ Runs() {
 Names() {
     unzip -Z1 "$1"
 }
-
-mkdir -p "$kWork"
 
 # --- A build that signs, with a certificate made here
 Runs openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj '/CN=Calvane test' -addext extendedKeyUsage=codeSigning \
@@ -40,7 +36,7 @@ Runs cmake -S . -B "$kSigned" -G Ninja --toolchain cmake/mingw-i686.cmake -DCMAK
 Runs cmake --build "$kSigned" --target dist
 Runs Wine 60 "$kSigned/CalvaneSetup.exe" /S
 for file in "$kSigned"/{SentrelConfig,CalvaneConfigLoader,CalvaneSetup}.exe "$kSigned"/dist/CalvaneSetup-*.exe \
-    "$kInstalled"/{SentrelConfig,CalvaneConfigLoader,Uninstall}.exe; do
+    "$kFolder"/{SentrelConfig,CalvaneConfigLoader,Uninstall}.exe; do
     Runs osslsigncode verify -CAfile "$kWork/certificate.pem" -in "$file"
     grep -q '^Signature verification: ok' "$kWork/output" || Fail "$file bears no valid signature"
 done
@@ -52,7 +48,7 @@ printf x | dd of="$kWork/changed.exe" bs=1 seek=4096 conv=notrunc 2>"$kWork/outp
 echo "ok: signed"
 
 # --- The folder
-version=$(sed -n 's/^project(.* VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
+version=$(Version)
 cd "$kSigned/dist"
 sha256sum --quiet -c SHA256SUMS || Fail "the checksums are wrong"
 SameLines "not every file has a checksum" <(find . -type f ! -name SHA256SUMS -printf '%f\n' | sort) \
@@ -62,7 +58,7 @@ for program in SentrelConfig CalvaneConfigLoader; do
     cmp <(unzip -p "Calvane-$version-portable.zip" $program.exe) "$kSigned/$program.exe" || Fail "$program.exe is another one"
 done
 SameLines "the portable zip has not what is installed" \
-    <(cd "$kInstalled" && find . -type f ! -name Uninstall.exe -printf '%P\n' | sort) \
+    <(cd "$kFolder" && find . -type f ! -name Uninstall.exe -printf '%P\n' | sort) \
     <(Names "Calvane-$version-portable.zip" | sort)
 SameLines "the symbols" <(printf '%s.exe.debug\n' CalvaneConfigLoader SentrelConfig) <(Names "Calvane-$version-symbols.zip")
 echo "ok: the folder is complete"

@@ -9,24 +9,33 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 . tests/support/script.sh
 
 kSetup=$BUILD_DIR/CalvaneSetup.exe
-# The installer, the manager and what looks at their work are programs of 32 bits.
-kPrograms='Program Files'
-kSystem='C:\windows\system32'
 kViews=(32)
-if Is64Bit; then
-    kPrograms='Program Files (x86)'
-    kSystem='C:\windows\syswow64'
-    kViews=(32 64)
-fi
-kInstalled="C:\\$kPrograms\\Calvane"
-kFolder=$WINEPREFIX/drive_c/$kPrograms/Calvane
+! Is64Bit || kViews=(32 64)
 kReg=$kSystem\\reg.exe
-kCScript=$kSystem\\cscript.exe
 kStartMenu=$WINEPREFIX/drive_c/ProgramData/Microsoft/Windows/Start\ Menu/Programs
 kUninstallKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Calvane'
 kSettingsKey='HKCU\Software\Calvane\Settings'
 kRunKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Run'
 kRunValue='Calvane Config Manager'
+
+# SameFile FILE FILE
+SameFile() {
+    cmp "$1" "$2" || Fail "$2 is another one"
+}
+
+# InstalledPrograms: those that the build has made.
+InstalledPrograms() {
+    local file
+    for file in SentrelConfig.exe CalvaneConfigLoader.exe Arc.wav; do
+        SameFile "$BUILD_DIR/$file" "$kFolder/$file"
+    done
+}
+
+# RemoveInUse: the manager runs on, so that the rest is left for the next start.
+RemoveInUse() {
+    # shellcheck disable=SC2086 # the folder behind _?= takes no quotes, and Wine puts them around an argument with blanks
+    Exits 3010 "$kInstalled\\Uninstall.exe" /S _?=$kInstalled
+}
 
 # WaitFor SECONDS COMMAND...
 WaitFor() {
@@ -43,8 +52,6 @@ Stored() {
     tr -d '\r' <"$kWork/query" | sed -n "s/^ *$2 *REG_[A-Z]* *//p"
 }
 
-ManagerRuns() { [[ -n $(ProcessesOf SentrelConfig.exe) ]]; }
-ManagerEnded() { ! ManagerRuns; }
 Holds() { grep -q held "$kWork/held"; }
 
 # Keep FILE: somebody reads the file and lets nobody write it.
@@ -61,16 +68,21 @@ HaltManager() {
     kill -STOP "$halted"
 }
 
+# Reboot: Windows ends and starts.
+Reboot() {
+    StopWine
+    Wine 60 wineboot >/dev/null 2>&1
+    StopWine
+}
+
 # Restart: Windows ends, and at its next start carries out what PendingFileRenameOperations says.
 Restart() {
     [[ -z ${halted:-} ]] || kill -KILL "$halted" 2>/dev/null || true
     halted=
     StopWine
     grep -q '"PendingFileRenameOperations"' "$WINEPREFIX/system.reg" || Fail "nothing is left for the next start"
-    Wine 60 wineboot >/dev/null 2>&1
-    StopWine
+    Reboot
 }
-WindowShows() { xdotool search --onlyvisible --name '^Calvane$' >/dev/null 2>&1; }
 IsGone() { [[ ! -e $1 ]]; }
 # The uninstaller removes its own file last, from a copy of itself that nobody waits for.
 UninstallerEnded() { [[ ! -e $kFolder/Uninstall.exe && -z $(ProcessesOf Un_) ]]; }
@@ -80,30 +92,20 @@ UninstallerEnded() { [[ ! -e $kFolder/Uninstall.exe && -z $(ProcessesOf Un_) ]];
 # copy then.
 Snapshot() {
     local hive
-    StopWine
-    Wine 60 wineboot >/dev/null 2>&1
-    StopWine
+    Reboot
     for hive in system user userdef; do
         sed -e '/^#time=/d' -e '/^"DriverDateData"=/d' -e 's/^\(\[.*\]\) [0-9]*$/\1/' "$WINEPREFIX/$hive.reg" |
-            awk '/^\[/ { skip = /^\[(Console|Software\\\\Wine\\\\WineDbg)\]/ } !skip' >"$kWork/$1.$hive"
-    done
-    (cd "$WINEPREFIX/drive_c" && find . | sort) >"$kWork/$1.files"
-}
-
-# SameAsBefore NAME: compares two snapshots.
-SameAsBefore() {
-    local part
-    for part in system user userdef files; do
-        diff "$kWork/before.$part" "$kWork/$1.$part" >"$kWork/difference" ||
-            { cat "$kWork/difference" >&2; Fail "$part is not as before ($1)"; }
-    done
+            awk -v "hive=$hive: " '/^\[/ { skip = /^\[(Console|Software\\\\Wine\\\\WineDbg)\]/ } !skip { print hive $0 }'
+    done >"$kWork/$1"
+    (cd "$WINEPREFIX/drive_c" && find . | sort) >>"$kWork/$1"
 }
 
 # WithoutSettings NAME: takes the store out of a snapshot, and says whether there was one.
 WithoutSettings() {
-    grep -q '^\[Software\\\\Calvane\\\\Settings\]$' "$kWork/$1.user" || return 1
-    awk '/^\[/ { skip = /^\[Software\\\\Calvane(\\\\|\])/ } !skip' "$kWork/$1.user" >"$kWork/user"
-    mv "$kWork/user" "$kWork/$1.user"
+    grep -q '^user: \[Software\\\\Calvane\\\\Settings\]$' "$kWork/$1" || return 1
+    awk '/^[a-z]+: \[/ { skip = /^user: \[Software\\\\Calvane(\\\\|\])/ } !/^[a-z]+: / { skip = 0 } !skip' "$kWork/$1" \
+        >"$kWork/kept"
+    mv "$kWork/kept" "$kWork/$1"
 }
 
 # Page TEXT: the page of the installer or uninstaller that is open shows this text.
@@ -130,17 +132,6 @@ Described() {
     return 1
 }
 
-# Client SHOW_TYPE: a script that loads the manager prints its window's handle.
-Client() {
-    cat >"$kWork/client.vbs" <<VBS
-Set control = CreateObject("SentrelConfig.ConfigControl")
-Set config = control.ConfigInstance(CLng($1))
-WScript.Echo "handle " & config.ConfigHwnd
-VBS
-    Exits 0 "$kCScript" //nologo "Z:${kWork//\//\\}\\client.vbs"
-    grep -Eq '^handle [1-9][0-9]*' "$kWork/output" || { cat "$kWork/output"; Fail "the script client got no window"; }
-}
-
 # WriteRunValue PATH: as the manager does it, without a NUL at the end of the text.
 WriteRunValue() {
     {
@@ -153,19 +144,18 @@ WriteRunValue() {
 
 MakePrefix "$WINEPREFIX"
 UsePrefix "$WINEPREFIX"
-mkdir -p "$kWork"
+mkdir "$kWork"
 UseWindowManager N
 Exits 1 "$kReg" query 'HKCR\SentrelConfig.ConfigControl'
 # What Wine itself stores with the first script and the first window.
 echo 'WScript.Echo "ready"' >"$kWork/ready.vbs"
-Exits 0 "$kCScript" //nologo "Z:${kWork//\//\\}\\ready.vbs"
+Exits 0 "$kSystem\\cscript.exe" //nologo "Z:${kWork//\//\\}\\ready.vbs"
 Exits 0 "$BUILD_DIR/CalvaneConfigLoader.exe" /release
 Snapshot before
 
 # --- A silent installation
 Exits 0 "$kSetup" /S
-version=$(sed -n 's/^project(.* VERSION \([0-9.]*\) .*/\1/p' CMakeLists.txt)
-Equal DisplayVersion "$(Stored "$kUninstallKey" DisplayVersion)" "$version"
+Equal DisplayVersion "$(Stored "$kUninstallKey" DisplayVersion)" "$(Version)"
 Equal DisplayName "$(Stored "$kUninstallKey" DisplayName)" Calvane
 Equal UninstallString "$(Stored "$kUninstallKey" UninstallString)" "\"$kInstalled\\Uninstall.exe\""
 Equal QuietUninstallString "$(Stored "$kUninstallKey" QuietUninstallString)" "\"$kInstalled\\Uninstall.exe\" /S"
@@ -174,17 +164,14 @@ Equal InstallLocation "$(Stored "$kUninstallKey" InstallLocation)" "$kInstalled"
 size=$(($(Stored "$kUninstallKey" EstimatedSize)))
 bytes=$(find "$kFolder" -type f -printf '%s\n' | awk '{ sum += $1 } END { print sum }')
 ((size >= bytes / 1024 - 1 && size <= bytes / 1024 + 1)) || Fail "EstimatedSize is $size, the files have $bytes bytes"
-for file in SentrelConfig.exe CalvaneConfigLoader.exe Arc.wav; do
-    cmp "$BUILD_DIR/$file" "$kFolder/$file" || Fail "$file is another one"
-done
+InstalledPrograms
 for page in users-guide deployment settings-schema automation windows-check; do
     file=$kFolder/docs/$page.html
     xmllint --html --noout "$file" 2>"$kWork/complaints" || Fail "$page.html is not there"
     [[ ! -s $kWork/complaints ]] || { cat "$kWork/complaints" >&2; Fail "$page.html is no proper page"; }
-    headings=$(sed '/^    /d' "docs/$page.md" | grep -cE '^#+ ')
-    Equal "the number of headings in $page.html" "$(grep -c '^<h[1-6] ' "$file")" "$headings"
-    rows=$(grep -cE '^\| ' "docs/$page.md") || true
-    Equal "the number of rows in $page.html" "$(grep -c '^<tr' "$file" || true)" "$rows"
+    Equal "the number of headings in $page.html" "$(grep -c '^<h[1-6] ' "$file")" \
+        "$(sed '/^    /d' "docs/$page.md" | grep -cE '^#+ ')"
+    Equal "the number of rows in $page.html" "$(grep -c '^<tr' "$file")" "$(grep -cE '^\| ' "docs/$page.md")"
     # What a page links and shows is installed too, and sections are there.
     while IFS= read -r target; do
         [[ $target != *:* ]] || continue
@@ -196,19 +183,17 @@ for page in users-guide deployment settings-schema automation windows-check; do
 done
 grep -q '<img ' "$kFolder/docs/users-guide.html" || Fail "the user's guide has no pictures"
 for file in docs/pictures/*.png; do
-    cmp "$file" "$kFolder/$file" || Fail "$file is another one"
+    SameFile "$file" "$kFolder/$file"
 done
 for file in docs/examples/*; do
-    cmp <(sed 's/$/\r/' "$file") "$kFolder/$file" || Fail "$file is another one, or has not the line ends of Windows"
+    SameFile <(sed 's/$/\r/' "$file") "$kFolder/$file" # with the line ends of Windows
 done
-tr -d '\r' <"$kFolder/docs/examples/sentrel_config.h" | cmp - "$BUILD_DIR/idl/sentrel_config.h" ||
-    Fail "sentrel_config.h, which an example includes, is another one"
+SameFile <(tr -d '\r' <"$kFolder/docs/examples/sentrel_config.h") "$BUILD_DIR/idl/sentrel_config.h"
 ! grep -F "$PWD" "$kFolder/docs/examples/sentrel_config.h" || Fail "sentrel_config.h names a folder of the build machine"
 for file in policy/calvane{,-startup}.admx policy/en-US/calvane{,-startup}.adml; do
-    cmp "packaging/$file" "$kFolder/$file" || Fail "$file is another one"
+    SameFile "packaging/$file" "$kFolder/$file"
 done
-cmp <(sed 's/$/\r/' packaging/policy/calvane-defaults.reg) "$kFolder/policy/calvane-defaults.reg" ||
-    Fail "the defaults are others, or have not the line ends of Windows"
+SameFile <(sed 's/$/\r/' packaging/policy/calvane-defaults.reg) "$kFolder/policy/calvane-defaults.reg"
 for shortcut in 'Calvane' "Calvane user's guide"; do
     [[ -e $kStartMenu/$shortcut.lnk ]] || Fail "\"$shortcut\" is not in the Start menu"
 done
@@ -230,7 +215,7 @@ echo "ok: a script client works and the window shows"
 SetRegistryValue "$kSettingsKey" txtPause REG_SZ 7000
 WriteRunValue "$kInstalled\\CalvaneConfigLoader.exe"
 echo mine >"$kFolder/docs/mine.html"
-ManagerRuns || Fail "the manager ended too early"
+! ManagerEnded || Fail "the manager ended too early"
 Exits 0 "$kSetup" /S '/D=C:\Elsewhere'
 ManagerEnded || Fail "the manager runs on after the upgrade"
 [[ ! -e $WINEPREFIX/drive_c/Elsewhere ]] || Fail "the upgrade made a second copy"
@@ -249,25 +234,24 @@ former=$(stat -c %i "$kFolder/SentrelConfig.exe")
 Exits 3010 "$kSetup" /S
 kill -0 "$halted" || Fail "the manager ended, so that nothing was in use"
 (($(stat -c %i "$kFolder/SentrelConfig.exe") != former)) || Fail "the manager's file is the former one"
-cmp "$BUILD_DIR/SentrelConfig.exe" "$kFolder/SentrelConfig.exe" || Fail "the manager's file was not replaced"
+SameFile "$BUILD_DIR/SentrelConfig.exe" "$kFolder/SentrelConfig.exe"
 (($(stat -c %i "$kFolder/SentrelConfig.exe.1.old") == former)) || Fail "the former file is not aside"
 Equal "the sound in use" "$(cat "$kFolder/Arc.wav")" old
-cmp "$BUILD_DIR/Arc.wav" "$kFolder/Arc.wav.new" || Fail "the new sound does not wait"
+SameFile "$BUILD_DIR/Arc.wav" "$kFolder/Arc.wav.new"
 # Once more before the restart: the same again, the whole exit code seen from Windows.
 printf '@"%s" /S\r\n@echo code %%ERRORLEVEL%%\r\n' "Z:${kSetup//\//\\}" >"$kWork/exit.cmd"
 Exits 3010 cmd /c "Z:${kWork//\//\\}\\exit.cmd"
 grep -q '^code 3010' "$kWork/output" || { cat "$kWork/output" >&2; Fail "the exit code is not 3010"; }
 Restart
 Equal "what is left of the former files" "$(cd "$kFolder" && find . -name '*.old' -o -name '*.new')" ''
-cmp "$BUILD_DIR/Arc.wav" "$kFolder/Arc.wav" || Fail "the sound was not replaced at the restart"
+SameFile "$BUILD_DIR/Arc.wav" "$kFolder/Arc.wav"
 Client 2
 echo "ok: upgraded while files were in use, the rest at the restart"
 
 # --- A removal likewise
 HaltManager
 Keep "$kInstalled\\docs\\users-guide.html"
-# shellcheck disable=SC2086 # the folder behind _?= takes no quotes, and Wine puts them around an argument with blanks
-Exits 3010 "$kInstalled\\Uninstall.exe" /S _?=$kInstalled
+RemoveInUse
 kill -0 "$halted" || Fail "the manager ended, so that nothing was in use"
 Equal UninstallString "$(Stored "$kUninstallKey" UninstallString)" ''
 [[ ! -e $kFolder/SentrelConfig.exe ]] || Fail "the manager's file still has its name"
@@ -279,13 +263,10 @@ echo "ok: removed while files were in use, the rest at the restart"
 # --- Installed before the restart that a removal wants: nothing of it is lost then
 Exits 0 "$kSetup" /S
 HaltManager
-# shellcheck disable=SC2086
-Exits 3010 "$kInstalled\\Uninstall.exe" /S _?=$kInstalled
+RemoveInUse
 Exits 0 "$kSetup" /S
 Restart
-for file in SentrelConfig.exe CalvaneConfigLoader.exe Arc.wav; do
-    cmp "$BUILD_DIR/$file" "$kFolder/$file" || Fail "the restart took $file"
-done
+InstalledPrograms
 echo "ok: installed between a removal and the restart"
 
 # --- Start with Windows, and what points at a folder where the program no longer is
@@ -309,7 +290,7 @@ WaitFor 20 UninstallerEnded
 ManagerEnded || Fail "the manager runs on after its removal"
 Snapshot removed
 WithoutSettings removed || Fail "the settings are gone"
-SameAsBefore removed
+SameLines "not as before" "$kWork/before" "$kWork/removed"
 echo "ok: removed but for the settings"
 
 # --- Installed again with the settings of before, and removed with them; what is not ours stays
@@ -328,7 +309,7 @@ Equal "$kRunValue" "$(Stored "$kRunKey" "$kRunValue")" 'C:\Other\CalvaneConfigLo
 Exits 0 "$kReg" delete "$kRunKey" /v "$kRunValue" /f
 rm -r "$WINEPREFIX/drive_c/Other"
 Snapshot purged
-SameAsBefore purged
+SameLines "not as before" "$kWork/before" "$kWork/purged"
 echo "ok: removed with the settings"
 
 # --- With its pages

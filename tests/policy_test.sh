@@ -34,7 +34,7 @@ ReadStore() {
 
 # FirstStart: the manager starts, hidden, and ends.
 FirstStart() {
-    Exits 0 cscript //nologo "Z:${kWork//\//\\}\\first_run.vbs"
+    Client 2
     Exits 0 "$BUILD_DIR/CalvaneConfigLoader.exe" /release
 }
 
@@ -75,10 +75,6 @@ for admx in "$kAdmx" "$kStartupAdmx"; do
 done
 
 # --- The values of a first start
-cat >"$kWork/first_run.vbs" <<'VBS'
-Set control = CreateObject("SentrelConfig.ConfigControl")
-Set config = control.ConfigInstance(CLng(2))
-VBS
 FirstStart
 ReadStore >"$kWork/values"
 [[ -z $(awk -F'\t' '$3 != "REG_SZ"' "$kWork/values") ]] || Fail "the manager stores something else than text"

@@ -12,10 +12,8 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 kSeconds=30
 
-WindowShows() { xdotool search --onlyvisible --name '^Calvane$' >/dev/null 2>&1; }
 WindowIsHidden() { ! WindowShows; }
 MenuIsClosed() { ! FindMenu "$before"; }
-ManagerEnded() { [[ -z $(ProcessesOf SentrelConfig.exe) ]]; }
 
 StartTrayHost
 TrayHasIcons 0 || Fail "There is an icon before the manager runs"
