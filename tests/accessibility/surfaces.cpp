@@ -13,12 +13,10 @@
 
 namespace {
 
-constexpr wchar_t kDialogClass[] = L"#32770";
-
 void Collect(HWND parent, std::vector<HWND>& controls) {
     for (HWND child = GetWindow(parent, GW_CHILD); child != nullptr; child = GetWindow(child, GW_HWNDNEXT)) {
         if ((StyleOf(child) & WS_VISIBLE) == 0) continue;
-        if (ClassOf(child) == kDialogClass) {
+        if (ClassOf(child) == L"#32770") {
             Collect(child, controls);
         } else {
             controls.push_back(child);
@@ -26,23 +24,10 @@ void Collect(HWND parent, std::vector<HWND>& controls) {
     }
 }
 
-Surface SurfaceOf(HWND window, const std::wstring& name) {
+void Visit(const std::function<void(const Surface&)>& visit, HWND window, const std::wstring& name) {
     Surface surface{name, window, {}};
     Collect(window, surface.controls);
-    return surface;
-}
-
-Role ButtonRole(DWORD style) {
-    switch (style & BS_TYPEMASK) {
-        case BS_GROUPBOX:
-            return Role::Frame;
-        case BS_AUTOCHECKBOX:
-            return Role::CheckBox;
-        case BS_AUTORADIOBUTTON:
-            return Role::OptionButton;
-        default:
-            return Role::Button;
-    }
+    visit(surface);
 }
 
 template <class Form>
@@ -50,7 +35,7 @@ void VisitDialog(const std::function<void(const Surface&)>& visit) {
     Form form;
     form.Create(nullptr);
     ShowWindow(form.Hwnd(), SW_SHOW);
-    visit(SurfaceOf(form.Hwnd(), ShownText(form.Hwnd())));
+    Visit(visit, form.Hwnd(), ShownText(form.Hwnd()));
 }
 
 }  // namespace
@@ -62,7 +47,7 @@ void ForEachSurface(const std::function<void(const Surface& surface)>& visit) {
         const HWND tabs = GetDlgItem(Window(), IDC_TAB);
         for (int page = 0; page < TabCtrl_GetItemCount(tabs); ++page) {
             TabCtrl_SetCurFocus(tabs, page);
-            visit(SurfaceOf(Window(), TabText(tabs, page)));
+            Visit(visit, Window(), TabText(tabs, page));
         }
     }
     VisitDialog<frmAddUrl>(visit);
@@ -80,16 +65,6 @@ RECT BoundsOf(HWND control) {
     return bounds;
 }
 
-RECT StripOf(HWND tabs) {
-    RECT strip{};
-    RECT last{};
-    TabCtrl_GetItemRect(tabs, 0, &strip);
-    TabCtrl_GetItemRect(tabs, TabCtrl_GetItemCount(tabs) - 1, &last);
-    strip.right = last.right;
-    MapWindowPoints(tabs, HWND_DESKTOP, reinterpret_cast<POINT*>(&strip), 2);
-    return strip;
-}
-
 std::wstring CaptionOf(HWND control) {
     std::wstring text = ShownText(control);
     if (ClassOf(control) != WC_LINK) return text;
@@ -103,7 +78,12 @@ Role RoleOf(HWND control) {
     const std::wstring name = ClassOf(control);
     const DWORD style = StyleOf(control);
     if (name == WC_STATICW) return (style & SS_NOTIFY) != 0 ? Role::Picture : Role::Text;
-    if (name == WC_BUTTONW) return ButtonRole(style);
+    if (name == WC_BUTTONW) {
+        const DWORD type = style & BS_TYPEMASK;
+        if (type == BS_GROUPBOX) return Role::Frame;
+        if (type == BS_AUTOCHECKBOX) return Role::CheckBox;
+        return type == BS_AUTORADIOBUTTON ? Role::OptionButton : Role::Button;
+    }
     if (name == WC_EDITW) return Role::TextBox;
     if (name == WC_COMBOBOXW) return Role::Combo;
     if (name == WC_LISTBOXW) return Role::ListBox;

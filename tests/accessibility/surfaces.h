@@ -20,7 +20,6 @@ void ForEachSurface(const std::function<void(const Surface& surface)>& visit);
 
 DWORD StyleOf(HWND control);
 RECT BoundsOf(HWND control);           // on the screen
-RECT StripOf(HWND tabs);               // where the tabs themselves are, on the screen
 std::wstring CaptionOf(HWND control);  // without the mark-up of a link
 
 enum class Role {

@@ -45,14 +45,11 @@ public:
         return {bounds.right, bounds.bottom};
     }
 
-    // The family of the font that the system has found, whatever was asked for.
-    std::wstring Family() const {
-        const UINT size = GetOutlineTextMetricsW(m_dc, 0, nullptr);
-        std::vector<BYTE> bytes(std::max<size_t>(size, sizeof(OUTLINETEXTMETRICW)));
-        auto* const metrics = reinterpret_cast<OUTLINETEXTMETRICW*>(bytes.data());
-        if (GetOutlineTextMetricsW(m_dc, size, metrics) == 0) return {};
-        return reinterpret_cast<const wchar_t*>(bytes.data() +
-                                                reinterpret_cast<UINT_PTR>(metrics->otmpFamilyName));
+    // The name of the font that the system has found, whatever was asked for.
+    std::wstring Face() const {
+        wchar_t name[LF_FACESIZE]{};
+        GetTextFaceW(m_dc, LF_FACESIZE, name);
+        return name;
     }
 
 private:
@@ -72,12 +69,6 @@ Caption OneLine(const std::string& where, HWND control, const std::wstring& text
                 UINT format = DT_NOPREFIX) {
     const SIZE size = FontMeter(control).Measure(text, DT_SINGLELINE | format);
     return {where, {size.cx + round.cx, size.cy + round.cy}, ClientSize(control)};
-}
-
-// A label breaks its text between words.
-Caption LabelOf(const std::string& where, HWND label, const std::wstring& text) {
-    const SIZE space = ClientSize(label);
-    return {where, FontMeter(label).Measure(text, DT_WORDBREAK, space.cx), space};
 }
 
 std::vector<Caption> Items(const std::string& where, HWND combo, int longer) {
@@ -134,15 +125,8 @@ Caption TextBoxOf(const std::string& where, HWND box) {
 
 }  // namespace
 
-int Dpi() {
-    const HDC screen = GetDC(nullptr);
-    const int dpi = GetDeviceCaps(screen, LOGPIXELSX);
-    ReleaseDC(nullptr, screen);
-    return dpi;
-}
-
 int Scaled(int pixels) {
-    return MulDiv(pixels, Dpi(), 96);
+    return MulDiv(pixels, Dpi(), kDefaultDpi);
 }
 
 SIZE SizeOfText(HWND control, const std::wstring& text) {
@@ -150,7 +134,7 @@ SIZE SizeOfText(HWND control, const std::wstring& text) {
 }
 
 std::wstring FontOf(HWND control) {
-    return FontMeter(control).Family();
+    return FontMeter(control).Face();
 }
 
 LONG FontHeightOf(HWND control) {
@@ -163,7 +147,9 @@ std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int long
     const std::wstring text = Lengthened(CaptionOf(control), longer);
     switch (RoleOf(control)) {
         case Role::Text:
-            return {LabelOf(where, control, text)};
+            // It breaks between words.
+            return {{where, FontMeter(control).Measure(text, DT_WORDBREAK, ClientSize(control).cx),
+                     ClientSize(control)}};
         case Role::Link:
             return {OneLine(where, control, text, {})};
         case Role::Button:

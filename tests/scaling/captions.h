@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/dpi.h"
 #include "tests/accessibility/surfaces.h"
 
 // One text that somebody has to read, in pixels.
@@ -24,7 +25,10 @@ std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int long
 // Of the title bar.
 Caption TitleOf(const Surface& surface, int longer = 0);
 
-int Dpi();
+// Of this process.
+inline int Dpi() {
+    return DpiOf(nullptr);
+}
 
 // Pixels of 96 dpi in pixels of this screen.
 int Scaled(int pixels);

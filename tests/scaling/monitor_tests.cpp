@@ -6,7 +6,6 @@
 #include <commctrl.h>
 
 #include <cstdlib>
-#include <iterator>
 #include <map>
 #include <vector>
 
@@ -23,7 +22,7 @@ constexpr int kMoves[] = {96, 120, 144, 192, 96, 192, 144, 120, 96};
 
 constexpr int kTabPadding = 6;  // on each side, in pixels of 96 dpi
 
-// The bounds of the window and its controls, on the screen, and the widths of list columns.
+// The bounds of the window and its controls, on the screen, the end of the tabs and the widths of columns.
 std::vector<LONG> PlacesOf(const Surface& surface) {
     std::vector<LONG> places;
     const auto add = [&](HWND window) {
@@ -33,11 +32,14 @@ std::vector<LONG> PlacesOf(const Surface& surface) {
     add(surface.window);
     for (const HWND control : surface.controls) {
         add(control);
-        if (ClassOf(control) == WC_TABCONTROLW) places.push_back(StripOf(control).right);
-        if (ClassOf(control) != WC_LISTVIEWW) continue;
-        const int columns = Header_GetItemCount(ListView_GetHeader(control));
-        for (int column = 0; column < columns; ++column)
-            places.push_back(ListView_GetColumnWidth(control, column));
+        if (RoleOf(control) == Role::Tabs) {
+            RECT last{};
+            TabCtrl_GetItemRect(control, TabCtrl_GetItemCount(control) - 1, &last);
+            places.push_back(last.right);
+        } else if (RoleOf(control) == Role::ListView) {
+            for (int column = 0; column < Header_GetItemCount(ListView_GetHeader(control)); ++column)
+                places.push_back(ListView_GetColumnWidth(control, column));
+        }
     }
     return places;
 }
@@ -47,26 +49,14 @@ bool IsScaled(LONG height, LONG before, int dpi) {
     return std::abs(height - MulDiv(before, dpi, Dpi())) <= 1;
 }
 
-// The texts of the tabs keep their distance from the edges.
-void CheckTabPadding(const Surface& surface, int dpi) {
-    // Short ones have more space than they need, since tabs have a least width.
-    constexpr int kSettings = 0;
-    const HWND tabs = GetDlgItem(surface.window, IDC_TAB);
-    if (tabs == nullptr) return;
-    RECT tab{};
-    TabCtrl_GetItemRect(tabs, kSettings, &tab);
-    const LONG beside = tab.right - tab.left - SizeOfText(tabs, TabText(tabs, kSettings)).cx;
-    CHECK(beside >= 2 * MulDiv(kTabPadding, dpi, kDefaultDpi));
-}
-
 }  // namespace
 
 TEST_CASE(
     "window, fonts, places and columns follow each move between monitors, nothing is cut off, and a "
     "resolution looks as it did the first time") {
-    int checked = 0;
-    ForEachSurface([&](const Surface& surface) {
+    ForEachSurface([](const Surface& surface) {
         CAPTURE(surface.name);
+        const HWND tabs = GetDlgItem(surface.window, IDC_TAB);
         const std::vector<LONG> start = PlacesOf(surface);
         const LONG width = start[2] - start[0];
         std::map<HWND, LONG> heights;
@@ -85,9 +75,15 @@ TEST_CASE(
                 CAPTURE(Describe(surface, control));
                 if (RoleOf(control) != Role::Spin)
                     CHECK(IsScaled(FontHeightOf(control), heights[control], dpi));
-                ++checked;
             }
-            CheckTabPadding(surface, dpi);
+            if (tabs != nullptr) {
+                // Short texts have more space than they need, since tabs have a least width.
+                constexpr int kSettings = 0;
+                RECT tab{};
+                TabCtrl_GetItemRect(tabs, kSettings, &tab);
+                CHECK(tab.right - tab.left - SizeOfText(tabs, TabText(tabs, kSettings)).cx >=
+                      2 * MulDiv(kTabPadding, dpi, kDefaultDpi));
+            }
             // The frame of the window stays as it is at this process's resolution: Wine does not scale it.
             if (dpi >= Dpi()) CHECK(TextOf(FaultsOf(surface)) == "");
             const std::vector<LONG> places = PlacesOf(surface);
@@ -98,7 +94,6 @@ TEST_CASE(
                      SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
         CHECK(PlacesOf(surface) == start);
     });
-    CHECK(checked > 60 * static_cast<int>(std::size(kMoves)));
 }
 
 TEST_CASE("a window grows at once when the user asks for larger text, and shrinks again") {
