@@ -16,11 +16,6 @@ Runs() {
     "$@" >"$kWork/output" 2>&1 || { tail -40 "$kWork/output" >&2; Fail "$*"; }
 }
 
-# Names ZIP: of the files in it.
-Names() {
-    unzip -Z1 "$1"
-}
-
 # --- A build that signs, with a certificate made here
 Runs openssl req -x509 -newkey rsa:2048 -nodes -days 2 -subj '/CN=Calvane test' -addext extendedKeyUsage=codeSigning \
     -keyout "$kWork/key.pem" -out "$kWork/certificate.pem"
@@ -40,11 +35,6 @@ for file in "$kSigned"/{SentrelConfig,CalvaneConfigLoader,CalvaneSetup}.exe "$kS
     Runs osslsigncode verify -CAfile "$kWork/certificate.pem" -in "$file"
     grep -q '^Signature verification: ok' "$kWork/output" || Fail "$file bears no valid signature"
 done
-# A file that was changed afterwards is found out.
-cp "$kSigned/CalvaneConfigLoader.exe" "$kWork/changed.exe"
-printf x | dd of="$kWork/changed.exe" bs=1 seek=4096 conv=notrunc 2>"$kWork/output"
-! osslsigncode verify -CAfile "$kWork/certificate.pem" -in "$kWork/changed.exe" >"$kWork/output" 2>&1 ||
-    Fail "a changed program still verifies"
 echo "ok: signed"
 
 # --- The folder
@@ -59,8 +49,8 @@ for program in SentrelConfig CalvaneConfigLoader; do
 done
 SameLines "the portable zip has not what is installed" \
     <(cd "$kFolder" && find . -type f ! -name Uninstall.exe -printf '%P\n' | sort) \
-    <(Names "Calvane-$version-portable.zip" | sort)
-SameLines "the symbols" <(printf '%s.exe.debug\n' CalvaneConfigLoader SentrelConfig) <(Names "Calvane-$version-symbols.zip")
+    <(unzip -Z1 "Calvane-$version-portable.zip" | sort)
+SameLines "the symbols" <(printf '%s.exe.debug\n' CalvaneConfigLoader SentrelConfig) <(unzip -Z1 "Calvane-$version-symbols.zip")
 echo "ok: the folder is complete"
 
 # --- The symbols fit the programs, which have none themselves

@@ -155,12 +155,16 @@ Snapshot before
 
 # --- A silent installation
 Exits 0 "$kSetup" /S
-Equal DisplayVersion "$(Stored "$kUninstallKey" DisplayVersion)" "$(Version)"
-Equal DisplayName "$(Stored "$kUninstallKey" DisplayName)" Calvane
-Equal UninstallString "$(Stored "$kUninstallKey" UninstallString)" "\"$kInstalled\\Uninstall.exe\""
-Equal QuietUninstallString "$(Stored "$kUninstallKey" QuietUninstallString)" "\"$kInstalled\\Uninstall.exe\" /S"
-Equal DisplayIcon "$(Stored "$kUninstallKey" DisplayIcon)" "$kInstalled\\SentrelConfig.exe,0"
-Equal InstallLocation "$(Stored "$kUninstallKey" InstallLocation)" "$kInstalled"
+while read -r value text; do
+    Equal "$value" "$(Stored "$kUninstallKey" "$value")" "$text"
+done <<VALUES
+DisplayVersion $(Version)
+DisplayName Calvane
+UninstallString "$kInstalled\\Uninstall.exe"
+QuietUninstallString "$kInstalled\\Uninstall.exe" /S
+DisplayIcon $kInstalled\\SentrelConfig.exe,0
+InstallLocation $kInstalled
+VALUES
 size=$(($(Stored "$kUninstallKey" EstimatedSize)))
 bytes=$(find "$kFolder" -type f -printf '%s\n' | awk '{ sum += $1 } END { print sum }')
 ((size >= bytes / 1024 - 1 && size <= bytes / 1024 + 1)) || Fail "EstimatedSize is $size, the files have $bytes bytes"

@@ -102,22 +102,6 @@ while IFS=$'\t' read -r key name _ data; do
         Fail "the policy cannot set $name to $data"
 done <"$kWork/values"
 
-# --- The user's store alone; the machine's Run value is a policy file of its own, which proposes quotes
-Values '//e:policy/@key' "$kAdmx" | sort -u >"$kWork/keys"
-cat >"$kWork/expected" <<'KEYS'
-Software\Calvane\Banners
-Software\Calvane\Exclude
-Software\Calvane\Search
-Software\Calvane\Settings
-KEYS
-SameLines "the keys" "$kWork/expected" "$kWork/keys"
-Equal "the classes" "$(Values '//e:policy/@class' "$kAdmx" | sort -u)" User
-Equal "the machine's key" "$(Values '//e:policy[@class="Machine"]/@key' "$kStartupAdmx")" \
-    'Software\Microsoft\Windows\CurrentVersion\Run'
-Equal "the machine's value" "$(Values '//@valueName' "$kStartupAdmx")" 'Calvane Config Manager'
-Equal "the path proposed" "$(XPath 'string(//e:textBox[@refId="Run"]/e:defaultValue)' \
-    packaging/policy/en-US/calvane-startup.adml)" '"C:\Program Files (x86)\Calvane\CalvaneConfigLoader.exe"'
-
 # --- The defaults to import are those of a first start, but for the folder of the sound
 Exits 0 reg delete 'HKCU\Software\Calvane' /f
 Exits 0 reg import "Z:${PWD//\//\\}\\${kDefaults//\//\\}"

@@ -176,16 +176,12 @@ TEST_CASE_FIXTURE(KeyWindow, "Enter presses the button with the focus, and nothi
     CHECK(StoredPause() == L"17000");
     CHECK(IsShown());
 
-    for (const auto& [button, typed, shown] :
-         {std::tuple{IDC_CMDOK, L"18", L"18"}, {IDCANCEL, L"19", L"18"}}) {
+    for (const int button : {IDC_CMDOK, IDCANCEL}) {
         CAPTURE(button);
         Instance(formShow);
-        Pause(typed);
         Focus(button);
         Press(VK_RETURN);
         CHECK_FALSE(IsShown());
-        CHECK(Pause() == std::wstring(shown));
-        CHECK(StoredPause() == L"18000");
     }
 }
 
