@@ -6,6 +6,7 @@
 #include <windows.h>
 #include <oleauto.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,7 @@ using Export = std::vector<std::wstring>;
 
 inline void AddKey(HKEY key, const std::wstring& path, Export& lines) {
     lines.push_back(L'[' + path + L']');
+    const size_t first = lines.size();
     wchar_t name[1024];
     for (DWORD i = 0;; ++i) {
         wchar_t data[1024]{};
@@ -60,6 +62,8 @@ inline void AddKey(HKEY key, const std::wstring& path, Export& lines) {
         lines.push_back(std::wstring(name) + L'=' + data + L", type " + std::to_wstring(type) + L", " +
                         std::to_wstring(size) + L" bytes");
     }
+    // Windows tells them in the order in which they were written.
+    std::sort(lines.begin() + static_cast<ptrdiff_t>(first), lines.end());
     for (DWORD i = 0; RegEnumKeyW(key, i, name, 1024) == ERROR_SUCCESS; ++i) {
         RegistryKey child;
         REQUIRE(RegOpenKeyExW(key, name, 0, KEY_READ, child.Put()) == ERROR_SUCCESS);
