@@ -90,13 +90,6 @@ std::vector<std::string> FaultsOf(const Surface& surface, HWND control) {
     return faults;
 }
 
-std::string TextOf(const std::vector<std::string>& faults) {
-    std::string text;
-    for (const std::string& fault : faults)
-        text += fault + '\n';
-    return text;
-}
-
 std::vector<std::string> FaultsOf(const Surface& surface) {
     std::vector<std::string> faults;
     AddCutOff(TitleOf(surface), faults);

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tests/accessibility/surfaces.h"
+#include "tests/support/shown_text.h"
 
 // One line for each fault. It begins with the description of the control and says which of these it is.
 inline constexpr char kIsCutOff[] = " is cut off";
@@ -15,9 +16,7 @@ inline constexpr char kCovers[] = " covers ";
 inline constexpr char kLeavesPage[] = " leaves its page";
 
 std::vector<std::string> FaultsOf(const Surface& surface);
-
-// All of them, one below the other.
-std::string TextOf(const std::vector<std::string>& faults);
+inline const std::vector<std::string> kNoFaults;
 
 // Of one control, and of it and those before it.
 std::vector<std::string> FaultsOf(const Surface& surface, HWND control);

@@ -148,7 +148,7 @@ TEST_CASE("the controls and their places are those of the pictures") {
 TEST_CASE(
     "every text fits its control, also when it is longer by two fifths, and no control covers another") {
     ForEachSurface([](const Surface& surface) {
-        CHECK(TextOf(FaultsOf(surface)) == "");
+        CHECK(FaultsOf(surface) == kNoFaults);
         CHECK(TitleOf(surface, kLonger).Fits());
         for (const HWND control : surface.controls) {
             for (const Caption& caption : CaptionsOf(Describe(surface, control), control, kLonger)) {
@@ -162,10 +162,11 @@ TEST_CASE(
 }
 
 TEST_CASE(
-    "the window and its dialogs fit a small desktop, and their controls keep as far from each edge as from "
-    "the opposite one") {
+    "the window and its dialogs have a fixed size that fits a small desktop, and their controls keep as far "
+    "from each edge as from the opposite one") {
     ForEachSurface([](const Surface& surface) {
         CAPTURE(surface.name);
+        CHECK((StyleOf(surface.window) & WS_THICKFRAME) == 0);
         const RECT bounds = BoundsOf(surface.window);
         const LONG text = FontHeightOf(surface.controls.back());
         CHECK(bounds.right - bounds.left <= MulDiv(kDesktop.cx, text, kTextHeight));

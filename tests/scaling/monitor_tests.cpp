@@ -182,7 +182,7 @@ TEST_CASE(
                       2 * MulDiv(kTabPadding, dpi, kDefaultDpi));
             }
             // The frame of the window stays as it is at this process's resolution: Wine does not scale it.
-            if (dpi >= Dpi()) CHECK(TextOf(FaultsOf(surface)) == "");
+            if (dpi >= Dpi()) CHECK(FaultsOf(surface) == kNoFaults);
             const std::vector<LONG> places = PlacesOf(surface);
             CHECK(first.try_emplace(dpi, places).first->second == places);
         }
@@ -207,7 +207,7 @@ TEST_CASE("a window grows at once when the user asks for larger text, and shrink
         SendMessageW(surface.window, WM_SETTINGCHANGE, SPI_SETNONCLIENTMETRICS, 0);
         CHECK(PlacesOf(surface)[2] > start[2]);
         CHECK(IsScaled(FontHeightOf(surface.controls.front()), -larger.lfMessageFont.lfHeight, Dpi()));
-        CHECK(TextOf(FaultsOf(surface)) == "");
+        CHECK(FaultsOf(surface) == kNoFaults);
 
         SystemParametersInfoW(SPI_SETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0);
         SendMessageW(surface.window, WM_SETTINGCHANGE, SPI_SETNONCLIENTMETRICS, 0);
