@@ -2,24 +2,22 @@
 // these two functions would skip.
 #include <windows.h>
 
+#include "platform/system_library.h"
+
 extern "C" void __gcov_dump();
 
 namespace {
 
-template <class Function>
-Function Kernel(const char* name) {
-    return reinterpret_cast<Function>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
-}
+const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
 
 void WINAPI DumpAndExit(UINT code) {
     __gcov_dump();
-    Kernel<decltype(&ExitProcess)>("ExitProcess")(code);
+    FunctionOf<void WINAPI(UINT)>(kernel, "ExitProcess")(code);
 }
 
 BOOL WINAPI DumpAndTerminate(HANDLE process, UINT code) {
     __gcov_dump();
-    return Kernel<decltype(&TerminateProcess)>("TerminateProcess")(process, code);
+    return FunctionOf<BOOL WINAPI(HANDLE, UINT)>(kernel, "TerminateProcess")(process, code);
 }
 
 }  // namespace

@@ -65,29 +65,28 @@ SIZE ClientSize(HWND control) {
 }
 
 // format: DT_NOPREFIX, or 0 where the character after a "&" is drawn as the access key.
-Caption OneLine(const std::string& where, HWND control, const std::wstring& text, SIZE round,
-                UINT format = DT_NOPREFIX) {
+Caption OneLine(HWND control, const std::wstring& text, SIZE round, UINT format = DT_NOPREFIX) {
     const SIZE size = FontMeter(control).Measure(text, DT_SINGLELINE | format);
-    return {where, {size.cx + round.cx, size.cy + round.cy}, ClientSize(control)};
+    return {{size.cx + round.cx, size.cy + round.cy}, ClientSize(control)};
 }
 
-std::vector<Caption> Items(const std::string& where, HWND combo, int longer) {
+std::vector<Caption> Items(HWND combo, int longer) {
     std::vector<Caption> captions;
     for (const std::wstring& item : ComboItems(combo)) {
         captions.push_back(OneLine(
-            where, combo, Lengthened(item, longer),
+            combo, Lengthened(item, longer),
             {2 * Scaled(kTextBoxMargin) + GetSystemMetrics(SM_CXVSCROLL), 2 * GetSystemMetrics(SM_CYEDGE)}));
     }
     return captions;
 }
 
-std::vector<Caption> HeadingsOf(const std::string& where, HWND list, int longer) {
+std::vector<Caption> HeadingsOf(HWND list, int longer) {
     std::vector<Caption> captions;
     const HWND header = ListView_GetHeader(list);
     const Rows headings = Headings(list);
     for (size_t column = 0; column < headings.size(); ++column) {
         Caption caption =
-            OneLine(where, header, Lengthened(headings[column], longer), {2 * Scaled(kHeadingMargin), 0});
+            OneLine(header, Lengthened(headings[column], longer), {2 * Scaled(kHeadingMargin), 0});
         caption.space.cx = ListView_GetColumnWidth(list, static_cast<int>(column));
         captions.push_back(caption);
     }
@@ -96,8 +95,8 @@ std::vector<Caption> HeadingsOf(const std::string& where, HWND list, int longer)
 
 // The row of tabs is as wide as its texts and a fixed amount for each tab. Where that is too much it
 // scrolls, and a tab out of sight has an empty rectangle and no space at all.
-Caption TabsOf(const std::string& where, HWND tabs, int longer) {
-    Caption caption{where, {2 * kTabStripMargin, 0}, ClientSize(tabs)};
+Caption TabsOf(HWND tabs, int longer) {
+    Caption caption{{2 * kTabStripMargin, 0}, ClientSize(tabs)};
     for (int tab = 0; tab < TabCtrl_GetItemCount(tabs); ++tab) {
         RECT item{};
         TabCtrl_GetItemRect(tabs, tab, &item);
@@ -111,14 +110,13 @@ Caption TabsOf(const std::string& where, HWND tabs, int longer) {
 }
 
 // Space for what is in it, or for the longest number that makes sense.
-Caption TextBoxOf(const std::string& where, HWND box) {
+Caption TextBoxOf(HWND box) {
     RECT space{};
     SendMessageW(box, EM_GETRECT, 0, reinterpret_cast<LPARAM>(&space));
     const std::wstring text = ShownText(box);
     const HWND next = GetWindow(box, GW_HWNDNEXT);
     const bool hasSpin = next != nullptr && ClassOf(next) == UPDOWN_CLASSW;
-    Caption caption =
-        OneLine(where, box, text.empty() ? L"1024" : text, {hasSpin ? ClientSize(next).cx : 0, 0});
+    Caption caption = OneLine(box, text.empty() ? L"1024" : text, {hasSpin ? ClientSize(next).cx : 0, 0});
     caption.space = {space.right - space.left, space.bottom - space.top};
     return caption;
 }
@@ -143,34 +141,32 @@ LONG FontHeightOf(HWND control) {
     return -font.lfHeight;
 }
 
-std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int longer) {
+std::vector<Caption> CaptionsOf(HWND control, int longer) {
     const std::wstring text = Lengthened(CaptionOf(control), longer);
     switch (RoleOf(control)) {
         case Role::Text:
             // It breaks between words.
-            return {{where, FontMeter(control).Measure(text, DT_WORDBREAK, ClientSize(control).cx),
+            return {{FontMeter(control).Measure(text, DT_WORDBREAK, ClientSize(control).cx),
                      ClientSize(control)}};
         case Role::Link:
-            return {OneLine(where, control, text, {})};
+            return {OneLine(control, text, {})};
         case Role::Button:
-            return {OneLine(where, control, text,
-                            {2 * Scaled(kButtonMargin), 2 * GetSystemMetrics(SM_CYEDGE)}, 0)};
+            return {OneLine(control, text, {2 * Scaled(kButtonMargin), 2 * GetSystemMetrics(SM_CYEDGE)}, 0)};
         case Role::CheckBox:
         case Role::OptionButton:
-            return {
-                OneLine(where, control, text, {GetSystemMetrics(SM_CXMENUCHECK) + Scaled(kGlyphGap), 0}, 0)};
+            return {OneLine(control, text, {GetSystemMetrics(SM_CXMENUCHECK) + Scaled(kGlyphGap), 0}, 0)};
         case Role::Frame:
-            return {OneLine(where, control, text, {2 * Scaled(kFrameMargin), 0}, 0)};
+            return {OneLine(control, text, {2 * Scaled(kFrameMargin), 0}, 0)};
         case Role::Combo:
-            return Items(where, control, longer);
+            return Items(control, longer);
         case Role::ListView:
-            return HeadingsOf(where, control, longer);
+            return HeadingsOf(control, longer);
         case Role::ListBox:
-            return {OneLine(where, control, L"www.example.com", {2 * Scaled(kListRowMargin), 0})};
+            return {OneLine(control, L"www.example.com", {2 * Scaled(kListRowMargin), 0})};
         case Role::Tabs:
-            return {TabsOf(where, control, longer)};
+            return {TabsOf(control, longer)};
         case Role::TextBox:
-            return {TextBoxOf(where, control)};
+            return {TextBoxOf(control)};
         case Role::Picture:
         case Role::Spin:
             break;
@@ -193,7 +189,5 @@ Caption TitleOf(const Surface& surface, int longer) {
     const RECT whole = BoundsOf(window);
     const int round = buttons * GetSystemMetrics(SM_CXSIZE) + GetSystemMetrics(SM_CXSMICON) +
                       2 * GetSystemMetrics(SM_CXDLGFRAME) + Scaled(kTextBoxMargin);
-    return {ToAnsi(surface.name) + ", title",
-            {text.cx + round, text.cy},
-            {whole.right - whole.left, GetSystemMetrics(SM_CYCAPTION)}};
+    return {{text.cx + round, text.cy}, {whole.right - whole.left, GetSystemMetrics(SM_CYCAPTION)}};
 }

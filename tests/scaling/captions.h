@@ -11,7 +11,6 @@
 
 // One text that somebody has to read, in pixels.
 struct Caption {
-    std::string where;
     SIZE needed;  // the text and what the control draws round it
     SIZE space;
 
@@ -20,7 +19,7 @@ struct Caption {
 
 // Of one control: most have one text, lists one for each heading, combo boxes one for each item. Each text is
 // taken to be longer by so many per cent of its characters.
-std::vector<Caption> CaptionsOf(const std::string& where, HWND control, int longer = 0);
+std::vector<Caption> CaptionsOf(HWND control, int longer = 0);
 
 // Of the title bar.
 Caption TitleOf(const Surface& surface, int longer = 0);

@@ -46,14 +46,14 @@ TEST_CASE("a text that lacks one pixel, and a control that covers another or lea
             const auto isReported = [&](const char* fault, const RECT& moves) {
                 return IsReported(surface, control, fault, moves);
             };
-            const std::vector<Caption> captions = CaptionsOf("", control);
+            const std::vector<Caption> captions = CaptionsOf(control);
             if (role == Role::ListView) {
                 const int width = ListView_GetColumnWidth(control, 0);
                 ListView_SetColumnWidth(control, 0, captions.front().needed.cx - 1);
                 CHECK(isReported(kIsCutOff, {}));
                 ListView_SetColumnWidth(control, 0, width);
             } else if (!captions.empty()) {
-                const auto& [where, needed, space] = Tightest(captions);
+                const auto& [needed, space] = Tightest(captions);
                 const LONG across = needed.cx - space.cx;
                 const LONG down = needed.cy - space.cy;
                 // A label with space for one more line breaks its text elsewhere first.

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "platform/text.h"
 #include "tests/scaling/captions.h"
 
 namespace {
@@ -24,7 +25,7 @@ bool FrameCovers(HWND frame, HWND control) {
     const RECT bounds = BoundsOf(frame);
     const RECT other = BoundsOf(control);
     RECT caption = bounds;
-    caption.bottom = caption.top + CaptionsOf("", frame).front().needed.cy;
+    caption.bottom = caption.top + CaptionsOf(frame).front().needed.cy;
     return Overlap(bounds, other) && (!Contains(bounds, other) || Overlap(caption, other));
 }
 
@@ -50,9 +51,9 @@ std::string Text(SIZE size) {
     return std::to_string(size.cx) + " x " + std::to_string(size.cy);
 }
 
-void AddCutOff(const Caption& caption, std::vector<std::string>& faults) {
+void AddCutOff(const std::string& where, const Caption& caption, std::vector<std::string>& faults) {
     if (caption.Fits()) return;
-    faults.push_back(caption.where + kIsCutOff + ": it takes " + Text(caption.needed) + " pixels and has " +
+    faults.push_back(where + kIsCutOff + ": it takes " + Text(caption.needed) + " pixels and has " +
                      Text(caption.space));
 }
 
@@ -80,8 +81,8 @@ RECT PageAreaOf(HWND tabs) {
 std::vector<std::string> FaultsOf(const Surface& surface, HWND control) {
     std::vector<std::string> faults;
     const std::string where = Describe(surface, control);
-    for (const Caption& caption : CaptionsOf(where, control))
-        AddCutOff(caption, faults);
+    for (const Caption& caption : CaptionsOf(control))
+        AddCutOff(where, caption, faults);
     if (LeavesPage(surface, control)) faults.push_back(where + kLeavesPage);
     for (const HWND other : surface.controls) {
         if (other == control) break;
@@ -92,7 +93,7 @@ std::vector<std::string> FaultsOf(const Surface& surface, HWND control) {
 
 std::vector<std::string> FaultsOf(const Surface& surface) {
     std::vector<std::string> faults;
-    AddCutOff(TitleOf(surface), faults);
+    AddCutOff(ToAnsi(surface.name) + ", title", TitleOf(surface), faults);
     for (const HWND control : surface.controls)
         std::ranges::move(FaultsOf(surface, control), std::back_inserter(faults));
     return faults;

@@ -151,8 +151,8 @@ TEST_CASE(
         CHECK(FaultsOf(surface) == kNoFaults);
         CHECK(TitleOf(surface, kLonger).Fits());
         for (const HWND control : surface.controls) {
-            for (const Caption& caption : CaptionsOf(Describe(surface, control), control, kLonger)) {
-                CAPTURE(caption.where);
+            CAPTURE(Describe(surface, control));
+            for (const Caption& caption : CaptionsOf(control, kLonger)) {
                 CAPTURE(caption.space.cx);
                 CHECK(caption.needed.cx > 0);
                 CHECK(caption.Fits());
