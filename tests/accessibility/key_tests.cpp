@@ -3,6 +3,7 @@
 
 #include <windows.h>
 #include <commctrl.h>
+#include <shellapi.h>
 
 #include <functional>
 
@@ -11,6 +12,7 @@
 #include "store/settings_schema.h"
 #include "tests/entry/window_inside.h"
 #include "tests/support/dialog_script.h"
+#include "tests/support/import_fake.h"
 #include "tests/support/shown_text.h"
 
 namespace {
@@ -148,7 +150,8 @@ TEST_CASE_FIXTURE(KeyWindow,
     CHECK(FocusedId() == IDC_TXTPAUSE);
 }
 
-TEST_CASE_FIXTURE(KeyWindow, "Enter presses the button with the focus, and nothing where none has it") {
+TEST_CASE_FIXTURE(KeyWindow,
+                  "Enter presses the button or the link with the focus, and nothing where none has it") {
     Pause(L"17");
     EnableWindow(ControlOf(IDC_CMDAPPLY), TRUE);
     for (const auto& [page, id] : {std::pair{kSettings, IDC_TXTPAUSE},
@@ -176,6 +179,14 @@ TEST_CASE_FIXTURE(KeyWindow, "Enter presses the button with the focus, and nothi
     CHECK(StoredPause() == L"17000");
     CHECK(IsShown());
 
+    int opened = 0;
+    const ImportFake<"ShellExecuteA", decltype(&ShellExecuteA)> browser{
+        "shell32.dll", [&](auto...) { return reinterpret_cast<HINSTANCE>(INT_PTR{++opened}); }};
+    Page(kAbout);
+    Focus(IDC_LBLNAVSITE);
+    Press(VK_RETURN);
+    CHECK(opened == 1);
+    CHECK(IsShown());
     for (const int button : {IDC_CMDOK, IDCANCEL}) {
         CAPTURE(button);
         Instance(formShow);

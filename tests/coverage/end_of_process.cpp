@@ -2,22 +2,24 @@
 // these two functions would skip.
 #include <windows.h>
 
-#include "platform/system_library.h"
-
 extern "C" void __gcov_dump();
 
 namespace {
 
-const HMODULE kernel = GetModuleHandleW(L"kernel32.dll");
+template <class Function>
+Function Kernel(const char* name) {
+    return reinterpret_cast<Function>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), name)));
+}
 
 void WINAPI DumpAndExit(UINT code) {
     __gcov_dump();
-    FunctionOf<void WINAPI(UINT)>(kernel, "ExitProcess")(code);
+    Kernel<decltype(&ExitProcess)>("ExitProcess")(code);
 }
 
 BOOL WINAPI DumpAndTerminate(HANDLE process, UINT code) {
     __gcov_dump();
-    return FunctionOf<BOOL WINAPI(HANDLE, UINT)>(kernel, "TerminateProcess")(process, code);
+    return Kernel<decltype(&TerminateProcess)>("TerminateProcess")(process, code);
 }
 
 }  // namespace

@@ -19,6 +19,7 @@ TEST_CASE("the command line names what the server is to do") {
         {L"RegServer", ServerCommand::None},
         {L"--RegServer", ServerCommand::None},
         {L"/RegServerPerUser", ServerCommand::None},
+        {L"/Register", ServerCommand::None},
         {L"\\RegServer", ServerCommand::None},
     };
     for (const auto& [arguments, command] : rows) {
