@@ -8,7 +8,6 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "platform/com/bstr.h"
 #include "platform/text.h"
 #include "tests/entry/window_inside.h"
 #include "tests/scaling/captions.h"
@@ -67,9 +66,7 @@ std::wstring ControlName(HWND control) {
     if (g_frmConfig == nullptr) return {};
     const ConfigControls controls;
     for (const Control* const each : controls.All()) {
-        LONG handle = 0;
-        g_frmConfig->ControlHwnd(BstrHandle(NewBstr(each->Name())).Get(), &handle);
-        if (handle == HandleToLong(control)) return L' ' + std::wstring(each->Name());
+        if (each->Id() == GetDlgCtrlID(control)) return L' ' + std::wstring(each->Name());
     }
     return L" without a name";
 }
