@@ -14,45 +14,40 @@ namespace {
 
 constexpr CLSID kClass = {0x3d2e1f00, 0x3333, 0x4444, {0x85, 0x55, 0x66, 0x66, 0x77, 0x77, 0x88, 0x88}};
 
+constexpr DWORD kCookie = 4711;
+
 class Made final : public CountedObject<IUnknown> {};
 
-// A registration, of which the class object stays with the test.
+// A registration that has ended again; its class object stays with the test.
 struct Offered {
-    explicit Offered(ObjectMaker maker) { const ClassRegistration registration(kClass, std::move(maker)); }
+    explicit Offered(ObjectMaker maker) {
+        { const ClassRegistration registration(kClass, std::move(maker)); }
+        CHECK(isRevoked);
+    }
 
-    CLSID id{};
     ComPtr<IClassFactory> classObject;
-    DWORD context = 0;
-    DWORD flags = 0;
-    DWORD revoked = 0;
+    bool isRevoked = false;
 
     const ImportFake<"CoRegisterClassObject", decltype(&CoRegisterClassObject)> registers{
-        "ole32.dll",
-        [this](REFCLSID itsId, IUnknown* object, DWORD itsContext, DWORD itsFlags, DWORD* cookie) {
-            id = itsId;
-            context = itsContext;
-            flags = itsFlags;
-            *cookie = 4711;
+        "ole32.dll", [this](REFCLSID id, IUnknown* object, DWORD context, DWORD flags, DWORD* cookie) {
+            CHECK(IsEqualGUID(id, kClass));
+            CHECK(context == CLSCTX_LOCAL_SERVER);
+            CHECK(flags == (REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED));
+            *cookie = kCookie;
             return object->QueryInterface(IID_PPV_ARGS(&classObject));
         }};
-    const ImportFake<"CoRevokeClassObject", decltype(&CoRevokeClassObject)> revokes{"ole32.dll",
-                                                                                    [this](DWORD cookie) {
-                                                                                        revoked = cookie;
-                                                                                        return S_OK;
-                                                                                    }};
+    const ImportFake<"CoRevokeClassObject", decltype(&CoRevokeClassObject)> revokes{
+        "ole32.dll", [this](DWORD cookie) {
+            isRevoked = cookie == kCookie;
+            return S_OK;
+        }};
 };
 
 }  // namespace
 
-TEST_CASE("a class is offered to other processes, suspended, for many clients, until its registration ends") {
-    Offered offered([](REFIID, void**) { return S_OK; });
-    CHECK(IsEqualGUID(offered.id, kClass));
-    CHECK(offered.context == CLSCTX_LOCAL_SERVER);
-    CHECK(offered.flags == (REGCLS_MULTIPLEUSE | REGCLS_SUSPENDED));
-    CHECK(offered.revoked == 4711);
-}
-
-TEST_CASE("a class object makes what is asked for, within no other object") {
+TEST_CASE(
+    "a class is offered to other processes, suspended, for many clients, and its object makes what is asked "
+    "for, within no other object") {
     Offered offered([](REFIID id, void** object) { return MakeObject<Made>()->QueryInterface(id, object); });
     const ComPtr<IClassFactory>& classObject = offered.classObject;
     CHECK(classObject->CreateInstance(nullptr, IID_IUnknown, nullptr) == E_POINTER);

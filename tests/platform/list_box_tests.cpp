@@ -42,13 +42,6 @@ struct ListPage {
     TestWindow window{{&list}};
 };
 
-int messages = 0;
-
-LRESULT CALLBACK Count(int code, WPARAM wParam, LPARAM lParam) {
-    ++messages;
-    return CallNextHookEx(nullptr, code, wParam, lParam);
-}
-
 constexpr wchar_t kCopy = 3;  // what Ctrl+C types
 
 std::wstring Clipboard(HWND owner) {
@@ -112,16 +105,19 @@ TEST_CASE_FIXTURE(ListPage,
 }
 
 TEST_CASE_FIXTURE(ListPage, "a list of many rows is measured without asking the window for each") {
-    const HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROC, Count, nullptr, GetCurrentThreadId());
     {
         const RedrawPause pause(list);
         list.AddItem(kLonger);
-        messages = 0;
+        int messages = 0;
+        const ImportFake<"SendMessageW", decltype(&SendMessageW)> send{
+            "user32.dll", [&](HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+                ++messages;
+                return send.Original(hwnd, message, wParam, lParam);
+            }};
         for (int i = 0; i < 1000; ++i)
             list.AddItem(kLong + std::to_wstring(i));
         CHECK(messages == 1000);
     }
-    UnhookWindowsHookEx(hook);
     CHECK(Fits(kLonger));
 }
 
