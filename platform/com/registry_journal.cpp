@@ -22,29 +22,28 @@ RegistryJournal::~RegistryJournal() {
 }
 
 void RegistryJournal::Write(const RegistryEntry& entry) {
+    // Noted before anything is written: what cannot be noted could not be undone.
+    Step& step = m_steps.emplace_back(Step{.key = entry.key, .name = entry.name, .oldData = {}});
     RegistryKey key;
     DWORD disposition = 0;
-    m_steps.reserve(m_steps.size() + 1);
-    Step step{.key = entry.key, .name = entry.name, .oldData = {}};
     ThrowIfWin32Failed(RegCreateKeyExW(m_root, entry.key.c_str(), 0, nullptr, REG_OPTION_NON_VOLATILE,
                                        KEY_READ | KEY_WRITE, nullptr, key.Put(), &disposition));
     step.keyMade = disposition == REG_CREATED_NEW_KEY;
-    Step& taken = m_steps.emplace_back(std::move(step));
     if (entry.keyOnly) return;
 
     const wchar_t* const name = entry.name.c_str();
     DWORD size = 0;
-    if (RegQueryValueExW(key.Get(), name, nullptr, &taken.oldType, nullptr, &size) == ERROR_SUCCESS) {
-        taken.oldData.resize(size);
-        ThrowIfWin32Failed(RegQueryValueExW(key.Get(), name, nullptr, &taken.oldType,
-                                            reinterpret_cast<BYTE*>(taken.oldData.data()), &size));
-        taken.oldData.resize(size);
-        taken.valueExisted = true;
+    if (RegQueryValueExW(key.Get(), name, nullptr, &step.oldType, nullptr, &size) == ERROR_SUCCESS) {
+        step.oldData.resize(size);
+        ThrowIfWin32Failed(RegQueryValueExW(key.Get(), name, nullptr, &step.oldType,
+                                            reinterpret_cast<BYTE*>(step.oldData.data()), &size));
+        step.oldData.resize(size);
+        step.valueExisted = true;
     }
     ThrowIfWin32Failed(RegSetValueExW(key.Get(), name, 0, REG_SZ,
                                       reinterpret_cast<const BYTE*>(entry.text.c_str()),
                                       static_cast<DWORD>((entry.text.size() + 1) * sizeof(wchar_t))));
-    taken.valueWritten = true;
+    step.valueWritten = true;
 }
 
 // A step that cannot be undone does not keep the others from it.
