@@ -54,12 +54,7 @@ const std::wstring kRunningMenu = Menu(L'x', L'+', L'+');
 const std::wstring kStoppedMenu = Menu(L'+', L'x', L'x');
 
 std::wstring BeginTrayRecord() {
-    Record().story[0] = 0;
-    Record().added = 0;
-    Record().deleted = 0;
-    Record().mostIcons = 0;
-    Record().menusShown = 0;
-    Record().menusClosed = 0;
+    ZeroMemory(&Record(), sizeof(TrayRecord));
     return ServerDirectory() + L"\\tray_recorder.dll";
 }
 

@@ -17,10 +17,13 @@ constexpr HRESULT kOutOfRange = HresultOf(ErrorNumber::SubscriptOutOfRange);
 }  // namespace
 
 TEST_CASE(
-    "the timer fires once per period, as it was at the start, with the same number, until it is stopped") {
+    "the timer starts with its owner's window alone and fires once per period, as it was at the start, with "
+    "the same number, until it is stopped") {
     PlainWindow window;
-    Clock clock;
     CalvaneTime timer;
+    timer.Start(nullptr);
+    CHECK_FALSE(timer.Running());
+    Clock clock;
     std::vector<LONG> handles;
     timer.TimerFired = [&](LONG handle) { handles.push_back(handle); };
     timer.Interval(100);
@@ -48,12 +51,6 @@ TEST_CASE("a timer may be destroyed by its own listener, and a timer without a l
     CHECK(clock.Tick() == 1);
     CHECK(timer == nullptr);
     CHECK_FALSE(clock.AnyRuns());
-}
-
-TEST_CASE("a timer does not start without its owner's window") {
-    CalvaneTime timer;
-    timer.Start(nullptr);
-    CHECK_FALSE(timer.Running());
 }
 
 TEST_CASE("a picture array has the bounds asked for and empty slots, without bounds no items") {
