@@ -36,7 +36,7 @@ TEST_CASE(
 
 TEST_CASE_FIXTURE(TickingEngine,
                   "one command a tick: start before stop before pause, however often chosen; what is left "
-                  "waits for the next command's tick") {
+                  "waits for the next command's tick, and letting go of the engine ends the wait") {
     int starts = 0;
     const ImportFake<"SetTimer", decltype(&SetTimer)> timer{
         "user32.dll", [&](HWND owner, UINT_PTR id, UINT period, TIMERPROC procedure) {
@@ -66,6 +66,11 @@ TEST_CASE_FIXTURE(TickingEngine,
     Tick();
     CHECK(server.script.calls == Calls{"Start", "Stop"});
     CHECK(Enabled() == kStopped);
+
+    engine.mnuStartKiller_Click();
+    engine.Release();
+    CHECK_FALSE(engine.tmMenu().Running());
+    CHECK_FALSE(clock.AnyRuns());
 }
 
 TEST_CASE_FIXTURE(TickingEngine,
@@ -95,12 +100,4 @@ TEST_CASE_FIXTURE(TickingEngine, "a command chosen again while it is carried out
         Tick();
         CHECK_FALSE(AnyPending());
     }
-}
-
-TEST_CASE_FIXTURE(TickingEngine, "letting go of the engine turns the timer off") {
-    ConnectQuietly();
-    engine.mnuStartKiller_Click();
-    engine.Release();
-    CHECK_FALSE(engine.tmMenu().Running());
-    CHECK_FALSE(clock.AnyRuns());
 }
