@@ -163,3 +163,25 @@ TEST_CASE_FIXTURE(EngineFixture,
     engine.ReloadSettings([&] { ++done; });
     CHECK(done == 1);
 }
+
+TEST_CASE("an engine that is let go of while it is called lives until the call returns") {
+    for (const std::string call : {"State", "ReloadSettings", "LogFile", "Start", "Stop", "Pause"}) {
+        CAPTURE(call);
+        EngineFixture at;
+        bool wasAlive = false;
+        at.server.script.within[call] = [&] {
+            at.Disconnect();
+            wasAlive = at.server.popup != nullptr;
+        };
+        at.Connect();
+        at.engine.ReloadSettings([] {});
+        ErrorOf([&] { at.engine.LogFile(); });
+        for (const Command& command : kCommands) {
+            at.Choose(command);
+            at.engine.tmMenu_Timer();
+        }
+        CHECK(wasAlive);
+        CHECK(at.server.popup == nullptr);
+        CHECK(at.engine.Popup() == nullptr);
+    }
+}

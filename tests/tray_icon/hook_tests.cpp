@@ -150,14 +150,23 @@ TEST_CASE_FIXTURE(ConfigWindow,
                   "came, with its result") {
     PlainWindow other;
     HookTrayWindow(other.Hwnd());
-    const auto check = [this](PlainWindow& hooked, UINT message) {
+    int forwarded = 0;
+    // Windows may have given a handle for the previous procedure, which nothing else can call.
+    const ImportFake<"CallWindowProcA", decltype(&CallWindowProcA)> forward{
+        "user32.dll", [&](auto... arguments) {
+            ++forwarded;
+            return forward.Original(arguments...);
+        }};
+    const auto check = [&](PlainWindow& hooked, UINT message) {
         CAPTURE(message);
         hooked.messages.clear();
+        forwarded = 0;
         CHECK(SendMessageA(hooked.Hwnd(), message, 0x12345678, 0x203) == PlainWindow::kAnswer);
         REQUIRE(hooked.messages.size() == 1);
         CHECK(hooked.messages[0].message == message);
         CHECK(hooked.messages[0].wParam == 0x12345678);
         CHECK(hooked.messages[0].lParam == 0x203);
+        CHECK(forwarded == 1);
         CHECK(calls.empty());
     };
     for (const UINT message : {0x400u, 0x402u, 0x500u, 0x8000u, 0xC123u})
