@@ -163,6 +163,13 @@ TEST_CASE_FIXTURE(IconFixture,
     CHECK(rest->References() == 1);
 }
 
+TEST_CASE_FIXTURE(IconFixture, "a picture that lets the owner's release in while it is asked adds no icon") {
+    icon->InitShellNotify(window.Number(), 1025);
+    rest->asked = [this] { icon->Class_Terminate(); };
+    CHECK(icon->AddIcon(rest.Get()) == S_OK);
+    CHECK(shell.calls.empty());
+}
+
 TEST_CASE_FIXTURE(IconFixture, "a script reaches every member by name, and can start an animation") {
     const std::pair<const wchar_t*, DISPID> members[] = {
         {L"ToolTip", 1}, {L"InitShellNotify", 2}, {L"AddIcon", 3}, {L"RemoveIcon", 4}, {L"AnimateIcon", 5}};
