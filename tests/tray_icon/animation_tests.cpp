@@ -115,19 +115,29 @@ TEST_CASE_FIXTURE(
     CHECK(RunToEnd() == kRun);
 }
 
-TEST_CASE("the owner's release during an animation, of 0 pictures per cycle too, stops it and its timer") {
-    for (const LONG picsPerCycle : {1, 0}) {
-        CAPTURE(picsPerCycle);
-        Animated tray;
-        tray.SetUp();
-        REQUIRE(tray.Start(3, picsPerCycle) == S_OK);
-        tray.icon->Class_Terminate();
-        CHECK_FALSE(tray.icon->Animating());
-        CHECK_FALSE(tray.clock.AnyRuns());
-        CHECK(tray.Story() == "add rest, delete");
-        CHECK(tray.HasFramesAlone());
-        CHECK(tray.rest->References() == 1);
+TEST_CASE_FIXTURE(Animated, "the owner's release during an animation stops it and its timer") {
+    SetUp();
+    SUBCASE("between two ticks") {
+        REQUIRE(Start() == S_OK);
+        icon->Class_Terminate();
+        CHECK_FALSE(icon->Animating());
     }
+    SUBCASE("of 0 pictures per cycle") {
+        REQUIRE(Start(3, 0) == S_OK);
+        icon->Class_Terminate();
+    }
+    SUBCASE("within a tick") {
+        frames[0]->asked = [this] {
+            icon->Class_Terminate();
+            icon.Reset();
+        };
+        REQUIRE(Start() == S_OK);
+        CHECK(clock.Tick(kInterval) == 1);
+    }
+    CHECK_FALSE(clock.AnyRuns());
+    CHECK(Story() == "add rest, delete");
+    CHECK(HasFramesAlone());
+    CHECK(rest->References() == 1);
 }
 
 TEST_CASE_FIXTURE(Animated, "frames that start at 1 fail on the first tick, and the animation ends") {

@@ -29,6 +29,34 @@ TEST_CASE_FIXTURE(TickingIcon,
     CHECK_FALSE(clock.AnyRuns());
 }
 
+TEST_CASE_FIXTURE(TickingIcon,
+                  "a new taskbar that arrives while the icon is being removed does not bring it back") {
+    SetUp();
+    shell.result = [this](DWORD action) {
+        if (action == NIM_DELETE) icon->OnTaskbarCreated();
+        return TRUE;
+    };
+    icon->Class_Terminate();
+    CHECK(Story() == "add rest, delete");
+}
+
+TEST_CASE_FIXTURE(TickingIcon, "the owner's release while a new taskbar's icon is prepared leaves it away") {
+    SetUp();
+    bool isGone = false;
+    bool wasGone = true;
+    rest->gone = [&] { isGone = true; };
+    rest->asked = [&] {
+        icon->Class_Terminate();
+        wasGone = isGone;
+    };
+    rest.Reset();
+    icon->OnTaskbarCreated();
+    CHECK(Story() == "add rest, delete");
+    // The picture lives while it is asked.
+    CHECK_FALSE(wasGone);
+    CHECK(isGone);
+}
+
 TEST_CASE("a refused add is tried again every two seconds, for half a minute, until the shell has the icon") {
     struct Row {
         std::string what;
@@ -70,6 +98,13 @@ TEST_CASE_FIXTURE(TickingIcon, "removing a refused icon, and the owner's release
     }
     SUBCASE("the owner's release") {
         icon.Reset();
+    }
+    SUBCASE("the owner's release from within a try") {
+        rest->asked = [this] {
+            icon->Class_Terminate();
+            icon.Reset();
+        };
+        clock.Tick(kTryInterval);
     }
     CHECK_FALSE(clock.AnyRuns());
     CHECK(Story() == "add rest, delete");
