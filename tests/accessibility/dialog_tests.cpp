@@ -80,9 +80,8 @@ void CheckControl(HWND control) {
 }  // namespace
 
 TEST_CASE(
-    "a screen reader finds a name for every control, none is within the mouse's reach alone, lists of "
-    "several "
-    "columns show their headings and a box to tick, and a choice takes no typed text") {
+    "a screen reader finds a name for every control, none is within the mouse's reach alone, OK of a dialog "
+    "is its default button, lists show headings and a box to tick, and a choice takes no typed text") {
     ForEachSurface([](const Surface& surface) {
         for (const HWND control : surface.controls) {
             CAPTURE(Describe(surface, control));

@@ -142,7 +142,6 @@ TEST_CASE("the manager loads nothing from its own folder, whatever it does") {
         const RegisteredElsewhere registered(planted.program);
         Manager manager;
         manager.Instance(formShow);
-        CheckModules(manager, planted);
         if (SendMessageW(manager.Control(L"chkPlaySound"), BM_GETCHECK, 0, 0) != BST_CHECKED)
             manager.Click(L"chkPlaySound");
         manager.Click(L"cmdTestSound");
@@ -151,7 +150,6 @@ TEST_CASE("the manager loads nothing from its own folder, whatever it does") {
                 return path.ends_with(L"\\WINMM.DLL");
             });
         }));
-        CheckModules(manager, planted);
         manager.Click(L"cmdRefreshLog");
         PostMessageW(manager.Control(L"cmdSoundFile"), BM_CLICK, 0, 0);
         HWND dialog = nullptr;
@@ -164,7 +162,6 @@ TEST_CASE("the manager loads nothing from its own folder, whatever it does") {
         CheckModules(manager, planted);
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         CHECK(PumpUntil([&] { return !IsWindow(dialog); }));
-        CheckModules(manager, planted);
     }
     for (const std::wstring& name : planted.Loaded())
         FAIL_CHECK(ToAnsi(name) << " was loaded");
