@@ -1,8 +1,6 @@
 // Senseless calls of every object in this process.
 #include <doctest.h>
 
-#include <ocidl.h>
-
 #include <algorithm>
 #include <climits>
 #include <cstring>
