@@ -99,8 +99,8 @@ void RunNext(Case& manager, const OutgoingCall& row, std::span<const IncomingWor
              Counts& counts) {
     const size_t left = columns.size();
     IncomingWork column = columns.front();
-    INFO(row.name << " x " << column.name
-                  << (moment == Moment::BeforeReply ? ", before the reply" : ", behind the reply"));
+    const std::string when = moment == Moment::BeforeReply ? ", before the reply" : ", behind the reply";
+    INFO(std::string(row.name) << " x " << std::string(column.name) << when);
     std::array<ULONG, 3> held{};
     if (!row.IsStart()) {
         manager.HaveWindow();
@@ -154,7 +154,7 @@ void RunRow(const OutgoingCall& row, const std::vector<IncomingWork>& works, Cou
         while (!columns.empty())
             RunNext(manager, row, columns, moment, counts);
     }
-    INFO(row.name << ", when the window goes");
+    INFO(std::string(row.name) << ", when the window goes");
     CheckEnd(manager);
 }
 

@@ -173,7 +173,7 @@ TEST_CASE_FIXTURE(Ending, "alone: everything during the calls of ReleaseConfig" 
                     CHECK(isSuspended);
                     for (const IncomingWork& work : IncomingWorks()) {
                         work.come(manager);
-                        CHECK_MESSAGE(manager.Windows() <= 1, work.name);
+                        CHECK_MESSAGE(manager.Windows() <= 1, std::string(work.name));
                     }
                     client.CheckAllRefused();
                 });
