@@ -59,7 +59,7 @@ struct Journalled : Inside {
     int Count(const std::string& text) const { return static_cast<int>(std::ranges::count(entries, text)); }
 
     // Runs work in the next call of the engine's member.
-    void LetIn(const char* member, const std::function<void()>& work) {
+    void LetIn(const std::string& member, const std::function<void()>& work) {
         engine.script.within[member] = [work, isFirst = true]() mutable {
             if (std::exchange(isFirst, false)) work();
         };

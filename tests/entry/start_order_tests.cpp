@@ -84,23 +84,20 @@ TEST_CASE_FIXTURE(InsideWithoutEngine,
 TEST_CASE(
     "a second client that asks while the engine is being connected gets the same Config, and what it asks "
     "the window for is done as soon as that is loaded") {
-    const struct {
-        const char* moment;
+    struct Row {
+        std::string moment;
         long showType;
         bool isShown;
         int tab;
-    } rows[] = {
-        {"CreateInstance", formShow, true, 0},
-        {"LogFile", formShow, true, 0},
-        {"CreatePopup", kShowAbout, true, 5},
-        {"CreatePopup", FormHide, false, 0},
     };
-    for (const auto& [moment, showType, isShown, tab] : rows) {
-        CAPTURE(showType);
+    for (const Row& row : {Row{"CreateInstance", formShow, true, 0}, Row{"LogFile", formShow, true, 0},
+                           Row{"CreatePopup", kShowAbout, true, 5}, Row{"CreatePopup", FormHide, false, 0}}) {
+        CAPTURE(row.moment);
+        CAPTURE(row.showType);
         Journalled inside;
         ComPtr<IDispatch> nested;
-        inside.LetIn(moment, [&, asked = showType] {
-            CHECK(inside.Instance(asked, nested) == S_OK);
+        inside.LetIn(row.moment, [&] {
+            CHECK(inside.Instance(row.showType, nested) == S_OK);
             CHECK_FALSE(IsShown());
         });
         const auto config = inside.Instance(FormHide);
@@ -111,7 +108,7 @@ TEST_CASE(
         CHECK(inside.Count("read:chkPlaySound") == 1);
         CHECK(inside.Count("icon:0") == 1);
         CHECK(g_lngClientCount == 2);
-        CHECK(IsShown() == isShown);
-        CHECK(SelectedTab() == tab);
+        CHECK(IsShown() == row.isShown);
+        CHECK(SelectedTab() == row.tab);
     }
 }
