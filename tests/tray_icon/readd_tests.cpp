@@ -29,32 +29,31 @@ TEST_CASE_FIXTURE(TickingIcon,
     CHECK_FALSE(clock.AnyRuns());
 }
 
-TEST_CASE_FIXTURE(TickingIcon,
-                  "a new taskbar that arrives while the icon is being removed does not bring it back") {
+TEST_CASE_FIXTURE(
+    TickingIcon,
+    "a new taskbar does not bring back an icon that is being removed, nor one that its owner lets "
+    "go of while it is prepared") {
     SetUp();
-    shell.result = [this](DWORD action) {
-        if (action == NIM_DELETE) icon->OnTaskbarCreated();
-        return TRUE;
-    };
-    icon->Class_Terminate();
-    CHECK(Story() == "add rest, delete");
-}
-
-TEST_CASE_FIXTURE(TickingIcon, "the owner's release while a new taskbar's icon is prepared leaves it away") {
-    SetUp();
-    bool isGone = false;
-    bool wasGone = true;
-    rest->gone = [&] { isGone = true; };
-    rest->asked = [&] {
+    SUBCASE("is being removed") {
+        shell.result = [this](DWORD action) {
+            if (action == NIM_DELETE) icon->OnTaskbarCreated();
+            return TRUE;
+        };
         icon->Class_Terminate();
-        wasGone = isGone;
-    };
-    rest.Reset();
-    icon->OnTaskbarCreated();
+    }
+    SUBCASE("its owner lets go of") {
+        bool isGone = false;
+        rest->gone = [&] { isGone = true; };
+        rest->asked = [&] {
+            icon->Class_Terminate();
+            // The picture lives while it is asked.
+            CHECK_FALSE(isGone);
+        };
+        rest.Reset();
+        icon->OnTaskbarCreated();
+        CHECK(isGone);
+    }
     CHECK(Story() == "add rest, delete");
-    // The picture lives while it is asked.
-    CHECK_FALSE(wasGone);
-    CHECK(isGone);
 }
 
 TEST_CASE("a refused add is tried again every two seconds, for half a minute, until the shell has the icon") {
