@@ -49,7 +49,7 @@ TEST_CASE_FIXTURE(StartedSession,
                   "Apply reaches the engine as one ReloadSettings after the store has been written") {
     engine.Set(L"WatchValue", L"Software\\Calvane\\Settings\\txtSpeed");
     ChangeSpeed();
-    CHECK(Setting(L"Settings", L"txtSpeed") == L"1000");
+    CHECK(StoredSpeed() == L"1000");
     Press(L"cmdApply");
     CHECK(WaitUntil([&] { return !Marked(); }));
     PumpFor(300);

@@ -141,7 +141,14 @@ void Press(Stage& stage) {
 
 void OpenDialog(Stage& stage) {
     Press<kAddURL>(stage);
-    stage.dialog = stage.WaitForDialog();
+    HWND& dialog = stage.dialog;
+    WaitUntil([&] {
+        dialog = nullptr;
+        while ((dialog = FindWindowExW(nullptr, dialog, L"#32770", nullptr)) != nullptr) {
+            if (GetWindow(dialog, GW_OWNER) == stage.window && IsWindowVisible(dialog)) return true;
+        }
+        return false;
+    });
 }
 
 // The window may go together with it.
