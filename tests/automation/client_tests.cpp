@@ -1,7 +1,7 @@
 // The manager as clients in other processes see it.
 #include <doctest.h>
 
-#include <process.h>
+#include <cstdlib>
 
 #include "platform/text.h"
 #include "tests/support/killed_servers.h"
@@ -17,13 +17,13 @@ constexpr wchar_t kProgram[] = L"SentrelConfig.exe";
 
 TEST_CASE("clients in script languages reach the manager, share it and end it") {
     // What the script ends with behind its last line, and in no other way.
-    constexpr int kDone = 77;
+    constexpr DWORD kDone = 77;
+    const std::wstring host = std::wstring(_wgetenv(L"SystemRoot")) + L"\\system32\\cscript.exe";
     for (const wchar_t* const script : {L"two_clients.vbs", L"two_clients.js"}) {
         CAPTURE(ToAnsi(script));
         DeleteSettings();
-        const std::wstring path = L'"' + DataFile(std::wstring(L"tests\\scripts\\") + script) + L'"';
-        CHECK(_wspawnlp(_P_WAIT, L"cscript.exe", L"cscript.exe", L"//nologo", path.c_str(), nullptr) ==
-              kDone);
+        const std::wstring path = DataFile(std::wstring(L"tests\\scripts\\") + script);
+        CHECK(RunProgram(host.c_str(), L"//nologo \"" + path + L'"') == kDone);
         const bool hasEnded = ProgramEnds(kProgram);
         CHECK(hasEnded);
         // The next script needs a manager of its own.

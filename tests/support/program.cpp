@@ -40,7 +40,8 @@ PROCESS_INFORMATION Start(const wchar_t* program, const std::wstring& arguments,
     PROCESS_INFORMATION process{};
     if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, flags, nullptr, nullptr,
                         &startup, &process)) {
-        throw std::runtime_error("not started: " + ToAnsi(commandLine));
+        throw std::runtime_error("error " + std::to_string(GetLastError()) +
+                                 ", not started: " + ToAnsi(commandLine));
     }
     return process;
 }

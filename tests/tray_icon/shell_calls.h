@@ -15,11 +15,12 @@ struct ShellCall {
     DWORD action;
     std::string record;  // as many bytes as cbSize says
 
-    DWORD Icon() const {
-        DWORD handle = 0;
-        std::memcpy(&handle, record.data() + 20, sizeof(handle));
-        return handle;
+    DWORD Number(size_t offset) const {
+        DWORD number = 0;
+        std::memcpy(&number, record.data() + offset, sizeof(number));
+        return number;
     }
+    DWORD Icon() const { return Number(20); }
     std::string Tip() const { return record.substr(24); }
 };
 
