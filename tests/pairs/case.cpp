@@ -105,15 +105,13 @@ ComPtr<_ShellNotification> Case::Icon() const {
     ComPtr<_ShellNotification> icon;
     ComPtr<IDispatch> object;
     if (g_frmConfig != nullptr) Form()->get_m_oShellIcon(&object);
-    if (object != nullptr) object->QueryInterface(IID_PPV_ARGS(&icon));
+    if (object != nullptr) object.As(&icon);
     return icon;
 }
 
-ComPtr<_PictureBox> Case::Picture() const {
-    ComPtr<_PictureBox> box;
-    ComPtr<IDispatch> object;
-    if (g_frmConfig != nullptr) Form()->get_picTray(0, &object);
-    if (object != nullptr) object->QueryInterface(IID_PPV_ARGS(&box));
+ComPtr<IDispatch> Case::Picture() const {
+    ComPtr<IDispatch> box;
+    if (g_frmConfig != nullptr) Form()->get_picTray(0, &box);
     return box;
 }
 
@@ -158,12 +156,6 @@ bool Case::Choose(UINT item) {
     const int menus = outside.menus;
     outside.chosen = item;
     return Gesture(WM_RBUTTONUP) && outside.menus > menus;
-}
-
-bool Case::Raise(DISPID event, std::vector<Variant> arguments) {
-    if (outside.engine.popup == nullptr || outside.engine.ConnectionCount() == 0) return false;
-    outside.engine.Raise(event, std::move(arguments));
-    return true;
 }
 
 bool Case::NewTaskbar() {

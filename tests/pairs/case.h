@@ -14,13 +14,7 @@
 #include "tests/support/other_process.h"
 #include "tests/support/registry_calls.h"
 #include "tests/support/test_folder.h"
-#include "tray/picture_box.h"
 #include "tray/tray_menu.h"
-
-inline constexpr DISPID kKilled = 1;
-inline constexpr DISPID kPaused = 2;
-inline constexpr DISPID kStarted = 3;
-inline constexpr DISPID kStopped = 4;
 
 // The periods that tell the manager's timers apart, in milliseconds.
 inline constexpr UINT kCommandTick = 500;
@@ -51,7 +45,7 @@ public:
     // References of the test's own, as a client holds them.
     ComPtr<frmConfig> Form() const { return g_frmConfig; }
     ComPtr<_ShellNotification> Icon() const;
-    ComPtr<_PictureBox> Picture() const;
+    ComPtr<IDispatch> Picture() const;
 
     // As the user does it. Each returns false where there is no such window.
     bool Press(int id) const;  // a button
@@ -61,7 +55,6 @@ public:
     bool Gesture(LPARAM gesture) const;  // over the icon
     bool Choose(UINT item);              // in the tray menu; one that is open keeps others from opening
 
-    bool Raise(DISPID event, std::vector<Variant> arguments = {});
     bool NewTaskbar();
     void AddIcon() const;     // the window's own
     HRESULT Animate() const;  // with the window's own pictures

@@ -7,16 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 // One at a time.
 class Clock {
 public:
-    Clock() { s_current = this; }
-    Clock(const Clock&) = delete;
-    Clock& operator=(const Clock&) = delete;
-    ~Clock() { s_current = nullptr; }
-
     // Lets each running timer of this interval tick once; any interval where it is 0. Returns how many did.
     size_t Tick(UINT interval = 0) {
         size_t ticks = 0;
@@ -49,26 +44,24 @@ private:
         void Tick() const { procedure(owner, WM_TIMER, id, GetTickCount()); }
     };
 
-    static UINT_PTR WINAPI Start(HWND owner, UINT_PTR id, UINT interval, TIMERPROC procedure) {
-        if (!IsWindow(owner)) return 0;
-        Stop(owner, id);
-        s_current->m_running.push_back({owner, id, interval, procedure});
-        return id;
-    }
-
-    static BOOL WINAPI Stop(HWND owner, UINT_PTR id) {
-        auto& running = s_current->m_running;
+    BOOL Stop(HWND owner, UINT_PTR id) {
         const auto found = std::ranges::find_if(
-            running, [&](const Timer& timer) { return timer.owner == owner && timer.id == id; });
-        if (found == running.end()) return FALSE;
-        s_current->m_stopped.push_back(*found);
-        running.erase(found);
+            m_running, [&](const Timer& timer) { return timer.owner == owner && timer.id == id; });
+        if (found == m_running.end()) return FALSE;
+        m_stopped.push_back(*found);
+        m_running.erase(found);
         return TRUE;
     }
 
-    static inline Clock* s_current = nullptr;
     std::vector<Timer> m_running;
     std::vector<Timer> m_stopped;
-    const ImportPatch m_start{"user32.dll", "SetTimer", &Start};
-    const ImportPatch m_stop{"user32.dll", "KillTimer", &Stop};
+    const ImportFake<"SetTimer", decltype(&SetTimer)> m_set{
+        "user32.dll", [this](HWND owner, UINT_PTR id, UINT interval, TIMERPROC procedure) -> UINT_PTR {
+            if (!IsWindow(owner)) return 0;
+            Stop(owner, id);
+            m_running.push_back({owner, id, interval, procedure});
+            return id;
+        }};
+    const ImportFake<"KillTimer", decltype(&KillTimer)> m_kill{
+        "user32.dll", [this](HWND owner, UINT_PTR id) { return Stop(owner, id); }};
 };

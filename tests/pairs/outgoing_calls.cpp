@@ -1,8 +1,4 @@
 // Every call that the manager makes out of its own code, and how it comes to be made.
-#include <algorithm>
-#include <iterator>
-#include <string_view>
-
 #include "tests/pairs/pairs.h"
 #include "tray/picture_array.h"
 
@@ -89,7 +85,7 @@ void RemoveDefaultSize(Case& manager) {
 
 constexpr auto PressApply = Do<&Case::PressApply>;
 
-constexpr OutgoingCall kCalls[] = {
+const OutgoingCall kCalls[] = {
     {"the engine is created", "CreateInstance", StartHidden},
     {"CreatePopup", "CreatePopup", StartHidden},
     {"the events are connected", "Advise", StartHidden},
@@ -103,9 +99,9 @@ constexpr OutgoingCall kCalls[] = {
      "ReloadSettings",
      Tick<kEngineAgainTick>,
      {.prepare = Do<&Case::HaveRefusedChange>, .mark = Mark::ClearedUnlessChanged}},
-    {"Start", "Start", Tick<kCommandTick>, {.prepare = Choose<mnuStartKiller>}},
-    {"Stop", "Stop", Tick<kCommandTick>, {.prepare = Choose<mnuStopKiller>}},
-    {"Pause", "Pause", Tick<kCommandTick>, {.prepare = Choose<mnuPauseKiller>}},
+    {"Start", "Start", Tick<kCommandTick>, {.prepare = Choose<mnuStartKiller>, .leavesCommands = true}},
+    {"Stop", "Stop", Tick<kCommandTick>, {.prepare = Choose<mnuStopKiller>, .leavesCommands = true}},
+    {"Pause", "Pause", Tick<kCommandTick>, {.prepare = Choose<mnuPauseKiller>, .leavesCommands = true}},
     {"the events are disconnected", "Unadvise", Exit},
     {"the shell removes the last icon", "NIM_DELETE", Exit},
     {"ReleasePopup", "ReleasePopup", Exit},
@@ -130,20 +126,16 @@ constexpr OutgoingCall kCalls[] = {
 
 }  // namespace
 
-bool OutgoingCall::IsEngine() const {
-    return std::ranges::find(kEngineCalls, std::string_view(call)) != std::end(kEngineCalls);
-}
-
 bool OutgoingCall::IsStart() const {
     return make == StartHidden;
 }
 
-bool OutgoingCall::IsUnload() const {
-    return make == Exit || make == Unload;
+bool OutgoingCall::IsExit() const {
+    return make == Exit;
 }
 
-bool OutgoingCall::LeavesCommands() const {
-    return make == Tick<kCommandTick>;
+bool OutgoingCall::IsUnload() const {
+    return IsExit() || make == Unload;
 }
 
 std::span<const OutgoingCall> OutgoingCalls() {

@@ -15,6 +15,7 @@
 
 #include "tests/engine_control/fake_engine.h"
 #include "tests/pairs/clock.h"
+#include "tests/support/import_fake.h"
 #include "tests/support/other_process.h"
 #include "tests/support/sound_patch.h"
 #include "tests/tray_icon/fake_picture_box.h"
@@ -22,23 +23,19 @@
 // Before the one who is called has done anything, or when the answer is there and the caller has not got it.
 enum class Moment { BeforeReply, AfterReply };
 
-inline constexpr const char* kEngineCalls[] = {"CreateInstance", "CreatePopup",    "Advise",      "State",
-                                               "LogFile",        "ReloadSettings", "Start",       "Stop",
-                                               "Pause",          "Unadvise",       "ReleasePopup"};
-
 // One at a time.
 class Outside {
 public:
     Outside() {
         s_current = this;
-        for (const char* const call : kEngineCalls) {
+        for (const char* const call :
+             {"CreateInstance", "CreatePopup", "Advise", "State", "LogFile", "ReloadSettings", "Start",
+              "Stop", "Pause", "Unadvise", "ReleasePopup"}) {
             engine.script.within[call] = [this, call] { Reach(call, Moment::BeforeReply); };
             engine.script.behind[call] = [this, call] { Reach(call, Moment::AfterReply); };
         }
         SetWindowLongPtrW(m_helper, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&HelperProcedure));
     }
-    Outside(const Outside&) = delete;
-    Outside& operator=(const Outside&) = delete;
     ~Outside() {
         DestroyWindow(m_helper);
         s_current = nullptr;
@@ -100,16 +97,6 @@ private:
         work();
     }
 
-    static BOOL WINAPI Notify(DWORD action, NOTIFYICONDATAA* data) {
-        const char* const name = action == NIM_ADD      ? "NIM_ADD"
-                                 : action == NIM_MODIFY ? "NIM_MODIFY"
-                                                        : "NIM_DELETE";
-        s_current->Reach(name, Moment::BeforeReply);
-        const BOOL answer = s_current->Answer(action, *data);
-        s_current->Reach(name, Moment::AfterReply);
-        return answer;
-    }
-
     // As the shell answers: an icon is there once or not at all.
     BOOL Answer(DWORD action, const NOTIFYICONDATAA& data) {
         const std::pair<HWND, UINT> icon(data.hWnd, data.uID);
@@ -122,13 +109,6 @@ private:
         return isNew;
     }
 
-    static INT_PTR WINAPI ShowDialog(HINSTANCE instance, LPCWSTR resource, HWND owner, DLGPROC procedure,
-                                     LPARAM parameter) {
-        PostMessageW(s_current->m_helper, WM_APP, 0, 0);
-        return s_current->m_dialog.Original<decltype(&DialogBoxParamW)>()(instance, resource, owner,
-                                                                          procedure, parameter);
-    }
-
     static LRESULT CALLBACK HelperProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
         if (message != WM_APP) return DefWindowProcW(hwnd, message, wParam, lParam);
         const std::vector<HWND> dialogs = Dialogs(true);
@@ -139,36 +119,6 @@ private:
         return 0;
     }
 
-    static int WINAPI ShowBox(HWND, LPCWSTR, LPCWSTR, UINT) {
-        s_current->Reach("MessageBox", Moment::BeforeReply);
-        return IDOK;
-    }
-
-    static BOOL WINAPI ShowOpen(OPENFILENAMEW*) {
-        s_current->Reach("FileDialog", Moment::BeforeReply);
-        return FALSE;
-    }
-
-    static BOOL WINAPI ShowMenu(HMENU, UINT, int, int, HWND, LPTPMPARAMS) {
-        const UINT item = std::exchange(s_current->chosen, 0);
-        ++s_current->menus;
-        s_current->Reach("Menu", Moment::BeforeReply);
-        return static_cast<BOOL>(item);
-    }
-
-    // Nobody looks at the pictures, and to make one takes longer than anything else of a window does.
-    // Windows' own stays when it is destroyed.
-    static HANDLE WINAPI LoadPicture(HINSTANCE, LPCWSTR, UINT, int, int, UINT) {
-        static const HICON picture = LoadIconW(nullptr, IDI_APPLICATION);
-        return picture;
-    }
-
-    static HINSTANCE WINAPI Execute(HWND, LPCSTR, LPCSTR, LPCSTR, LPCSTR, INT) {
-        return reinterpret_cast<HINSTANCE>(33);
-    }
-    static BOOL WINAPI Beep(UINT) { return TRUE; }
-    static BOOL WINAPI Play(LPCSTR, UINT) { return TRUE; }
-
     static inline Outside* s_current = nullptr;
     std::string m_call;
     Moment m_moment = Moment::BeforeReply;
@@ -177,14 +127,50 @@ private:
     // Gets a message in the loop of the dialog that comes up, as the user's clicks come.
     const HWND m_helper =
         CreateWindowW(L"STATIC", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, nullptr, nullptr);
+    const ImportFake<"DialogBoxParamW", decltype(&DialogBoxParamW)> m_dialog{
+        "user32.dll",
+        [this](HINSTANCE instance, LPCWSTR resource, HWND owner, DLGPROC procedure, LPARAM parameter) {
+            PostMessageW(m_helper, WM_APP, 0, 0);
+            return m_dialog.Original(instance, resource, owner, procedure, parameter);
+        }};
+    const ImportFake<"MessageBoxW", decltype(&MessageBoxW)> m_box{
+        "user32.dll", [this](HWND, LPCWSTR, LPCWSTR, UINT) {
+            Reach("MessageBox", Moment::BeforeReply);
+            return IDOK;
+        }};
+    const ImportFake<"GetOpenFileNameW", decltype(&GetOpenFileNameW)> m_open{
+        "comdlg32.dll", [this](OPENFILENAMEW*) {
+            Reach("FileDialog", Moment::BeforeReply);
+            return FALSE;
+        }};
+    const ImportFake<"TrackPopupMenuEx", decltype(&TrackPopupMenuEx)> m_menu{
+        "user32.dll", [this](HMENU, UINT, int, int, HWND, LPTPMPARAMS) {
+            const UINT item = std::exchange(chosen, 0);
+            ++menus;
+            Reach("Menu", Moment::BeforeReply);
+            return static_cast<BOOL>(item);
+        }};
+    const ImportFake<"Shell_NotifyIconA", decltype(&Shell_NotifyIconA)> m_notify{
+        "shell32.dll", [this](DWORD action, NOTIFYICONDATAA* data) {
+            const char* const name = action == NIM_ADD      ? "NIM_ADD"
+                                     : action == NIM_MODIFY ? "NIM_MODIFY"
+                                                            : "NIM_DELETE";
+            Reach(name, Moment::BeforeReply);
+            const BOOL answer = Answer(action, *data);
+            Reach(name, Moment::AfterReply);
+            return answer;
+        }};
 
-    const ImportPatch m_notify{"shell32.dll", "Shell_NotifyIconA", &Notify};
-    const ImportPatch m_dialog{"user32.dll", "DialogBoxParamW", &ShowDialog};
-    const ImportPatch m_box{"user32.dll", "MessageBoxW", &ShowBox};
-    const ImportPatch m_open{"comdlg32.dll", "GetOpenFileNameW", &ShowOpen};
-    const ImportPatch m_menu{"user32.dll", "TrackPopupMenuEx", &ShowMenu};
-    const ImportPatch m_load{"user32.dll", "LoadImageW", &LoadPicture};
-    const ImportPatch m_execute{"shell32.dll", "ShellExecuteA", &Execute};
-    const ImportPatch m_beep{"user32.dll", "MessageBeep", &Beep};
-    const SoundPatch m_play{&Play};
+    // Nobody looks at the pictures, and to make one takes longer than anything else of a window does.
+    // Windows' own stays when it is destroyed.
+    const ImportFake<"LoadImageW", decltype(&LoadImageW)> m_load{
+        "user32.dll",
+        [picture = LoadIconW(nullptr, IDI_APPLICATION)](HINSTANCE, LPCWSTR, UINT, int, int, UINT) -> HANDLE {
+            return picture;
+        }};
+    const ImportFake<"ShellExecuteA", decltype(&ShellExecuteA)> m_execute{
+        "shell32.dll",
+        [](HWND, LPCSTR, LPCSTR, LPCSTR, LPCSTR, INT) { return reinterpret_cast<HINSTANCE>(33); }};
+    const ImportFake<"MessageBeep", decltype(&MessageBeep)> m_beep{"user32.dll", [](UINT) { return TRUE; }};
+    const SoundPatch m_play{[](LPCSTR, UINT) { return TRUE; }};
 };

@@ -2,6 +2,7 @@
 // everything that can come in while it waits for one, before the reply and behind it.
 #pragma once
 
+#include <functional>
 #include <span>
 
 #include "tests/pairs/case.h"
@@ -20,18 +21,18 @@ struct OutgoingTraits {
     Mark mark = Mark::Untouched;
     bool isLoad = false;  // settings are being loaded meanwhile
     bool hasOneMoment = false;
+    bool leavesCommands = false;  // to the engine
 };
 
 struct OutgoingCall {
-    const char* name;
+    std::string name;
     const char* call;     // as Outside::LetIn names it
     void (*make)(Case&);  // brings it about; the window exists by then unless IsStart()
     OutgoingTraits traits = {};
 
-    bool IsEngine() const;        // the engine is called
-    bool IsStart() const;         // the window is made meanwhile
-    bool IsUnload() const;        // the window goes
-    bool LeavesCommands() const;  // to the engine
+    bool IsStart() const;   // the window is made meanwhile
+    bool IsExit() const;    // the window goes for good, as it does in ReleaseConfig
+    bool IsUnload() const;  // the window goes
 };
 
 std::span<const OutgoingCall> OutgoingCalls();
@@ -50,27 +51,18 @@ struct IncomingTraits {
     bool takesIcon = false;       // the icon may be removed, or another may be shown
     bool leavesCommands = false;  // to the engine
     bool typesText = false;       // into a text box
-    int editsExclude = 0;         // rows more or less than the store has
-    int editsBanners = 0;
-    int editsSearch = 0;
+    int editedList = 0;
+    int edit = 0;  // rows that it has more or less than the store
 };
 
 struct IncomingWork {
-    const char* name;
-    Came (*come)(Case&);
+    std::string name;
+    std::function<Came(Case&)> come;
     IncomingTraits traits = {};
 };
 
 // What clients call; what the user, the system, the engine and the timers bring.
-std::span<const IncomingWork> IncomingCalls();
-std::span<const IncomingWork> IncomingEvents();
-
-// All of them.
-std::vector<IncomingWork> IncomingWorks();
-
-inline Came If(bool possible) {
-    return possible ? Came::In : Came::NotPossible;
-}
+const std::vector<IncomingWork>& IncomingWorks();
 
 // Goes through these rows with all columns, prints how many pairs there were, and checks each.
 void RunRows(bool (*isWanted)(const OutgoingCall&));

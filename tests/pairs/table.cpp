@@ -1,7 +1,6 @@
 #include <doctest.h>
 
 #include <cstdio>
-#include <set>
 #include <string_view>
 
 #include "tests/pairs/guarded_memory.h"
@@ -26,14 +25,12 @@ int StoredRows(const Case& manager, const std::string& key, int first, const std
     return rows;
 }
 
-void CheckWindow(const Case& manager, const OutgoingCall& row, const IncomingTraits& work, bool hasComeIn) {
+void CheckWindow(const Case& manager, const OutgoingCall& row, const IncomingTraits& done) {
     const size_t windows = manager.Windows();
     CHECK(windows <= 1);
-    const bool takes = hasComeIn && work.takesWindow;
-    const bool shows = hasComeIn && work.showsWindow;
     if (row.IsUnload()) {
-        CHECK((windows == 1) == shows);
-    } else if (!takes) {
+        CHECK((windows == 1) == done.showsWindow);
+    } else if (!done.takesWindow) {
         CHECK_MESSAGE(windows == 1, "the window is gone");
     } else if (!row.IsStart()) {
         CHECK_MESSAGE(windows == 0, "the window is still there");
@@ -44,30 +41,29 @@ void CheckWindow(const Case& manager, const OutgoingCall& row, const IncomingTra
         CHECK_MESSAGE(outside.engine.popup == nullptr, "an engine without a window");
         return;
     }
-    if (shows && row.IsUnload()) CHECK(IsWindowVisible(manager.Window()));
+    if (row.IsUnload()) CHECK(IsWindowVisible(manager.Window()));
     CHECK(IsWindowEnabled(manager.Window()));
     CHECK(g_lngConfigHwnd == HandleToLong(manager.Window()));
     CHECK((outside.engine.popup != nullptr && outside.engine.ConnectionCount() == 1));
-    const bool mayHaveNoIcon = (hasComeIn && work.takesIcon) || row.call == std::string_view("NIM_DELETE");
+    const bool mayHaveNoIcon = done.takesIcon || row.call == std::string_view("NIM_DELETE");
     CHECK((outside.icons.size() == 1 || (mayHaveNoIcon && outside.icons.empty())));
     CHECK_MESSAGE(manager.Gesture(WM_MOUSEMOVE), "the icon takes no gestures");
 }
 
-void CheckContents(const Case& manager, const OutgoingCall& row, const IncomingTraits& work, Mark mark,
-                   bool isFresh) {
+void CheckContents(const Case& manager, const OutgoingCall& row, const IncomingTraits& done, bool isFresh) {
     if (manager.Window() == nullptr) return;
     CHECK(ListBoxRows(manager.Child(IDC_LSTCLOSEDWND)) == manager.newestLines);
     if (!isFresh)
-        CHECK(manager.IsEnabled(IDC_CMDAPPLY) == IsMarked(row.traits.mark, mark, row.traits.isLoad));
-    const auto checkList = [&](int list, int stored, int edit) {
+        CHECK(manager.IsEnabled(IDC_CMDAPPLY) == IsMarked(row.traits.mark, done.mark, row.traits.isLoad));
+    const auto checkList = [&](int list, int stored) {
         CAPTURE(list);
         const int shown = manager.RowCount(list);
         CAPTURE(shown);
-        CHECK((shown == stored || shown == stored + edit));
+        CHECK((shown == stored || (list == done.editedList && shown == stored + done.edit)));
     };
-    checkList(IDC_LSTEXCLUDE, StoredRows(manager, "Exclude", 0, ""), work.editsExclude);
-    checkList(IDC_LVWBANNERS, StoredRows(manager, "Banners", 1, "Name"), work.editsBanners);
-    checkList(IDC_LVWSEARCHURLS, StoredRows(manager, "Search", 1, "Name"), work.editsSearch);
+    checkList(IDC_LSTEXCLUDE, StoredRows(manager, "Exclude", 0, ""));
+    checkList(IDC_LVWBANNERS, StoredRows(manager, "Banners", 1, "Name"));
+    checkList(IDC_LVWSEARCHURLS, StoredRows(manager, "Search", 1, "Name"));
 }
 
 // When the window goes and everybody lets go, nothing is left.
@@ -100,7 +96,7 @@ void RunNext(Case& manager, const OutgoingCall& row, std::span<const IncomingWor
     const size_t left = columns.size();
     IncomingWork column = columns.front();
     const std::string when = moment == Moment::BeforeReply ? ", before the reply" : ", behind the reply";
-    INFO(std::string(row.name) << " x " << std::string(column.name) << when);
+    INFO(row.name << " x " << column.name << when);
     std::array<ULONG, 3> held{};
     if (!row.IsStart()) {
         manager.HaveWindow();
@@ -126,18 +122,18 @@ void RunNext(Case& manager, const OutgoingCall& row, std::span<const IncomingWor
     CHECK_MESSAGE(manager.outside.HasComeIn(), "the call did not come");
     if (columns.size() == left) columns = columns.subspan(1);
     manager.outside.LetNothingIn();
-    const bool hasComeIn = came == Came::In;
     const IncomingTraits& work = column.traits;
-    CheckWindow(manager, row, work, hasComeIn);
+    const IncomingTraits done = came == Came::In ? work : IncomingTraits{};
+    CheckWindow(manager, row, done);
     const bool isFresh = manager.Window() != (row.IsStart() ? within : before);
-    CheckContents(manager, row, work, hasComeIn ? work.mark : Mark::Untouched, isFresh);
+    CheckContents(manager, row, done, isFresh);
     CHECK(manager.outside.mostIcons <= 1);
     if (row.IsStart() || isFresh || manager.Window() == nullptr) {
         CheckEnd(manager);
         if (row.IsStart() && work.mark == Mark::Cleared) manager.FillStore();
     } else {
         manager.Restore(row.traits.mark != Mark::Untouched || work.mark != Mark::Untouched || work.typesText,
-                        work.leavesCommands || row.LeavesCommands());
+                        work.leavesCommands || row.traits.leavesCommands);
         CHECK_MESSAGE(manager.Held() == held, "a reference is kept");
         CHECK_FALSE(manager.outside.clock.AnyRuns());
         CHECK(manager.outside.pictureBoxes == 0);
@@ -154,18 +150,11 @@ void RunRow(const OutgoingCall& row, const std::vector<IncomingWork>& works, Cou
         while (!columns.empty())
             RunNext(manager, row, columns, moment, counts);
     }
-    INFO(std::string(row.name) << ", when the window goes");
+    INFO(row.name << ", when the window goes");
     CheckEnd(manager);
 }
 
 }  // namespace
-
-std::vector<IncomingWork> IncomingWorks() {
-    std::vector<IncomingWork> works;
-    for (const auto part : {IncomingCalls(), IncomingEvents()})
-        works.insert(works.end(), part.begin(), part.end());
-    return works;
-}
 
 void RunRows(bool (*isWanted)(const OutgoingCall&)) {
     std::vector<IncomingWork> works = IncomingWorks();

@@ -12,20 +12,34 @@
 
 namespace {
 
-const char* TextOf(Moment moment) {
-    return moment == Moment::BeforeReply ? " before the reply" : " behind the reply";
+struct Pair {
+    const OutgoingCall& row;
+    Moment moment;
+    std::string name;
+};
+
+std::vector<Pair> PairsOf(bool (*isWanted)(const OutgoingCall&)) {
+    std::vector<Pair> pairs;
+    for (const OutgoingCall& row : OutgoingCalls()) {
+        if (!isWanted(row)) continue;
+        pairs.push_back({row, Moment::BeforeReply, row.name + " before the reply"});
+        if (!row.traits.hasOneMoment)
+            pairs.push_back({row, Moment::AfterReply, row.name + " behind the reply"});
+    }
+    return pairs;
+}
+std::vector<Pair> AllPairs() {
+    return PairsOf([](const OutgoingCall&) { return true; });
+}
+std::vector<Pair> PairsOfRelease() {
+    return PairsOf([](const OutgoingCall& row) { return row.IsExit(); });
 }
 
-constexpr Moment kMoments[] = {Moment::BeforeReply, Moment::AfterReply};
-
-template <class Body>
-void ForEachPair(Body body) {
-    for (const OutgoingCall& row : OutgoingCalls()) {
-        for (const Moment moment : kMoments) {
-            if (moment == Moment::BeforeReply || !row.traits.hasOneMoment)
-                body(row, moment, std::string(row.name) + TextOf(moment));
-        }
-    }
+void CheckEachAlone(const char* test, const std::vector<Pair>& pairs) {
+    std::vector<std::string> names;
+    for (const Pair& pair : pairs)
+        names.push_back(pair.name);
+    CheckAlone(test, names);
 }
 
 // The objects that a client holds when ReleaseConfig comes, and what their members are.
@@ -68,23 +82,19 @@ private:
         m_objects.emplace_back(object, ofInterface);
     }
 
-    // Who refuses looks at no argument but for the places of results: all others are 0.
+    // Who refuses looks at no argument, but empties the places of results: each argument is such a place.
     static void CheckRefused(IDispatch* object, const FUNCDESC& member) {
         CAPTURE(member.oVft);
-        constexpr SHORT kMost = 8;
         VARIANT place{};
-        VARIANT values[kMost]{};
-        VARIANTARG* arguments[kMost]{};
-        VARTYPE types[kMost]{};
-        REQUIRE(member.cParams <= kMost);
-        for (SHORT i = 0; i < member.cParams; ++i) {
-            if (member.lprgelemdescParam[i].tdesc.vt == VT_PTR) values[i].byref = &place;
-            arguments[i] = &values[i];
-            types[i] = VT_I4;
-        }
+        VARIANT argument{};
+        argument.byref = &place;
+        const auto count = static_cast<size_t>(member.cParams);
+        std::vector<VARTYPE> types(count, VT_I4);
+        std::vector<VARIANTARG*> arguments(count, &argument);
         Variant result;
         REQUIRE(DispCallFunc(object, static_cast<ULONG_PTR>(member.oVft), CC_STDCALL, VT_I4,
-                             static_cast<UINT>(member.cParams), types, arguments, result.Receive()) == S_OK);
+                             static_cast<UINT>(count), types.data(), arguments.data(),
+                             result.Receive()) == S_OK);
         CHECK(result.Value().lVal == CO_E_SERVER_STOPPING);
     }
 
@@ -93,16 +103,15 @@ private:
 
 // Of this process, which ends nothing but notes that it would have ended.
 struct Ending {
-    // Class objects that still took new clients while the window goes would give them a dying process.
-    static HRESULT WINAPI NoteSuspension() {
-        isSuspended = true;
-        return S_OK;
-    }
-
-    static inline bool isSuspended = false;
     const GuardedMemory memory;
-    const ImportPatch suspend{"ole32.dll", "CoSuspendClassObjects", &NoteSuspension};
     const NotedEnd end;
+    // Class objects that still took new clients while the window goes would give them a dying process.
+    bool isSuspended = false;
+    const ImportFake<"CoSuspendClassObjects", decltype(&CoSuspendClassObjects)> suspend{"ole32.dll", [this] {
+                                                                                            isSuspended =
+                                                                                                true;
+                                                                                            return S_OK;
+                                                                                        }};
 };
 
 void CheckGone(Case& manager) {
@@ -117,22 +126,15 @@ void CheckGone(Case& manager) {
     CHECK(g_frmConfig == nullptr);
 }
 
-constexpr const char* kAloneIn = "alone: ReleaseConfig in a call";
-constexpr const char* kAloneDuring = "alone: everything during the calls of ReleaseConfig";
-constexpr const char* kCallsOfRelease[] = {"Unadvise", "NIM_DELETE", "ReleasePopup"};
-
 }  // namespace
 
 TEST_CASE("ReleaseConfig during whatever call takes everything away for good") {
-    std::vector<std::string> pairs;
-    ForEachPair([&](const OutgoingCall&, Moment, const std::string& name) { pairs.push_back(name); });
-    CheckAlone(kAloneIn, pairs);
+    CheckEachAlone("alone: ReleaseConfig in a call", AllPairs());
 }
 
 TEST_CASE_FIXTURE(Ending, "alone: ReleaseConfig in a call" * doctest::skip(true)) {
-    ForEachPair([&](const OutgoingCall& row, Moment moment, const std::string& name) {
+    for (const auto& [row, moment, name] : AllPairs()) {
         SUBCASE(name.c_str()) {
-            CAPTURE(name);
             Case manager;
             if (!row.IsStart()) manager.HaveWindow();
             const Client client(manager);
@@ -150,39 +152,32 @@ TEST_CASE_FIXTURE(Ending, "alone: ReleaseConfig in a call" * doctest::skip(true)
             CheckGone(manager);
             NotePassed();
         }
-    });
+    }
 }
 
 TEST_CASE("nothing that comes in while ReleaseConfig takes the window away brings anything back") {
-    std::vector<std::string> pairs;
-    for (const char* const call : kCallsOfRelease) {
-        for (const Moment moment : kMoments)
-            pairs.push_back(std::string(call) + TextOf(moment));
-    }
-    CheckAlone(kAloneDuring, pairs);
+    CheckEachAlone("alone: everything during the calls of ReleaseConfig", PairsOfRelease());
 }
 
 TEST_CASE_FIXTURE(Ending, "alone: everything during the calls of ReleaseConfig" * doctest::skip(true)) {
-    for (const char* const call : kCallsOfRelease) {
-        for (const Moment moment : kMoments) {
-            SUBCASE((std::string(call) + TextOf(moment)).c_str()) {
-                Case manager;
-                manager.HaveWindow();
-                const Client client(manager);
-                manager.outside.LetIn(call, moment, [&] {
-                    CHECK(isSuspended);
-                    for (const IncomingWork& work : IncomingWorks()) {
-                        work.come(manager);
-                        CHECK_MESSAGE(manager.Windows() <= 1, std::string(work.name));
-                    }
-                    client.CheckAllRefused();
-                });
-                CHECK(manager.control->ReleaseConfig() == S_OK);
-                CHECK(manager.outside.HasComeIn());
+    for (const auto& [row, moment, name] : PairsOfRelease()) {
+        SUBCASE(name.c_str()) {
+            Case manager;
+            manager.HaveWindow();
+            const Client client(manager);
+            manager.outside.LetIn(row.call, moment, [&] {
+                CHECK(isSuspended);
+                for (const IncomingWork& work : IncomingWorks()) {
+                    work.come(manager);
+                    CHECK_MESSAGE(manager.Windows() <= 1, work.name);
+                }
                 client.CheckAllRefused();
-                CheckGone(manager);
-                NotePassed();
-            }
+            });
+            CHECK(manager.control->ReleaseConfig() == S_OK);
+            CHECK(manager.outside.HasComeIn());
+            client.CheckAllRefused();
+            CheckGone(manager);
+            NotePassed();
         }
     }
 }
