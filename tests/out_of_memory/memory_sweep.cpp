@@ -21,34 +21,33 @@ void operator delete(void* memory, std::size_t) noexcept {
     std::free(memory);
 }
 
-long Sweep(const std::function<void()>& prepare, const std::function<void()>& body,
-           const std::function<void(int ending)>& check) {
+void Sweep(long least, const std::function<void()>& prepare, const std::function<void()>& body,
+           const std::function<void(bool isDone)>& check) {
+    const FailingTexts texts;
     long faults = 0;
     for (const bool isLasting : {false, true}) {
         // Where all fail from one on, neighbours come to the same.
         for (long k = 1;; k += isLasting ? 17 : 1) {
             INFO("allocation " << k << (isLasting ? " and all behind it" : ""));
             prepare();
-            int ending = 0;
+            bool isDone = true;
             {
                 const FailingAllocation failing(k, isLasting);
                 try {
                     body();
                 } catch (const AutomationError&) {
-                    ending = 1;
+                    isDone = false;
                 } catch (const std::bad_alloc&) {
-                    ending = 2;
+                    isDone = false;
                 }
             }
             const bool happened = FailingAllocation::Happened();
-            check(ending);
-            if (!happened) {
-                CHECK(ending == 0);
-                break;
-            }
+            check(isDone);
+            CHECK((happened || isDone));
+            if (!happened) break;
             ++faults;
         }
     }
     MESSAGE(faults << " faults");
-    return faults;
+    CHECK(faults >= least);
 }

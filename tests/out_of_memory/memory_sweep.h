@@ -49,8 +49,7 @@ struct FailingTexts {
         }};
 };
 
-// Runs body with each allocation failing, once and from there on, until it has no such allocation, and
-// returns how many failed. prepare and check have memory; check is told how body ended: 0 for well, 1 for an
-// AutomationError, 2 for bad_alloc.
-long Sweep(const std::function<void()>& prepare, const std::function<void()>& body,
-           const std::function<void(int ending)>& check);
+// Runs body with each allocation failing, once and from there on, until it has no such allocation; there are
+// at least so many. prepare and check have memory; check is told whether body ended without an exception.
+void Sweep(long least, const std::function<void()>& prepare, const std::function<void()>& body,
+           const std::function<void(bool isDone)>& check);

@@ -99,86 +99,78 @@ TEST_CASE("memory that runs out in the OK of a dialog adds or changes the row or
 TEST_CASE(
     "memory that runs out when the icon is added or animated is reported, and the next call is not the worse "
     "for it") {
-    long faults = 0;
-    {
-        TrayIconFixture tray;
-        tray.icon->InitShellNotify(tray.window.Number(), 1025);
-        const FailingTexts texts;
-        HRESULT result = S_OK;
-        faults +=
-            Sweep([&] { tray.icon->RemoveIcon(); }, [&] { result = tray.icon->AddIcon(tray.rest.Get()); },
-                  [&](int ending) {
-                      CHECK(ending == 0);
-                      CHECK((result == S_OK || result == E_OUTOFMEMORY));
-                      CHECK(tray.icon->AddIcon(tray.rest.Get()) == S_OK);
-                  });
-        PictureArray slots = tray.Slots();
-        faults +=
-            Sweep([&] { CHECK(tray.Animate(1000) == S_OK); },
-                  [&] { result = tray.icon->AnimateIcon(slots.Reference(), 1000, 1, tray.window.Number()); },
-                  [&](int ending) {
-                      CHECK(ending == 0);
-                      CHECK((result == S_OK || result == E_OUTOFMEMORY));
-                      // Two ticks of the animation show two frames.
-                      const size_t before = tray.shell.calls.size();
-                      CHECK(tray.Animate(1000) == S_OK);
-                      tray.icon->m_tmrAni_TimerFired(0);
-                      tray.icon->m_tmrAni_TimerFired(0);
-                      REQUIRE(tray.shell.calls.size() == before + 2);
-                      CHECK(tray.shell.calls.back().Icon() == static_cast<DWORD>(kFrameHandle + 1));
-                  });
-        slots.Clear();
-        tray.icon->Class_Terminate();
-        CHECK(tray.rest->References() == 1);
-        CHECK(tray.HasFramesAlone());
-    }
-    CHECK(faults >= 1);
+    TrayIconFixture tray;
+    tray.icon->InitShellNotify(tray.window.Number(), 1025);
+    HRESULT result = S_OK;
+    Sweep(
+        0, [&] { tray.icon->RemoveIcon(); }, [&] { result = tray.icon->AddIcon(tray.rest.Get()); },
+        [&](bool isDone) {
+            CHECK(isDone);
+            CHECK((result == S_OK || result == E_OUTOFMEMORY));
+            CHECK(tray.icon->AddIcon(tray.rest.Get()) == S_OK);
+        });
+    PictureArray slots = tray.Slots();
+    Sweep(
+        0, [&] { CHECK(tray.Animate(1000) == S_OK); },
+        [&] { result = tray.icon->AnimateIcon(slots.Reference(), 1000, 1, tray.window.Number()); },
+        [&](bool isDone) {
+            CHECK(isDone);
+            CHECK((result == S_OK || result == E_OUTOFMEMORY));
+            // Two ticks of the animation show two frames.
+            const size_t before = tray.shell.calls.size();
+            CHECK(tray.Animate(1000) == S_OK);
+            tray.icon->m_tmrAni_TimerFired(0);
+            tray.icon->m_tmrAni_TimerFired(0);
+            REQUIRE(tray.shell.calls.size() == before + 2);
+            CHECK(tray.shell.calls.back().Icon() == static_cast<DWORD>(kFrameHandle + 1));
+        });
+    slots.Clear();
+    tray.icon->Class_Terminate();
+    CHECK(tray.rest->References() == 1);
+    CHECK(tray.HasFramesAlone());
 }
 
 TEST_CASE("memory that runs out in an engine handler is survived, and the next command is served") {
-    long faults = 0;
     EngineFixture f;
     f.server.script.calls.reserve(100000);
-    const FailingTexts texts;
 
     SUBCASE("connecting") {
-        faults = Sweep([] {}, [&] { f.Connect(); },
-                       [&](int ending) {
-                           CHECK(ending == 0);
-                           f.engine.Disconnect(f.window.Hwnd(), 0x1234);
-                           CHECK(f.server.popup == nullptr);
-                           f.Connect();
-                           CHECK(f.server.ConnectionCount() == 1);
-                           CHECK(f.Enabled() == kRunning);
-                           f.engine.Disconnect(f.window.Hwnd(), 0x1234);
-                           CHECK(f.server.popup == nullptr);
-                       });
+        Sweep(
+            1, [] {}, [&] { f.Connect(); },
+            [&](bool isDone) {
+                CHECK(isDone);
+                f.Disconnect();
+                CHECK(f.server.popup == nullptr);
+                f.Connect();
+                CHECK(f.server.ConnectionCount() == 1);
+                CHECK(f.Enabled() == kRunning);
+                f.Disconnect();
+                CHECK(f.server.popup == nullptr);
+            });
     }
     SUBCASE("commands, the path of the log, reading the settings again") {
         f.Connect();
         f.server.script.logFile = kAddress;
         std::wstring path;
         const UnfreedTexts unfreed;
-        faults = Sweep([&] { path.clear(); },
-                       [&] {
-                           f.engine.mnuStopKiller_Click();
-                           f.engine.tmMenu_Timer();
-                           f.engine.mnuPauseKiller_Click();
-                           f.engine.tmMenu_Timer();
-                           f.engine.mnuStartKiller_Click();
-                           f.engine.tmMenu_Timer();
-                           f.engine.ReloadSettings([] {});
-                           path = f.engine.LogFile();
-                       },
-                       [&](int) {
-                           CHECK_FALSE(f.engine.bStartPending);
-                           CHECK_FALSE(f.engine.bStopPending);
-                           CHECK_FALSE(f.engine.bPausePending);
-                           CHECK_FALSE(f.engine.tmMenu().Running());
-                           CHECK(f.Enabled() == kRunning);
-                           CHECK(f.engine.LogFile() == f.server.script.logFile);
-                           CHECK(unfreed.texts.empty());
-                       });
+        Sweep(
+            1, [&] { path.clear(); },
+            [&] {
+                f.engine.mnuStopKiller_Click();
+                f.engine.tmMenu_Timer();
+                f.engine.mnuPauseKiller_Click();
+                f.engine.tmMenu_Timer();
+                f.engine.mnuStartKiller_Click();
+                f.engine.tmMenu_Timer();
+                f.engine.ReloadSettings([] {});
+                path = f.engine.LogFile();
+            },
+            [&](bool) {
+                CHECK_FALSE(f.AnyPending());
+                CHECK_FALSE(f.engine.tmMenu().Running());
+                CHECK(f.Enabled() == kRunning);
+                CHECK(f.engine.LogFile() == f.server.script.logFile);
+                CHECK(unfreed.texts.empty());
+            });
     }
-    CHECK(faults >= 1);
 }
