@@ -13,7 +13,7 @@
 
 #include "platform/com/server_process.h"
 #include "platform/text.h"
-#include "tests/support/crash_watch.h"
+#include "tests/support/message_pump.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ struct CurrentTest : doctest::IReporter {
     explicit CurrentTest(const doctest::ContextOptions&) {}
 
     void test_case_start(const doctest::TestCaseData& test) override {
-        ForgetCrash();
+        WatchForCrash(0);
         const wchar_t* const path = _wgetenv(L"TEST_CURRENT");
         if (path == nullptr) return;
         if (FILE* const file = _wfopen(path, L"w")) {

@@ -9,10 +9,8 @@ namespace {
 constexpr UINT kTickMs = 10;
 
 BOOL CALLBACK FindDialog(HWND hwnd, LPARAM found) {
-    wchar_t className[16]{};
-    GetClassNameW(hwnd, className, 16);
-    if (!IsWindowVisible(hwnd) || GetWindow(hwnd, GW_OWNER) == nullptr) return TRUE;
-    if (lstrcmpW(className, L"#32770") != 0) return TRUE;
+    if (!IsWindowVisible(hwnd) || GetWindow(hwnd, GW_OWNER) == nullptr || ClassOf(hwnd) != L"#32770")
+        return TRUE;
     *reinterpret_cast<HWND*>(found) = hwnd;
     return FALSE;
 }

@@ -19,7 +19,7 @@ template <ImportName name, class Function>
 class ImportFake;
 
 // ImportFake<"MessageBeep", decltype(&MessageBeep)> beep{"user32.dll", [](UINT) { return FALSE; }};
-// One at a time for each function.
+// Of several for one function the last one plays it; they end in reverse.
 template <ImportName name, class Result, class... Arguments>
 class ImportFake<name, Result(WINAPI*)(Arguments...)> {
 public:
@@ -27,9 +27,11 @@ public:
         : m_body(std::move(body)), m_patch(module, name.text, &Call) {
         s_current = this;
     }
+    ~ImportFake() { s_current = m_outer; }
 
     // Calls the function that was replaced.
     Result Original(Arguments... arguments) const {
+        if (m_outer != nullptr) return m_outer->m_body(arguments...);
         return m_patch.template Original<Result(WINAPI*)(Arguments...)>()(arguments...);
     }
 
@@ -37,6 +39,7 @@ private:
     static Result WINAPI Call(Arguments... arguments) { return s_current->m_body(arguments...); }
 
     static inline const ImportFake* s_current = nullptr;
+    const ImportFake* const m_outer = s_current;
     const std::function<Result(Arguments...)> m_body;
     const ImportPatch m_patch;
 };

@@ -17,6 +17,10 @@ std::wstring PathOf(const std::wstring& key) {
     return std::wstring(kRootKey) + L"\\" + key;
 }
 
+HWND WindowIn(const Variant& value) {
+    return static_cast<HWND>(LongToHandle(ToLong(value)));
+}
+
 }  // namespace
 
 Manager::Manager(bool keepSettings, Start start) {
@@ -45,9 +49,7 @@ ComPtr<IDispatch> Manager::Instance(long showType) {
     m_config = config;
     if (!m_process) {
         DWORD process = 0;
-        const auto window =
-            reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Get(config.Get(), L"ConfigHwnd"))));
-        GetWindowThreadProcessId(window, &process);
+        GetWindowThreadProcessId(Window(), &process);
         WatchForCrash(process);
         m_process.Reset(
             OpenProcess(SYNCHRONIZE | PROCESS_TERMINATE | PROCESS_QUERY_INFORMATION, FALSE, process));
@@ -57,7 +59,7 @@ ComPtr<IDispatch> Manager::Instance(long showType) {
 
 HWND Manager::Window() {
     if (m_config == nullptr) Instance(FormHide);
-    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Get(m_config.Get(), L"ConfigHwnd"))));
+    return WindowIn(Get(m_config.Get(), L"ConfigHwnd"));
 }
 
 ComPtr<IDispatch> Manager::Form() {
@@ -66,7 +68,7 @@ ComPtr<IDispatch> Manager::Form() {
 }
 
 HWND Manager::Control(const wchar_t* name) {
-    return reinterpret_cast<HWND>(static_cast<LONG_PTR>(ToLong(Call(Form().Get(), L"ControlHwnd", {name}))));
+    return WindowIn(Call(Form().Get(), L"ControlHwnd", {name}));
 }
 
 void Manager::Click(const wchar_t* name) {
@@ -89,14 +91,8 @@ void Manager::LetGo() {
 bool Manager::WaitForEnd(DWORD milliseconds) {
     if (!m_process) throw std::runtime_error("the manager's process is not known");
     // The apartment must serve calls meanwhile: the manager may be releasing what this process gave it.
-    const DWORD start = GetTickCount();
-    while (WaitForSingleObject(m_process.Get(), 10) == WAIT_TIMEOUT) {
-        MSG message;
-        while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE))
-            DispatchMessageW(&message);
-        if (GetTickCount() - start >= milliseconds) return false;
-    }
-    return true;
+    return PumpUntil([this] { return WaitForSingleObject(m_process.Get(), 0) == WAIT_OBJECT_0; },
+                     milliseconds);
 }
 
 bool Manager::Running() {

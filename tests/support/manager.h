@@ -7,16 +7,13 @@
 
 #include "platform/com/com_ptr.h"
 #include "platform/handle.h"
-#include "tests/support/crash_watch.h"
 #include "tests/support/message_pump.h"
 #include "sentrel_config.h"
 
-struct ProcessHandleTraits {
-    using Type = HANDLE;
-    static Type Null() noexcept { return nullptr; }
+struct ProcessTraits : NullHandleTraits<HANDLE> {
     static void Close(Type handle) noexcept { CloseHandle(handle); }
 };
-using ProcessHandle = UniqueHandle<ProcessHandleTraits>;
+using ProcessHandle = UniqueHandle<ProcessTraits>;
 
 // A client of the manager. Its end ends the manager too.
 class Manager {

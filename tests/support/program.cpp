@@ -29,8 +29,13 @@ namespace {
 
 constexpr DWORD kStartPatience = 15000;  // milliseconds
 
-// Of the build; the caller closes the process and its thread.
-PROCESS_INFORMATION Start(const wchar_t* program, const std::wstring& arguments, DWORD flags = 0) {
+struct Started {
+    FileHandle process;
+    FileHandle thread;
+};
+
+// A program of the build.
+Started Start(const wchar_t* program, const std::wstring& arguments, DWORD flags = 0) {
     const std::wstring folder = ServerDirectory();
     const bool isWholePath = std::wstring_view(program).find(L':') != std::wstring_view::npos;
     std::wstring commandLine = L'"' + (isWholePath ? L"" : folder.substr(0, folder.find_last_of(L'\\') + 1)) +
@@ -43,13 +48,7 @@ PROCESS_INFORMATION Start(const wchar_t* program, const std::wstring& arguments,
         throw std::runtime_error("error " + std::to_string(GetLastError()) +
                                  ", not started: " + ToAnsi(commandLine));
     }
-    return process;
-}
-
-HANDLE StartAtOnce(const wchar_t* program, const std::wstring& arguments) {
-    const PROCESS_INFORMATION process = Start(program, arguments);
-    CloseHandle(process.hThread);
-    return process.hProcess;
+    return {FileHandle(process.hProcess), FileHandle(process.hThread)};
 }
 
 bool LoadLibraryInto(HANDLE process, const std::wstring& path) {
@@ -58,11 +57,10 @@ bool LoadLibraryInto(HANDLE process, const std::wstring& path) {
     if (!WriteProcessMemory(process, text, path.c_str(), size, nullptr)) return false;
     const auto load = reinterpret_cast<LPTHREAD_START_ROUTINE>(
         reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "LoadLibraryW")));
-    const HANDLE thread = CreateRemoteThread(process, nullptr, 0, load, text, 0, nullptr);
-    WaitForSingleObject(thread, kStartPatience);
+    const FileHandle thread(CreateRemoteThread(process, nullptr, 0, load, text, 0, nullptr));
+    WaitForSingleObject(thread.Get(), kStartPatience);
     DWORD module = 0;
-    GetExitCodeThread(thread, &module);
-    CloseHandle(thread);
+    GetExitCodeThread(thread.Get(), &module);
     VirtualFreeEx(process, text, 0, MEM_RELEASE);
     return module != 0 && module != STILL_ACTIVE;
 }
@@ -70,31 +68,24 @@ bool LoadLibraryInto(HANDLE process, const std::wstring& path) {
 }  // namespace
 
 DWORD RunProgram(const wchar_t* program, const std::wstring& arguments, DWORD milliseconds) {
-    const HANDLE process = StartAtOnce(program, arguments);
-    PumpUntil([&] { return WaitForSingleObject(process, 0) == WAIT_OBJECT_0; }, milliseconds);
+    const Started started = Start(program, arguments);
+    PumpUntil([&] { return WaitForSingleObject(started.process.Get(), 0) == WAIT_OBJECT_0; }, milliseconds);
     DWORD code = STILL_ACTIVE;
-    GetExitCodeProcess(process, &code);
-    CloseHandle(process);
+    GetExitCodeProcess(started.process.Get(), &code);
     return code;
 }
 
 void StartServerAhead(const wchar_t* program) {
     if (!ProcessesOf(program).empty()) return;
-    const HANDLE process = StartAtOnce(program, L"-Embedding");
-    WaitForInputIdle(process, kStartPatience);
-    CloseHandle(process);
+    WaitForInputIdle(Start(program, L"-Embedding").process.Get(), kStartPatience);
 }
 
 HANDLE StartServerWith(const wchar_t* program, const std::wstring& library) {
-    const PROCESS_INFORMATION process = Start(program, L"-Embedding", CREATE_SUSPENDED);
-    const bool loaded = LoadLibraryInto(process.hProcess, library);
-    if (!loaded) TerminateProcess(process.hProcess, 1);
-    ResumeThread(process.hThread);
-    CloseHandle(process.hThread);
-    WaitForInputIdle(process.hProcess, kStartPatience);
-    if (!loaded) {
-        CloseHandle(process.hProcess);
-        throw std::runtime_error("not loaded: " + ToAnsi(library));
-    }
-    return process.hProcess;
+    Started started = Start(program, L"-Embedding", CREATE_SUSPENDED);
+    const bool isLoaded = LoadLibraryInto(started.process.Get(), library);
+    if (!isLoaded) TerminateProcess(started.process.Get(), 1);
+    ResumeThread(started.thread.Get());
+    WaitForInputIdle(started.process.Get(), kStartPatience);
+    if (!isLoaded) throw std::runtime_error("not loaded: " + ToAnsi(library));
+    return started.process.Detach();
 }

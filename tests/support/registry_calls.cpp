@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <utility>
 
-RegistryCalls* RegistryCalls::s_current = nullptr;
+#include "tests/support/import_fake.h"
 
 namespace {
 
@@ -41,20 +42,18 @@ std::string Hex(DWORD number) {
     return text;
 }
 
-std::string Text(const char* text) {
-    return text == nullptr ? "null" : Quoted(text);
+std::string NothingMore() {
+    return {};
 }
 
 // "3 NULs" when that is what the buffer holds.
 std::string Filling(const void* buffer, size_t size) {
-    if (buffer == nullptr) return "no buffer";
     const std::string bytes(static_cast<const char*>(buffer), size);
     if (bytes.find_first_not_of('\0') != std::string::npos) return "other bytes";
     return std::to_string(size) + " NULs";
 }
 
 std::string Record(const SECURITY_ATTRIBUTES* security) {
-    if (security == nullptr) return "no record";
     return "{" + std::to_string(security->nLength) +
            (security->lpSecurityDescriptor == nullptr ? ", no descriptor" : ", a descriptor") +
            (security->bInheritHandle == TRUE ? ", inherited}" : ", not inherited}");
@@ -69,27 +68,6 @@ bool FaultCounter::Fails(RegistryFunction function) {
     const bool fails = m_fault.isLasting ? m_counted >= m_fault.first : m_counted == m_fault.first;
     m_happened = m_happened || fails;
     return fails;
-}
-
-RegistryCalls::RegistryCalls(Of registry) : m_isMemory(registry == Of::Memory) {
-    s_current = this;
-    const auto patch = [this](auto* replacement) {
-        m_patches.push_back(
-            std::make_unique<ImportPatch>("advapi32.dll", kFunctions[m_patches.size()], replacement));
-    };
-    patch(&Open);
-    patch(&Query);
-    patch(&Info);
-    patch(&Create);
-    patch(&Set);
-    patch(&DeleteValue);
-    patch(&DeleteKey);
-    patch(&Close);
-}
-
-RegistryCalls::~RegistryCalls() {
-    m_patches.clear();
-    s_current = nullptr;
 }
 
 std::vector<std::string> RegistryCalls::Watch(const std::function<void()>& body) {
@@ -146,13 +124,10 @@ std::vector<std::string> RegistryCalls::OpenHandles() const {
     return open;
 }
 
-template <class Function, class Describe, class InMemory, class... Arguments>
+template <class Describe, class InMemory, class Original>
 LSTATUS RegistryCalls::Pass(RegistryFunction function, HKEY key, LPCSTR name, Describe describe,
-                            InMemory inMemory, Arguments... arguments) {
-    const auto call = [&] {
-        const auto& patch = *m_patches[static_cast<size_t>(function)];
-        return m_isMemory ? inMemory() : patch.Original<Function*>()(arguments...);
-    };
+                            InMemory inMemory, Original original) {
+    const auto call = [&]() -> LSTATUS { return m_isMemory ? inMemory() : original(); };
     if (!IsWatching()) return call();
     const size_t index = m_calls.size();
     if (m_isRecording) {
@@ -190,146 +165,154 @@ std::string RegistryCalls::PathOf(HKEY root, LPCSTR path) {
     return std::string(name == nullptr ? "?" : name) + '\\' + path;
 }
 
-StoredKey* RegistryCalls::Find(HKEY key) {
+template <class Body>
+LSTATUS RegistryCalls::InKey(HKEY key, Body body) {
     const auto opened = m_open.find(key);
-    if (opened == m_open.end()) {
-        ++strayHandles;
-        return nullptr;
-    }
-    const auto found = contents.find(opened->second.path);
-    return found == contents.end() ? nullptr : &found->second;
+    if (opened == m_open.end()) ++strayHandles;
+    const auto stored = opened == m_open.end() ? contents.end() : contents.find(opened->second.path);
+    return stored == contents.end() ? ERROR_KEY_DELETED : body(stored->second);
 }
 
-LSTATUS WINAPI RegistryCalls::Open(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
-    RegistryCalls& self = *s_current;
-    const LSTATUS result = self.Pass<decltype(RegOpenKeyExA)>(
-        RegistryFunction::Open, root, path,
-        [&] { return ", " + std::to_string(options) + ", " + Hex(access); },
-        [&]() -> LSTATUS {
-            if (!self.contents.contains(self.PathOf(root, path))) return ERROR_FILE_NOT_FOUND;
-            *key = reinterpret_cast<HKEY>(0x1000 + self.m_handedOut);
-            return ERROR_SUCCESS;
-        },
-        root, path, options, access, key);
-    return self.HandOut(result, root, path, *key);
-}
+struct RegistryCalls::Fakes {
+    RegistryCalls& self;
 
-LSTATUS WINAPI RegistryCalls::Query(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
-                                    LPDWORD size) {
-    RegistryCalls& self = *s_current;
-    return self.Pass<decltype(RegQueryValueExA)>(
-        RegistryFunction::Query, key, name,
-        [&] {
-            return ", type " + std::to_string(*type) + ", " + Filling(data, *size) + ", " +
-                   std::to_string(*size);
-        },
-        [&]() -> LSTATUS {
-            const StoredKey* const stored = self.Find(key);
-            if (stored == nullptr) return ERROR_KEY_DELETED;
-            const auto value = stored->find(name);
-            if (value == stored->end()) return ERROR_FILE_NOT_FOUND;
-            const std::string& bytes = value->second.bytes;
-            const DWORD capacity = *size;
-            *type = value->second.type;
-            *size = static_cast<DWORD>(bytes.size());
-            if (capacity < bytes.size()) return ERROR_MORE_DATA;
-            std::copy(bytes.begin(), bytes.end(), data);
-            return ERROR_SUCCESS;
-        },
-        key, name, reserved, type, data, size);
-}
+    const ImportFake<"RegOpenKeyExA", decltype(&RegOpenKeyExA)> open{
+        "advapi32.dll", [this](HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key) {
+            const LSTATUS result = self.Pass(
+                RegistryFunction::Open, root, path,
+                [&] { return ", " + std::to_string(options) + ", " + Hex(access); },
+                [&]() -> LSTATUS {
+                    if (!self.contents.contains(self.PathOf(root, path))) return ERROR_FILE_NOT_FOUND;
+                    *key = self.NextHandle();
+                    return ERROR_SUCCESS;
+                },
+                [&] { return open.Original(root, path, options, access, key); });
+            return self.HandOut(result, root, path, *key);
+        }};
 
-LSTATUS WINAPI RegistryCalls::Info(HKEY key, LPSTR keyClass, LPDWORD classLength, LPDWORD reserved,
-                                   LPDWORD subkeys, LPDWORD maxSubkey, LPDWORD maxClass, LPDWORD values,
-                                   LPDWORD maxName, LPDWORD maxData, LPDWORD security, PFILETIME written) {
-    RegistryCalls& self = *s_current;
-    return self.Pass<decltype(RegQueryInfoKeyA)>(
-        RegistryFunction::Info, key, nullptr,
-        [&] { return ", " + Filling(keyClass, kClassBuffer) + ", " + std::to_string(*classLength); },
-        [&]() -> LSTATUS {
-            if (self.Find(key) == nullptr) return ERROR_KEY_DELETED;
-            *classLength = 0;
-            return ERROR_SUCCESS;
-        },
-        key, keyClass, classLength, reserved, subkeys, maxSubkey, maxClass, values, maxName, maxData,
-        security, written);
-}
+    const ImportFake<"RegQueryValueExA", decltype(&RegQueryValueExA)> query{
+        "advapi32.dll",
+        [this](HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data, LPDWORD size) {
+            return self.Pass(
+                RegistryFunction::Query, key, name,
+                [&] {
+                    return ", type " + std::to_string(*type) + ", " + Filling(data, *size) + ", " +
+                           std::to_string(*size);
+                },
+                [&] {
+                    return self.InKey(key, [&](const StoredKey& stored) -> LSTATUS {
+                        const auto value = stored.find(name);
+                        if (value == stored.end()) return ERROR_FILE_NOT_FOUND;
+                        const std::string& bytes = value->second.bytes;
+                        *type = value->second.type;
+                        const DWORD capacity = std::exchange(*size, static_cast<DWORD>(bytes.size()));
+                        if (capacity < bytes.size()) return ERROR_MORE_DATA;
+                        std::copy(bytes.begin(), bytes.end(), data);
+                        return ERROR_SUCCESS;
+                    });
+                },
+                [&] { return query.Original(key, name, reserved, type, data, size); });
+        }};
 
-LSTATUS WINAPI RegistryCalls::Create(HKEY root, LPCSTR path, DWORD reserved, LPSTR keyClass, DWORD options,
-                                     REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY key,
-                                     LPDWORD disposition) {
-    RegistryCalls& self = *s_current;
-    const LSTATUS result = self.Pass<decltype(RegCreateKeyExA)>(
-        RegistryFunction::Create, root, path,
-        [&] {
-            self.m_calls.back().data = keyClass;
-            return ", " + std::to_string(reserved) + ", " + Text(keyClass) + ", " + std::to_string(options) +
-                   ", " + Hex(access) + ", " + Record(security);
-        },
-        [&]() -> LSTATUS {
-            self.contents.try_emplace(self.PathOf(root, path));
-            *key = reinterpret_cast<HKEY>(0x1000 + self.m_handedOut);
-            return ERROR_SUCCESS;
-        },
-        root, path, reserved, keyClass, options, access, security, key, disposition);
-    return self.HandOut(result, root, path, *key);
-}
+    const ImportFake<"RegQueryInfoKeyA", decltype(&RegQueryInfoKeyA)> info{
+        "advapi32.dll", [this](HKEY key, LPSTR keyClass, LPDWORD classLength, auto... others) {
+            return self.Pass(
+                RegistryFunction::Info, key, nullptr,
+                [&] { return ", " + Filling(keyClass, kClassBuffer) + ", " + std::to_string(*classLength); },
+                [&] {
+                    return self.InKey(key, [&](const StoredKey&) -> LSTATUS {
+                        *classLength = 0;
+                        return ERROR_SUCCESS;
+                    });
+                },
+                [&] { return info.Original(key, keyClass, classLength, others...); });
+        }};
 
-LSTATUS WINAPI RegistryCalls::Set(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data,
-                                  DWORD size) {
-    RegistryCalls& self = *s_current;
-    const auto bytes = [&] { return std::string(reinterpret_cast<const char*>(data), size); };
-    return self.Pass<decltype(RegSetValueExA)>(
-        RegistryFunction::Set, key, name,
-        [&] {
-            self.m_calls.back().data = bytes() + (type == REG_SZ ? "" : " of type " + std::to_string(type));
-            return ", " + std::to_string(reserved) + ", type " + std::to_string(type) + ", " +
-                   Quoted(bytes()) + (data[size] == 0 ? ", a NUL behind" : ", no NUL behind");
-        },
-        [&]() -> LSTATUS {
-            StoredKey* const stored = self.Find(key);
-            if (stored == nullptr) return ERROR_KEY_DELETED;
-            (*stored)[name] = {type, bytes()};
-            return ERROR_SUCCESS;
-        },
-        key, name, reserved, type, data, size);
-}
+    const ImportFake<"RegCreateKeyExA", decltype(&RegCreateKeyExA)> create{
+        "advapi32.dll",
+        [this](HKEY root, LPCSTR path, DWORD reserved, LPSTR keyClass, DWORD options, REGSAM access,
+               LPSECURITY_ATTRIBUTES security, PHKEY key, LPDWORD disposition) {
+            const LSTATUS result = self.Pass(
+                RegistryFunction::Create, root, path,
+                [&] {
+                    self.m_calls.back().data = keyClass;
+                    return ", " + std::to_string(reserved) + ", " + Quoted(keyClass) + ", " +
+                           std::to_string(options) + ", " + Hex(access) + ", " + Record(security);
+                },
+                [&]() -> LSTATUS {
+                    self.contents.try_emplace(self.PathOf(root, path));
+                    *key = self.NextHandle();
+                    return ERROR_SUCCESS;
+                },
+                [&] {
+                    return create.Original(root, path, reserved, keyClass, options, access, security, key,
+                                           disposition);
+                });
+            return self.HandOut(result, root, path, *key);
+        }};
 
-LSTATUS WINAPI RegistryCalls::DeleteValue(HKEY key, LPCSTR name) {
-    RegistryCalls& self = *s_current;
-    return self.Pass<decltype(RegDeleteValueA)>(
-        RegistryFunction::DeleteValue, key, name, [] { return std::string(); },
-        [&]() -> LSTATUS {
-            StoredKey* const stored = self.Find(key);
-            if (stored == nullptr) return ERROR_KEY_DELETED;
-            return stored->erase(name) == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
-        },
-        key, name);
-}
+    const ImportFake<"RegSetValueExA", decltype(&RegSetValueExA)> set{
+        "advapi32.dll",
+        [this](HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
+            const auto bytes = [&] { return std::string(reinterpret_cast<const char*>(data), size); };
+            return self.Pass(
+                RegistryFunction::Set, key, name,
+                [&] {
+                    self.m_calls.back().data =
+                        bytes() + (type == REG_SZ ? "" : " of type " + std::to_string(type));
+                    return ", " + std::to_string(reserved) + ", type " + std::to_string(type) + ", " +
+                           Quoted(bytes()) + (data[size] == 0 ? ", a NUL behind" : ", no NUL behind");
+                },
+                [&] {
+                    return self.InKey(key, [&](StoredKey& stored) -> LSTATUS {
+                        stored[name] = {type, bytes()};
+                        return ERROR_SUCCESS;
+                    });
+                },
+                [&] { return set.Original(key, name, reserved, type, data, size); });
+        }};
 
-LSTATUS WINAPI RegistryCalls::DeleteKey(HKEY root, LPCSTR path) {
-    RegistryCalls& self = *s_current;
-    return self.Pass<decltype(RegDeleteKeyA)>(
-        RegistryFunction::DeleteKey, root, path, [] { return std::string(); },
-        [&]() -> LSTATUS {
-            return self.contents.erase(self.PathOf(root, path)) == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
-        },
-        root, path);
-}
+    const ImportFake<"RegDeleteValueA", decltype(&RegDeleteValueA)> deleteValue{
+        "advapi32.dll", [this](HKEY key, LPCSTR name) {
+            return self.Pass(
+                RegistryFunction::DeleteValue, key, name, NothingMore,
+                [&] {
+                    return self.InKey(key, [&](StoredKey& stored) -> LSTATUS {
+                        return stored.erase(name) == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+                    });
+                },
+                [&] { return deleteValue.Original(key, name); });
+        }};
 
-LSTATUS WINAPI RegistryCalls::Close(HKEY key) {
-    RegistryCalls& self = *s_current;
-    const bool isWatching = self.IsWatching();
-    const LSTATUS result = self.Pass<decltype(RegCloseKey)>(
-        RegistryFunction::Close, key, nullptr, [] { return std::string(); },
-        [&]() -> LSTATUS {
-            if (RootName(key) == nullptr && !self.m_open.contains(key)) ++self.strayHandles;
-            return ERROR_SUCCESS;
-        },
-        key);
-    if (result == ERROR_SUCCESS && isWatching) self.m_open.erase(key);
-    return result;
-}
+    const ImportFake<"RegDeleteKeyA", decltype(&RegDeleteKeyA)> deleteKey{
+        "advapi32.dll", [this](HKEY root, LPCSTR path) {
+            return self.Pass(
+                RegistryFunction::DeleteKey, root, path, NothingMore,
+                [&]() -> LSTATUS {
+                    const auto erased = self.contents.erase(self.PathOf(root, path));
+                    return erased == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
+                },
+                [&] { return deleteKey.Original(root, path); });
+        }};
+
+    const ImportFake<"RegCloseKey", decltype(&RegCloseKey)> close{
+        "advapi32.dll", [this](HKEY key) {
+            const bool isWatching = self.IsWatching();
+            const LSTATUS result = self.Pass(
+                RegistryFunction::Close, key, nullptr, NothingMore,
+                [&]() -> LSTATUS {
+                    if (RootName(key) == nullptr && !self.m_open.contains(key)) ++self.strayHandles;
+                    return ERROR_SUCCESS;
+                },
+                [&] { return close.Original(key); });
+            if (result == ERROR_SUCCESS && isWatching) self.m_open.erase(key);
+            return result;
+        }};
+};
+
+RegistryCalls::RegistryCalls(Of registry) : m_isMemory(registry == Of::Memory), m_fakes(new Fakes{*this}) {}
+
+RegistryCalls::~RegistryCalls() = default;
 
 std::string Quoted(const std::string& bytes) {
     std::string text = "\"";

@@ -12,8 +12,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/import_patch.h"
-
 enum class RegistryFunction { Open, Query, Info, Create, Set, DeleteValue, DeleteKey, Close };
 
 // The registry compares names without regard to case. Those of the tests are plain ASCII, and compared too
@@ -126,33 +124,22 @@ private:
         std::string path;
     };
 
-    static LSTATUS WINAPI Open(HKEY root, LPCSTR path, DWORD options, REGSAM access, PHKEY key);
-    static LSTATUS WINAPI Query(HKEY key, LPCSTR name, LPDWORD reserved, LPDWORD type, LPBYTE data,
-                                LPDWORD size);
-    static LSTATUS WINAPI Info(HKEY key, LPSTR keyClass, LPDWORD classLength, LPDWORD reserved,
-                               LPDWORD subkeys, LPDWORD maxSubkey, LPDWORD maxClass, LPDWORD values,
-                               LPDWORD maxName, LPDWORD maxData, LPDWORD security, PFILETIME written);
-    static LSTATUS WINAPI Create(HKEY root, LPCSTR path, DWORD reserved, LPSTR keyClass, DWORD options,
-                                 REGSAM access, LPSECURITY_ATTRIBUTES security, PHKEY key,
-                                 LPDWORD disposition);
-    static LSTATUS WINAPI Set(HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data,
-                              DWORD size);
-    static LSTATUS WINAPI DeleteValue(HKEY key, LPCSTR name);
-    static LSTATUS WINAPI DeleteKey(HKEY root, LPCSTR path);
-    static LSTATUS WINAPI Close(HKEY key);
+    // Stand before the functions: each describes its arguments and does in memory what the system does.
+    struct Fakes;
 
     bool IsWatching() const { return !m_isAside && (m_isMemory || m_isRecording); }
-    // Makes the call of a function: describe returns the rest of its line, behind key and name; inMemory does
-    // in memory what the system does with the arguments.
-    template <class Function, class Describe, class InMemory, class... Arguments>
+    // Makes a call: describe returns the rest of its line, behind key and name; inMemory or original does it.
+    template <class Describe, class InMemory, class Original>
     LSTATUS Pass(RegistryFunction function, HKEY key, LPCSTR name, Describe describe, InMemory inMemory,
-                 Arguments... arguments);
+                 Original original);
     LSTATUS HandOut(LSTATUS result, HKEY root, LPCSTR path, HKEY key);
+    // What the body does with what an open key holds in memory.
+    template <class Body>
+    LSTATUS InKey(HKEY key, Body body);
+    HKEY NextHandle() const { return reinterpret_cast<HKEY>(0x1000 + m_handedOut); }
     std::string NameOf(HKEY key) const;
     std::string PathOf(HKEY root, LPCSTR path);
-    StoredKey* Find(HKEY key);
 
-    static RegistryCalls* s_current;
     const bool m_isMemory;
     bool m_isRecording = false;
     bool m_isAside = false;
@@ -160,7 +147,7 @@ private:
     std::vector<Call> m_calls;
     std::map<HKEY, Opened> m_open;
     size_t m_handedOut = 0;
-    std::vector<std::unique_ptr<ImportPatch>> m_patches;
+    const std::unique_ptr<Fakes> m_fakes;
 };
 
 // "abc\00" in quotes, for lines.

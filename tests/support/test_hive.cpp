@@ -37,9 +37,8 @@ bool TestHive::Exists(const std::wstring& key) const {
 }
 
 bool TestHive::Exists(const std::wstring& key, const std::wstring& value) const {
-    const RegistryKey opened = Open(m_key, key);
-    return opened &&
-           RegQueryValueExW(opened.Get(), value.c_str(), nullptr, nullptr, nullptr, nullptr) == ERROR_SUCCESS;
+    return RegGetValueW(m_key, key.c_str(), value.c_str(), RRF_RT_ANY | RRF_NOEXPAND, nullptr, nullptr,
+                        nullptr) == ERROR_SUCCESS;
 }
 
 std::string TestHive::Bytes(const std::wstring& key, const std::wstring& value, DWORD* type) const {
@@ -64,14 +63,10 @@ size_t TestHive::ValueCount(const std::wstring& key) const {
 
 void TestHive::Write(const std::wstring& key, const std::wstring& value, DWORD type,
                      const std::string& bytes) const {
-    HKEY created = nullptr;
-    RegCreateKeyExW(m_key, key.c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, &created, nullptr);
-    const RegistryKey opened(created);
     // A byte that is no NUL behind the data keeps the system from adding one to it.
     const std::string guarded = bytes + 'x';
-    if (RegSetValueExA(opened.Get(), ToAnsi(value).c_str(), 0, type,
-                       reinterpret_cast<const BYTE*>(guarded.data()),
-                       static_cast<DWORD>(bytes.size())) != ERROR_SUCCESS) {
+    if (RegSetKeyValueA(m_key, ToAnsi(key).c_str(), ToAnsi(value).c_str(), type, guarded.data(),
+                        static_cast<DWORD>(bytes.size())) != ERROR_SUCCESS) {
         throw std::runtime_error("not written: " + ToAnsi(value));
     }
 }

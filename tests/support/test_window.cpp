@@ -2,6 +2,7 @@
 
 #include <commctrl.h>
 
+#include <map>
 #include <sstream>
 
 #include "tests/support/resource.h"
@@ -17,37 +18,22 @@ struct WindowKind {
     DWORD style;
 };
 
-WindowKind KindOf(const Control& control) {
-    switch (control.Kind()) {
-        case ControlKind::Button:
-            return {WC_BUTTONW, BS_PUSHBUTTON | WS_TABSTOP};
-        case ControlKind::CheckBox:
-            return {WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP};
-        case ControlKind::OptionButton:
-            return {WC_BUTTONW, BS_AUTORADIOBUTTON | WS_TABSTOP};
-        case ControlKind::Frame:
-            return {WC_BUTTONW, BS_GROUPBOX};
-        case ControlKind::ComboBox:
-            return {WC_COMBOBOXW, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP};
-        case ControlKind::ListBox:
-            return {WC_LISTBOXW, LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER | WS_TABSTOP};
-        case ControlKind::ListView:
-            return {WC_LISTVIEWW, LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_BORDER | WS_TABSTOP};
-        case ControlKind::TextBox:
-            return {WC_EDITW, ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP};
-        case ControlKind::UpDown:
-            return {UPDOWN_CLASSW, UDS_ALIGNRIGHT | UDS_ARROWKEYS};
-        case ControlKind::TabStrip:
-            return {WC_TABCONTROLW, WS_TABSTOP};
-        case ControlKind::Image:
-            return {WC_STATICW, SS_BITMAP | SS_NOTIFY};
-        case ControlKind::Label:
-            return {WC_STATICW, SS_NOTIFY};
-        case ControlKind::Link:
-            return {WC_LINK, WS_TABSTOP};
-    }
-    return {WC_STATICW, 0};
-}
+const std::map<ControlKind, WindowKind> kKinds{
+    {ControlKind::Button, {WC_BUTTONW, BS_PUSHBUTTON | WS_TABSTOP}},
+    {ControlKind::CheckBox, {WC_BUTTONW, BS_AUTOCHECKBOX | WS_TABSTOP}},
+    {ControlKind::OptionButton, {WC_BUTTONW, BS_AUTORADIOBUTTON | WS_TABSTOP}},
+    {ControlKind::Frame, {WC_BUTTONW, BS_GROUPBOX}},
+    {ControlKind::ComboBox, {WC_COMBOBOXW, CBS_DROPDOWNLIST | WS_VSCROLL | WS_TABSTOP}},
+    {ControlKind::ListBox,
+     {WC_LISTBOXW, LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | WS_BORDER | WS_TABSTOP}},
+    {ControlKind::ListView,
+     {WC_LISTVIEWW, LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS | WS_BORDER | WS_TABSTOP}},
+    {ControlKind::TextBox, {WC_EDITW, ES_AUTOHSCROLL | WS_BORDER | WS_TABSTOP}},
+    {ControlKind::UpDown, {UPDOWN_CLASSW, UDS_ALIGNRIGHT | UDS_ARROWKEYS}},
+    {ControlKind::Image, {WC_STATICW, SS_BITMAP | SS_NOTIFY}},
+    {ControlKind::Label, {WC_STATICW, SS_NOTIFY}},
+    {ControlKind::Link, {WC_LINK, WS_TABSTOP}},
+};
 
 }  // namespace
 
@@ -63,7 +49,7 @@ bool TestWindow::OnInit() {
     int top = 0;
     bool isOption = false;
     for (Control* const control : m_controls) {
-        const WindowKind kind = KindOf(*control);
+        const WindowKind& kind = kKinds.at(control->Kind());
         // Option buttons that follow each other are a group; everything else stands by itself.
         const bool continuesGroup = isOption && control->Kind() == ControlKind::OptionButton;
         isOption = control->Kind() == ControlKind::OptionButton;
