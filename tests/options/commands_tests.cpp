@@ -113,12 +113,3 @@ TEST_CASE("Cancel shows the stored settings again, then hides the window, and le
         CHECK(page.Stored(L"txtPause") == L"7000");
     }
 }
-
-TEST_CASE_FIXTURE(EditedPage, "the focus goes on when Apply disables the button that has it") {
-    ShowWindow(window.Hwnd(), SW_SHOW);
-    cmdApply.SetFocus();
-    REQUIRE(GetFocus() == cmdApply.Hwnd());
-    Click(cmdApply);
-    CHECK_FALSE(cmdApply.Enabled());
-    CHECK(GetFocus() == cmdCancel.Hwnd());
-}

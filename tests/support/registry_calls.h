@@ -79,14 +79,14 @@ public:
     // neither watched nor failed.
     std::function<void(RegistryFunction function, const std::string& name)> beforeCall;
 
-    // Runs the body and returns its calls: the function and its arguments, which are HKCU, HKLM, or key1,
-    // key2
-    // ... for the handles in the order in which they were handed out ("?" for one that was not), texts in
-    // quotes, bytes that are no visible character as \xx:
+    // Runs the body and returns its calls: the function and its arguments. Those are HKCU, HKLM, or key1,
+    // key2 and so on for the handles in the order in which they were handed out ("?" for one that was not),
+    // texts in quotes, bytes that are no visible character as \xx, and of an output what it holds before the
+    // call:
     //   RegOpenKeyExA(HKCU, "Software", 0, 0x19)
-    //   RegQueryValueExA(key1, "Value", type 0, 3 NULs, 3)   what the type, the buffer and the size hold
-    //   before RegQueryInfoKeyA(key1, 512 NULs, 511)                what the class buffer and its length hold
-    //   before RegCreateKeyExA(HKCU, "Software", 0, "class", 0, 0x2, {50, no descriptor, inherited})
+    //   RegQueryValueExA(key1, "Value", type 0, 3 NULs, 3)
+    //   RegQueryInfoKeyA(key1, 512 NULs, 511)
+    //   RegCreateKeyExA(HKCU, "Software", 0, "class", 0, 0x2, {50, no descriptor, inherited})
     //   RegSetValueExA(key1, "Value", 0, type 1, "abc", no NUL behind)
     //   RegDeleteValueA(key1, "Value")   RegDeleteKeyA(HKCU, "Software")   RegCloseKey(key1)
     std::vector<std::string> Watch(const std::function<void()>& body);
