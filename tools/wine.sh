@@ -45,6 +45,12 @@ StopWine() {
     WINEPREFIX=$prefix timeout 30 "$wineServer" -w >/dev/null 2>&1 || true
 }
 
+# KeepServer [PREFIX]: starts the server of the prefix, which waits for programs until StopWine. By itself it ends three
+# seconds behind the last program, and one that starts at that moment fails.
+KeepServer() {
+    WINEPREFIX=${1:-$WINEPREFIX} "$wineServer" -p >/dev/null 2>&1 </dev/null || true
+}
+
 # UsePrefix DIR: makes DIR the prefix of the following calls; it is stopped when the script ends.
 UsePrefix() {
     export WINEPREFIX=$1
@@ -123,6 +129,7 @@ MakePrefix() {
     rm -rf "$dir"
     cp -al "$source" "$dir"
     (cd "$source" && cp -a --parents --remove-destination -t "$dir" ./*.reg drive_c/windows/*.ini)
+    KeepServer "$dir"
 }
 
 # SetRegistryValue KEY NAME TYPE DATA, in $WINEPREFIX.
@@ -165,12 +172,14 @@ LogFont() {
 SetMessageFont() {
     SetRegistryValue 'HKCU\Control Panel\Desktop\WindowMetrics' MessageFont REG_BINARY "$(LogFont "$@" | tr -d ,)"
     StopWine
+    KeepServer
 }
 
 # SetDpi DPI: the resolution that programs see from now on; it is read when the prefix starts.
 SetDpi() {
     SetRegistryValue 'HKCU\Control Panel\Desktop' LogPixels REG_DWORD "$1"
     StopWine
+    KeepServer
 }
 
 # RegisterServers BUILD_DIR: registers the manager and the stand-in engine in $WINEPREFIX.
