@@ -13,7 +13,7 @@
 
 #include "platform/com/server_process.h"
 #include "platform/text.h"
-#include "tests/support/message_pump.h"
+#include "tests/support/crash_watch.h"
 
 namespace {
 

@@ -7,6 +7,7 @@
 
 #include "platform/com/com_ptr.h"
 #include "platform/handle.h"
+#include "tests/support/crash_watch.h"
 #include "tests/support/message_pump.h"
 #include "sentrel_config.h"
 

@@ -14,9 +14,3 @@ inline constexpr DWORD kPatience = 40000;  // milliseconds
 bool PumpUntil(const std::function<bool()>& condition, DWORD milliseconds = kPatience);
 
 void PumpFor(DWORD milliseconds);
-
-// From now on this process is the one that is watched; none is where it is 0.
-void WatchForCrash(DWORD process);
-
-// Whether the watched process has crashed, which fails the test: nothing more comes of it.
-bool HasCrashed();
