@@ -14,7 +14,8 @@ using Lines = std::vector<std::string>;
 namespace {
 
 constexpr wchar_t kKey[] = L"Software\\Calvane\\Calls";
-constexpr LSTATUS kErrors[] = {ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_MORE_DATA};
+constexpr LSTATUS kErrors[] = {ERROR_FILE_NOT_FOUND, ERROR_ACCESS_DENIED, ERROR_NOT_ENOUGH_MEMORY,
+                               ERROR_MORE_DATA, ERROR_KEY_DELETED};
 
 const Lines kRead{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x19))",
                   R"(RegQueryValueExA(key1, "Value", type 0, 0 NULs, 0))",
