@@ -54,11 +54,11 @@ struct FaultyRegistry {
             return Denies(parent) ? ERROR_ACCESS_DENIED : remove.Original(parent, name);
         }};
     const ImportFake<"RegisterTypeLib", decltype(&RegisterTypeLib)> registers{
-        "oleaut32.dll", [this](ITypeLib* library, OLECHAR* path, OLECHAR* help) {
+        "oleaut32.dll", [this](auto... arguments) {
             const LSTATUS fault = Write(HKEY_LOCAL_MACHINE);
             if (fault == ERROR_ACCESS_DENIED) return TYPE_E_REGISTRYACCESS;
             return fault != ERROR_SUCCESS ? HRESULT_FROM_WIN32(static_cast<DWORD>(fault))
-                                          : registers.Original(library, path, help);
+                                          : registers.Original(arguments...);
         }};
 };
 
