@@ -46,7 +46,7 @@ StopWine() {
 }
 
 # KeepServer [PREFIX]: starts the server of the prefix, which waits for programs until StopWine. By itself it ends three
-# seconds behind the last program, and one that starts at that moment fails.
+# seconds after the last program, and one that starts at that moment fails.
 KeepServer() {
     WINEPREFIX=${1:-$WINEPREFIX} "$wineServer" -p >/dev/null 2>&1 </dev/null || true
 }

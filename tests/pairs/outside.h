@@ -97,7 +97,7 @@ private:
         work();
     }
 
-    // As the shell answers: an icon is there once or not at all.
+    // As the shell does it: an icon is there once or not at all.
     BOOL Answer(DWORD action, const NOTIFYICONDATAA& data) {
         const std::pair<HWND, UINT> icon(data.hWnd, data.uID);
         if (action == NIM_DELETE) return icons.erase(icon) != 0;
