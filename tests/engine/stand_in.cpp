@@ -29,6 +29,7 @@ ComPtr<IDispatch>& KeptControl() {
 bool TryStart(ComPtr<IDispatch>& control) {
     return ResumeNext([&] {
         StartServerAhead(kStandInProgram);
+        KeepProcessIds(kStandInProgram);
         ComPtr<IDispatch> created = CreateByName(L"SentrelStandin.Control");
         Call(created.Get(), L"Reset");
         control = created;

@@ -26,16 +26,20 @@ HWND WindowIn(const Variant& value) {
 Manager::Manager(bool keepSettings, Start start) {
     if (!keepSettings) DeleteSettings();
     if (start == Start::Ahead) StartServerAhead(kProgram);
-    ThrowIfFailed(
-        CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&m_control)));
+    Connect();
 }
 
 Manager::Manager(const std::wstring& library, bool keepSettings) {
     if (!keepSettings) DeleteSettings();
     if (!ProgramEnds(kProgram)) throw std::runtime_error("an earlier manager does not end");
     CloseHandle(StartServerWith(kProgram, library));
+    Connect();
+}
+
+void Manager::Connect() {
     ThrowIfFailed(
         CoCreateInstance(__uuidof(ConfigControl), nullptr, CLSCTX_LOCAL_SERVER, IID_PPV_ARGS(&m_control)));
+    KeepProcessIds(kProgram);
 }
 
 Manager::~Manager() {

@@ -55,6 +55,8 @@ public:
     bool Running();
 
 private:
+    void Connect();
+
     ComPtr<_ConfigControl> m_control;
     ComPtr<IDispatch> m_config;
     ProcessHandle m_process;

@@ -21,6 +21,11 @@ std::vector<DWORD> ProcessesOf(const wchar_t* program) {
     return ids;
 }
 
+void KeepProcessIds(const wchar_t* program) {
+    for (const DWORD id : ProcessesOf(program))
+        OpenProcess(SYNCHRONIZE, FALSE, id);
+}
+
 bool ProgramEnds(const wchar_t* program, DWORD milliseconds) {
     return PumpUntil([&] { return ProcessesOf(program).empty(); }, milliseconds);
 }

@@ -11,6 +11,11 @@
 // The ids of the running processes of a program, by its file name.
 std::vector<DWORD> ProcessesOf(const wchar_t* program);
 
+// Keeps the running processes of a program open until the test ends, so that no later one gets their ids.
+// Wine finds a server by its process id, and mistakes one with the id of another, which has ended, for that
+// one.
+void KeepProcessIds(const wchar_t* program);
+
 // Whether no process of the program is left within the time. Messages are dispatched meanwhile.
 bool ProgramEnds(const wchar_t* program, DWORD milliseconds = kPatience);
 
