@@ -98,10 +98,7 @@ public:
     bool OneIn(uint32_t count) { return Below(count) == 0; }
 
     // To one of the dialogs or controls.
-    MSG Message(const std::vector<HWND>& dialogs, const std::vector<HWND>& controls) {
-        const HWND control = From(controls);
-        return OneIn(2) ? DialogMessage(From(dialogs), control) : ControlMessage(control);
-    }
+    MSG Message(const std::vector<HWND>& dialogs, const std::vector<HWND>& controls);
 
 private:
     uint32_t Below(uint32_t limit) { return m_engine() % limit; }
@@ -172,6 +169,11 @@ private:
 
     std::mt19937 m_engine;
 };
+
+MSG Chance::Message(const std::vector<HWND>& dialogs, const std::vector<HWND>& controls) {
+    const HWND control = From(controls);
+    return OneIn(2) ? DialogMessage(From(dialogs), control) : ControlMessage(control);
+}
 
 long dialogsServed = 0;
 Chance* dialogChance = nullptr;
