@@ -172,13 +172,13 @@ void Case::AddIcon() const {
     Icon()->AddIcon(picture.Get());
 }
 
-HRESULT Case::Animate() const {
+HRESULT Case::Animate(bool isForeign) {
     const auto icon = Icon();
     if (icon == nullptr) return E_FAIL;
     PictureArray pictures(0, 3);
     for (LONG i = 0; i < 3; ++i) {
-        ComPtr<IDispatch> picture;
-        ThrowIfFailed(Form()->get_picTray(static_cast<short>(i), &picture));
+        ComPtr<IDispatch> picture = isForeign ? outside.MakePictureBox() : nullptr;
+        if (!isForeign) ThrowIfFailed(Form()->get_picTray(static_cast<short>(i), &picture));
         pictures.Item(i, picture.Get());
     }
     return icon->AnimateIcon(pictures.Reference(), kFrameTick, 1, HandleToLong(Window()));

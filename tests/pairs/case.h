@@ -56,8 +56,8 @@ public:
     bool Choose(UINT item);              // in the tray menu; one that is open keeps others from opening
 
     bool NewTaskbar();
-    void AddIcon() const;     // the window's own
-    HRESULT Animate() const;  // with the window's own pictures
+    void AddIcon() const;                     // the window's own
+    HRESULT Animate(bool isForeign = false);  // with the window's own pictures, or those of another program
 
     // An icon that the shell refuses as it is busy, and a change that the engine refuses: they are made again
     // with a later tick.

@@ -16,6 +16,11 @@ Came If(bool possible) {
     return possible ? Came::In : Came::NotPossible;
 }
 
+template <auto kMember>
+Came Do(Case& manager) {
+    return If((manager.*kMember)());
+}
+
 // --- What clients call
 
 using Find = ComPtr<IDispatch> (*)(const Case&);
@@ -33,19 +38,14 @@ ComPtr<IDispatch> PictureOf(const Case& manager) {
     return manager.Picture();
 }
 
-Work Instance(long showType) {
+// Of the client that was there first, or of another one.
+Work Instance(long showType, bool isFirst = true) {
     return [=](Case& manager) {
         ComPtr<IDispatch> config;
-        manager.Instance(showType, config);
+        long type = showType;
+        (isFirst ? manager.control : MakeObject<ConfigControl>())->ConfigInstance(&type, &config);
         return Came::In;
     };
-}
-
-Came AnotherControl(Case&) {
-    long showType = formShow;
-    ComPtr<IDispatch> config;
-    MakeObject<ConfigControl>()->ConfigInstance(&showType, &config);
-    return Came::In;
 }
 
 // What comes back is let go, and a failure is no matter.
@@ -92,10 +92,6 @@ Work Presses(int id) {
     };
 }
 
-Came PressApply(Case& manager) {
-    return If(manager.PressApply());
-}
-
 // Selects a row and presses a button for it.
 Work PressesFor(int list, int button, int row = 0) {
     return [=](Case& manager) {
@@ -132,10 +128,6 @@ Work Chooses(UINT item) {
     };
 }
 
-Came DoubleClick(Case& manager) {
-    return If(manager.Gesture(WM_LBUTTONDBLCLK));
-}
-
 // --- What the system, the engine and the timers bring
 
 Work Sends(UINT message, WPARAM parameter) {
@@ -146,10 +138,6 @@ Work Sends(UINT message, WPARAM parameter) {
         if (message == WM_SYSCOMMAND) PumpPosted();
         return Came::In;
     };
-}
-
-Came NewTaskbar(Case& manager) {
-    return If(manager.NewTaskbar());
 }
 
 Work Raises(DISPID event, const Arguments& arguments = {}) {
@@ -210,7 +198,7 @@ const std::vector<IncomingWork>& IncomingWorks() {
         {"ConfigInstance(1)", Instance(1), kShown},
         {"ConfigInstance(2)", Instance(2)},
         {"ConfigInstance(3)", Instance(3), kShown},
-        {"ConfigInstance of another client", AnotherControl, kShown},
+        {"ConfigInstance of another client", Instance(1, false), kShown},
         {"ConfigHwnd", Gets(ConfigOf, L"ConfigHwnd")},
         {"ConfigForm", Gets(ConfigOf, L"ConfigForm")},
         {"ShellIconClass", Gets(ConfigOf, L"ShellIconClass")},
@@ -244,7 +232,7 @@ const std::vector<IncomingWork>& IncomingWorks() {
         {"Picture of a picture box", Gets(PictureOf, L"Picture")},
 
         {"cmdOK", Presses(IDC_CMDOK), kStored},
-        {"cmdApply", PressApply, kStored},
+        {"cmdApply", Do<&Case::PressApply>, kStored},
         {"cmdCancel", Presses(IDCANCEL)},
         {"optStartup", Presses(IDC_OPTSTARTUP), kMarked},
         {"optLoadWithKiller", Presses(IDC_OPTLOADWITHKILLER), kMarked},
@@ -277,12 +265,13 @@ const std::vector<IncomingWork>& IncomingWorks() {
         {"mnuShowConfig", Chooses(mnuShowConfig), kShown},
         {"mnuExit", Chooses(mnuExit), {.takesWindow = true}},
         {"the menu left without a choice", Chooses(0)},
-        {"a double click on the icon", DoubleClick, kShown},
+        {"a double click on the icon", [](Case& manager) { return If(manager.Gesture(WM_LBUTTONDBLCLK)); },
+         kShown},
 
         {"the question whether to log off", Sends(WM_QUERYENDSESSION, 0)},
         {"a log-off called off", Sends(WM_ENDSESSION, FALSE)},
         {"a log-off", Sends(WM_ENDSESSION, TRUE), {.takesWindow = true}},
-        {"a new taskbar", NewTaskbar},
+        {"a new taskbar", Do<&Case::NewTaskbar>},
         {"Killed", Raises(1, {4711L, L"Win a prize"})},
         {"Paused", Raises(2)},
         {"Started", Raises(3)},

@@ -1,6 +1,5 @@
 // Every call that the manager makes out of its own code, and how it comes to be made.
 #include "tests/pairs/pairs.h"
-#include "tray/picture_array.h"
 
 namespace {
 
@@ -35,14 +34,8 @@ void HaveForeignIcon(Case& manager) {
     AddForeignIcon(manager);
 }
 
-// A picture of another program in each slot.
 void AnimateForeign(Case& manager) {
-    const auto icon = manager.Icon();
-    if (icon == nullptr) return;
-    PictureArray pictures(0, 3);
-    for (LONG i = 0; i < 3; ++i)
-        pictures.Item(i, manager.outside.MakePictureBox().Get());
-    icon->AnimateIcon(pictures.Reference(), kFrameTick, 1, HandleToLong(manager.Window()));
+    manager.Animate(true);
 }
 
 // As far as the last picture but the resting icon's.

@@ -13,11 +13,10 @@
 #include <utility>
 #include <vector>
 
+#include "tests/client_abuse/quiet_system.h"
 #include "tests/engine_control/fake_engine.h"
 #include "tests/pairs/clock.h"
 #include "tests/support/import_fake.h"
-#include "tests/support/other_process.h"
-#include "tests/support/sound_patch.h"
 #include "tests/tray_icon/fake_picture_box.h"
 
 // Before the one who is called has done anything, or when the answer is there and the caller has not got it.
@@ -51,9 +50,13 @@ public:
 
     // The dialogs of this thread that have an owner, or those that have none; the topmost comes first.
     static std::vector<HWND> Dialogs(bool haveOwner) {
-        std::pair<bool, std::vector<HWND>> found(haveOwner, {});
-        EnumThreadWindows(GetCurrentThreadId(), &TakeDialog, reinterpret_cast<LPARAM>(&found));
-        return found.second;
+        std::vector<HWND> dialogs;
+        for (HWND hwnd = nullptr; (hwnd = FindWindowExW(nullptr, hwnd, L"#32770", nullptr)) != nullptr;) {
+            const bool isOwned = GetWindow(hwnd, GW_OWNER) != nullptr;
+            if (isOwned == haveOwner && GetWindowThreadProcessId(hwnd, nullptr) == GetCurrentThreadId())
+                dialogs.push_back(hwnd);
+        }
+        return dialogs;
     }
 
     // Whether the call came, and with it the work.
@@ -84,13 +87,6 @@ public:
     int menus = 0;    // shown so far
 
 private:
-    static BOOL CALLBACK TakeDialog(HWND hwnd, LPARAM parameter) {
-        auto& [haveOwner, dialogs] = *reinterpret_cast<std::pair<bool, std::vector<HWND>>*>(parameter);
-        const bool isOwned = GetWindow(hwnd, GW_OWNER) != nullptr;
-        if (isOwned == haveOwner && ClassOf(hwnd) == L"#32770") dialogs.push_back(hwnd);
-        return TRUE;
-    }
-
     void Reach(const char* call, Moment moment) {
         if (!m_work || m_call != call || m_moment != moment) return;
         const auto work = std::exchange(m_work, nullptr);
@@ -123,6 +119,8 @@ private:
     std::string m_call;
     Moment m_moment = Moment::BeforeReply;
     std::function<void()> m_work;
+
+    const QuietSystem m_quiet;
 
     // Gets a message in the loop of the dialog that comes up, as the user's clicks come.
     const HWND m_helper =
@@ -168,9 +166,4 @@ private:
         [picture = LoadIconW(nullptr, IDI_APPLICATION)](HINSTANCE, LPCWSTR, UINT, int, int, UINT) -> HANDLE {
             return picture;
         }};
-    const ImportFake<"ShellExecuteA", decltype(&ShellExecuteA)> m_execute{
-        "shell32.dll",
-        [](HWND, LPCSTR, LPCSTR, LPCSTR, LPCSTR, INT) { return reinterpret_cast<HINSTANCE>(33); }};
-    const ImportFake<"MessageBeep", decltype(&MessageBeep)> m_beep{"user32.dll", [](UINT) { return TRUE; }};
-    const SoundPatch m_play{[](LPCSTR, UINT) { return TRUE; }};
 };

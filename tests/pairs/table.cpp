@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <string_view>
 
-#include "tests/pairs/guarded_memory.h"
 #include "tests/pairs/pairs.h"
 
 namespace {
@@ -159,7 +158,6 @@ void RunRow(const OutgoingCall& row, const std::vector<IncomingWork>& works, Cou
 void RunRows(bool (*isWanted)(const OutgoingCall&)) {
     std::vector<IncomingWork> works = IncomingWorks();
     works.push_back({"the same once more", nullptr});
-    const GuardedMemory memory;
     Counts counts;
     for (const OutgoingCall& row : OutgoingCalls()) {
         if (isWanted(row)) RunRow(row, works, counts);
@@ -167,5 +165,4 @@ void RunRows(bool (*isWanted)(const OutgoingCall&)) {
     std::printf("%u kinds of work: %u pairs; in %d there was nothing that the work could come through\n",
                 static_cast<unsigned>(works.size()), static_cast<unsigned>(counts.pairs), counts.notPossible);
     CHECK(counts.pairs > 0);
-    CHECK(GuardedMemory::Allocations() > 0);
 }

@@ -1,7 +1,0 @@
-#include <doctest.h>
-
-#include "tests/pairs/pairs.h"
-
-TEST_CASE("whatever comes in while the window goes breaks nothing") {
-    RunRows([](const OutgoingCall& row) { return row.IsUnload(); });
-}
