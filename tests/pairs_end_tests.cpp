@@ -125,7 +125,7 @@ TEST_CASE("alone: ReleaseConfig" * doctest::skip(true)) {
                 CHECK(isSuspended);
                 for (const IncomingWork& work : IncomingWorks()) {
                     work.come(manager);
-                    CHECK_MESSAGE(manager.Windows() <= 1, work.name);
+                    CHECK_MESSAGE(manager.Windows().size() <= 1, work.name);
                 }
                 CheckRefused(members);
             };
@@ -134,7 +134,7 @@ TEST_CASE("alone: ReleaseConfig" * doctest::skip(true)) {
             CHECK(outside.HasComeIn());
             CheckRefused(members);
             manager.Settle();
-            CHECK(manager.Windows() == 0);
+            CHECK(manager.Windows().empty());
             CHECK(outside.icons.empty());
             CHECK(outside.mostIcons <= 1);
             CHECK(outside.engine.popup == nullptr);

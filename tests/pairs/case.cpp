@@ -85,7 +85,7 @@ std::array<ULONG, 3> Case::Held() const {
 }
 
 HWND Case::Window() const {
-    const std::vector<HWND> windows = Outside::Dialogs(false);
+    const std::vector<HWND> windows = Windows();
     return windows.empty() ? nullptr : windows.front();
 }
 

@@ -26,9 +26,9 @@ class Case : public Inside {
 public:
     Case();
 
-    // The configuration window; null where there is none. More than one is counted by Windows().
+    // The configuration windows; the only one, null where there is none.
+    std::vector<HWND> Windows() const { return DialogsOf(GetCurrentProcessId(), false); }
     HWND Window() const;
-    size_t Windows() const { return Outside::Dialogs(false).size(); }
     HWND Child(int id) const;
     bool IsEnabled(int id) const { return IsWindowEnabled(Child(id)) != FALSE; }
 

@@ -17,6 +17,7 @@
 #include "tests/engine_control/fake_engine.h"
 #include "tests/pairs/clock.h"
 #include "tests/support/import_fake.h"
+#include "tests/support/other_process.h"
 #include "tests/tray_icon/fake_picture_box.h"
 
 // Before the one who is called has done anything, or when the answer is there and the caller has not got it.
@@ -46,17 +47,6 @@ public:
         m_call = call;
         m_moment = moment;
         m_work = std::move(work);
-    }
-
-    // The dialogs of this thread that have an owner, or those that have none; the topmost comes first.
-    static std::vector<HWND> Dialogs(bool haveOwner) {
-        std::vector<HWND> dialogs;
-        for (HWND hwnd = nullptr; (hwnd = FindWindowExW(nullptr, hwnd, L"#32770", nullptr)) != nullptr;) {
-            const bool isOwned = GetWindow(hwnd, GW_OWNER) != nullptr;
-            if (isOwned == haveOwner && GetWindowThreadProcessId(hwnd, nullptr) == GetCurrentThreadId())
-                dialogs.push_back(hwnd);
-        }
-        return dialogs;
     }
 
     // Whether the call came, and with it the work.
@@ -107,7 +97,7 @@ private:
 
     static LRESULT CALLBACK HelperProcedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
         if (message != WM_APP) return DefWindowProcW(hwnd, message, wParam, lParam);
-        const std::vector<HWND> dialogs = Dialogs(true);
+        const std::vector<HWND> dialogs = DialogsOf(GetCurrentProcessId(), true);
         if (dialogs.empty()) return 0;
         s_current->Reach("Dialog", Moment::BeforeReply);
         if (IsWindow(dialogs.front())) SendMessageW(dialogs.front(), WM_COMMAND, IDCANCEL, 0);

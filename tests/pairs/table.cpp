@@ -25,7 +25,7 @@ int StoredRows(const Case& manager, const std::string& key, int first, const std
 }
 
 void CheckWindow(const Case& manager, const OutgoingCall& row, const IncomingTraits& done) {
-    const size_t windows = manager.Windows();
+    const size_t windows = manager.Windows().size();
     CHECK(windows <= 1);
     if (row.IsUnload()) {
         CHECK((windows == 1) == done.showsWindow);
@@ -69,7 +69,7 @@ void CheckContents(const Case& manager, const OutgoingCall& row, const IncomingT
 void CheckEnd(Case& manager) {
     if (const auto form = manager.Form()) form->Unload();
     manager.Settle();
-    CHECK(manager.Windows() == 0);
+    CHECK(manager.Windows().empty());
     CHECK(manager.outside.icons.empty());
     CHECK_FALSE(manager.outside.clock.AnyRuns());
     const EngineScript& script = manager.outside.engine.script;

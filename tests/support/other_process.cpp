@@ -96,6 +96,17 @@ std::wstring ShownText(HWND window) {
     return text;
 }
 
+std::vector<HWND> DialogsOf(DWORD processId, bool haveOwner) {
+    std::vector<HWND> dialogs;
+    for (HWND hwnd = nullptr; (hwnd = FindWindowExW(nullptr, hwnd, L"#32770", nullptr)) != nullptr;) {
+        DWORD process = 0;
+        GetWindowThreadProcessId(hwnd, &process);
+        if (process == processId && (GetWindow(hwnd, GW_OWNER) != nullptr) == haveOwner)
+            dialogs.push_back(hwnd);
+    }
+    return dialogs;
+}
+
 std::wstring TabText(HWND tabs, int tab) {
     TCITEMW item{};
     item.mask = TCIF_TEXT;

@@ -11,6 +11,9 @@ using Rows = std::vector<std::wstring>;
 std::wstring ClassOf(HWND window);
 std::wstring ShownText(HWND window);
 
+// The dialogs of a process that have an owner, or those that have none; the topmost comes first.
+std::vector<HWND> DialogsOf(DWORD processId, bool haveOwner);
+
 // The text of the row of tabs, of a list box and of a combo box.
 std::wstring TabText(HWND tabs, int tab);
 Rows ListBoxRows(HWND list);
