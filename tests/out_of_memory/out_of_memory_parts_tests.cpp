@@ -111,14 +111,14 @@ TEST_CASE(
         });
     PictureArray slots = tray.Slots();
     Sweep(
-        0, [&] { CHECK(tray.Animate(1000) == S_OK); },
-        [&] { result = tray.icon->AnimateIcon(slots.Reference(), 1000, 1, tray.window.Number()); },
+        0, [&] { CHECK(tray.Animate() == S_OK); },
+        [&] { result = tray.icon->AnimateIcon(slots.Reference(), kInterval, 1, tray.window.Number()); },
         [&](bool isDone) {
             CHECK(isDone);
             CHECK((result == S_OK || result == E_OUTOFMEMORY));
             // Two ticks of the animation show two frames.
             const size_t before = tray.shell.calls.size();
-            CHECK(tray.Animate(1000) == S_OK);
+            CHECK(tray.Animate() == S_OK);
             tray.icon->m_tmrAni_TimerFired(0);
             tray.icon->m_tmrAni_TimerFired(0);
             REQUIRE(tray.shell.calls.size() == before + 2);

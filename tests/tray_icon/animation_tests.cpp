@@ -5,25 +5,10 @@
 #include "tests/support/error_of.h"
 #include "tests/tray_icon/tray_icon_fixture.h"
 
-namespace {
-
-constexpr LONG kInterval = 250;
-
-struct Animated : TickingIcon {
-    HRESULT Start(LONG upperBound = 3, LONG picsPerCycle = 1) {
-        return Animate(kInterval, upperBound, picsPerCycle);
-    }
-    std::string RunToEnd() { return TickingIcon::RunToEnd(kInterval); }
-};
-
-// A whole animation.
-const std::string kRun = "0; 1; 2; delete, add rest";
-
-}  // namespace
-
 TEST_CASE(
     "an animation is one pass through its pictures, one an interval, the last of which is never shown; then "
-    "the resting icon is added again, all with the tip that was set since the first add") {
+    "the resting icon is added again, all with the tip that was set since the first add; the caller's array "
+    "is left alone, and nothing holds a picture any longer") {
     struct Row {
         std::string what;
         LONG upperBound;
@@ -39,7 +24,7 @@ TEST_CASE(
     };
     for (const Row& row : rows) {
         CAPTURE(row.what);
-        Animated tray;
+        TickingIcon tray;
         tray.SetUp();
         PictureArray pictures(0, row.upperBound);
         for (const LONG slot : row.filled)
@@ -53,23 +38,11 @@ TEST_CASE(
         for (size_t call = 1; call < tray.shell.calls.size(); ++call) {
             if (tray.shell.calls[call].action != NIM_DELETE) CHECK(tray.shell.calls[call].Tip() == kTipBytes);
         }
+        CHECK(pictures.UpperBound() == row.upperBound);
+        CHECK(pictures.Item(0).Get() == tray.frames[0].Get());
+        pictures.Clear();
+        CHECK(tray.HasFramesAlone());
     }
-}
-
-TEST_CASE_FIXTURE(Animated,
-                  "the frames are copied: the caller's array is not changed, and the copies go at the end") {
-    SetUp();
-    PictureArray pictures = Slots();
-    REQUIRE(icon->AnimateIcon(pictures.Reference(), kInterval, 1, window.Number()) == S_OK);
-    CHECK(frames[0]->References() == 3);
-    CHECK(frames[2]->References() == 3);
-    CHECK(RunToEnd() == kRun);
-    CHECK(pictures.LowerBound() == 0);
-    CHECK(pictures.UpperBound() == 3);
-    CHECK(pictures.Item(1).Get() == frames[1].Get());
-    CHECK(pictures.Item(3) == nullptr);
-    pictures.Clear();
-    CHECK(HasFramesAlone());
 }
 
 TEST_CASE("a start while an animation runs begins with frame 0 and a fresh timer") {
@@ -81,15 +54,15 @@ TEST_CASE("a start while an animation runs begins with frame 0 and a fresh timer
     for (const Row& row : {Row{"between two ticks", false, S_OK}, Row{"within a tick", true, S_OK},
                            Row{"within a tick that fails", true, RPC_E_DISCONNECTED}}) {
         CAPTURE(row.what);
-        Animated tray;
+        TickingIcon tray;
         tray.SetUp();
         tray.frames[0]->asked = [&, isFirst = row.isWithinTick]() mutable {
             tray.frames[0]->result = isFirst ? row.result : S_OK;
-            if (std::exchange(isFirst, false)) REQUIRE(tray.Start() == S_OK);
+            if (std::exchange(isFirst, false)) REQUIRE(tray.Animate() == S_OK);
         };
-        REQUIRE(tray.Start() == S_OK);
+        REQUIRE(tray.Animate() == S_OK);
         CHECK(tray.clock.Tick(kInterval) == 1);
-        if (!row.isWithinTick) REQUIRE(tray.Start() == S_OK);
+        if (!row.isWithinTick) REQUIRE(tray.Animate() == S_OK);
         CHECK(tray.Story() == (row.isWithinTick ? "add rest" : "add rest, 0"));
         CHECK(tray.RunToEnd() == kRun);
         CHECK(tray.HasFramesAlone());
@@ -97,33 +70,33 @@ TEST_CASE("a start while an animation runs begins with frame 0 and a fresh timer
 }
 
 TEST_CASE_FIXTURE(
-    Animated,
+    TickingIcon,
     "without an icon, or removed meanwhile, an animation shows no frames; a removed icon comes back at the "
     "end, as before the next animation") {
     int asked = 0;
     for (const auto& frame : frames)
         frame->asked = [&] { ++asked; };
     icon->InitShellNotify(window.Number(), 1025);
-    REQUIRE(Start() == S_OK);
+    REQUIRE(Animate() == S_OK);
     CHECK(RunToEnd().empty());
     SetUp();
-    REQUIRE(Start() == S_OK);
+    REQUIRE(Animate() == S_OK);
     icon->RemoveIcon();
     CHECK(RunToEnd() == "add rest");
     CHECK(asked == 0);
-    REQUIRE(Start() == S_OK);
+    REQUIRE(Animate() == S_OK);
     CHECK(RunToEnd() == kRun);
 }
 
-TEST_CASE_FIXTURE(Animated, "the owner's release during an animation stops it and its timer") {
+TEST_CASE_FIXTURE(TickingIcon, "the owner's release during an animation stops it and its timer") {
     SetUp();
     SUBCASE("between two ticks") {
-        REQUIRE(Start() == S_OK);
+        REQUIRE(Animate() == S_OK);
         icon->Class_Terminate();
         CHECK_FALSE(icon->Animating());
     }
     SUBCASE("of 0 pictures per cycle") {
-        REQUIRE(Start(3, 0) == S_OK);
+        REQUIRE(Animate(Slots(), 0) == S_OK);
         icon->Class_Terminate();
     }
     SUBCASE("within a tick") {
@@ -131,7 +104,7 @@ TEST_CASE_FIXTURE(Animated, "the owner's release during an animation stops it an
             icon->Class_Terminate();
             icon.Reset();
         };
-        REQUIRE(Start() == S_OK);
+        REQUIRE(Animate() == S_OK);
         CHECK(clock.Tick(kInterval) == 1);
     }
     CHECK_FALSE(clock.AnyRuns());
@@ -140,23 +113,22 @@ TEST_CASE_FIXTURE(Animated, "the owner's release during an animation stops it an
     CHECK(rest->References() == 1);
 }
 
-TEST_CASE_FIXTURE(Animated, "frames that start at 1 fail on the first tick, and the animation ends") {
+TEST_CASE_FIXTURE(TickingIcon, "frames that start at 1 fail on the first tick, and the animation ends") {
     SetUp();
     PictureArray pictures(1, 3);
     for (LONG i = 1; i <= 3; ++i)
         pictures.Item(i, frames[static_cast<size_t>(i)].Get());
-    REQUIRE(icon->AnimateIcon(pictures.Reference(), kInterval, 1, window.Number()) == S_OK);
+    REQUIRE(Animate(std::move(pictures)) == S_OK);
     CHECK(ErrorOf([&] { icon->m_tmrAni_TimerFired(0); }) == HresultOf(ErrorNumber::SubscriptOutOfRange));
     CHECK_FALSE(clock.AnyRuns());
     CHECK(Story() == "add rest, delete, add rest");
-    pictures.Clear();
     CHECK(HasFramesAlone());
 }
 
-TEST_CASE_FIXTURE(Animated,
+TEST_CASE_FIXTURE(TickingIcon,
                   "an animation needs an array of objects with one dimension, else a running one goes on") {
     SetUp();
-    REQUIRE(Start() == S_OK);
+    REQUIRE(Animate() == S_OK);
     CHECK(icon->AnimateIcon(nullptr, 10, 1, window.Number()) == E_POINTER);
 
     SAFEARRAYBOUND bounds[2] = {{2, 0}, {2, 0}};
@@ -171,7 +143,7 @@ TEST_CASE_FIXTURE(Animated,
     CHECK(RunToEnd() == kRun);
 }
 
-TEST_CASE_FIXTURE(Animated, "an animation ticks only while its owner's window is there") {
+TEST_CASE_FIXTURE(TickingIcon, "an animation ticks only while its owner's window is there") {
     PlainWindow owner;
     SetUp();
     PictureArray pictures = Slots();

@@ -14,11 +14,11 @@ TEST_CASE_FIXTURE(TickingIcon,
                   "on across it") {
     icon->OnTaskbarCreated();
     SetUp();
-    REQUIRE(Animate(250) == S_OK);
-    clock.Tick(250);
+    REQUIRE(Animate() == S_OK);
+    clock.Tick(kInterval);
     icon->OnTaskbarCreated();
     CHECK(Story() == "add rest, 0, add rest");
-    CHECK(RunToEnd(250) == "1; 2; delete, add rest");
+    CHECK(RunToEnd() == "1; 2; delete, add rest");
     SetTip(L"Calvane");
     icon->OnTaskbarCreated();
     CHECK(Story(5) == "delete, add rest, add rest");

@@ -1,31 +1,23 @@
 #include <doctest.h>
 
-#include <utility>
-
-#include "app/resource.h"
+#include "platform/com/bstr.h"
 #include "platform/com/event_connection.h"
 #include "tests/support/automation.h"
 #include "tests/support/shown_text.h"
 #include "tests/tray_icon/tray_icon_fixture.h"
 #include "tray/bas_shell_notify.h"
-#include "tray/picture_box.h"
 
 namespace {
 
 struct IconFixture : TickingIcon {
-    std::string RunToEnd() { return TickingIcon::RunToEnd(250); }
-
     bool IsHooked() const {
         return window.Procedure() == PtrToLong(reinterpret_cast<void*>(&TrayWindowProc));
     }
 
     std::wstring Tip() const {
-        Variant tip;
-        VARIANT* const value = tip.Receive();
-        value->vt = VT_BSTR;
-        value->bstrVal = nullptr;
-        icon->get_ToolTip(&value->bstrVal);
-        return ToText(tip);
+        BstrHandle tip;
+        CHECK(icon->get_ToolTip(tip.Put()) == S_OK);
+        return std::wstring(ViewOf(tip.Get()));
     }
 };
 
@@ -64,12 +56,12 @@ TEST_CASE_FIXTURE(IconFixture,
     SetUp();
     CHECK(icon->AddIcon(frames[3].Get()) == S_OK);
     CHECK(frames[3]->References() == 1);
-    REQUIRE(Animate(250, 1) == S_OK);
+    REQUIRE(Animate(Slots(1)) == S_OK);
     CHECK(RunToEnd() == "0; delete, add rest");
     icon->RemoveIcon();
     CHECK(icon->AddIcon(frames[3].Get()) == S_OK);
     CHECK(rest->References() == 1);
-    REQUIRE(Animate(250, 1) == S_OK);
+    REQUIRE(Animate(Slots(1)) == S_OK);
     CHECK(RunToEnd() == "0; delete, add 3");
 }
 
@@ -101,19 +93,6 @@ TEST_CASE_FIXTURE(IconFixture,
     rest->asked = [this] { icon->Class_Terminate(); };
     CHECK(icon->AddIcon(rest.Get()) == S_OK);
     CHECK(Story() == "add rest, delete");
-}
-
-TEST_CASE_FIXTURE(IconFixture, "the icon of a real picture box goes to the shell") {
-    icon->InitShellNotify(window.Number(), 1025);
-    const auto box = MakeObject<PictureBox>(L"picShellIcon", IDI_TRAY_REST);
-    CHECK(icon->AddIcon(box.Get()) == S_OK);
-    REQUIRE(shell.calls.size() == 1);
-    CHECK(reinterpret_cast<HICON>(static_cast<ULONG_PTR>(shell.calls[0].Icon())) == IconOf(box.Get()));
-    ICONINFO info{};
-    REQUIRE(GetIconInfo(IconOf(box.Get()), &info));
-    CHECK(info.fIcon);
-    DeleteObject(info.hbmColor);
-    DeleteObject(info.hbmMask);
 }
 
 TEST_CASE_FIXTURE(IconFixture, "a window that cannot be hooked is not reported and the icon is still added") {
@@ -158,7 +137,7 @@ TEST_CASE_FIXTURE(IconFixture,
     CHECK(icon->InitShellNotify(window.Number(), 1025) == S_OK);
     CHECK_FALSE(IsHooked());
     CHECK(icon->AddIcon(rest.Get()) == S_OK);
-    CHECK(Animate(250) == S_OK);
+    CHECK(Animate() == S_OK);
     CHECK(icon->RemoveIcon() == S_OK);
     icon->OnTaskbarCreated();
     icon->Class_Terminate();
@@ -169,24 +148,15 @@ TEST_CASE_FIXTURE(IconFixture,
     CHECK(rest->References() == 1);
 }
 
-TEST_CASE_FIXTURE(IconFixture, "a script reaches every member by name, and can start an animation") {
-    const std::pair<const wchar_t*, DISPID> members[] = {
-        {L"ToolTip", 1}, {L"InitShellNotify", 2}, {L"AddIcon", 3}, {L"RemoveIcon", 4}, {L"AnimateIcon", 5}};
-    for (const auto& [name, number] : members) {
-        LPOLESTR names[] = {const_cast<LPOLESTR>(name)};
-        DISPID id = DISPID_UNKNOWN;
-        CHECK(icon->GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id) == S_OK);
-        CHECK(id == number);
-    }
+TEST_CASE_FIXTURE(IconFixture, "a script can start an animation, of an array by reference") {
     SetUp();
-    PictureArray pictures = Slots(1);
+    PictureArray pictures = Slots();
     Variant array;
     VARIANT* const received = array.Receive();
     received->vt = VT_ARRAY | VT_DISPATCH | VT_BYREF;
     received->pparray = pictures.Reference();
-    Variant result;
-    CHECK(InvokeByNumber(icon.Get(), 5, DISPATCH_METHOD, {array, 250L, 1L, window.Number()}, result) == S_OK);
-    CHECK(RunToEnd() == "0; delete, add rest");
+    Call(icon.Get(), L"AnimateIcon", {array, kInterval, 1L, window.Number()});
+    CHECK(RunToEnd() == kRun);
 }
 
 TEST_CASE_FIXTURE(IconFixture, "clients can connect to MouseUp, and nothing ever raises it") {
@@ -197,7 +167,7 @@ TEST_CASE_FIXTURE(IconFixture, "clients can connect to MouseUp, and nothing ever
     g_lngConfigHwnd = window.Number();
     for (LPARAM gesture = 0x200; gesture <= 0x209; ++gesture)
         SendMessageA(window.Hwnd(), 0x401, 1, gesture);
-    Animate(250, 1);
+    Animate(Slots(1));
     CHECK(RunToEnd() == "0; delete, add rest");
     icon->Class_Terminate();
     g_lngConfigHwnd = 0;

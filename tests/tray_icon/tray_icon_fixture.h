@@ -16,6 +16,7 @@
 
 inline constexpr LONG kRestHandle = 100;
 inline constexpr LONG kFrameHandle = 200;  // of frame 0; 201 of frame 1, and so on
+inline constexpr LONG kInterval = 250;     // of an animation, in milliseconds
 
 inline const std::string kTipBytes = std::string("Calvane Sentrel\0", 16) + std::string(48, ' ');
 
@@ -40,15 +41,14 @@ struct TrayIconFixture {
         return pictures;
     }
 
-    HRESULT Animate(LONG interval, LONG upperBound = 3, LONG picsPerCycle = 1) {
-        PictureArray pictures = Slots(upperBound);
-        return icon->AnimateIcon(pictures.Reference(), interval, picsPerCycle, window.Number());
+    HRESULT Animate(PictureArray pictures, LONG picsPerCycle = 1) {
+        return icon->AnimateIcon(pictures.Reference(), kInterval, picsPerCycle, window.Number());
     }
+    HRESULT Animate() { return Animate(Slots()); }
 
     // Whether nobody else holds a frame any longer.
     bool HasFramesAlone() const {
-        return std::all_of(frames.begin(), frames.end(),
-                           [](const auto& frame) { return frame->References() == 1; });
+        return std::ranges::all_of(frames, [](const auto& frame) { return frame->References() == 1; });
     }
 
     // What the shell was asked, from a call on: "add rest, 0, 1, 2, delete, add rest", with the frames'
@@ -78,11 +78,13 @@ struct TrayIconFixture {
     ComPtr<ShellNotification> icon = MakeObject<ShellNotification>();
 };
 
+// What a whole animation does.
+inline const std::string kRun = "0; 1; 2; delete, add rest";
+
 // One whose timers tick when the test says so.
 struct TickingIcon : TrayIconFixture {
-    // What each tick of the only timer does until it stops, of those that do something: "0; 1; 2; delete,
-    // add rest".
-    std::string RunToEnd(UINT interval) {
+    // What each tick of the only timer does until it stops, of those that do something.
+    std::string RunToEnd(UINT interval = kInterval) {
         constexpr int kNeverEnds = 100;
         std::string run;
         for (int tick = 0; tick < kNeverEnds; ++tick) {
