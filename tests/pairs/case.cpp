@@ -198,14 +198,6 @@ void Case::HaveRefusedChange() {
     outside.engine.script.results.clear();
 }
 
-void PumpPosted() {
-    MSG message;
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
-        TranslateMessage(&message);
-        DispatchMessageW(&message);
-    }
-}
-
 void Case::Settle() {
     constexpr int kRounds = 300;
     for (int round = 0; round < kRounds; ++round) {

@@ -11,6 +11,7 @@
 #include "options/resource.h"
 #include "tests/entry/window_inside.h"
 #include "tests/pairs/outside.h"
+#include "tests/support/message_pump.h"
 #include "tests/support/other_process.h"
 #include "tests/support/registry_calls.h"
 #include "tests/support/test_folder.h"
@@ -89,5 +90,3 @@ private:
     mutable std::vector<HWND> m_children;
     mutable HWND m_parent = nullptr;
 };
-
-void PumpPosted();

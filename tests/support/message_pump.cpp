@@ -21,3 +21,11 @@ bool PumpUntil(const std::function<bool()>& condition, DWORD milliseconds) {
 void PumpFor(DWORD milliseconds) {
     PumpUntil([] { return false; }, milliseconds);
 }
+
+void PumpPosted() {
+    MSG message;
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) {
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}

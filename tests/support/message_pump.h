@@ -14,3 +14,6 @@ inline constexpr DWORD kPatience = 40000;  // milliseconds
 bool PumpUntil(const std::function<bool()>& condition, DWORD milliseconds = kPatience);
 
 void PumpFor(DWORD milliseconds);
+
+// Dispatches what is in the queue.
+void PumpPosted();

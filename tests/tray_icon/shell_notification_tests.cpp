@@ -148,8 +148,11 @@ TEST_CASE_FIXTURE(IconFixture,
     CHECK(rest->References() == 1);
 }
 
-TEST_CASE_FIXTURE(IconFixture, "a script can start an animation, of an array by reference") {
-    SetUp();
+TEST_CASE_FIXTURE(IconFixture, "a script calls every member by its name, and passes its array by reference") {
+    Call(icon.Get(), L"InitShellNotify", {window.Number(), 1025L});
+    Call(icon.Get(), L"AddIcon", {rest.Get()});
+    Put(icon.Get(), L"ToolTip", L"Calvane");
+    CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"Calvane");
     PictureArray pictures = Slots();
     Variant array;
     VARIANT* const received = array.Receive();
@@ -157,6 +160,8 @@ TEST_CASE_FIXTURE(IconFixture, "a script can start an animation, of an array by 
     received->pparray = pictures.Reference();
     Call(icon.Get(), L"AnimateIcon", {array, kInterval, 1L, window.Number()});
     CHECK(RunToEnd() == kRun);
+    Call(icon.Get(), L"RemoveIcon");
+    CHECK(Story(5) == "add rest, delete");
 }
 
 TEST_CASE_FIXTURE(IconFixture, "clients can connect to MouseUp, and nothing ever raises it") {
