@@ -18,22 +18,17 @@
 
 namespace {
 
-BOOL CALLBACK TakeWindow(HWND window, LPARAM parameter) {
-    reinterpret_cast<std::vector<HWND>*>(parameter)->push_back(window);
-    return TRUE;
-}
-
-bool IsDialog(HWND window) {
-    return ClassOf(window) == L"#32770";
-}
-
 // A window and all that it holds.
 struct Tree {
     explicit Tree(HWND top) {
-        std::vector<HWND> all{top};
-        EnumChildWindows(top, TakeWindow, reinterpret_cast<LPARAM>(&all));
-        for (const HWND window : all)
-            (IsDialog(window) ? dialogs : controls).push_back(window);
+        Take(top, reinterpret_cast<LPARAM>(this));
+        EnumChildWindows(top, Take, reinterpret_cast<LPARAM>(this));
+    }
+
+    static BOOL CALLBACK Take(HWND window, LPARAM parameter) {
+        Tree& tree = *reinterpret_cast<Tree*>(parameter);
+        (ClassOf(window) == L"#32770" ? tree.dialogs : tree.controls).push_back(window);
+        return TRUE;
     }
 
     std::vector<HWND> dialogs;
@@ -186,10 +181,8 @@ void CALLBACK PlayUser(HWND, UINT, UINT_PTR, DWORD) {
     GetGUIThreadInfo(GetCurrentThreadId(), &info);
     if ((info.flags & GUI_INMENUMODE) != 0) EndMenu();
 
-    std::vector<HWND> windows;
-    EnumThreadWindows(GetCurrentThreadId(), TakeWindow, reinterpret_cast<LPARAM>(&windows));
-    for (const HWND window : windows) {
-        if (window == Window() || !IsDialog(window) || !IsWindowVisible(window)) continue;
+    for (const HWND window : DialogsOf(GetCurrentProcessId(), true)) {
+        if (!IsWindowVisible(window)) continue;
         const Tree inside(window);
         for (int i = 0; i < 200 && IsWindow(window); ++i) {
             const MSG message = dialogChance->Message({window}, inside.controls);
