@@ -154,14 +154,13 @@ Came CommandTick(Case& manager) {
     if (!manager.TakesGestures()) return Came::NotPossible;
     return manager.Choose(mnuPauseKiller) ? Tick(manager, kCommandTick) : Came::InVain;
 }
-Came FrameTick(Case& manager) {
+// Of an animation; the fourth is the last.
+template <int kTicks>
+Came FrameTicks(Case& manager) {
     if (manager.Icon() == nullptr) return Came::NotPossible;
-    return SUCCEEDED(manager.Animate()) ? Tick(manager, kFrameTick) : Came::InVain;
-}
-Came LastFrameTick(Case& manager) {
-    const Came came = FrameTick(manager);
-    for (int frame = 1; came == Came::In && frame < 4; ++frame)
-        Tick(manager, kFrameTick);
+    Came came = SUCCEEDED(manager.Animate()) ? Came::In : Came::InVain;
+    for (int i = 0; i < kTicks && came == Came::In; ++i)
+        came = Tick(manager, kFrameTick);
     return came;
 }
 Came IconAgainTick(Case& manager) {
@@ -275,8 +274,8 @@ const std::vector<IncomingWork>& IncomingWorks() {
         {"Started", Raises(3)},
         {"Stopped", Raises(4)},
         {"a tick of tmMenu", CommandTick, kCommand},
-        {"a tick of the animation", FrameTick},
-        {"the last tick of an animation", LastFrameTick},
+        {"a tick of the animation", FrameTicks<1>},
+        {"the last tick of an animation", FrameTicks<4>},
         {"a tick for an icon that was refused", IconAgainTick},
         {"a tick for a call that was refused", EngineAgainTick, kStored},
     };
