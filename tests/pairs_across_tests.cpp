@@ -282,8 +282,8 @@ bool IsPossible(const Row& row, const Column& column) {
 
 TEST_CASE("what comes in while the engine is called breaks nothing") {
     int pairs = 0;
-    std::optional<Stage> stage;
     for (const Row& row : kRows) {
+        std::optional<Stage> stage;
         for (const Column& column : kColumns) {
             if (!IsPossible(row, column)) continue;
             if (!stage) stage.emplace();
