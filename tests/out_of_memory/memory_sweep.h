@@ -2,29 +2,62 @@
 // Automation.
 #pragma once
 
+#include <doctest.h>
+
 #include <windows.h>
 #include <oleauto.h>
 
-#include <functional>
+#include <string>
 
+#include "platform/automation_error.h"
 #include "tests/support/import_fake.h"
 
-// While it exists, the kth call of operator new fails, counted from 1; all behind it too where isLasting. One
-// at a time.
-class FailingAllocation {
+// Each allocation of a piece of work by itself, then all of them from one on, until the work has no more:
+//     for (Faults faults(100); faults.Next();) {
+//         CAPTURE(faults.Name());
+//         const bool isDone = faults.In([] { ... });
+class Faults {
 public:
-    explicit FailingAllocation(long k, bool isLasting = false) noexcept {
-        s_isLasting = isLasting;
-        s_happened = false;
-        s_left = k - 1;
+    // There are at least so many.
+    explicit Faults(long least) : m_least(least) {}
+    Faults(const Faults&) = delete;
+    Faults& operator=(const Faults&) = delete;
+    ~Faults() {
+        MESSAGE(m_faults << " faults");
+        CHECK(m_faults >= m_least);
     }
-    FailingAllocation(const FailingAllocation&) = delete;
-    FailingAllocation& operator=(const FailingAllocation&) = delete;
-    ~FailingAllocation() { s_left = -1; }
 
-    // Of the one that exists, or else of the last one.
-    static bool Happened() noexcept { return s_happened; }
-    static bool IsLasting() noexcept { return s_isLasting; }
+    bool Next() {
+        if (m_call == 0) {
+            m_call = 1;
+        } else if (s_happened) {
+            m_call += m_isLasting ? 17 : 1;  // where all fail from one on, neighbours come to the same
+        } else {
+            if (m_isLasting) return false;
+            m_isLasting = true;
+            m_call = 1;
+        }
+        return true;
+    }
+
+    // Does the work with the fault and returns whether it ended without an exception.
+    template <class Work>
+    bool In(Work work) {
+        s_isLasting = m_isLasting;
+        s_happened = false;
+        s_left = m_call - 1;
+        const bool isDone = ResumeNext(work);
+        s_left = -1;
+        CHECK((s_happened || isDone));
+        if (s_happened) ++m_faults;
+        return isDone;
+    }
+
+    bool Happened() const noexcept { return s_happened; }
+    bool IsLasting() const noexcept { return m_isLasting; }
+    std::string Name() const {
+        return "allocation " + std::to_string(m_call) + (m_isLasting ? " and all behind it" : "");
+    }
 
     // Counts an allocation and says whether it fails.
     static bool IsNext() noexcept {
@@ -39,17 +72,14 @@ private:
     static inline long s_left = -1;
     static inline bool s_isLasting = false;
     static inline bool s_happened = false;
-};
 
-// Texts for Automation come from a heap of their own; while it exists they fail like the others.
-struct FailingTexts {
-    const ImportFake<"SysAllocStringLen", decltype(&SysAllocStringLen)> allocate{
+    const long m_least;
+    long m_faults = 0;
+    long m_call = 0;
+    bool m_isLasting = false;
+    // Texts for Automation come from a heap of their own.
+    const ImportFake<"SysAllocStringLen", decltype(&SysAllocStringLen)> m_texts{
         "oleaut32.dll", [this](const OLECHAR* text, UINT length) {
-            return FailingAllocation::IsNext() ? nullptr : allocate.Original(text, length);
+            return IsNext() ? nullptr : m_texts.Original(text, length);
         }};
 };
-
-// Runs body with each allocation failing, once and from there on, until it has no such allocation; there are
-// at least so many. prepare and check have memory; check is told whether body ended without an exception.
-void Sweep(long least, const std::function<void()>& prepare, const std::function<void()>& body,
-           const std::function<void(bool isDone)>& check);

@@ -12,35 +12,25 @@ namespace {
 constexpr wchar_t kName[] = L"a name that is too long for a string object";
 constexpr wchar_t kAddress[] = L"http://an-address-that-is-too-long-for-a-string-object";
 
-// Presses OK with each allocation failing until the dialog accepts it; check is told whether the dialog
-// closed.
+// Presses OK with each fault until the dialog accepts it; check is told whether the dialog closed.
 template <class Page>
 void SweepOK(Page& page, const Control& opens, const IdTexts& texts,
              const std::function<void(bool isClosed)>& check) {
-    const FailingTexts failingTexts;
-    long faults = 0;
-    bool happened = true;
-    for (long k = 1; happened; ++k) {
-        INFO("allocation " << k);
+    for (Faults faults(3); faults.Next();) {
+        CAPTURE(faults.Name());
         bool isClosed = false;
         page.Play(opens, {[&](HWND dialog) {
                       Enter(texts)(dialog);
-                      {
-                          const FailingAllocation failing(k);
-                          ClickButton(dialog, IDOK);
-                          happened = FailingAllocation::Happened();
-                      }
+                      faults.In([&] { ClickButton(dialog, IDOK); });
                       // A dialog that ends is hidden at once.
                       isClosed = !IsWindowVisible(dialog);
                       if (!isClosed) ClickButton(dialog, IDCANCEL);
                   }});
         check(isClosed);
         CHECK(IsWindowEnabled(page.window.Hwnd()));
-        CHECK((happened || isClosed));
-        ++faults;
+        CHECK((faults.Happened() || isClosed));
     }
     CHECK(page.recorder.messages.empty());
-    CHECK(faults > 2);
 }
 
 // The texts of SysAllocString, which the fake engine hands its path out with, that nobody has freed.
@@ -102,28 +92,28 @@ TEST_CASE(
     TrayIconFixture tray;
     tray.icon->InitShellNotify(tray.window.Number(), 1025);
     HRESULT result = S_OK;
-    Sweep(
-        0, [&] { tray.icon->RemoveIcon(); }, [&] { result = tray.icon->AddIcon(tray.rest.Get()); },
-        [&](bool isDone) {
-            CHECK(isDone);
-            CHECK((result == S_OK || result == E_OUTOFMEMORY));
-            CHECK(tray.icon->AddIcon(tray.rest.Get()) == S_OK);
-        });
+    for (Faults faults(0); faults.Next();) {
+        CAPTURE(faults.Name());
+        tray.icon->RemoveIcon();
+        CHECK(faults.In([&] { result = tray.icon->AddIcon(tray.rest.Get()); }));
+        CHECK((result == S_OK || result == E_OUTOFMEMORY));
+        CHECK(tray.icon->AddIcon(tray.rest.Get()) == S_OK);
+    }
     PictureArray slots = tray.Slots();
-    Sweep(
-        0, [&] { CHECK(tray.Animate() == S_OK); },
-        [&] { result = tray.icon->AnimateIcon(slots.Reference(), kInterval, 1, tray.window.Number()); },
-        [&](bool isDone) {
-            CHECK(isDone);
-            CHECK((result == S_OK || result == E_OUTOFMEMORY));
-            // Two ticks of the animation show two frames.
-            const size_t before = tray.shell.calls.size();
-            CHECK(tray.Animate() == S_OK);
-            tray.icon->m_tmrAni_TimerFired(0);
-            tray.icon->m_tmrAni_TimerFired(0);
-            REQUIRE(tray.shell.calls.size() == before + 2);
-            CHECK(tray.shell.calls.back().Icon() == static_cast<DWORD>(kFrameHandle + 1));
-        });
+    for (Faults faults(0); faults.Next();) {
+        CAPTURE(faults.Name());
+        CHECK(tray.Animate() == S_OK);
+        CHECK(faults.In(
+            [&] { result = tray.icon->AnimateIcon(slots.Reference(), kInterval, 1, tray.window.Number()); }));
+        CHECK((result == S_OK || result == E_OUTOFMEMORY));
+        // Two ticks of the animation show two frames.
+        const size_t before = tray.shell.calls.size();
+        CHECK(tray.Animate() == S_OK);
+        tray.icon->m_tmrAni_TimerFired(0);
+        tray.icon->m_tmrAni_TimerFired(0);
+        REQUIRE(tray.shell.calls.size() == before + 2);
+        CHECK(tray.shell.calls.back().Icon() == static_cast<DWORD>(kFrameHandle + 1));
+    }
     slots.Clear();
     tray.icon->Class_Terminate();
     CHECK(tray.rest->References() == 1);
@@ -135,27 +125,25 @@ TEST_CASE("memory that runs out in an engine handler is survived, and the next c
     f.server.script.calls.reserve(100000);
 
     SUBCASE("connecting") {
-        Sweep(
-            1, [] {}, [&] { f.Connect(); },
-            [&](bool isDone) {
-                CHECK(isDone);
-                f.Disconnect();
-                CHECK(f.server.popup == nullptr);
-                f.Connect();
-                CHECK(f.server.ConnectionCount() == 1);
-                CHECK(f.Enabled() == kRunning);
-                f.Disconnect();
-                CHECK(f.server.popup == nullptr);
-            });
+        for (Faults faults(1); faults.Next();) {
+            CAPTURE(faults.Name());
+            CHECK(faults.In([&] { f.Connect(); }));
+            f.Disconnect();
+            CHECK(f.server.popup == nullptr);
+            f.Connect();
+            CHECK(f.server.ConnectionCount() == 1);
+            CHECK(f.Enabled() == kRunning);
+            f.Disconnect();
+            CHECK(f.server.popup == nullptr);
+        }
     }
     SUBCASE("commands, the path of the log, reading the settings again") {
         f.Connect();
         f.server.script.logFile = kAddress;
-        std::wstring path;
         const UnfreedTexts unfreed;
-        Sweep(
-            1, [&] { path.clear(); },
-            [&] {
+        for (Faults faults(1); faults.Next();) {
+            CAPTURE(faults.Name());
+            faults.In([&] {
                 f.engine.mnuStopKiller_Click();
                 f.engine.tmMenu_Timer();
                 f.engine.mnuPauseKiller_Click();
@@ -163,14 +151,13 @@ TEST_CASE("memory that runs out in an engine handler is survived, and the next c
                 f.engine.mnuStartKiller_Click();
                 f.engine.tmMenu_Timer();
                 f.engine.ReloadSettings([] {});
-                path = f.engine.LogFile();
-            },
-            [&](bool) {
-                CHECK_FALSE(f.AnyPending());
-                CHECK_FALSE(f.engine.tmMenu().Running());
-                CHECK(f.Enabled() == kRunning);
-                CHECK(f.engine.LogFile() == f.server.script.logFile);
-                CHECK(unfreed.texts.empty());
+                f.engine.LogFile();
             });
+            CHECK_FALSE(f.AnyPending());
+            CHECK_FALSE(f.engine.tmMenu().Running());
+            CHECK(f.Enabled() == kRunning);
+            CHECK(f.engine.LogFile() == f.server.script.logFile);
+            CHECK(unfreed.texts.empty());
+        }
     }
 }

@@ -31,103 +31,80 @@ TEST_CASE_FIXTURE(
         WindowState before;   // of a window as it is designed
         WindowState changes;  // of that one, with Manual and Shift chosen and no sound
     };
-    const WindowState kBeepFromPlaySound = {
-        {"chkBeep", L"1"}, {"chkExtra", L"1"}, {"txtPause", L"0.001"}, {"txtExtra", L"1"}};
+    const WindowState kBeepFromPlaySound = {"chkBeep=1", "chkExtra=1", "txtPause=0.001", "txtExtra=1"};
     const Row rows[] = {
         {"an empty store chooses Manual and Shift", {}, {}, {}},
         {"every option",
-         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=0", "Settings\\txtPause=12000",
-          "Settings\\txtSpeed=400", "Settings\\chkExtra=1", "Settings\\txtExtra= as it stands ",
-          "Settings\\Pause Key=F9", "Settings\\SoundFile=C:\\a.wav", "Settings\\Startup=RunOnly"},
+         {"chkPlaySound=1", "chkBeep=0", "txtPause=12000", "txtSpeed=400", "chkExtra=1",
+          "txtExtra= as it stands ", "Pause Key=F9", "SoundFile=C:\\a.wav", "Startup=RunOnly"},
          {},
-         {{"chkPlaySound", L"1"},
-          {"chkExtra", L"1"},
-          {"txtPause", L"12"},
-          {"txtSpeed", L"9"},
-          {"txtExtra", L" as it stands "},
-          {"cboPauseKey", L"F9"},
-          {"m_strSoundFile", L"C:\\a.wav"},
-          {"optLoadFromMenu", L"0"},
-          {"optLoadWithKiller", L"1"},
-          {"m_strStartupMode", L"RunOnly"},
-          {"cmdSoundFile", L"1"},
-          {"cmdTestSound", L"1"}}},
+         {"chkPlaySound=1", "chkExtra=1", "txtPause=12", "txtSpeed=9", "txtExtra= as it stands ",
+          "cboPauseKey=F9", "m_strSoundFile=C:\\a.wav", "optLoadFromMenu=0", "optLoadWithKiller=1",
+          "m_strStartupMode=RunOnly", "cmdSoundFile=1", "cmdTestSound=1"}},
         {"with both notices checked the beep, visited last, wins",
-         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=1", "Settings\\txtSpeed=1000",
-          "Settings\\txtPause=5000", "Settings\\txtExtra=x"},
+         {"chkPlaySound=1", "chkBeep=1", "txtSpeed=1000", "txtPause=5000", "txtExtra=x"},
          {},
-         {{"chkBeep", L"1"}, {"txtExtra", L"x"}}},
+         {"chkBeep=1", "txtExtra=x"}},
         {"the beep takes over Play Sound; speed, pause and the extra box the beep",
-         {"Settings\\chkPlaySound=1"},
+         {"chkPlaySound=1"},
          {},
          kBeepFromPlaySound},
         {"an empty value counts as a missing one",
-         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=", "Settings\\txtPause="},
+         {"chkPlaySound=1", "chkBeep=", "txtPause="},
          {},
          kBeepFromPlaySound},
         {"the pause takes over the speed",
-         {"Settings\\txtSpeed=200"},
+         {"txtSpeed=200"},
          {},
-         {{"txtSpeed", L"10"}, {"txtPause", L"0.2"}, {"txtExtra", L"200"}}},
+         {"txtSpeed=10", "txtPause=0.2", "txtExtra=200"}},
         {"a check box behind the lists keeps its state where the last search text does not convert",
          {"Search\\1Name=One"},
-         {{"chkExtra", L"1"}},
-         {{"lvwSearchURLs", L"One|One\n"}, {"txtExtra", L"One"}}},
+         {"chkExtra=1"},
+         {"lvwSearchURLs=One|One\n", "txtExtra=One"}},
         {"the pause key, the sound file and the mode take over nothing",
-         {"Settings\\txtExtra=F6"},
+         {"txtExtra=F6"},
          {},
-         {{"txtExtra", L"F6"}}},
+         {"txtExtra=F6"}},
         {"a stored pause key that is none leaves a window that has no choice without one",
-         {"Settings\\Pause Key=F12"},
+         {"Pause Key=F12"},
          {},
-         {{"cboPauseKey", L""}}},
+         {"cboPauseKey="}},
         {"an engine that cannot tell its log does not keep the rest from loading",
-         {"Settings\\Pause Key=F8", "Settings\\Startup=Startup"},
-         {{"lstClosedWnd", L"old\n"}},
-         {{"lstClosedWnd", L""},
-          {"cboPauseKey", L"F8"},
-          {"optLoadFromMenu", L"0"},
-          {"optStartup", L"1"},
-          {"m_strStartupMode", L"Startup"}}},
+         {"Pause Key=F8", "Startup=Startup"},
+         {"lstClosedWnd=old\n"},
+         {"lstClosedWnd=", "cboPauseKey=F8", "optLoadFromMenu=0", "optStartup=1",
+          "m_strStartupMode=Startup"}},
         {"a missing sound file loads as empty and leaves the test button as it is under Play Sound",
-         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=0"},
-         {{"m_strSoundFile", L"C:\\before.wav"}, {"chkPlaySound", L"1"}, {"cmdTestSound", L"1"}},
-         {{"m_strSoundFile", L""},
-          {"cmdSoundFile", L"1"},
-          {"cmdTestSound", L"1"},
-          {"txtPause", L"0"},
-          {"txtExtra", L"0"}}},
+         {"chkPlaySound=1", "chkBeep=0"},
+         {"m_strSoundFile=C:\\before.wav", "chkPlaySound=1", "cmdTestSound=1"},
+         {"m_strSoundFile=", "cmdSoundFile=1", "cmdTestSound=1", "txtPause=0", "txtExtra=0"}},
         {"so does an empty one",
-         {"Settings\\chkPlaySound=1", "Settings\\chkBeep=0", "Settings\\SoundFile="},
-         {{"m_strSoundFile", L"C:\\before.wav"}, {"chkPlaySound", L"1"}, {"cmdTestSound", L"0"}},
-         {{"m_strSoundFile", L""}, {"cmdSoundFile", L"1"}, {"txtPause", L"0"}, {"txtExtra", L"0"}}},
-        {"without exclude rows the list is empty", {}, {{"lstExclude", L"edited\n"}}, {{"lstExclude", L""}}},
+         {"chkPlaySound=1", "chkBeep=0", "SoundFile="},
+         {"m_strSoundFile=C:\\before.wav", "chkPlaySound=1", "cmdTestSound=0"},
+         {"m_strSoundFile=", "cmdSoundFile=1", "txtPause=0", "txtExtra=0"}},
+        {"without exclude rows the list is empty", {}, {"lstExclude=edited\n"}, {"lstExclude="}},
         {"exclude rows are read from 0 to the first gap",
          {"Exclude\\0=http://zero", "Exclude\\1=http://one", "Exclude\\3=http://three"},
-         {{"lstExclude", L"edited\n"}},
-         {{"lstExclude", L"http://zero\nhttp://one\n"}, {"txtExtra", L"http://one"}}},
+         {"lstExclude=edited\n"},
+         {"lstExclude=http://zero\nhttp://one\n", "txtExtra=http://one"}},
         {"an empty exclude row repeats the row before it",
          {"Exclude\\0=http://a", "Exclude\\1=", "Exclude\\2=http://c"},
          {},
-         {{"lstExclude", L"http://a\nhttp://a\nhttp://c\n"}, {"txtExtra", L"http://c"}}},
+         {"lstExclude=http://a\nhttp://a\nhttp://c\n", "txtExtra=http://c"}},
         {"search addresses are read from 1 on, whichever way their value is spelled",
          {"Search\\1Name=One", "Search\\1Url=http://one", "Search\\1Use=True", "Search\\2Name=Two",
           "Search\\2URL=http://two", "Search\\2Use=False", "Search\\3Name=Three", "Search\\3URL=http://three",
           "Search\\4Name=Four"},
-         {{"lvwSearchURLs", L"edited\n"}},
-         {{"lvwSearchURLs", L"One|http://one|x\nTwo|http://two\nThree|http://three\n"},
-          {"txtExtra", L"http://three"}}},
+         {"lvwSearchURLs=edited\n"},
+         {"lvwSearchURLs=One|http://one|x\nTwo|http://two\nThree|http://three\n", "txtExtra=http://three"}},
     };
     for (const Row& row : rows) {
         CAPTURE(row.what);
         Put(*this, designed);
         Put(*this, row.before);
         WindowState shown = StateOf(*this);
-        const WindowState always{{"cboPauseKey", L"Shift"},
-                                 {"optLoadFromMenu", L"1"},
-                                 {"m_strStartupMode", L"Manual"},
-                                 {"cmdSoundFile", L"0"},
-                                 {"cmdTestSound", L"0"}};
+        const WindowState always{"cboPauseKey=Shift", "optLoadFromMenu=1", "m_strStartupMode=Manual",
+                                 "cmdSoundFile=0", "cmdTestSound=0"};
         for (const WindowState& changes : {always, row.changes}) {
             for (const auto& [name, text] : changes)
                 shown[name] = text;
@@ -142,42 +119,30 @@ TEST_CASE_FIXTURE(LoadPage,
                   "leaves what is shown") {
     struct Row {
         std::string stored;
-        const char* control;
-        const wchar_t* shown;
+        std::string control;
+        std::string shown;
     };
-    const Row rows[] = {{"txtPause=1500", "txtPause", L"1.5"},
-                        {"txtPause=1", "txtPause", L"0.001"},
-                        {"txtPause=-5000", "txtPause", L"-5"},
-                        {"txtPause=5000.5", "txtPause", L"5.0005"},
-                        {"txtPause=five", "txtPause", L"5.0005"},
-                        {"txtPause=1e400", "txtPause", L"5.0005"},
-                        {"txtPause= ", "txtPause", L"5.0005"},
-                        {"txtSpeed=1100", "txtSpeed", L"6"},
-                        {"txtSpeed= 200.5 ", "txtSpeed", L"10"},
-                        {"txtSpeed=2147483648", "txtSpeed", L"10"},
-                        {"txtSpeed=fast", "txtSpeed", L"10"},
-                        {"chkExtra=1", "chkExtra", L"1"},
-                        {"chkExtra=2", "chkExtra", L"1"},
-                        {"chkExtra=32768", "chkExtra", L"1"},
-                        {"chkExtra=True", "chkExtra", L"1"},
-                        {"chkExtra=0.5", "chkExtra", L"0"},
-                        {"chkExtra= 1.4 ", "chkExtra", L"1"},
-                        {"Pause Key=Alt", "cboPauseKey", L"Alt"},
-                        {"Pause Key=shift", "cboPauseKey", L"Shift"},
-                        {"Pause Key=F10", "cboPauseKey", L"F10"},
-                        {"Pause Key=F12", "cboPauseKey", L"F10"},
-                        {"Pause Key=F", "cboPauseKey", L"F10"},
-                        {"Pause Key=", "cboPauseKey", L"F10"}};
+    const Row rows[] = {
+        {"txtPause=1500", "txtPause", "1.5"},      {"txtPause=-5000", "txtPause", "-5"},
+        {"txtPause=5000.5", "txtPause", "5.0005"}, {"txtPause=five", "txtPause", "5.0005"},
+        {"txtPause=1e400", "txtPause", "5.0005"},  {"txtPause= ", "txtPause", "5.0005"},
+        {"txtSpeed=1100", "txtSpeed", "6"},        {"txtSpeed= 200.5 ", "txtSpeed", "10"},
+        {"txtSpeed=2147483648", "txtSpeed", "10"}, {"txtSpeed=fast", "txtSpeed", "10"},
+        {"chkExtra=2", "chkExtra", "1"},           {"chkExtra=32768", "chkExtra", "1"},
+        {"chkExtra=True", "chkExtra", "1"},        {"chkExtra=0.5", "chkExtra", "0"},
+        {"chkExtra= 1.4 ", "chkExtra", "1"},       {"Pause Key=shift", "cboPauseKey", "Shift"},
+        {"Pause Key=F10", "cboPauseKey", "F10"},   {"Pause Key=F12", "cboPauseKey", "F10"},
+        {"Pause Key=F", "cboPauseKey", "F10"},     {"Pause Key=", "cboPauseKey", "F10"}};
     for (const Row& row : rows) {
         CAPTURE(row.stored);
-        CHECK(Loaded({"Settings\\" + row.stored}).at(row.control) == row.shown);
+        CHECK(Loaded({row.stored}).at(row.control) == row.shown);
     }
 }
 
 TEST_CASE_FIXTURE(LoadPage, "nothing is taken over from the load before") {
-    Loaded({"Settings\\chkPlaySound=1"});
+    Loaded({"chkPlaySound=1"});
     chkBeep.Value(0);
-    CHECK(Loaded({}).at("chkBeep") == L"0");
+    CHECK(Loaded({}).at("chkBeep") == "0");
 }
 
 TEST_CASE_FIXTURE(LoadPage, "banner sizes are read from 1 on, with name, width, height and use") {
@@ -187,30 +152,30 @@ TEST_CASE_FIXTURE(LoadPage, "banner sizes are read from 1 on, with name, width, 
     struct Row {
         std::string what;
         StoredRows more;
-        std::wstring shown;  // behind those two
+        std::string shown;  // behind those two
     };
     const Row rows[] = {
-        {"to the first missing name", {"Banners\\4Name=beyond the gap", "Banners\\4Use=True"}, L""},
+        {"to the first missing name", {"Banners\\4Name=beyond the gap", "Banners\\4Use=True"}, ""},
         {"to the first entry without a use, which is shown; its check mark comes from the width",
          {"Banners\\3Name=Third", "Banners\\3Height=7", "Banners\\3Width=0"},
-         L"Third|0|7\n"},
-        {"the width may be a mark", {"Banners\\3Width=100"}, L"Third|100|7|x\n"},
+         "Third|0|7\n"},
+        {"the width may be a mark", {"Banners\\3Width=100"}, "Third|100|7|x\n"},
         {"missing fields take over what was read before them: the height the name, the width the height",
          {"Banners\\3Height=", "Banners\\3Width=", "Banners\\3Use=True", "Banners\\4Name=Fourth",
           "Banners\\4Height=9", "Banners\\5Name=Fifth", "Banners\\5Width=8"},
-         L"Third|Third|Third|x\nFourth|9|9|x\nFifth|8|Fifth|x\n"},
+         "Third|Third|Third|x\nFourth|9|9|x\nFifth|8|Fifth|x\n"},
     };
     lvwBanners.Add(1, L"edited");
     for (const Row& row : rows) {
         CAPTURE(row.what);
         stored.insert(stored.end(), row.more.begin(), row.more.end());
-        CHECK(Loaded(stored).at("lvwBanners") == L"Full|468|60|x\nHalf|-2.5|1e3\n" + row.shown);
+        CHECK(Loaded(stored).at("lvwBanners") == "Full|468|60|x\nHalf|-2.5|1e3\n" + row.shown);
     }
     for (const std::string use : {"True", "true", "1", "-1", "False", "FALSE", "0", "yes", "?"}) {
         CAPTURE(use);
         const bool isUsed = use == "1" || use == "-1" || use[1] == 'r';
         CHECK(Loaded({"Search\\1Name=One", "Search\\1Url=http://one", "Search\\1Use=" + use})
-                  .at("lvwSearchURLs") == (isUsed ? L"One|http://one|x\n" : L"One|http://one\n"));
+                  .at("lvwSearchURLs") == (isUsed ? "One|http://one|x\n" : "One|http://one\n"));
     }
 }
 

@@ -25,16 +25,17 @@ struct SavePage : TransferPage {
 
 TEST_CASE_FIXTURE(SavePage, "a load reads the controls in their order, each list to its end, then the rest") {
     registry.contents =
-        StoreOf({"Settings\\Startup=Manual", "Exclude\\0=http://a", "Exclude\\1=http://b",
-                 "Banners\\1Name=Full", "Banners\\1Width=468", "Banners\\1Height=60", "Banners\\1Use=True",
-                 "Search\\1Name=One", "Search\\1Url=http://one", "Search\\1Use=False"});
+        StoreOf({"Startup=Manual", "Exclude\\0=http://a", "Exclude\\1=http://b", "Banners\\1Name=Full",
+                 "Banners\\1Width=468", "Banners\\1Height=60", "Banners\\1Use=True", "Search\\1Name=One",
+                 "Search\\1Url=http://one", "Search\\1Use=False"});
     CHECK(Sequence([this] { transfer.LoadSettings(); }) ==
-          "read Settings\\chkPlaySound; read Settings\\chkBeep; read Settings\\txtSpeed; "
-          "read Settings\\txtPause; read Exclude\\0; read Exclude\\1; read Exclude\\2; "
-          "read Banners\\1Name; read Banners\\1Height; read Banners\\1Width; read Banners\\1Use; "
-          "read Banners\\2Name; read Search\\1Name; read Search\\1URL; read Search\\1Use; "
-          "read Search\\2Name; read Settings\\chkExtra; read Settings\\txtExtra; read Settings\\Startup; "
-          "read Settings\\Pause Key; read Settings\\SoundFile; ");
+          "read Settings\\chkPlaySound (missing); read Settings\\chkBeep (missing); "
+          "read Settings\\txtSpeed (missing); read Settings\\txtPause (missing); read Exclude\\0; "
+          "read Exclude\\1; read Exclude\\2 (missing); read Banners\\1Name; read Banners\\1Height; "
+          "read Banners\\1Width; read Banners\\1Use; read Banners\\2Name (missing); read Search\\1Name; "
+          "read Search\\1URL; read Search\\1Use; read Search\\2Name (missing); "
+          "read Settings\\chkExtra (missing); read Settings\\txtExtra (missing); read Settings\\Startup; "
+          "read Settings\\Pause Key (missing); read Settings\\SoundFile (missing); ");
 }
 
 TEST_CASE_FIXTURE(
@@ -46,18 +47,10 @@ TEST_CASE_FIXTURE(
                  "Banners\\1Width=468", "Banners\\1Height=60", "Banners\\1Use=True", "Banners\\2Name=Half",
                  "Banners\\2Width=234", "Banners\\2Height=60", "Banners\\2Use=False", "Search\\1Name=One",
                  "Search\\1Url=http://one", "Search\\1Use=True"});
-    Put(*this, {{"chkPlaySound", L"1"},
-                {"txtSpeed", L"10"},
-                {"txtPause", L"12"},
-                {"lstExclude", L"http://new\n"},
-                {"lvwBanners", L"Half|234|60\n"},
-                {"lvwSearchURLs", L"One|http://one|x\nTwo|http://two\n"},
-                {"chkExtra", L"1"},
-                {"txtExtra", L" some text "},
-                {"m_strSoundFile", L"C:\\a.wav"},
-                {"cboPauseKey", L"F7"},
-                {"optStartup", L"1"},
-                {"m_strStartupMode", L"Manual"}});
+    Put(*this, WindowState({"chkPlaySound=1", "txtSpeed=10", "txtPause=12", "lstExclude=http://new\n",
+                            "lvwBanners=Half|234|60\n", "chkExtra=1", "txtExtra= some text ",
+                            "lvwSearchURLs=One|http://one|x\nTwo|http://two\n", "m_strSoundFile=C:\\a.wav",
+                            "cboPauseKey=F7", "optStartup=1", "m_strStartupMode=Manual"}));
     CHECK(Sequence([this] { transfer.SaveSettings(); }) ==
           "write Settings\\chkPlaySound=1; write Settings\\chkBeep=0; write Settings\\txtSpeed=200; "
           "write Settings\\txtPause=12000; delete Exclude\\0; delete Exclude\\1; "
@@ -82,24 +75,24 @@ TEST_CASE_FIXTURE(
     "a typed level of 11 is saved as 1000, a pause as its whole number; what is none, or too great, is not "
     "written") {
     struct Row {
-        std::wstring text;
-        const char* pause;  // empty: nothing is written
-        const char* speed;
+        std::string text;
+        std::string pause;  // empty: nothing is written
+        std::string speed;
     };
-    const Row rows[] = {{L" 7 ", "7000", "800"},
-                        {L"2.5", "2000", "1800"},
-                        {L"3.5", "4000", "1400"},
-                        {L"11", "11000", "1000"},
-                        {L"-2147483", "-2147483000", "1000"},
-                        {L"2147483", "2147483000", "1000"},
-                        {L"2147484", "", "1000"},
-                        {L"-2147484", "", "1000"},
-                        {L"2147483648", "", ""},
-                        {L"", "", ""},
-                        {L"5 s", "", ""}};
+    const Row rows[] = {{" 7 ", "7000", "800"},
+                        {"2.5", "2000", "1800"},
+                        {"3.5", "4000", "1400"},
+                        {"11", "11000", "1000"},
+                        {"-2147483", "-2147483000", "1000"},
+                        {"2147483", "2147483000", "1000"},
+                        {"2147484", "", "1000"},
+                        {"-2147484", "", "1000"},
+                        {"2147483648", "", ""},
+                        {"", "", ""},
+                        {"5 s", "", ""}};
     for (const Row& row : rows) {
         CAPTURE(row.text);
-        Put(*this, {{"txtPause", row.text}, {"txtSpeed", row.text}});
+        Put(*this, {"txtPause=" + row.text, "txtSpeed=" + row.text});
         registry.contents.clear();
         transfer.SaveSettings();
         CHECK(registry.contents[kSettings]["txtPause"].bytes == row.pause);
@@ -111,7 +104,7 @@ TEST_CASE_FIXTURE(
     SavePage,
     "a list is deleted to its first gap or entry without a use, whether or not it has names; what "
     "is behind stays in the store") {
-    Put(*this, {{"lstExclude", L"row 1\nnew\n"}});
+    Put(*this, {"lstExclude=row 1\nnew\n"});
     registry.contents =
         StoreOf({"Exclude\\0=row 0", "Exclude\\1=row 1", "Exclude\\3=row 3", "Banners\\1Name=1",
                  "Banners\\1Width=1", "Banners\\1Height=1", "Banners\\2Name=2", "Banners\\2Use=2",
@@ -153,14 +146,13 @@ TEST_CASE_FIXTURE(SavePage,
                   "lists under other names, the log and the link are neither loaded nor stored; without a "
                   "chosen pause key an empty one is") {
     lblNavSite.Caption(L"http://www.calvane.example/");
-    Put(*this, {{"lstExtra", L"kept\n"}, {"lvwExtra", L"kept\n"}, {"lstClosedWnd", L"http://closed\n"}});
+    Put(*this, {"lstExtra=kept\n", "lvwExtra=kept\n", "lstClosedWnd=http://closed\n"});
     transfer.SaveSettings();
     CHECK(Difference(registry.contents,
-                     StoreOf({"Settings\\chkPlaySound=0", "Settings\\chkBeep=0", "Settings\\txtSpeed=1000",
-                              "Settings\\txtPause=5000", "Settings\\chkExtra=0",
-                              "Settings\\txtExtra=", "Settings\\SoundFile=", "Settings\\Pause Key="})) == "");
+                     StoreOf({"chkPlaySound=0", "chkBeep=0", "txtSpeed=1000", "txtPause=5000", "chkExtra=0",
+                              "txtExtra=", "SoundFile=", "Pause Key="})) == "");
     transfer.LoadSettings();
-    CHECK(StateOf(*this).at("lstExtra") == L"kept\n");
-    CHECK(StateOf(*this).at("lvwExtra") == L"kept\n");
+    CHECK(StateOf(*this).at("lstExtra") == "kept\n");
+    CHECK(StateOf(*this).at("lvwExtra") == "kept\n");
     CHECK(lblNavSite.Caption() == L"http://www.calvane.example/");
 }

@@ -2,6 +2,7 @@
 // and compared.
 #pragma once
 
+#include <initializer_list>
 #include <map>
 #include <string>
 #include <vector>
@@ -10,19 +11,21 @@
 #include "tests/support/registry_calls.h"
 #include "tests/support/settings_window.h"
 
-using NamedTexts = std::map<std::string, std::wstring, LessNoCase>;
+using NamedTexts = std::map<std::string, std::string, LessNoCase>;
 
 // What controls show, by their names: a text; 1 or 0 of what is checked, and of a button that is enabled;
 // each row of a list with a line feed behind it, "text\n" or "text|sub-item|...|x\n", the x only where it is
 // checked. Also what the window remembers: m_strSoundFile, m_strStartupMode, and whether it is loading in
 // m_bLoading.
-using WindowState = NamedTexts;
+struct WindowState : NamedTexts {
+    WindowState(std::initializer_list<std::string> rows = {});  // "name=text"
+};
 
 WindowState StateOf(const SettingsWindow& window);
 // Leaves what the state does not name.
 void Put(SettingsWindow& window, const WindowState& state);
 
-// A store of rows "Settings\name=text", all of them texts.
+// A store of rows "key\name=text", or "name=text" in the Settings key, all of them texts.
 RegistryContents StoreOf(const std::vector<std::string>& rows);
 
 // A store and a window that differ in everything: every setting, three entries in each list and a neighbour

@@ -61,18 +61,15 @@ std::string Record(const SECURITY_ATTRIBUTES* security) {
 
 }  // namespace
 
-bool FaultCounter::Fails(RegistryFunction function) {
-    ++m_calls;
+bool RegistryCalls::Fails(RegistryFunction function) {
     if (m_fault.first == 0 || (m_fault.function && *m_fault.function != function)) return false;
     ++m_counted;
-    const bool fails = m_fault.isLasting ? m_counted >= m_fault.first : m_counted == m_fault.first;
-    m_happened = m_happened || fails;
-    return fails;
+    return m_fault.isLasting ? m_counted >= m_fault.first : m_counted == m_fault.first;
 }
 
 std::vector<std::string> RegistryCalls::Watch(const std::function<void()>& body) {
     m_calls.clear();
-    m_counter = FaultCounter(m_counter.Cause());
+    m_counted = 0;
     const Switched recording(m_isRecording);
     body();
     return Lines();
@@ -85,13 +82,6 @@ std::vector<std::string> RegistryCalls::Lines() const {
     return lines;
 }
 
-std::vector<std::string> RegistryCalls::Functions() const {
-    std::vector<std::string> functions;
-    for (const Call& call : m_calls)
-        functions.push_back(FunctionName(call.function));
-    return functions;
-}
-
 size_t RegistryCalls::Count(RegistryFunction function) const {
     return static_cast<size_t>(std::count_if(m_calls.begin(), m_calls.end(),
                                              [=](const Call& call) { return call.function == function; }));
@@ -99,20 +89,20 @@ size_t RegistryCalls::Count(RegistryFunction function) const {
 
 std::vector<std::string> RegistryCalls::Values() const {
     std::vector<std::string> lines;
-    for (size_t i = 0; i < m_calls.size(); ++i) {
-        const Call& call = m_calls[i];
+    RegistryFunction before = RegistryFunction::Close;
+    for (const Call& call : m_calls) {
         const std::string value = call.key.substr(call.key.find_last_of('\\') + 1) + '\\' + call.name;
-        // A value is queried for its size and for its data: the key is opened again for the next one.
-        if (call.function == RegistryFunction::Query && i > 0 &&
-            m_calls[i - 1].function == RegistryFunction::Open) {
-            lines.push_back("read " + value);
-        } else if (call.function == RegistryFunction::Create && !call.data.empty()) {
+        const std::string missing = call.result == ERROR_SUCCESS ? "" : " (missing)";
+        // A value is queried for its size, and behind the key's class for its data.
+        if (call.function == RegistryFunction::Query && before == RegistryFunction::Info)
+            lines.push_back("read " + value + missing);
+        else if (call.function == RegistryFunction::Create && !call.data.empty())
             lines.push_back("class " + call.data);
-        } else if (call.function == RegistryFunction::Set) {
+        else if (call.function == RegistryFunction::Set)
             lines.push_back("write " + value + '=' + call.data);
-        } else if (call.function == RegistryFunction::DeleteValue) {
-            lines.push_back("delete " + value + (call.result == ERROR_SUCCESS ? "" : " (missing)"));
-        }
+        else if (call.function == RegistryFunction::DeleteValue)
+            lines.push_back("delete " + value + missing);
+        before = call.function;
     }
     return lines;
 }
@@ -136,8 +126,8 @@ LSTATUS RegistryCalls::Pass(RegistryFunction function, HKEY key, LPCSTR name, De
                            name == nullptr ? "" : name, "", "", ERROR_SUCCESS});
         m_calls[index].arguments = NameOf(key) + (name == nullptr ? "" : ", " + Quoted(name)) + describe();
     }
-    LSTATUS result = m_counter.Cause().error;
-    if (!m_counter.Fails(function)) {
+    LSTATUS result = m_fault.error;
+    if (!Fails(function)) {
         if (beforeCall) {
             const Switched aside(m_isAside);
             beforeCall(function, name == nullptr ? "" : name);

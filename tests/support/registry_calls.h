@@ -41,24 +41,6 @@ struct Fault {
     LSTATUS error = ERROR_ACCESS_DENIED;
 };
 
-class FaultCounter {
-public:
-    explicit FaultCounter(const Fault& fault = {}) : m_fault(fault) {}
-
-    // Counts the call and says whether it fails.
-    bool Fails(RegistryFunction function);
-
-    long Calls() const noexcept { return m_calls; }
-    bool Happened() const noexcept { return m_happened; }
-    const Fault& Cause() const noexcept { return m_fault; }
-
-private:
-    Fault m_fault;
-    long m_calls = 0;    // of all functions
-    long m_counted = 0;  // of those that the fault counts
-    bool m_happened = false;
-};
-
 // One at a time. Of the system's registry only the calls of a watched body are counted and failed; of the one
 // in memory, all of the program.
 class RegistryCalls {
@@ -72,8 +54,10 @@ public:
     RegistryContents contents;  // of the registry in memory
 
     // From now on, and again in each watched body, counting from 0.
-    void Fail(const Fault& fault) { m_counter = FaultCounter(fault); }
-    const FaultCounter& Counter() const noexcept { return m_counter; }
+    void Fail(const Fault& fault) {
+        m_fault = fault;
+        m_counted = 0;
+    }
 
     // Runs before each call that does not fail, with the name of the key or value. What it calls itself is
     // neither watched nor failed.
@@ -91,14 +75,14 @@ public:
     //   RegDeleteValueA(key1, "Value")   RegDeleteKeyA(HKCU, "Software")   RegCloseKey(key1)
     std::vector<std::string> Watch(const std::function<void()>& body);
 
-    // The calls of the last body, also of one that threw; their functions alone; how many of one function.
+    // The calls of the last body, also of one that threw; how many of one function.
     std::vector<std::string> Lines() const;
-    std::vector<std::string> Functions() const;
     size_t Count(RegistryFunction function) const;
 
     // What the last body read, wrote and deleted, the key by its last part: "read Settings\name",
-    // "write Settings\name=data", "delete Settings\name"; what was not there ends in " (missing)". A key that
-    // is given a class adds a line of its own, a type that is no text ends the line of its value.
+    // "write Settings\name=data", "delete Settings\name"; what was not there, or failed, ends in "
+    // (missing)". A key that is given a class adds a line of its own, a type that is no text ends the line of
+    // its value.
     std::vector<std::string> Values() const;
 
     // Handles that were handed out and never closed.
@@ -127,6 +111,8 @@ private:
     // Stand before the functions: each describes its arguments and does in memory what the system does.
     struct Fakes;
 
+    // Counts a call and says whether it fails.
+    bool Fails(RegistryFunction function);
     bool IsWatching() const { return !m_isAside && (m_isMemory || m_isRecording); }
     // Makes a call: describe returns the rest of its line, behind key and name; inMemory or original does it.
     template <class Describe, class InMemory, class Original>
@@ -143,7 +129,8 @@ private:
     const bool m_isMemory;
     bool m_isRecording = false;
     bool m_isAside = false;
-    FaultCounter m_counter;
+    Fault m_fault;
+    long m_counted = 0;  // of the calls that may fail
     std::vector<Call> m_calls;
     std::map<HKEY, Opened> m_open;
     size_t m_handedOut = 0;
