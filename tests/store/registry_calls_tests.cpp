@@ -49,15 +49,12 @@ ReadBack ReadValue(HKEY root = HKEY_CURRENT_USER, const std::wstring& key = kKey
     return back;
 }
 
-// A key with another value in a registry that is watched.
+// A key with two values in a registry that is watched.
 struct Watched {
-    // stored: null for no value.
-    explicit Watched(const char* stored = "abc") {
-        Put(REG_SZ, stored);
-        hive.Write(kKey, L"Other", L"abc");
-    }
+    Watched() { hive.Write(kKey, L"Other", L"abc"); }
 
-    void Put(DWORD type, const char* bytes) const {
+    // Null for no value.
+    void Put(const char* bytes, DWORD type = REG_SZ) const {
         hive.Delete(kKey, L"Value");
         if (bytes != nullptr) hive.Write(kKey, L"Value", type, bytes);
     }
@@ -79,22 +76,19 @@ struct Watched {
     RegistryCalls calls;
 };
 
-bool IsUsable(HKEY key) {
-    return RegQueryInfoKeyW(key, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
-                            nullptr, nullptr, nullptr) != ERROR_INVALID_HANDLE;
-}
+using enum RegistryFunction;
 
 }  // namespace
 
-TEST_CASE(
+TEST_CASE_FIXTURE(
+    Watched,
     "a read probes the size, asks for the class, reads the value and closes key and root, whichever call "
     "fails and whatever becomes of the value meanwhile") {
-    using enum RegistryFunction;
     struct Row {
         std::string what;
         const char* stored;  // null: no value
         Fault fault;
-        std::function<void(const Watched&)> beforeQuery;  // behind the probe
+        std::function<void()> beforeQuery;  // behind the probe
         ReadBack read;
         Lines calls;
         Lines open;
@@ -107,8 +101,8 @@ TEST_CASE(
     const ReadBack tooLong{false, L"default", REG_SZ};
     const ReadBack noClass{true, L"abc", REG_SZ, std::wstring(511, L'\0')};
     const Lines key{"key1"};
-    const auto becomes = [](const char* bytes, DWORD type = REG_SZ) {
-        return [=](const Watched& watched) { watched.Put(type, bytes); };
+    const auto becomes = [this](const char* bytes, DWORD type = REG_SZ) {
+        return [=, this] { Put(bytes, type); };
     };
     const Row rows[] = {
         {"a value", "abc", {}, {}, abc, kRead, {}},
@@ -130,38 +124,33 @@ TEST_CASE(
         CAPTURE(row.what);
         for (const LSTATUS error : kErrors) {
             CAPTURE(error);
-            Watched watched(row.stored);
-            watched.calls.Fail({row.fault.function, row.fault.first, false, error});
-            watched.calls.beforeCall = [&](RegistryFunction function, const std::string&) {
-                if (function == Info && row.beforeQuery) row.beforeQuery(watched);
+            Put(row.stored);
+            calls.Fail({row.fault.function, row.fault.first, false, error});
+            calls.beforeCall = [&](RegistryFunction function, const std::string&) {
+                if (function == Info && row.beforeQuery) row.beforeQuery();
             };
-            CHECK(watched.Watch([] { return ReadValue(); }) == row.read);
-            CHECK(watched.calls.Lines() == row.calls);
-            CHECK(watched.calls.OpenHandles() == row.open);
+            CHECK(Watch([] { return ReadValue(); }) == row.read);
+            CHECK(calls.Lines() == row.calls);
+            CHECK(calls.OpenHandles() == row.open);
         }
     }
-    Watched watched;
-    watched.hive.DeleteTree(kKey);
-    CHECK(watched.Watch([] { return ReadValue(); }) == kUntouched);
-    CHECK(watched.calls.Lines() == Lines{kRead[0]});
+    hive.DeleteTree(kKey);
+    CHECK(Watch([] { return ReadValue(); }) == kUntouched);
+    CHECK(calls.Lines() == Lines{kRead[0]});
 }
 
-TEST_CASE_FIXTURE(Watched, "a root that is no predefined one is closed by the read of a key that opened") {
-    struct Row {
-        std::wstring key;
-        const wchar_t* value;
-        bool isRead;
-        bool isRootOpen;
-    };
-    for (const Row& row :
-         {Row{L"Calvane\\Calls", L"Value", true, false}, Row{L"Calvane\\Calls", L"Missing", false, false},
-          Row{L"Calvane\\Missing", L"Value", false, true}}) {
-        CAPTURE(row.key);
+TEST_CASE_FIXTURE(Watched,
+                  "a root that is no predefined one is closed by the read of a key that opened, with the "
+                  "value or without") {
+    Put("abc");
+    for (const auto& [key, value, isRead, isRootOpen] : {std::tuple(L"Calvane\\Calls", L"Value", true, false),
+                                                         {L"Calvane\\Calls", L"Missing", false, false},
+                                                         {L"Calvane\\Missing", L"Value", false, true}}) {
+        CAPTURE(isRead);
         HKEY root = nullptr;
         REQUIRE(RegOpenKeyExW(HKEY_CURRENT_USER, L"Software", 0, KEY_READ, &root) == ERROR_SUCCESS);
-        CHECK(ReadValue(root, row.key, row.value).isRead == row.isRead);
-        CHECK(IsUsable(root) == row.isRootOpen);
-        if (row.isRootOpen) RegCloseKey(root);
+        CHECK(ReadValue(root, key, value).isRead == isRead);
+        CHECK((RegCloseKey(root) == ERROR_SUCCESS) == isRootOpen);
     }
     // A predefined one can be read from again.
     CHECK(ReadValue().isRead);
@@ -183,16 +172,34 @@ TEST_CASE_FIXTURE(
     }
 }
 
-TEST_CASE_FIXTURE(Watched,
-                  "saving creates the key, of the class, writes the value with nothing behind it, whatever "
-                  "its type, and leaves the key open") {
+TEST_CASE_FIXTURE(
+    Watched,
+    "saving creates the key, of the class, writes the value with nothing behind it, whatever its type, and "
+    "leaves the key open; where the key cannot be created it ends there, before the value is looked at") {
+    const std::string create =
+        R"(RegCreateKeyExA(HKCU, "Software\Calvane\Calls", 0, "", 0, 0x2, {50, no descriptor, inherited}))";
+    const Lines all{create, R"(RegSetValueExA(key1, "Value", 0, type 1, "abc", no NUL behind))"};
     CHECK(Save(L"abc"));
-    CHECK(
-        calls.Lines() ==
-        Lines{
-            R"(RegCreateKeyExA(HKCU, "Software\Calvane\Calls", 0, "", 0, 0x2, {50, no descriptor, inherited}))",
-            R"(RegSetValueExA(key1, "Value", 0, type 1, "abc", no NUL behind))",
-        });
+    CHECK(calls.Lines() == all);
+    CHECK(calls.OpenHandles() == Lines{"key1"});
+    for (const LSTATUS error : kErrors) {
+        calls.Fail({Create, 1, false, error});
+        for (const long type : {REG_SZ, REG_DWORD}) {
+            CHECK_FALSE(Save(L"no number", type));
+            CHECK(calls.Lines() == Lines{create});
+        }
+        calls.Fail({Set, 1, false, error});
+        CHECK_FALSE(Save(L"abc"));
+        CHECK(calls.Lines() == all);
+        CHECK(calls.OpenHandles() == Lines{"key1"});
+    }
+    calls.Fail({});
+    // A value that has no form of its type.
+    CHECK_THROWS_AS(Save(L"no number", REG_DWORD), AutomationError);
+    CHECK(calls.Lines() == Lines{create});
+    CHECK(calls.OpenHandles() == Lines{"key1"});
+    CHECK(hive.Text(kKey, L"Value") == L"abc");
+
     const TestHive machine(HKEY_LOCAL_MACHINE);
     CHECK(Watch([] {
         return Registry().Save(HKEY_LOCAL_MACHINE, L"Software\\Deep\\Down", L"My class", L"", -2L, REG_DWORD);
@@ -201,9 +208,8 @@ TEST_CASE_FIXTURE(Watched,
         calls.Lines() ==
         Lines{
             R"(RegCreateKeyExA(HKLM, "Software\Deep\Down", 0, "My class", 0, 0x2, {50, no descriptor, inherited}))",
-            R"(RegSetValueExA(key2, "", 0, type 4, "\fe\ff\ff\ff", no NUL behind))",
+            R"(RegSetValueExA(key1, "", 0, type 4, "\fe\ff\ff\ff", no NUL behind))",
         });
-    CHECK(calls.OpenHandles().size() == 2);
     for (long type = 0; type <= 11; ++type) {
         CAPTURE(type);
         for (const std::wstring& text : {L"7"s, L"12345"s, L"1234567"s, L"123456789"s}) {
@@ -215,63 +221,32 @@ TEST_CASE_FIXTURE(Watched,
 
 TEST_CASE_FIXTURE(
     Watched,
-    "a save whose key cannot be created ends there, before the value is looked at; one whose value "
-    "cannot be written, or has no form of the type, leaves the key open") {
-    for (const LSTATUS error : kErrors) {
-        for (const long type : {REG_SZ, REG_DWORD}) {
-            calls.Fail({RegistryFunction::Create, 1, false, error});
-            CHECK_FALSE(Save(L"no number", type));
-            CHECK(calls.Functions() == Lines{"RegCreateKeyExA"});
-        }
-        const size_t before = calls.OpenHandles().size();
-        calls.Fail({RegistryFunction::Set, 1, false, error});
-        CHECK_FALSE(Save(L"new"));
-        CHECK(calls.Functions() == Lines{"RegCreateKeyExA", "RegSetValueExA"});
-        CHECK_THROWS_AS(Save(L"no number", REG_DWORD), AutomationError);
-        CHECK(calls.Functions() == Lines{"RegCreateKeyExA"});
-        CHECK(calls.OpenHandles().size() == before + 2);
-    }
-    CHECK(hive.Text(kKey, L"Value") == L"abc");
-}
-
-TEST_CASE(
     "deleting a value opens the key for writing, deletes the value and closes the key; a call that fails "
-    "ends it and leaves no key open") {
+    "ends it and leaves no key open; a missing key is not created") {
     const Lines all{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x2))",
                     R"(RegDeleteValueA(key1, "Value"))", R"(RegCloseKey(key1))"};
-    const Lines alone{all[0]};
-    using enum RegistryFunction;
     struct Row {
         std::string what;
         Fault fault;
-        std::function<void(const Watched&)> before;
         bool isDeleted;
         Lines calls;
     };
-    const auto nothing = [](const Watched&) {};
-    for (const Row& row : {
-             Row{"a value", {}, nothing, true, all},
-             Row{"a missing one", {}, [](const Watched& watched) { watched.Put(0, nullptr); }, false, all},
-             Row{"under a missing key, which is not created",
-                 {},
-                 [](const Watched& watched) { watched.hive.DeleteTree(kKey); },
-                 false,
-                 alone},
-             Row{"a key that cannot be opened", {Open, 1}, nothing, false, alone},
-             Row{"a value that cannot be deleted", {DeleteValue, 1}, nothing, false, all},
-         }) {
+    Put("abc");
+    for (const Row& row : {Row{"a key that cannot be opened", {Open, 1}, false, {all[0]}},
+                           Row{"a value that cannot be deleted", {DeleteValue, 1}, false, all},
+                           Row{"a value", {}, true, all}, Row{"a missing one", {}, false, all}}) {
         CAPTURE(row.what);
-        Watched watched;
-        row.before(watched);
-        const bool isKeyThere = watched.hive.Exists(kKey);
-        watched.calls.Fail(row.fault);
-        CHECK(watched.Delete() == row.isDeleted);
-        CHECK(watched.calls.Lines() == row.calls);
-        CHECK(watched.calls.OpenHandles().empty());
-        CHECK(watched.hive.Exists(kKey, L"Value") == (row.fault.first != 0));
-        CHECK(watched.hive.Exists(kKey, L"Other") == isKeyThere);
-        CHECK(watched.hive.Exists(kKey) == isKeyThere);
+        calls.Fail(row.fault);
+        CHECK(Delete() == row.isDeleted);
+        CHECK(calls.Lines() == row.calls);
+        CHECK(calls.OpenHandles().empty());
+        CHECK(hive.Exists(kKey, L"Value") == (row.fault.first != 0));
+        CHECK(hive.Exists(kKey, L"Other"));
     }
+    hive.DeleteTree(kKey);
+    CHECK_FALSE(Delete());
+    CHECK(calls.Lines() == Lines{all[0]});
+    CHECK_FALSE(hive.Exists(kKey));
 }
 
 TEST_CASE_FIXTURE(
@@ -288,7 +263,7 @@ TEST_CASE_FIXTURE(
     CHECK_FALSE(Delete(L""));
     CHECK(hive.Exists(kKey + L"\\Below"s, L"Value"));
     hive.DeleteTree(kKey + L"\\Below"s);
-    calls.Fail({RegistryFunction::DeleteKey, 1});
+    calls.Fail({DeleteKey, 1});
     CHECK_FALSE(Delete(L""));
     calls.Fail({});
     CHECK(Delete(L""));

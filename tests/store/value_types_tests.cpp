@@ -58,13 +58,9 @@ TEST_CASE_FIXTURE(Stored, "each value type stores its own bytes and reads back a
         {"text that begins with a NUL", REG_SZ, L"\0cd"s, "\0cd"s, VT_BSTR, L""},
         {"text that ends with a NUL", REG_SZ, L"ab\0"s, "ab\0"s, VT_BSTR, L"ab"},
         {"True as text", REG_SZ, true, "True", VT_BSTR, L"True"},
-        {"False as text", REG_SZ, false, "False", VT_BSTR, L"False"},
         {"a number as text", REG_SZ, 5000L, "5000", VT_BSTR, L"5000"},
-        {"a negative number as text", REG_SZ, -1L, "-1", VT_BSTR, L"-1"},
-        {"a short number as text", REG_SZ, static_cast<short>(1), "1", VT_BSTR, L"1"},
         {"expandable text", REG_EXPAND_SZ, L"%windir%\0d"s, "%windir%\0d"s, VT_BSTR, L"%windir%"},
         {"binary", REG_BINARY, L"a\0b\0\0"s, "a\0b\0\0"s, VT_BSTR, L"a\0b\0\0"s},
-        {"a number as binary", REG_BINARY, 5000L, "5000", VT_BSTR, L"5000"},
         {"a number", REG_DWORD, 0x04030201L, "\x01\x02\x03\x04", VT_I4, L"67305985"},
         {"a negative number", REG_DWORD, -2L, "\xfe\xff\xff\xff", VT_I4, L"-2"},
         {"the greatest number", REG_DWORD, 2147483647L, "\xff\xff\xff\x7f", VT_I4, L"2147483647"},
@@ -73,14 +69,11 @@ TEST_CASE_FIXTURE(Stored, "each value type stores its own bytes and reads back a
         {"True as a number", REG_DWORD, true, "\xff\xff\xff\xff", VT_I4, L"-1"},
         {"a number, highest first", REG_DWORD_BIG_ENDIAN, 67305985L, "\x04\x03\x02\x01", VT_I4, L"67305985"},
         {"the smallest so", REG_DWORD_BIG_ENDIAN, LONG_MIN, "\x80\0\0\0"s, VT_I4, L"-2147483648"},
-        {"a negative one", REG_DWORD_BIG_ENDIAN, -2L, "\xff\xff\xff\xfe", VT_I4, L"-2"},
         {"lines of text", REG_MULTI_SZ, L"one\0two\0\0"s, "one\0two\0\0"s, VT_BSTR, L"one\0two\0\0"s},
         {"lines of text without an end", REG_MULTI_SZ, L"one"s, "one", VT_BSTR, L"one"},
         {"an empty text, which changes nothing", REG_SZ, L"", "", VT_BSTR, L"default"},
         {"an empty binary", REG_BINARY, L"", "", VT_BSTR, L"default"},
         {"text of other code pages", REG_SZ, foreign, ToAnsi(foreign), VT_BSTR, ofCodePage},
-        {"such as binary", REG_BINARY, foreign, ToAnsi(foreign), VT_BSTR, ofCodePage},
-        {"as lines", REG_MULTI_SZ, foreign, ToAnsi(foreign), VT_BSTR, ofCodePage},
         {"a long text", REG_SZ, FromAnsi(longText), longText, VT_BSTR, FromAnsi(longText)},
         {"a long binary", REG_BINARY, FromAnsi(longText), longText, VT_BSTR, FromAnsi(longText)},
         {"no type", REG_NONE, L"ab\0cd"s, "ab\0cd"s, VT_BSTR, L"ab"},
@@ -130,7 +123,7 @@ TEST_CASE_FIXTURE(Stored,
 TEST_CASE_FIXTURE(Stored, "key, value name and class pass through the code page as well") {
     const Registry registry;
     const std::wstring name = FromAnsi(ToAnsi(L"caf\x00e9"));
-    const std::wstring path = std::wstring(kKey) + L"\\" + name;
+    const std::wstring path = kKey + (L'\\' + name);
     REQUIRE(registry.Save(HKEY_CURRENT_USER, path, name, name, L"found", REG_SZ));
     CHECK(hive.Text(path, name) == L"found");
     Variant value;
@@ -139,9 +132,8 @@ TEST_CASE_FIXTURE(Stored, "key, value name and class pass through the code page 
     CHECK(registry.Read(HKEY_CURRENT_USER, path, name, value, type, keyClass));
     CHECK(ToText(value) == L"found");
     CHECK(keyClass == name);
-    CHECK(registry.Delete(HKEY_CURRENT_USER, path, name));
-    CHECK_FALSE(hive.Exists(path, name));
-    CHECK(registry.Delete(HKEY_CURRENT_USER, path, L""));
+    for (const std::wstring& deleted : {name, std::wstring()})
+        CHECK(registry.Delete(HKEY_CURRENT_USER, path, deleted));
     CHECK_FALSE(hive.Exists(path));
 }
 

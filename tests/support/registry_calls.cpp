@@ -69,6 +69,8 @@ bool RegistryCalls::Fails(RegistryFunction function) {
 
 std::vector<std::string> RegistryCalls::Watch(const std::function<void()>& body) {
     m_calls.clear();
+    m_open.clear();
+    m_before = m_handedOut;
     m_counted = 0;
     const Switched recording(m_isRecording);
     body();
@@ -146,7 +148,7 @@ LSTATUS RegistryCalls::HandOut(LSTATUS result, HKEY root, LPCSTR path, HKEY key)
 std::string RegistryCalls::NameOf(HKEY key) const {
     if (const char* const root = RootName(key)) return root;
     const auto opened = m_open.find(key);
-    return opened == m_open.end() ? "?" : "key" + std::to_string(opened->second.number);
+    return opened == m_open.end() ? "?" : "key" + std::to_string(opened->second.number - m_before);
 }
 
 std::string RegistryCalls::PathOf(HKEY root, LPCSTR path) {

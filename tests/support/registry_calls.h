@@ -64,7 +64,7 @@ public:
     std::function<void(RegistryFunction function, const std::string& name)> beforeCall;
 
     // Runs the body and returns its calls: the function and its arguments. Those are HKCU, HKLM, or key1,
-    // key2 and so on for the handles in the order in which they were handed out ("?" for one that was not),
+    // key2 and so on for the handles in the order in which the body got them ("?" for one that it did not),
     // texts in quotes, bytes that are no visible character as \xx, and of an output what it holds before the
     // call:
     //   RegOpenKeyExA(HKCU, "Software", 0, 0x19)
@@ -85,7 +85,7 @@ public:
     // its value.
     std::vector<std::string> Values() const;
 
-    // Handles that were handed out and never closed.
+    // Handles that the last body got and did not close.
     std::vector<std::string> OpenHandles() const;
 
     // The program leaves some open by design; in a long run they would add up.
@@ -134,6 +134,7 @@ private:
     std::vector<Call> m_calls;
     std::map<HKEY, Opened> m_open;
     size_t m_handedOut = 0;
+    size_t m_before = 0;  // handed out before the body
     const std::unique_ptr<Fakes> m_fakes;
 };
 
