@@ -16,9 +16,34 @@ namespace {
 
 enum Function { kCreate, kType, kSize, kPosition, kRead, kFunctions };
 
-// Stands before the file functions of this program while a log is read, and only then.
-class FileFaults {
-public:
+Texts PlainRows(const std::string& log) {
+    Texts rows;
+    for (const std::string& line : PlainNewestLines(log, 25))
+        rows.push_back(FromAnsi(line));
+    return rows;
+}
+
+// With a log of four blocks of different lines, and in front of the file functions while it is read.
+struct FaultyLog : LogPage {
+    FaultyLog() { folder.Write(L"closed.log", bytes); }
+
+    // What a reading of the log fails with.
+    HRESULT Reading() {
+        calls = {};
+        isReading = true;
+        const HRESULT result = ErrorOf([&] { log.ReadClosedLog(); });
+        isReading = false;
+        return result;
+    }
+
+    const std::string bytes = [] {
+        std::string lines;
+        for (int i = 1; i <= 24; ++i)
+            lines += std::to_string(i) + std::string(9998, 'x') + "\r\n";
+        return lines;
+    }();
+    const Texts all = PlainRows(bytes);
+
     // Which call of which function fails in a reading, counted from 1; 0 for none. A read without an error
     // ends without bytes.
     Function function = kRead;
@@ -30,69 +55,33 @@ public:
 
     // Of each function, in the last reading.
     std::array<long, kFunctions> calls{};
+    bool isReading = false;
 
-    // What a reading of the log fails with.
-    HRESULT Reading(ClosedLog& log) {
-        calls = {};
-        m_isArmed = true;
-        const HRESULT result = ErrorOf([&] { log.ReadClosedLog(); });
-        m_isArmed = false;
-        return result;
-    }
-
-private:
     bool Fails(Function called) {
-        if (!m_isArmed || ++calls[called] != failing || called != function) return false;
+        if (!isReading || ++calls[called] != failing || called != function) return false;
         SetLastError(error);
         return true;
     }
-
-    bool m_isArmed = false;
-    const ImportFake<"CreateFileW", decltype(&CreateFileW)> m_create{
+    const ImportFake<"CreateFileW", decltype(&CreateFileW)> create{
         "kernel32.dll", [this](auto... arguments) {
-            return Fails(kCreate) ? INVALID_HANDLE_VALUE : m_create.Original(arguments...);
+            return Fails(kCreate) ? INVALID_HANDLE_VALUE : create.Original(arguments...);
         }};
-    const ImportFake<"GetFileType", decltype(&GetFileType)> m_type{
+    const ImportFake<"GetFileType", decltype(&GetFileType)> type{
         "kernel32.dll",
-        [this](HANDLE file) { return Fails(kType) ? FILE_TYPE_UNKNOWN : m_type.Original(file); }};
-    const ImportFake<"GetFileSizeEx", decltype(&GetFileSizeEx)> m_size{
-        "kernel32.dll", [this](auto... arguments) { return !Fails(kSize) && m_size.Original(arguments...); }};
-    const ImportFake<"SetFilePointerEx", decltype(&SetFilePointerEx)> m_position{
+        [this](HANDLE file) { return Fails(kType) ? FILE_TYPE_UNKNOWN : type.Original(file); }};
+    const ImportFake<"GetFileSizeEx", decltype(&GetFileSizeEx)> size{
+        "kernel32.dll", [this](auto... arguments) { return !Fails(kSize) && size.Original(arguments...); }};
+    const ImportFake<"SetFilePointerEx", decltype(&SetFilePointerEx)> position{
         "kernel32.dll",
-        [this](auto... arguments) { return !Fails(kPosition) && m_position.Original(arguments...); }};
-    const ImportFake<"ReadFile", decltype(&ReadFile)> m_read{
-        "kernel32.dll",
-        [this](HANDLE file, void* buffer, DWORD count, DWORD* done, OVERLAPPED* position) -> BOOL {
-            if (!m_isArmed) return m_read.Original(file, buffer, count, done, position);
-            m_isArmed = false;
-            beforeRead(calls[kRead] + 1);
-            m_isArmed = true;
+        [this](auto... arguments) { return !Fails(kPosition) && position.Original(arguments...); }};
+    const ImportFake<"ReadFile", decltype(&ReadFile)> read{
+        "kernel32.dll", [this](HANDLE file, void* buffer, DWORD count, DWORD* done, OVERLAPPED* overlapped) {
+            if (isReading) beforeRead(calls[kRead] + 1);
             if (!Fails(kRead))
-                return m_read.Original(file, buffer, std::min(count, longestRead), done, position);
+                return read.Original(file, buffer, std::min(count, longestRead), done, overlapped);
             *done = 0;
-            return error == ERROR_SUCCESS;
+            return BOOL{error == ERROR_SUCCESS};
         }};
-};
-
-Texts PlainRows(const std::string& log) {
-    Texts rows;
-    for (const std::string& line : PlainNewestLines(log, 25))
-        rows.push_back(FromAnsi(line));
-    return rows;
-}
-
-// With a log of four blocks of different lines.
-struct FaultyLog : LogPage {
-    FaultyLog() { folder.Write(L"closed.log", bytes); }
-
-    const std::string bytes = [] {
-        std::string lines;
-        for (int i = 1; i <= 24; ++i)
-            lines += std::to_string(i) + std::string(9998, 'x') + "\r\n";
-        return lines;
-    }();
-    const Texts all = PlainRows(bytes);
-    FileFaults faults;
 };
 
 }  // namespace
@@ -102,25 +91,24 @@ TEST_CASE_FIXTURE(
     "a reading opens the log once and reads each block once; a call that fails passes to the caller, and the "
     "list holds what was read before") {
     constexpr std::array<long, kFunctions> kCalls{1, 1, 1, 4, 4};
-    CHECK(faults.Reading(log) == S_OK);
+    CHECK(Reading() == S_OK);
     CHECK((RowsOf(lstClosedWnd) == all));
-    CHECK((faults.calls == kCalls));
-    for (const Function function : {kCreate, kType, kSize, kPosition, kRead}) {
+    CHECK((calls == kCalls));
+    for (const Function each : {kCreate, kType, kSize, kPosition, kRead}) {
+        function = each;
         // A read without an error and without bytes finds the end of a file that has become shorter.
-        for (const DWORD error : {ERROR_ACCESS_DENIED, ERROR_LOCK_VIOLATION, ERROR_SUCCESS}) {
+        for (const DWORD status : {ERROR_ACCESS_DENIED, ERROR_LOCK_VIOLATION, ERROR_SUCCESS}) {
+            error = status;
             if (error == ERROR_SUCCESS && function != kRead) continue;
-            for (long k = 1; k <= kCalls[function]; ++k) {
-                INFO("function " << function << " call " << k << " error " << error);
-                faults.function = function;
-                faults.failing = k;
-                faults.error = error;
+            for (failing = 1; failing <= kCalls[function]; ++failing) {
+                INFO("function " << function << " call " << failing << " error " << error);
                 // A file of an unknown kind is no file on a disk.
                 const DWORD told = function == kType        ? ERROR_NOT_SUPPORTED
                                    : error == ERROR_SUCCESS ? ERROR_HANDLE_EOF
                                                             : error;
-                CHECK(faults.Reading(log) == HRESULT_FROM_WIN32(told));
+                CHECK(Reading() == HRESULT_FROM_WIN32(told));
                 const Texts rows = RowsOf(lstClosedWnd);
-                CHECK(rows.size() / 6 == static_cast<size_t>(k - 1));
+                CHECK(rows.size() / 6 == static_cast<size_t>(failing - 1));
                 CHECK((std::equal(rows.begin(), rows.end(), all.begin())));
                 // The file is not kept open.
                 CHECK(static_cast<bool>(FileHandle(
@@ -134,8 +122,8 @@ TEST_CASE_FIXTURE(FaultyLog, "reads that deliver less than was asked for are put
     for (const DWORD most : {1UL, 7UL, 4096UL, 65535UL}) {
         const std::string part = bytes.substr(most == 1 ? 230000 : 0);
         folder.Write(L"closed.log", part);
-        faults.longestRead = most;
-        CHECK(faults.Reading(log) == S_OK);
+        longestRead = most;
+        CHECK(Reading() == S_OK);
         CHECK((RowsOf(lstClosedWnd) == PlainRows(part)));
     }
 }
@@ -167,10 +155,10 @@ TEST_CASE_FIXTURE(FaultyLog,
             CAPTURE(row.what);
             CAPTURE(call);
             folder.Write(L"closed.log", bytes);
-            faults.beforeRead = [&](long read) {
-                if (read == call) row.change();
+            beforeRead = [&](long number) {
+                if (number == call) row.change();
             };
-            const HRESULT result = faults.Reading(log);
+            const HRESULT result = Reading();
             CHECK(std::count(row.results.begin(), row.results.end(), result) == 1);
             const Texts shown = RowsOf(lstClosedWnd);
             CHECK(shown.size() <= 25);

@@ -5,7 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
-// data: two bytes for the size of the blocks and the number of lines wanted, then the log.
+// data: two bytes for the size of the blocks, and for the number of lines wanted and whether some of them are
+// taken for equal; then the log.
 bool NewestLinesAgree(const std::uint8_t* data, std::size_t size);
 
 // data: the address, two bytes a character.
