@@ -31,7 +31,7 @@ struct FaultyLog : LogPage {
     HRESULT Reading() {
         calls = {};
         isReading = true;
-        const HRESULT result = ErrorOf([&] { log.ReadClosedLog(); });
+        const HRESULT result = ErrorOf([&] { closedLog.ReadClosedLog(); });
         isReading = false;
         return result;
     }

@@ -15,7 +15,7 @@
 TEST_CASE_FIXTURE(LogPage, "a log that does not exist is created empty and leaves the list empty") {
     lstClosedWnd.AddItem(L"old");
     REQUIRE_FALSE(FileExists(path));
-    log.ReadClosedLog();
+    closedLog.ReadClosedLog();
     CHECK(lstClosedWnd.ListCount() == 0);
     CHECK(FileExists(path));
     CHECK(BytesOf(path).empty());
@@ -28,7 +28,7 @@ TEST_CASE_FIXTURE(
     const auto reading = [this](const std::wstring& name) {
         path = name;
         lstClosedWnd.AddItem(L"old");
-        const HRESULT result = ErrorOf([&] { log.ReadClosedLog(); });
+        const HRESULT result = ErrorOf([&] { closedLog.ReadClosedLog(); });
         CHECK(lstClosedWnd.ListCount() == 0);
         return result;
     };
@@ -63,7 +63,7 @@ TEST_CASE_FIXTURE(
     "rename and delete it meanwhile") {
     folder.Write(L"closed.log", "A\r\nB\r\n");
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_READONLY);
-    log.ReadClosedLog();
+    closedLog.ReadClosedLog();
     CHECK(RowsOf(lstClosedWnd) == Texts{L"B", L"A"});
     SetFileAttributesW(path.c_str(), FILE_ATTRIBUTE_NORMAL);
     const FileHandle engine(CreateFileW(path.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_DELETE,
@@ -77,7 +77,7 @@ TEST_CASE_FIXTURE(
             CHECK(MoveFileW(path.c_str(), folder.Path(L"moved.log").c_str()));
             return result;
         }};
-    log.ReadClosedLog();
+    closedLog.ReadClosedLog();
     // Appended after the opening, C belongs to the next reading.
     CHECK(RowsOf(lstClosedWnd) == Texts{L"B", L"A"});
 }
@@ -94,13 +94,13 @@ TEST_CASE_FIXTURE(
         SetEndOfFile(file.Get());
     }
     Append(path, "\r\nnewer\r\nnewest\r\n");
-    CHECK(ErrorOf([&] { log.ReadClosedLog(); }) == E_OUTOFMEMORY);
+    CHECK(ErrorOf([&] { closedLog.ReadClosedLog(); }) == E_OUTOFMEMORY);
     CHECK(RowsOf(lstClosedWnd) == Texts{L"newest", L"newer"});
     std::string lines;
     for (int i = 1; i <= 30; ++i)
         lines += "line " + std::to_string(i) + "\r\n";
     Append(path, lines);
-    log.ReadClosedLog();
+    closedLog.ReadClosedLog();
     REQUIRE(lstClosedWnd.ListCount() == 25);
     CHECK(lstClosedWnd.List(0) == L"line 30");
     CHECK(lstClosedWnd.List(24) == L"line 6");
@@ -114,7 +114,7 @@ TEST_CASE_FIXTURE(LogPage, "a log at a path of 300 characters is read") {
     }
     path = deep + L"\\closed.log";
     Append(path, "A\r\n");
-    log.ReadClosedLog();
+    closedLog.ReadClosedLog();
     CHECK(RowsOf(lstClosedWnd) == Texts{L"A"});
 }
 

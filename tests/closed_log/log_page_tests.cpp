@@ -78,13 +78,13 @@ TEST_CASE_FIXTURE(
 
 TEST_CASE_FIXTURE(LogPage, "an entry is found by its exact text, at its first row") {
     Show("c\r\nb\r\na\r\n");
-    CHECK(log.FindClosedEntry(L"a") == 0);
-    CHECK(log.FindClosedEntry(L"c") == 2);
-    CHECK(log.FindClosedEntry(L"A") == -1);
-    CHECK(log.FindClosedEntry(L"a ") == -1);
-    CHECK(log.FindClosedEntry(L"") == -1);
+    CHECK(closedLog.FindClosedEntry(L"a") == 0);
+    CHECK(closedLog.FindClosedEntry(L"c") == 2);
+    CHECK(closedLog.FindClosedEntry(L"A") == -1);
+    CHECK(closedLog.FindClosedEntry(L"a ") == -1);
+    CHECK(closedLog.FindClosedEntry(L"") == -1);
     lstClosedWnd.AddItem(L"b");
-    CHECK(log.FindClosedEntry(L"b") == 1);
+    CHECK(closedLog.FindClosedEntry(L"b") == 1);
 }
 
 TEST_CASE_FIXTURE(
@@ -118,7 +118,7 @@ TEST_CASE_FIXTURE(LogPage, "Clear List, which nothing enables, clears nothing an
     Click(cmdRefreshLog);
     lstClosedWnd.ListIndex(0);
     CHECK_FALSE(cmdClearList.Enabled());
-    log.cmdClearList_Click();
+    closedLog.cmdClearList_Click();
     CHECK(RowsOf(lstClosedWnd) == Texts{L"A"});
     CHECK(changes == 1);
 }
@@ -127,7 +127,7 @@ TEST_CASE_FIXTURE(LogPage,
                   "a refresh that comes in while another one asks for the path leaves each line once") {
     const Texts once = Show("A\r\nB\r\nA\r\n");
     onPathAsked = [this, isFirst = true]() mutable {
-        if (std::exchange(isFirst, false)) log.ReadClosedLog();
+        if (std::exchange(isFirst, false)) closedLog.ReadClosedLog();
     };
     pathAsked = 0;
     Click(cmdRefreshLog);

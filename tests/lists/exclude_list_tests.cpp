@@ -9,8 +9,6 @@ namespace {
 constexpr int kAddress = IDC_TXTURL;
 
 struct FilledPage : ExcludePage {
-    FilledPage() { cmdApply.Enabled(false); }
-
     void Fill(int count) {
         lstExclude.Clear();
         for (int i = 0; i < count; ++i)
@@ -102,7 +100,7 @@ TEST_CASE_FIXTURE(
         cmdApply.Enabled(false);
         cmdRemoveURL.Enabled(true);
         lstExclude.ListIndex(removed);
-        page.cmdRemoveURL_Click();
+        excludeList.cmdRemoveURL_Click();
         CHECK(Rows() == expected);
         CHECK(lstExclude.ListIndex() == selected);
         CHECK(cmdApply.Enabled() == (removed != -1));
@@ -130,7 +128,7 @@ TEST_CASE_FIXTURE(
     CHECK(cmdRemoveURL.Enabled());
     CHECK_FALSE(cmdApply.Enabled());
     cmdRemoveURL.Enabled(false);
-    page.cmdRemoveURL_Click();
+    excludeList.cmdRemoveURL_Click();
     CHECK(cmdRemoveURL.Enabled());
     CHECK(changes == 0);
 }

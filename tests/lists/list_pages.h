@@ -7,19 +7,12 @@
 #include <string>
 #include <vector>
 
-#include "lists/banner_sizes.h"
-#include "lists/closed_log.h"
-#include "lists/exclude_list.h"
-#include "lists/frm_add_search.h"
 #include "lists/message.h"
-#include "lists/search_addresses.h"
-#include "options/commands.h"
 #include "tests/support/dialog_script.h"
-#include "tests/support/message_recorder.h"
 #include "tests/support/other_process.h"
+#include "tests/support/settings_window.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
-#include "tests/support/test_window.h"
 
 using Texts = std::vector<std::wstring>;
 using IdTexts = std::vector<std::pair<int, std::wstring>>;  // of boxes in a dialog
@@ -38,10 +31,7 @@ inline Texts RowsOf(const ListBox& list) {
     return ListBoxRows(list.Hwnd());
 }
 
-// What all of them have: a count of the changes that they mark and the messages that they show.
-struct ListPage {
-    static void Click(const Control& button) { SendMessageW(button.Hwnd(), BM_CLICK, 0, 0); }
-
+struct ListPage : SettingsWindow {
     // Opens a dialog as the user does and plays him in it.
     static void Play(const Control& button, std::vector<DialogScript::Step> steps) {
         const DialogScript script(std::move(steps));
@@ -77,23 +67,16 @@ struct ListPage {
                      },
                      kCancel});
     }
-
-    int changes = 0;
-    const Event markChanged = [this] { ++changes; };
-    MessageRecorder recorder;
 };
 
-struct ExcludePage : ListPage, ExcludeControls, CommandControls {
+struct ExcludePage : ListPage {
     Texts Rows() const { return RowsOf(lstExclude); }
     int RowCount() const { return lstExclude.ListCount(); }
-
-    ExcludeList page{*this, [this] { cmdApply.Enabled(true); }, markChanged};
-    TestWindow window{Join({ExcludeControls::all, CommandControls::all})};
 };
 
 // A page with a list view.
-template <class Controls, ListView Controls::*list>
-struct ListViewPage : ListPage, Controls {
+template <auto list>
+struct ListViewPage : ListPage {
     // As ListViewRows tells it.
     std::wstring Row(int position) const {
         return ListViewRows((this->*list).Hwnd()).at(static_cast<size_t>(position) - 1);
@@ -104,9 +87,8 @@ struct ListViewPage : ListPage, Controls {
 };
 
 // With the four default rows.
-struct BannerPage : ListViewPage<BannerControls, &BannerControls::lvwBanners> {
+struct BannerPage : ListViewPage<&BannerControls::lvwBanners> {
     BannerPage() {
-        SetUp();
         for (const wchar_t* const row :
              {L"Full Banner|468|60|x", L"Half Banner|234|60", L"Quarter Banner|120|60", L"Button|88|31"})
             AddRow(lvwBanners, row);
@@ -116,29 +98,30 @@ struct BannerPage : ListViewPage<BannerControls, &BannerControls::lvwBanners> {
     void AddSize(const std::wstring& height, const std::wstring& width) {
         Play(cmdAddSize, {Enter({{IDC_TXTHEIGHT, height}, {IDC_TXTWIDTH, width}}), kOK});
     }
-
-    BannerSizes page{*this, markChanged};
-    TestWindow window{Join({all})};
 };
 
 // With two rows: the first in use, the second not.
-struct SearchPage : ListViewPage<SearchControls, &SearchControls::lvwSearchURLs> {
+struct SearchPage : ListViewPage<&SearchControls::lvwSearchURLs> {
     SearchPage() {
-        SetUp();
         AddRow(lvwSearchURLs, L"One|http://one|x");
         AddRow(lvwSearchURLs, L"Two|http://two");
     }
-
-    SearchAddresses page{*this, markChanged};
-    TestWindow window{Join({all})};
 };
 
-// With the exclude list that it sends sites to, and a folder for its file.
-struct LogPage : ListPage, LogControls, ExcludeControls {
+// With a folder for its file.
+struct LogPage : ListPage {
+    LogPage() {
+        logFile = [this] {
+            ++pathAsked;
+            onPathAsked();
+            return path;
+        };
+    }
+
     // Fills the log list with the lines of a file that holds these bytes.
     Texts Show(std::string_view bytes) {
         path = folder.Write(L"closed.log", bytes);
-        log.ReadClosedLog();
+        closedLog.ReadClosedLog();
         return RowsOf(lstClosedWnd);
     }
 
@@ -146,12 +129,4 @@ struct LogPage : ListPage, LogControls, ExcludeControls {
     std::wstring path = folder.Path(L"closed.log");
     std::function<void()> onPathAsked = [] {};
     int pathAsked = 0;
-    ClosedLog log{*this, lstExclude,
-                  [this] {
-                      ++pathAsked;
-                      onPathAsked();
-                      return path;
-                  },
-                  markChanged};
-    TestWindow window{Join({LogControls::all, ExcludeControls::all})};
 };

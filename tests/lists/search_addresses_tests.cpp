@@ -1,6 +1,7 @@
 // The Search page and its dialog.
 #include <doctest.h>
 
+#include "lists/frm_add_search.h"
 #include "tests/lists/list_pages.h"
 
 namespace {

@@ -4,6 +4,7 @@
 #include <cderr.h>
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,18 +22,13 @@
 namespace {
 
 struct Reply {
-    bool isChosen;
-    std::wstring file;
+    std::optional<std::wstring> chosen;
     DWORD error = 0;
 };
 
-const Reply kCancelled{false, L""};
-const Reply kRefusedName{false, L"", FNERR_INVALIDFILENAME};
-const Reply kFailed{false, L"", CDERR_INITIALIZATION};
-
-Reply Chosen(const std::wstring& file) {
-    return {true, file};
-}
+const Reply kCancelled;
+const Reply kRefusedName{std::nullopt, FNERR_INVALIDFILENAME};
+const Reply kFailed{std::nullopt, CDERR_INITIALIZATION};
 
 // Serves GetOpenFileNameW from a list, and notes with which names it was to start. It is asked for a wave
 // file.
@@ -51,8 +47,8 @@ struct ScriptedDialog {
             owner = dialog->hwndOwner;
             starts.push_back(dialog->lpstrFile);
             const Reply& reply = replies.at(starts.size() - 1);
-            if (reply.isChosen) lstrcpyW(dialog->lpstrFile, reply.file.c_str());
-            return BOOL{reply.isChosen};
+            if (reply.chosen) lstrcpyW(dialog->lpstrFile, reply.chosen->c_str());
+            return BOOL{reply.chosen.has_value()};
         }};
     const ImportFake<"CommDlgExtendedError", decltype(&CommDlgExtendedError)> extendedError{
         "comdlg32.dll", [this] { return replies.at(starts.size() - 1).error; }};
@@ -75,14 +71,14 @@ TEST_CASE(
     const std::wstring noName = L"C:\\\"not a name\"\\";
     const std::wstring tooLong(70000, L'a');
     const Row rows[] = {
-        {"a first file", L"", {Chosen(L"C:\\new.wav")}, {L""}, L"C:\\new.wav"},
+        {"a first file", L"", {Reply{L"C:\\new.wav"}}, {L""}, L"C:\\new.wav"},
         {"without a file it starts with an empty name", L"", {kCancelled}, {L""}, L""},
         {"cancelling keeps the old path", old, {kCancelled}, {old}, old},
         {"so does an error of the dialog", old, {kFailed}, {old}, old},
-        {"and an empty result", old, {Chosen(L"")}, {old}, old},
+        {"and an empty result", old, {Reply{L""}}, {old}, old},
         {"a name that it refuses does not keep it from opening",
          noName,
-         {kRefusedName, Chosen(L"C:\\new.wav")},
+         {kRefusedName, Reply{L"C:\\new.wav"}},
          {noName, L""},
          L"C:\\new.wav"},
         {"one that refuses even the empty name is given up",
@@ -150,7 +146,7 @@ TEST_CASE_FIXTURE(SettingsWindow,
                   "the short path of a chosen sound is stored, loaded and leads to the file") {
     const TestFolder folder;
     const std::wstring chosen = folder.Write(L"\x4e00\x44f\x3b1.wav", "RIFF");
-    ScriptedDialog dialog{{Chosen(chosen)}};
+    ScriptedDialog dialog{{Reply{chosen}}};
     popupNotice.ChooseSoundFile();
     transfer.SaveSettings();
     transfer.LoadSettings();
@@ -158,21 +154,18 @@ TEST_CASE_FIXTURE(SettingsWindow,
     CHECK(GetFileAttributesA(ToAnsi(popupNotice.m_strSoundFile).c_str()) != INVALID_FILE_ATTRIBUTES);
 }
 
-TEST_CASE(
+TEST_CASE_FIXTURE(
+    SettingsWindow,
     "cancelling raises error 32755 where that is asked for, as for a sound, a dialog that cannot be shown "
     "always an error") {
-    for (const bool isForSound : {false, true}) {
-        CAPTURE(isForSound);
-        SettingsWindow page;
-        CommonDialog dialog;
-        dialog.Filter(L"WAV File|*.WAV");
-        dialog.DialogTitle(L"Select a Sound File");
-        CommonDialog& asked = isForSound ? page.popupNotice.cdlg : dialog;
-        ScriptedDialog script{{Chosen(L"kept.wav"), kCancelled, kFailed}};
-        isForSound ? page.popupNotice.ChooseSoundFile() : dialog.ShowOpen(nullptr);
-        CHECK((ErrorOf([&] { asked.ShowOpen(nullptr); }) & 0xFFFF) == (isForSound ? 32755 : 0));
-        CHECK(asked.FileName() == L"kept.wav");
-        CHECK_THROWS_AS(asked.ShowOpen(nullptr), AutomationError);
+    const ScriptedDialog script{{Reply{L"kept.wav"}, kCancelled, kFailed, kCancelled, kFailed}};
+    popupNotice.ChooseSoundFile();
+    CommonDialog& dialog = popupNotice.cdlg;
+    for (const HRESULT error : {32755, 0}) {
+        CHECK((ErrorOf([&] { dialog.ShowOpen(nullptr); }) & 0xFFFF) == error);
+        CHECK(dialog.FileName() == L"kept.wav");
+        CHECK_THROWS_AS(dialog.ShowOpen(nullptr), AutomationError);
+        dialog.CancelError(false);
     }
 }
 

@@ -44,9 +44,9 @@ struct Page : SettingsWindow {
 };
 
 // On Windows BM_SETCHECK changes the button that it is sent to, and no other of its group.
-LRESULT CALLBACK CheckAlone(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR flag) {
+LRESULT CALLBACK CheckAlone(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR, DWORD_PTR) {
+    static bool isChecking = false;
     if (message != BM_SETCHECK) return DefSubclassProc(hwnd, message, wParam, lParam);
-    bool& isChecking = *reinterpret_cast<bool*>(flag);
     if (isChecking) return 0;
     isChecking = true;
     const LRESULT result = DefSubclassProc(hwnd, message, wParam, lParam);
@@ -59,14 +59,12 @@ LRESULT CALLBACK CheckAlone(HWND hwnd, UINT message, WPARAM wParam, LPARAM lPara
 TEST_CASE("reading the startup mode leaves a tab stop to the selected button alone") {
     for (const std::wstring stored : kModes) {
         CAPTURE(stored);
-        bool isChecking = false;
         Page page;
         const auto isTabStop = [&](const wchar_t* mode) {
             return (GetWindowLongW(page.ButtonOf(mode).Hwnd(), GWL_STYLE) & WS_TABSTOP) != 0;
         };
         for (const wchar_t* const mode : kModes) {
-            SetWindowSubclass(page.ButtonOf(mode).Hwnd(), CheckAlone, 0,
-                              reinterpret_cast<DWORD_PTR>(&isChecking));
+            SetWindowSubclass(page.ButtonOf(mode).Hwnd(), CheckAlone, 0, 0);
             REQUIRE(isTabStop(mode));
         }
         page.PutStored(stored.c_str());
@@ -121,12 +119,13 @@ TEST_CASE_FIXTURE(
                     Put(remembered, selected);
                     calls.Fail(hasRights ? Fault{} : kNoMachineRights);
                     calls.Watch([this] { generalOptions.WriteStartupMode(registry); });
-                    const bool changes = !selected.empty() && selected != remembered;
-                    CHECK(generalOptions.m_strStartupMode == (changes ? selected : remembered));
-                    CHECK(Stored(L"Startup") == (changes ? selected : L"as it was"));
+                    const bool isChange = !selected.empty() && selected != remembered;
+                    CHECK(generalOptions.m_strStartupMode == (isChange ? selected : remembered));
+                    CHECK(Stored(L"Startup") == (isChange ? selected : L"as it was"));
                     std::string run = isRunThere ? before : "";
-                    if (hasRights && changes && selected == L"Startup") run = "D:\\\\CalvaneConfigLoader.exe";
-                    if (hasRights && changes && remembered == L"Startup") run.clear();
+                    if (hasRights && isChange && selected == L"Startup")
+                        run = "D:\\\\CalvaneConfigLoader.exe";
+                    if (hasRights && isChange && remembered == L"Startup") run.clear();
                     DWORD type = REG_SZ;
                     const bool isThere = machine.Exists(Schema::kRunKey, Schema::kRunValue);
                     CHECK((isThere ? machine.Bytes(Schema::kRunKey, Schema::kRunValue, &type) : "") == run);

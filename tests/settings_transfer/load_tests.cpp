@@ -105,8 +105,8 @@ TEST_CASE_FIXTURE(
         WindowState shown = StateOf(*this);
         const WindowState always{"cboPauseKey=Shift", "optLoadFromMenu=1", "m_strStartupMode=Manual",
                                  "cmdSoundFile=0", "cmdTestSound=0"};
-        for (const WindowState& changes : {always, row.changes}) {
-            for (const auto& [name, text] : changes)
+        for (const WindowState& each : {always, row.changes}) {
+            for (const auto& [name, text] : each)
                 shown[name] = text;
         }
         CHECK(Difference(Loaded(row.stored), shown) == "");

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/message_recorder.h"
 #include "tests/support/registry_calls.h"
 #include "tests/support/settings_window.h"
 
@@ -36,7 +35,6 @@ WindowState EditedWindow();
 
 struct TransferPage : SettingsWindow {
     const WindowState designed = StateOf(*this);
-    const MessageRecorder recorder;
     RegistryCalls registry{RegistryCalls::Of::Memory};
 };
 

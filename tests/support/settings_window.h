@@ -1,5 +1,5 @@
-// The controls of the configuration window in a hidden window of their own, with the parts that work on the
-// options, over throw-away registry roots.
+// The controls of the configuration window in a hidden window of their own, with the parts that work on them,
+// over throw-away registry roots.
 #pragma once
 
 #include <array>
@@ -18,6 +18,7 @@
 #include "options/settings_transfer.h"
 #include "platform/automation_error.h"
 #include "store/settings_schema.h"
+#include "tests/support/message_recorder.h"
 #include "tests/support/test_hive.h"
 #include "tests/support/test_window.h"
 
@@ -72,10 +73,18 @@ public:
     Event onEvent;
 
     ChangeMark changeMark{cmdApply};
-    Event markChanged = [this] { changeMark.MarkChanged(); };
+    int changes = 0;  // that were marked, also while settings are being loaded
+    Event markChanged = [this] {
+        ++changes;
+        changeMark.MarkChanged();
+    };
+    MessageRecorder recorder;
     PopupNotice popupNotice{*this, markChanged};
     GeneralOptions generalOptions{*this, loaderPath, markChanged};
     AboutPage aboutPage{*this};
+    ExcludeList excludeList{*this, [this] { changeMark.EnableApply(); }, markChanged};
+    BannerSizes bannerSizes{*this, markChanged};
+    SearchAddresses searchAddresses{*this, markChanged};
     ClosedLog closedLog{*this, lstExclude, [this] { return logFile(); }, markChanged};
     SettingsTransfer transfer{controls, changeMark, popupNotice, generalOptions, closedLog, cboPauseKey};
     Commands commands{*this, changeMark, transfer,
