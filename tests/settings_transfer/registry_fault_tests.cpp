@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <functional>
 
-#include "platform/text.h"
 #include "store/first_run.h"
 #include "tests/settings_transfer/transfer_page.h"
 #include "tests/support/settings_keys.h"
@@ -162,37 +161,4 @@ TEST_CASE_FIXTURE(
             }
             CHECK(Difference(loaded, expected) == "");
         });
-}
-
-TEST_CASE_FIXTURE(SettingsWindow, "the system's own registry comes to what the one in memory comes to") {
-    const auto hiveOf = [this](const std::string& path) -> const TestHive& {
-        return path.starts_with("HKLM") ? machine : user;
-    };
-    for (const auto& [path, values] : UsualStore()) {
-        for (const auto& [name, value] : values)
-            hiveOf(path).Write(FromAnsi(path).substr(5), FromAnsi(name), value.type, value.bytes);
-    }
-    // Loads the store, then saves another window.
-    const auto use = [this] {
-        Put(*this, EditedWindow());
-        transfer.LoadSettings();
-        const WindowState loaded = StateOf(*this);
-        Put(*this, EditedWindow());
-        transfer.SaveSettings();
-        return loaded;
-    };
-    const WindowState loaded = use();
-    RegistryContents saved;
-    {
-        RegistryCalls memory(RegistryCalls::Of::Memory);
-        memory.contents = UsualStore();
-        CHECK(Difference(use(), loaded) == "");
-        saved = memory.contents;
-    }
-    for (const auto& [path, values] : saved) {
-        const std::wstring key = FromAnsi(path).substr(5);
-        CHECK(hiveOf(path).ValueCount(key) == values.size());
-        for (const auto& [name, value] : values)
-            CHECK(hiveOf(path).Bytes(key, FromAnsi(name)) == value.bytes);
-    }
 }

@@ -3,7 +3,6 @@
 #include <string>
 #include <vector>
 
-#include "store/first_run.h"
 #include "tests/settings_transfer/transfer_page.h"
 #include "tests/support/settings_keys.h"
 #include "tests/support/shown_text.h"
@@ -113,18 +112,6 @@ TEST_CASE_FIXTURE(
     registry.contents.erase(kSettings);
     CHECK(Difference(registry.contents, StoreOf({"Exclude\\0=row 1", "Exclude\\1=new", "Exclude\\3=row 3",
                                                  "Banners\\2Name=2", "Banners\\2Use=2"})) == "");
-}
-
-TEST_CASE_FIXTURE(SavePage,
-                  "a load and a save leave the store of a first run as it was, but for the extra boxes") {
-    WriteFirstRunDefaults();
-    registry.contents[kExclude]["0"] = Text("http://a");
-    RegistryContents expected = registry.contents;
-    // Taken over from the use of the last search address.
-    expected[kSettings].insert({{"chkExtra", Text("0")}, {"txtExtra", Text("True")}});
-    transfer.LoadSettings();
-    transfer.SaveSettings();
-    CHECK(Difference(registry.contents, expected) == "");
 }
 
 TEST_CASE_FIXTURE(SavePage,

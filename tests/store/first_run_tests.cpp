@@ -4,8 +4,6 @@
 
 #include <doctest.h>
 
-#include <utility>
-
 #include "platform/text.h"
 #include "store/server_directory.h"
 #include "tests/support/import_fake.h"
@@ -15,29 +13,8 @@
 using namespace std::string_literals;
 using Lines = std::vector<std::string>;
 
-namespace {
-
-// A registry in memory, in which the manager starts for the first time.
-struct FirstRun {
-    FirstRun() {
-        WriteFirstRunDefaults();
-        defaults = std::exchange(registry.contents, {});
-    }
-
-    // What comes of the contents.
-    void Check(const RegistryContents& before, const RegistryContents& after) {
-        registry.contents = before;
-        WriteFirstRunDefaults();
-        CHECK(registry.contents == after);
-    }
-
-    RegistryCalls registry{RegistryCalls::Of::Memory};
-    RegistryContents defaults;
-};
-
-}  // namespace
-
-TEST_CASE_FIXTURE(FirstRun, "an empty store gets its defaults one by one in their order, the mark last") {
+TEST_CASE("an empty store gets its defaults one by one in their order, the mark last") {
+    RegistryCalls registry(RegistryCalls::Of::Memory);
     Lines expected;
     const auto writes = [&](const std::string& key, const Lines& values) {
         for (const std::string& value : values)
@@ -65,21 +42,24 @@ TEST_CASE_FIXTURE(FirstRun, "an empty store gets its defaults one by one in thei
     CHECK(registry.contents.size() == 3);  // no exclude list
 }
 
-TEST_CASE_FIXTURE(FirstRun,
-                  "a start that finds the mark, whatever that holds, writes nothing, whatever is missing") {
+TEST_CASE("a start that finds the mark, whatever that holds, writes nothing, whatever is missing") {
+    RegistryCalls registry(RegistryCalls::Of::Memory);
     for (const StoredValue& mark : {Text("False"), Text(""), Text("\0"s), StoredValue{REG_DWORD, "\0\0\0\0"s},
                                     StoredValue{REG_DWORD, "\x01"s}, StoredValue{REG_MULTI_SZ, ""}}) {
         CAPTURE(mark.type);
         CAPTURE(mark.bytes.size());
         const RegistryContents marked{{kSettings, {{"First Time", mark}}}};
-        Check(marked, marked);
+        registry.contents = marked;
         registry.Watch(&WriteFirstRunDefaults);
+        CHECK(registry.contents == marked);
         CHECK(registry.Values() == Lines{"read Settings\\First Time"});
     }
 }
 
-TEST_CASE_FIXTURE(
-    FirstRun, "without the mark every default is written over what is there, and further entries survive") {
+TEST_CASE("without the mark every default is written over what is there, and further entries survive") {
+    RegistryCalls registry(RegistryCalls::Of::Memory);
+    WriteFirstRunDefaults();
+    const RegistryContents defaults = registry.contents;
     RegistryContents before{{kSettings, {{"Another", Text("value")}}},
                             {kBanners, {{"5Name", Text("My size")}, {"5Width", Text("10")}}},
                             {kSearch, {{"7Name", Text("My engine")}}},
@@ -92,10 +72,13 @@ TEST_CASE_FIXTURE(
         }
     }
     before[kSettings].erase("First Time");
-    Check(before, after);
+    registry.contents = before;
+    WriteFirstRunDefaults();
+    CHECK(registry.contents == after);
 }
 
-TEST_CASE_FIXTURE(FirstRun, "a server in a drive's root gets a sound file with a doubled separator") {
+TEST_CASE("a server in a drive's root gets a sound file with a doubled separator") {
+    RegistryCalls registry(RegistryCalls::Of::Memory);
     const ImportFake<"GetModuleFileNameW", decltype(&GetModuleFileNameW)> root{
         "kernel32.dll", [](HMODULE, LPWSTR path, DWORD size) -> DWORD {
             wcsncpy(path, L"C:\\server.exe", size);
