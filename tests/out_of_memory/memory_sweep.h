@@ -20,8 +20,6 @@ class Faults {
 public:
     // There are at least so many.
     explicit Faults(long least) : m_least(least) {}
-    Faults(const Faults&) = delete;
-    Faults& operator=(const Faults&) = delete;
     ~Faults() {
         MESSAGE(m_faults << " faults");
         CHECK(m_faults >= m_least);

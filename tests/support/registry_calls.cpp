@@ -42,8 +42,19 @@ std::string Hex(DWORD number) {
     return text;
 }
 
-std::string NothingMore() {
-    return {};
+// With bytes that are no visible character as \xx.
+std::string Quoted(const std::string& bytes) {
+    std::string text = "\"";
+    for (const char character : bytes) {
+        if (character >= ' ' && character <= '~') {
+            text += character;
+        } else {
+            char code[8];
+            std::snprintf(code, sizeof(code), "\\%02x", static_cast<unsigned char>(character));
+            text += code;
+        }
+    }
+    return text + "\"";
 }
 
 // "3 NULs" when that is what the buffer holds.
@@ -51,12 +62,6 @@ std::string Filling(const void* buffer, size_t size) {
     const std::string bytes(static_cast<const char*>(buffer), size);
     if (bytes.find_first_not_of('\0') != std::string::npos) return "other bytes";
     return std::to_string(size) + " NULs";
-}
-
-std::string Record(const SECURITY_ATTRIBUTES* security) {
-    return "{" + std::to_string(security->nLength) +
-           (security->lpSecurityDescriptor == nullptr ? ", no descriptor" : ", a descriptor") +
-           (security->bInheritHandle == TRUE ? ", inherited}" : ", not inherited}");
 }
 
 }  // namespace
@@ -140,8 +145,11 @@ LSTATUS RegistryCalls::Pass(RegistryFunction function, HKEY key, LPCSTR name, De
     return result;
 }
 
-LSTATUS RegistryCalls::HandOut(LSTATUS result, HKEY root, LPCSTR path, HKEY key) {
-    if (result == ERROR_SUCCESS && IsWatching()) m_open[key] = {++m_handedOut, PathOf(root, path)};
+LSTATUS RegistryCalls::HandOut(LSTATUS result, HKEY root, LPCSTR path, PHKEY key) {
+    if (result != ERROR_SUCCESS || !IsWatching()) return result;
+    ++m_handedOut;
+    if (m_isMemory) *key = reinterpret_cast<HKEY>(0x1000 + m_handedOut);
+    m_open[*key] = {m_handedOut, PathOf(root, path)};
     return result;
 }
 
@@ -173,13 +181,12 @@ struct RegistryCalls::Fakes {
             const LSTATUS result = self.Pass(
                 RegistryFunction::Open, root, path,
                 [&] { return ", " + std::to_string(options) + ", " + Hex(access); },
-                [&]() -> LSTATUS {
-                    if (!self.contents.contains(self.PathOf(root, path))) return ERROR_FILE_NOT_FOUND;
-                    *key = self.NextHandle();
-                    return ERROR_SUCCESS;
+                [&] {
+                    return self.contents.contains(self.PathOf(root, path)) ? ERROR_SUCCESS
+                                                                           : ERROR_FILE_NOT_FOUND;
                 },
                 [&] { return open.Original(root, path, options, access, key); });
-            return self.HandOut(result, root, path, *key);
+            return self.HandOut(result, root, path, key);
         }};
 
     const ImportFake<"RegQueryValueExA", decltype(&RegQueryValueExA)> query{
@@ -229,18 +236,20 @@ struct RegistryCalls::Fakes {
                 [&] {
                     self.m_calls.back().data = keyClass;
                     return ", " + std::to_string(reserved) + ", " + Quoted(keyClass) + ", " +
-                           std::to_string(options) + ", " + Hex(access) + ", " + Record(security);
+                           std::to_string(options) + ", " + Hex(access) + ", {" +
+                           std::to_string(security->nLength) +
+                           (security->lpSecurityDescriptor == nullptr ? ", no" : ", a") + " descriptor, " +
+                           (security->bInheritHandle == TRUE ? "inherited}" : "not inherited}");
                 },
                 [&]() -> LSTATUS {
                     self.contents.try_emplace(self.PathOf(root, path));
-                    *key = self.NextHandle();
                     return ERROR_SUCCESS;
                 },
                 [&] {
                     return create.Original(root, path, reserved, keyClass, options, access, security, key,
                                            disposition);
                 });
-            return self.HandOut(result, root, path, *key);
+            return self.HandOut(result, root, path, key);
         }};
 
     const ImportFake<"RegSetValueExA", decltype(&RegSetValueExA)> set{
@@ -267,7 +276,7 @@ struct RegistryCalls::Fakes {
     const ImportFake<"RegDeleteValueA", decltype(&RegDeleteValueA)> deleteValue{
         "advapi32.dll", [this](HKEY key, LPCSTR name) {
             return self.Pass(
-                RegistryFunction::DeleteValue, key, name, NothingMore,
+                RegistryFunction::DeleteValue, key, name, [] { return ""; },
                 [&] {
                     return self.InKey(key, [&](StoredKey& stored) -> LSTATUS {
                         return stored.erase(name) == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
@@ -279,7 +288,7 @@ struct RegistryCalls::Fakes {
     const ImportFake<"RegDeleteKeyA", decltype(&RegDeleteKeyA)> deleteKey{
         "advapi32.dll", [this](HKEY root, LPCSTR path) {
             return self.Pass(
-                RegistryFunction::DeleteKey, root, path, NothingMore,
+                RegistryFunction::DeleteKey, root, path, [] { return ""; },
                 [&]() -> LSTATUS {
                     const auto erased = self.contents.erase(self.PathOf(root, path));
                     return erased == 0 ? ERROR_FILE_NOT_FOUND : ERROR_SUCCESS;
@@ -291,7 +300,7 @@ struct RegistryCalls::Fakes {
         "advapi32.dll", [this](HKEY key) {
             const bool isWatching = self.IsWatching();
             const LSTATUS result = self.Pass(
-                RegistryFunction::Close, key, nullptr, NothingMore,
+                RegistryFunction::Close, key, nullptr, [] { return ""; },
                 [&]() -> LSTATUS {
                     if (RootName(key) == nullptr && !self.m_open.contains(key)) ++self.strayHandles;
                     return ERROR_SUCCESS;
@@ -305,17 +314,3 @@ struct RegistryCalls::Fakes {
 RegistryCalls::RegistryCalls(Of registry) : m_isMemory(registry == Of::Memory), m_fakes(new Fakes{*this}) {}
 
 RegistryCalls::~RegistryCalls() = default;
-
-std::string Quoted(const std::string& bytes) {
-    std::string text = "\"";
-    for (const char character : bytes) {
-        if (character >= ' ' && character <= '~') {
-            text += character;
-        } else {
-            char code[8];
-            std::snprintf(code, sizeof(code), "\\%02x", static_cast<unsigned char>(character));
-            text += code;
-        }
-    }
-    return text + "\"";
-}

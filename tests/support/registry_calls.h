@@ -47,8 +47,6 @@ class RegistryCalls {
 public:
     enum class Of { System, Memory };
     explicit RegistryCalls(Of registry = Of::System);
-    RegistryCalls(const RegistryCalls&) = delete;
-    RegistryCalls& operator=(const RegistryCalls&) = delete;
     ~RegistryCalls();
 
     RegistryContents contents;  // of the registry in memory
@@ -66,13 +64,7 @@ public:
     // Runs the body and returns its calls: the function and its arguments. Those are HKCU, HKLM, or key1,
     // key2 and so on for the handles in the order in which the body got them ("?" for one that it did not),
     // texts in quotes, bytes that are no visible character as \xx, and of an output what it holds before the
-    // call:
-    //   RegOpenKeyExA(HKCU, "Software", 0, 0x19)
-    //   RegQueryValueExA(key1, "Value", type 0, 3 NULs, 3)
-    //   RegQueryInfoKeyA(key1, 512 NULs, 511)
-    //   RegCreateKeyExA(HKCU, "Software", 0, "class", 0, 0x2, {50, no descriptor, inherited})
-    //   RegSetValueExA(key1, "Value", 0, type 1, "abc", no NUL behind)
-    //   RegDeleteValueA(key1, "Value")   RegDeleteKeyA(HKCU, "Software")   RegCloseKey(key1)
+    // call: RegQueryValueExA(key1, "Value", type 0, 3 NULs, 3).
     std::vector<std::string> Watch(const std::function<void()>& body);
 
     // The calls of the last body, also of one that threw; how many of one function.
@@ -80,9 +72,8 @@ public:
     size_t Count(RegistryFunction function) const;
 
     // What the last body read, wrote and deleted, the key by its last part: "read Settings\name",
-    // "write Settings\name=data", "delete Settings\name"; what was not there, or failed, ends in "
-    // (missing)". A key that is given a class adds a line of its own, a type that is no text ends the line of
-    // its value.
+    // "write Settings\name=data", "delete Settings\name"; "(missing)" behind what was not there. A key that
+    // is given a class adds a line of its own, a type that is no text ends the line of its value.
     std::vector<std::string> Values() const;
 
     // Handles that the last body got and did not close.
@@ -118,11 +109,10 @@ private:
     template <class Describe, class InMemory, class Original>
     LSTATUS Pass(RegistryFunction function, HKEY key, LPCSTR name, Describe describe, InMemory inMemory,
                  Original original);
-    LSTATUS HandOut(LSTATUS result, HKEY root, LPCSTR path, HKEY key);
+    LSTATUS HandOut(LSTATUS result, HKEY root, LPCSTR path, PHKEY key);
     // What the body does with what an open key holds in memory.
     template <class Body>
     LSTATUS InKey(HKEY key, Body body);
-    HKEY NextHandle() const { return reinterpret_cast<HKEY>(0x1000 + m_handedOut); }
     std::string NameOf(HKEY key) const;
     std::string PathOf(HKEY root, LPCSTR path);
 
@@ -137,6 +127,3 @@ private:
     size_t m_before = 0;  // handed out before the body
     const std::unique_ptr<Fakes> m_fakes;
 };
-
-// "abc\00" in quotes, for lines.
-std::string Quoted(const std::string& bytes);

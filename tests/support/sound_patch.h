@@ -15,8 +15,6 @@ public:
     explicit SoundPatch(std::function<BOOL(LPCSTR path, UINT flags)> play) : m_play(std::move(play)) {
         s_current = this;
     }
-    SoundPatch(const SoundPatch&) = delete;
-    SoundPatch& operator=(const SoundPatch&) = delete;
 
 private:
     static BOOL WINAPI Play(LPCSTR path, UINT flags) { return s_current->m_play(path, flags); }
