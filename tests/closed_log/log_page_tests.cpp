@@ -28,13 +28,6 @@ TEST_CASE_FIXTURE(LogPage, "a file is shown as its lines, the newest first, each
     }
 }
 
-TEST_CASE_FIXTURE(LogPage, "a line of a million characters is one whole row") {
-    const Texts rows = Show("A\r\n" + std::string(1000000, 'x') + "\r\n");
-    REQUIRE(rows.size() == 2);
-    CHECK((rows[0] == std::wstring(1000000, L'x')));
-    CHECK(rows[1] == L"A");
-}
-
 TEST_CASE_FIXTURE(
     LogPage, "Refresh List asks for the path and reads the log again, marks no change and changes no log") {
     CHECK(Show("A\r\n") == Texts{L"A"});

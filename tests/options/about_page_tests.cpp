@@ -114,27 +114,11 @@ TEST_CASE_FIXTURE(SettingsWindow,
     DestroyWindow(link.Hwnd());
 }
 
-TEST_CASE_FIXTURE(AboutPageFixture,
-                  "the logo is the one that fits its place, drawn in its own pixels, with the parent's "
-                  "background behind it, which without a picture is all that is drawn") {
-    const COLORREF background = GetSysColor(COLOR_3DFACE);
-    CHECK(Drawn(imgLogo, 96, 96) == std::vector<COLORREF>(96 * 96, background));
-    imgLogo.Picture(IDG_LOGO_96);
-    const std::vector<COLORREF> exact = Drawn(imgLogo, 96, 96);
-    CHECK(std::count(exact.begin(), exact.end(), background) < 96 * 96 - 1000);
-    CHECK(std::count(exact.begin(), exact.end(), kNothing) == 0);
-    CHECK(exact[0] == background);  // a transparent corner
-    imgLogo.Picture({{96, IDG_LOGO_96}, {192, IDG_LOGO_192}});
-    const std::vector<COLORREF> roomy = Drawn(imgLogo, 104, 100);
-    for (int y = 0; y < 96; ++y)
-        CHECK(std::equal(exact.begin() + y * 96, exact.begin() + (y + 1) * 96,
-                         roomy.begin() + (y + 2) * 104 + 4));
-}
-
 TEST_CASE_FIXTURE(
     AboutPageFixture,
-    "a picture is decoded once, not before it is drawn; one that cannot be decoded leaves the background; "
-    "one that is not there is an error and leaves the one before it") {
+    "the logo is the one that fits its place, decoded when it is first drawn, and drawn in its own pixels "
+    "over the parent's background, which is all that is drawn of none and of one that cannot be decoded; one "
+    "that is not there is an error and leaves the one before it") {
     int decoded = 0;
     bool isRefused = false;
     const ImportFake<"OleLoadPicture", decltype(&OleLoadPicture)> decoder{
@@ -142,20 +126,31 @@ TEST_CASE_FIXTURE(
             ++decoded;
             return isRefused ? CTL_E_INVALIDPICTURE : decoder.Original(stream, size, runMode, id, picture);
         }};
-    const std::vector<COLORREF> background(96 * 96, GetSysColor(COLOR_3DFACE));
+    const COLORREF background = GetSysColor(COLOR_3DFACE);
+    const std::vector<COLORREF> empty(96 * 96, background);
+    CHECK(Drawn(imgLogo, 96, 96) == empty);
     imgLogo.Picture(IDG_LOGO_192);
     imgLogo.Picture(IDG_LOGO_96);
     CHECK(decoded == 0);
-    const std::vector<COLORREF> picture = Drawn(imgLogo, 96, 96);
-    CHECK(picture != background);
+    const std::vector<COLORREF> exact = Drawn(imgLogo, 96, 96);
+    CHECK(std::count(exact.begin(), exact.end(), background) < 96 * 96 - 1000);
+    CHECK(std::count(exact.begin(), exact.end(), kNothing) == 0);
+    CHECK(exact[0] == background);  // a transparent corner
     CHECK_THROWS_AS(imgLogo.Picture(9999), AutomationError);
-    CHECK(Drawn(imgLogo, 96, 96) == picture);
+    CHECK(Drawn(imgLogo, 96, 96) == exact);
     CHECK(decoded == 1);
+
+    imgLogo.Picture({{96, IDG_LOGO_96}, {192, IDG_LOGO_192}});
+    const std::vector<COLORREF> roomy = Drawn(imgLogo, 104, 100);
+    for (int y = 0; y < 96; ++y)
+        CHECK(std::equal(exact.begin() + y * 96, exact.begin() + (y + 1) * 96,
+                         roomy.begin() + (y + 2) * 104 + 4));
+
     isRefused = true;
     imgLogo.Picture(IDG_LOGO_96);
     for (int drawings = 0; drawings < 3; ++drawings)
-        CHECK(Drawn(imgLogo, 96, 96) == background);
-    CHECK(decoded == 2);
+        CHECK(Drawn(imgLogo, 96, 96) == empty);
+    CHECK(decoded == 3);
 }
 
 TEST_CASE("the largest picture is taken that fits its box, else the smallest; its place in the box") {

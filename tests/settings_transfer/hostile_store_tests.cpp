@@ -2,7 +2,6 @@
 #include <optional>
 
 #include "tests/settings_transfer/transfer_page.h"
-#include "tests/support/settings_keys.h"
 
 using namespace std::string_literals;
 

@@ -5,7 +5,6 @@
 
 #include "platform/text.h"
 #include "tests/support/other_process.h"
-#include "tests/support/settings_keys.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include "platform/text.h"
 #include "store/server_directory.h"
 #include "tests/support/import_fake.h"
-#include "tests/support/settings_keys.h"
+#include "tests/support/registry_calls.h"
 #include "tests/support/shown_text.h"
 
 using namespace std::string_literals;

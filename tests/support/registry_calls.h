@@ -32,6 +32,18 @@ using StoredKey = std::map<std::string, StoredValue, LessNoCase>;
 // Keys by their paths, which begin with "HKCU" or "HKLM".
 using RegistryContents = std::map<std::string, StoredKey, LessNoCase>;
 
+// The keys of the program.
+inline constexpr char kSettings[] = "HKCU\\Software\\Calvane\\Settings";
+inline constexpr char kExclude[] = "HKCU\\Software\\Calvane\\Exclude";
+inline constexpr char kBanners[] = "HKCU\\Software\\Calvane\\Banners";
+inline constexpr char kSearch[] = "HKCU\\Software\\Calvane\\Search";
+inline constexpr char kRun[] = "HKLM\\Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+
+// A value that is text.
+inline StoredValue Text(const std::string& bytes) {
+    return {REG_SZ, bytes};
+}
+
 // Which calls fail, and how: the first one counted from 1, of one function or of all; that one alone, or all
 // from there on. No call fails where first is 0.
 struct Fault {
