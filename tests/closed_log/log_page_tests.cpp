@@ -3,6 +3,7 @@
 
 #include <utility>
 
+#include "lists/site_of_address.h"
 #include "platform/automation_error.h"
 #include "tests/lists/list_pages.h"
 #include "tests/support/message_pump.h"
@@ -78,6 +79,21 @@ TEST_CASE_FIXTURE(LogPage, "an entry is found by its exact text, at its first ro
     CHECK(closedLog.FindClosedEntry(L"") == -1);
     lstClosedWnd.AddItem(L"b");
     CHECK(closedLog.FindClosedEntry(L"b") == 1);
+}
+
+TEST_CASE("the site of an address ends before the first slash at or behind its eighth character") {
+    const std::tuple<std::string, const wchar_t*, const wchar_t*> rows[] = {
+        {"before the path", L"http://www.example.com/path/page.htm", L"http://www.example.com"},
+        {"a host alone is its own site", L"http://www.example.com", L"http://www.example.com"},
+        {"an https address is cut after its first slash", L"https://www.example.com/path", L"https:/"},
+        {"slashes among the first seven characters are passed over", L"a/b/c/d/e", L"a/b/c/d"},
+        {"the eighth counts", L"////////", L"///////"},
+        {"an address shorter than eight characters is its own site", L"ftp://a", L"ftp://a"},
+        {"the empty text", L"", L""}};
+    for (const auto& [what, address, site] : rows) {
+        CAPTURE(what);
+        CHECK(SiteOfAddress(address) == site);
+    }
 }
 
 TEST_CASE_FIXTURE(

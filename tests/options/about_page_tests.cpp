@@ -154,13 +154,7 @@ TEST_CASE_FIXTURE(
 }
 
 TEST_CASE("the largest picture is taken that fits its box, else the smallest; its place in the box") {
-    struct Row {
-        std::string what;
-        SIZE picture;
-        SIZE box;
-        RECT bounds;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, SIZE, SIZE, RECT> rows[] = {
         {"as large as it", {96, 96}, {96, 96}, {0, 0, 96, 96}},
         {"nearly", {96, 96}, {104, 100}, {4, 2, 100, 98}},
         {"not quite a quarter larger", {96, 96}, {119, 119}, {11, 11, 107, 107}},
@@ -172,10 +166,10 @@ TEST_CASE("the largest picture is taken that fits its box, else the smallest; it
         {"no picture", {0, 0}, {10, 10}, {0, 0, 0, 0}},
         {"no place", {10, 10}, {0, 10}, {0, 0, 0, 0}},
     };
-    for (const Row& row : rows) {
-        CAPTURE(row.what);
-        const RECT bounds = PictureBounds(row.picture, row.box);
-        CHECK(EqualRect(&bounds, &row.bounds) != 0);
+    for (const auto& [what, picture, box, bounds] : rows) {
+        CAPTURE(what);
+        const RECT found = PictureBounds(picture, box);
+        CHECK(EqualRect(&found, &bounds) != 0);
     }
     const std::initializer_list<ImageBox::Resource> resources = {{144, 3}, {96, 1}, {192, 4}, {120, 2}};
     for (const auto& [place, resource] : {std::pair(96, 1), {119, 1}, {120, 2}, {500, 4}, {72, 1}, {0, 1}}) {

@@ -117,12 +117,7 @@ TEST_CASE_FIXTURE(
 TEST_CASE_FIXTURE(LoadPage,
                   "a text is shown as the number, level, check mark or key that it is; one that is none "
                   "leaves what is shown") {
-    struct Row {
-        std::string stored;
-        std::string control;
-        std::string shown;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, std::string, std::string> rows[] = {
         {"txtPause=1500", "txtPause", "1.5"},      {"txtPause=-5000", "txtPause", "-5"},
         {"txtPause=5000.5", "txtPause", "5.0005"}, {"txtPause=five", "txtPause", "5.0005"},
         {"txtPause=1e400", "txtPause", "5.0005"},  {"txtPause= ", "txtPause", "5.0005"},
@@ -133,9 +128,9 @@ TEST_CASE_FIXTURE(LoadPage,
         {"chkExtra= 1.4 ", "chkExtra", "1"},       {"Pause Key=shift", "cboPauseKey", "Shift"},
         {"Pause Key=F10", "cboPauseKey", "F10"},   {"Pause Key=F12", "cboPauseKey", "F10"},
         {"Pause Key=F", "cboPauseKey", "F10"},     {"Pause Key=", "cboPauseKey", "F10"}};
-    for (const Row& row : rows) {
-        CAPTURE(row.stored);
-        CHECK(Loaded({row.stored}).at(row.control) == row.shown);
+    for (const auto& [stored, control, shown] : rows) {
+        CAPTURE(stored);
+        CHECK(Loaded({stored}).at(control) == shown);
     }
 }
 
@@ -149,12 +144,8 @@ TEST_CASE_FIXTURE(LoadPage, "banner sizes are read from 1 on, with name, width, 
     StoredRows stored{"Banners\\1Name=Full",  "Banners\\1Width=468", "Banners\\1Height=60",
                       "Banners\\1Use=True",   "Banners\\2Name=Half", "Banners\\2Width=-2.5",
                       "Banners\\2Height=1e3", "Banners\\2Use=False"};
-    struct Row {
-        std::string what;
-        StoredRows more;
-        std::string shown;  // behind those two
-    };
-    const Row rows[] = {
+    // What is stored, and shown, behind those two.
+    const std::tuple<std::string, StoredRows, std::string> rows[] = {
         {"to the first missing name", {"Banners\\4Name=beyond the gap", "Banners\\4Use=True"}, ""},
         {"to the first entry without a use, which is shown; its check mark comes from the width",
          {"Banners\\3Name=Third", "Banners\\3Height=7", "Banners\\3Width=0"},
@@ -166,10 +157,10 @@ TEST_CASE_FIXTURE(LoadPage, "banner sizes are read from 1 on, with name, width, 
          "Third|Third|Third|x\nFourth|9|9|x\nFifth|8|Fifth|x\n"},
     };
     lvwBanners.Add(1, L"edited");
-    for (const Row& row : rows) {
-        CAPTURE(row.what);
-        stored.insert(stored.end(), row.more.begin(), row.more.end());
-        CHECK(Loaded(stored).at("lvwBanners") == "Full|468|60|x\nHalf|-2.5|1e3\n" + row.shown);
+    for (const auto& [what, more, shown] : rows) {
+        CAPTURE(what);
+        stored.insert(stored.end(), more.begin(), more.end());
+        CHECK(Loaded(stored).at("lvwBanners") == "Full|468|60|x\nHalf|-2.5|1e3\n" + shown);
     }
     for (const std::string use : {"True", "true", "1", "-1", "False", "FALSE", "0", "yes", "?"}) {
         CAPTURE(use);

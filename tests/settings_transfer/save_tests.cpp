@@ -72,29 +72,25 @@ TEST_CASE_FIXTURE(
     SavePage,
     "a typed level of 11 is saved as 1000, a pause as its whole number; what is none, or too great, is not "
     "written") {
-    struct Row {
-        std::string text;
-        std::string pause;  // empty: nothing is written
-        std::string speed;
-    };
-    const Row rows[] = {{" 7 ", "7000", "800"},
-                        {"2.5", "2000", "1800"},
-                        {"3.5", "4000", "1400"},
-                        {"11", "11000", "1000"},
-                        {"-2147483", "-2147483000", "1000"},
-                        {"2147483", "2147483000", "1000"},
-                        {"2147484", "", "1000"},
-                        {"-2147484", "", "1000"},
-                        {"2147483648", "", ""},
-                        {"", "", ""},
-                        {"5 s", "", ""}};
-    for (const Row& row : rows) {
-        CAPTURE(row.text);
-        Put(*this, {"txtPause=" + row.text, "txtSpeed=" + row.text});
+    // What is typed, and what is written of it as a pause and as a speed.
+    const std::tuple<std::string, std::string, std::string> rows[] = {{" 7 ", "7000", "800"},
+                                                                      {"2.5", "2000", "1800"},
+                                                                      {"3.5", "4000", "1400"},
+                                                                      {"11", "11000", "1000"},
+                                                                      {"-2147483", "-2147483000", "1000"},
+                                                                      {"2147483", "2147483000", "1000"},
+                                                                      {"2147484", "", "1000"},
+                                                                      {"-2147484", "", "1000"},
+                                                                      {"2147483648", "", ""},
+                                                                      {"", "", ""},
+                                                                      {"5 s", "", ""}};
+    for (const auto& [text, pause, speed] : rows) {
+        CAPTURE(text);
+        Put(*this, {"txtPause=" + text, "txtSpeed=" + text});
         registry.contents.clear();
         transfer.SaveSettings();
-        CHECK(registry.contents[kSettings]["txtPause"].bytes == row.pause);
-        CHECK(registry.contents[kSettings]["txtSpeed"].bytes == row.speed);
+        CHECK(registry.contents[kSettings]["txtPause"].bytes == pause);
+        CHECK(registry.contents[kSettings]["txtSpeed"].bytes == speed);
     }
 }
 

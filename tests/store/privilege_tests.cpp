@@ -51,18 +51,14 @@ TEST_CASE(
     "a privilege is enabled whatever the caller asks for; a step that fails ends that; the token stays "
     "open") {
     const std::vector<std::string> steps{"open 40", "look up SeBackupPrivilege on 0", "adjust 0, 1 to 2"};
-    struct Row {
-        std::string fails;
-        bool asked;
-        long made;
-    };
-    for (const Row& row : {Row{"", true, 3}, Row{"", false, 3}, Row{"open", true, 1}, Row{"look up", true, 2},
-                           Row{"adjust", true, 3}}) {
-        CAPTURE(row.fails);
-        CAPTURE(row.asked);
-        const Token seen{row.fails};
-        CHECK(Registry().AdjustPrivilege(kBackupPrivilege, row.asked) == row.fails.empty());
-        CHECK(seen.calls == std::vector<std::string>(steps.begin(), steps.begin() + row.made));
+    const std::tuple<std::string, bool, long> rows[] = {
+        {"", true, 3}, {"", false, 3}, {"open", true, 1}, {"look up", true, 2}, {"adjust", true, 3}};
+    for (const auto& [fails, asked, made] : rows) {
+        CAPTURE(fails);
+        CAPTURE(asked);
+        const Token seen{fails};
+        CHECK(Registry().AdjustPrivilege(kBackupPrivilege, asked) == fails.empty());
+        CHECK(seen.calls == std::vector<std::string>(steps.begin(), steps.begin() + made));
         DWORD flags = 0;
         CHECK(GetHandleInformation(seen.handle.Get(), &flags));
     }

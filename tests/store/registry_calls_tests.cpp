@@ -225,22 +225,19 @@ TEST_CASE_FIXTURE(
     "ends it and leaves no key open; a missing key is not created") {
     const Lines all{R"(RegOpenKeyExA(HKCU, "Software\Calvane\Calls", 0, 0x2))",
                     R"(RegDeleteValueA(key1, "Value"))", R"(RegCloseKey(key1))"};
-    struct Row {
-        std::string what;
-        Fault fault;
-        bool isDeleted;
-        Lines calls;
-    };
+    const std::tuple<std::string, Fault, bool, Lines> rows[] = {
+        {"a key that cannot be opened", {Open, 1}, false, {all[0]}},
+        {"a value that cannot be deleted", {DeleteValue, 1}, false, all},
+        {"a value", {}, true, all},
+        {"a missing one", {}, false, all}};
     Put("abc");
-    for (const Row& row : {Row{"a key that cannot be opened", {Open, 1}, false, {all[0]}},
-                           Row{"a value that cannot be deleted", {DeleteValue, 1}, false, all},
-                           Row{"a value", {}, true, all}, Row{"a missing one", {}, false, all}}) {
-        CAPTURE(row.what);
-        calls.Fail(row.fault);
-        CHECK(Delete() == row.isDeleted);
-        CHECK(calls.Lines() == row.calls);
+    for (const auto& [what, fault, isDeleted, made] : rows) {
+        CAPTURE(what);
+        calls.Fail(fault);
+        CHECK(Delete() == isDeleted);
+        CHECK(calls.Lines() == made);
         CHECK(calls.OpenHandles().empty());
-        CHECK(hive.Exists(kKey, L"Value") == (row.fault.first != 0));
+        CHECK(hive.Exists(kKey, L"Value") == (fault.first != 0));
         CHECK(hive.Exists(kKey, L"Other"));
     }
     hive.DeleteTree(kKey);
