@@ -24,7 +24,7 @@ TEST_CASE_FIXTURE(
     "the address exactly as typed as the last row, blanks alone and the untouched http:// too") {
     lstExclude.AddItem(L"zzz");
     Play(cmdAddURL, {[](HWND dialog) {
-                         CHECK(SelectionIn(dialog, kAddress) == TextSelection{7, 7});
+                         CHECK(SelectionIn(dialog, kAddress) == MAKELRESULT(7, 7));
                          TypeKeys(dialog, kAddress, L"www.example.com");
                      },
                      kOK});
@@ -47,14 +47,15 @@ TEST_CASE_FIXTURE(FilledPage,
         std::wstring listed;
         std::wstring typed;
         const wchar_t* message;
-        TextSelection selection;
+        WORD start;  // of the selected part
+        WORD end;
     };
-    const Row rows[] = {{L"a", L"", empty, {0, 0}},
-                        {L"http://Example.com", L"http://eXAMPLE.COM", duplicate, {7, 18}},
-                        {L"x http://a", L"x http://a", duplicate, {7, 10}},
-                        {L"https://example.com", L"https://example.com", duplicate, {0, 19}},
-                        {L"http://b", L"HTTP://b", duplicate, {0, 8}},
-                        {L"a", L"a", duplicate, {0, 1}}};
+    const Row rows[] = {{L"a", L"", empty, 0, 0},
+                        {L"http://Example.com", L"http://eXAMPLE.COM", duplicate, 7, 18},
+                        {L"x http://a", L"x http://a", duplicate, 7, 10},
+                        {L"https://example.com", L"https://example.com", duplicate, 0, 19},
+                        {L"http://b", L"HTTP://b", duplicate, 0, 8},
+                        {L"a", L"a", duplicate, 0, 1}};
     for (const Row& row : rows) {
         CAPTURE(row.typed);
         lstExclude.Clear();
@@ -62,9 +63,9 @@ TEST_CASE_FIXTURE(FilledPage,
         lstExclude.AddItem(row.listed);
         CheckRefused(cmdAddURL, {{kAddress, row.typed}}, row.message, MB_ICONINFORMATION, kAddress,
                      [&](HWND dialog) {
-                         CHECK(SelectionIn(dialog, kAddress) == row.selection);
+                         CHECK(SelectionIn(dialog, kAddress) == MAKELRESULT(row.start, row.end));
                          TypeKeys(dialog, kAddress, L"new");
-                         CHECK(TextIn(dialog, kAddress) == row.typed.substr(0, row.selection.start) + L"new");
+                         CHECK(TextIn(dialog, kAddress) == row.typed.substr(0, row.start) + L"new");
                      });
         CHECK(Rows() == Texts{L"http://other", row.listed});
     }

@@ -2,7 +2,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/automation_error.h"
 #include "store/settings_schema.h"
 #include "tests/support/other_process.h"
 #include "tests/support/settings_window.h"

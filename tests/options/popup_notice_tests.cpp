@@ -3,7 +3,6 @@
 #include <mmsystem.h>
 
 #include <string>
-#include <vector>
 
 #include "tests/support/import_fake.h"
 #include "tests/support/settings_window.h"

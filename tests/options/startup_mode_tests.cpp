@@ -80,20 +80,18 @@ TEST_CASE_FIXTURE(
     constexpr std::pair<const wchar_t*, const wchar_t*> kStored[] = {
         {nullptr, L"Manual"},   {L"", nullptr},        {L"Startup", L"Startup"}, {L"RunOnly", L"RunOnly"},
         {L"Manual", L"Manual"}, {L"startup", nullptr}, {L"Startup ", nullptr},   {L"Something", nullptr}};
+    const std::wstring remembered = L"RunOnly";
     for (const auto& [stored, mode] : kStored) {
-        for (const std::wstring remembered : kModesOrNone) {
-            for (const std::wstring selected : kModesOrNone) {
-                CAPTURE(std::wstring(stored == nullptr ? L"(missing)" : stored));
-                CAPTURE(remembered);
-                CAPTURE(selected);
-                PutStored(stored);
-                Put(remembered, selected);
-                generalOptions.ReadStartupMode(registry);
-                CHECK(generalOptions.m_strStartupMode == (mode != nullptr ? mode : remembered));
-                CHECK(Selected() == (mode != nullptr ? mode : selected));
-                CHECK(user.Exists(Schema::kSettingsKey, L"Startup") == (stored != nullptr));
-                CHECK(machine.ValueCount(Schema::kRunKey) == 0);
-            }
+        for (const std::wstring selected : kModesOrNone) {
+            CAPTURE(std::wstring(stored == nullptr ? L"(missing)" : stored));
+            CAPTURE(selected);
+            PutStored(stored);
+            Put(remembered, selected);
+            generalOptions.ReadStartupMode(registry);
+            CHECK(generalOptions.m_strStartupMode == (mode != nullptr ? mode : remembered));
+            CHECK(Selected() == (mode != nullptr ? mode : selected));
+            CHECK(user.Exists(Schema::kSettingsKey, L"Startup") == (stored != nullptr));
+            CHECK(machine.ValueCount(Schema::kRunKey) == 0);
         }
     }
 }

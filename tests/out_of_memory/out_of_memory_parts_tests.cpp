@@ -1,10 +1,7 @@
 // Lets every single allocation fail in every dialog's OK, in the icon and in the engine's handlers.
-#include <algorithm>
-
 #include "tests/engine_control/engine_fixture.h"
 #include "tests/lists/list_pages.h"
 #include "tests/out_of_memory/memory_sweep.h"
-#include "tests/support/shown_text.h"
 #include "tests/tray_icon/tray_icon_fixture.h"
 
 namespace {

@@ -6,7 +6,6 @@
 #include "tests/out_of_memory/memory_sweep.h"
 #include "tests/settings_transfer/transfer_page.h"
 #include "tests/support/other_process.h"
-#include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
 
 namespace {

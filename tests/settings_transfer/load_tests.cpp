@@ -4,7 +4,6 @@
 
 #include "platform/automation_error.h"
 #include "tests/settings_transfer/transfer_page.h"
-#include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
 
 namespace {

@@ -5,7 +5,6 @@
 
 #include "store/first_run.h"
 #include "tests/settings_transfer/transfer_page.h"
-#include "tests/support/shown_text.h"
 
 namespace {
 

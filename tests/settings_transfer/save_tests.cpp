@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "tests/settings_transfer/transfer_page.h"
-#include "tests/support/shown_text.h"
 
 namespace {
 

@@ -9,6 +9,7 @@
 
 #include "tests/support/registry_calls.h"
 #include "tests/support/settings_window.h"
+#include "tests/support/shown_text.h"
 
 using NamedTexts = std::map<std::string, std::string, LessNoCase>;
 

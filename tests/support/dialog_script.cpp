@@ -72,10 +72,3 @@ void PostKey(UINT virtualKey) {
     PostMessageW(GetFocus(), WM_KEYDOWN, virtualKey, KeyData(false));
     PostMessageW(GetFocus(), WM_KEYUP, virtualKey, KeyData(true));
 }
-
-TextSelection SelectionIn(HWND dialog, int id) {
-    TextSelection selection{};
-    SendDlgItemMessageW(dialog, id, EM_GETSEL, reinterpret_cast<WPARAM>(&selection.start),
-                        reinterpret_cast<LPARAM>(&selection.end));
-    return selection;
-}

@@ -48,9 +48,7 @@ inline int FocusedId() {
     return GetDlgCtrlID(GetFocus());
 }
 
-struct TextSelection {
-    DWORD start;
-    DWORD end;
-    bool operator==(const TextSelection&) const = default;
-};
-TextSelection SelectionIn(HWND dialog, int id);
+// The selected part of a text: its ends, as MAKELRESULT puts them together.
+inline LRESULT SelectionIn(HWND dialog, int id) {
+    return SendDlgItemMessageW(dialog, id, EM_GETSEL, 0, 0);
+}

@@ -15,10 +15,6 @@ constexpr const char* kFunctions[] = {"RegOpenKeyExA",   "RegQueryValueExA", "Re
                                       "RegCreateKeyExA", "RegSetValueExA",   "RegDeleteValueA",
                                       "RegDeleteKeyA",   "RegCloseKey"};
 
-const char* FunctionName(RegistryFunction function) {
-    return kFunctions[static_cast<size_t>(function)];
-}
-
 class Switched {
 public:
     explicit Switched(bool& flag) : m_flag(flag) { flag = true; }
@@ -85,7 +81,8 @@ std::vector<std::string> RegistryCalls::Watch(const std::function<void()>& body)
 std::vector<std::string> RegistryCalls::Lines() const {
     std::vector<std::string> lines;
     for (const Call& call : m_calls)
-        lines.push_back(std::string(FunctionName(call.function)) + '(' + call.arguments + ')');
+        lines.push_back(std::string(kFunctions[static_cast<size_t>(call.function)]) + '(' + call.arguments +
+                        ')');
     return lines;
 }
 
