@@ -54,9 +54,8 @@ bool Agrees(bool (*target)(const std::uint8_t*, std::size_t), const std::string&
 // The size of the blocks, from 1, the number of lines wanted and whether some are taken for equal, before a
 // log.
 bool LogAgrees(size_t blockSize, size_t limit, bool folds, const std::string& log) {
-    return Agrees(
-        NewestLinesAgree,
-        std::string{static_cast<char>(blockSize - 1), static_cast<char>(limit + (folds ? 150 : 0))} + log);
+    const auto wanted = static_cast<char>(limit + (folds ? 150 : 0));
+    return Agrees(NewestLinesAgree, std::string{static_cast<char>(blockSize - 1), wanted} + log);
 }
 
 }  // namespace

@@ -39,8 +39,7 @@ TEST_CASE_FIXTURE(
 
 TEST_CASE_FIXTURE(FilledPage,
                   "an empty address is refused, and a duplicate but for letter case; the focus goes to the "
-                  "address, in which "
-                  "what follows http:// is selected to be overtyped, or else the whole") {
+                  "address, in which what follows http:// is selected to be overtyped, or else the whole") {
     const wchar_t* const empty = L"Please enter the web site address to exclude.";
     const wchar_t* const duplicate = L"The URL you entered already exists in the list, please enter another";
     struct Row {

@@ -1,4 +1,4 @@
-// The list pages on test windows, each with what a user does on it.
+// The pages with lists, each with what a user does on it.
 #pragma once
 
 #include <doctest.h>

@@ -51,8 +51,8 @@ TEST_CASE_FIXTURE(
 TEST_CASE_FIXTURE(
     SearchPage,
     "Edit Search opens the dialog with the selected row, whose index is not for the user; an edited row "
-    "keeps "
-    "its place and its box, unchecked or checked; a cancelled edit leaves the row and yet marks a change") {
+    "keeps its place and its box, unchecked or checked; a cancelled edit leaves the row and yet marks a "
+    "change") {
     const auto edit = [this](int row, const Texts& shown, const DialogScript::Step& end) {
         lvwSearchURLs.Select(row);
         changes = 0;

@@ -45,7 +45,7 @@ TEST_CASE(
         CAPTURE(pressed);
         EditedPage page;
         page.cmdApply.Enabled(pressed == "Apply");
-        pressed == "OK" ? page.commands.cmdOK_Click() : page.commands.cmdApply_Click();
+        (pressed == "OK" ? page.cmdOK : page.cmdApply).Click();
         CHECK(page.events == Events{pressed == "OK" ? "hide" : "reload"});
         CHECK(page.storedThen == L"9000");
         CHECK(page.markedThen);

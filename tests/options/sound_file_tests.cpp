@@ -58,8 +58,7 @@ struct ScriptedDialog {
 
 TEST_CASE(
     "the start name, the path that is kept and whether it can be tested, which takes Play Sound, for each "
-    "way "
-    "in which the dialog ends; a change is marked in any case") {
+    "way in which the dialog ends; a change is marked in any case") {
     struct Row {
         std::string what;
         std::wstring before;

@@ -35,8 +35,7 @@ void Step(const Spin& spin, bool byKey, bool up) {
 
 TEST_CASE_FIXTURE(Page,
                   "the arrows step by 1, by mouse and by key, and stop at the ends; a step marks a change, "
-                  "typing does not, "
-                  "and neither does an arrow at its end") {
+                  "typing does not, and neither does an arrow at its end") {
     for (const Spin& spin : spins) {
         for (const bool byKey : {false, true}) {
             CAPTURE(std::wstring(spin.box.Name()));
