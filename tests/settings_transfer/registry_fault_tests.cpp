@@ -40,13 +40,14 @@ struct FaultSweep : TransferPage {
         stores.clear();
     }
 
-    // What the load read of the store. A value that it did not get is none of the store's names, with
-    // " (missing)" behind it.
+    // What the load got of the store: what it did not get has " (missing)" behind its name, which is none of
+    // the store's then.
     RegistryContents Read() const {
+        const std::string keys = "HKCU\\Software\\Calvane\\";
         RegistryContents read;
         for (const std::string& line : registry.Values()) {
             const size_t name = line.find('\\') + 1;
-            const std::string key = "HKCU\\Software\\Calvane\\" + line.substr(5, name - 6);  // behind "read "
+            const std::string key = keys + line.substr(5, name - 6);  // behind "read "
             const auto value = before.at(key).find(line.substr(name));
             if (value != before.at(key).end()) read[key].insert(*value);
         }
@@ -62,11 +63,11 @@ struct FaultSweep : TransferPage {
         }
         const NamedTexts found = TextsOf(registry.contents);
         const NamedTexts wanted = TextsOf(ideal);
-        CHECK(std::count_if(wanted.begin(), wanted.end(), [&](const auto& value) {
+        CHECK(std::ranges::count_if(wanted, [&](const auto& value) {
                   const auto written = found.find(value.first);
                   return written == found.end() || written->second != value.second;
               }) <= 1);
-        CHECK(std::all_of(found.begin(), found.end(), [&, old = TextsOf(before)](const auto& value) {
+        CHECK(std::ranges::all_of(found, [&, old = TextsOf(before)](const auto& value) {
             return wanted.contains(value.first) || old.contains(value.first);
         }));
     }

@@ -128,41 +128,23 @@ RegistryContents StoreOf(const std::vector<std::string>& rows) {
 }
 
 RegistryContents UsualStore() {
-    RegistryContents store = StoreOf({"chkPlaySound=1",
-                                      "chkBeep=0",
-                                      "txtSpeed=400",
-                                      "txtPause=12000",
-                                      "chkExtra=1",
-                                      "txtExtra=a text of an extra box",
-                                      "Startup=RunOnly",
-                                      "Pause Key=F9",
-                                      "First Time=True",
-                                      "SoundFile=C:\\a folder of sounds\\a.wav",
-                                      "Exclude\\0=http://an-excluded-site-1",
-                                      "Exclude\\1=http://an-excluded-site-2",
-                                      "Exclude\\2=http://an-excluded-site-3",
-                                      "Banners\\1Name=a size of banners 1",
-                                      "Banners\\1Width=11",
-                                      "Banners\\1Height=12",
-                                      "Banners\\1Use=True",
-                                      "Banners\\2Name=a size of banners 2",
-                                      "Banners\\2Width=21",
-                                      "Banners\\2Height=22",
-                                      "Banners\\2Use=False",
-                                      "Banners\\3Name=a size of banners 3",
-                                      "Banners\\3Width=31",
-                                      "Banners\\3Height=32",
-                                      "Banners\\3Use=True",
-                                      "Search\\1Name=a search engine 1",
-                                      "Search\\1Url=http://a-search-engine-1",
-                                      "Search\\1Use=True",
-                                      "Search\\2Name=a search engine 2",
-                                      "Search\\2Url=http://a-search-engine-2",
-                                      "Search\\2Use=False",
-                                      "Search\\3Name=a search engine 3",
-                                      "Search\\3Url=http://a-search-engine-3",
-                                      "Search\\3Use=True"});
+    RegistryContents store =
+        StoreOf({"chkPlaySound=1", "chkBeep=0", "txtSpeed=400", "txtPause=12000", "chkExtra=1",
+                 "txtExtra=a text of an extra box", "Startup=RunOnly", "Pause Key=F9", "First Time=True",
+                 "SoundFile=C:\\a folder of sounds\\a.wav"});
     store[kRun] = {{"Calvane Config Manager", Text("C:\\old.exe")}, {"Another", Text("C:\\another.exe")}};
+    for (int n = 1; n <= 3; ++n) {
+        const std::string number = std::to_string(n);
+        const StoredValue use = Text(n == 2 ? "False" : "True");
+        store[kExclude][std::to_string(n - 1)] = Text("http://an-excluded-site-" + number);
+        store[kBanners].insert({{number + "Name", Text("a size of banners " + number)},
+                                {number + "Width", Text(number + "1")},
+                                {number + "Height", Text(number + "2")},
+                                {number + "Use", use}});
+        store[kSearch].insert({{number + "Name", Text("a search engine " + number)},
+                               {number + "Url", Text("http://a-search-engine-" + number)},
+                               {number + "Use", use}});
+    }
     return store;
 }
 
