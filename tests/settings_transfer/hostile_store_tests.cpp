@@ -28,7 +28,7 @@ const std::pair<StoredValue, std::optional<std::string>> kValues[] = {
 
 TEST_CASE_FIXTURE(TransferPage,
                   "values of any type are loaded as the texts that they are read as; those that cannot be "
-                  "read leave the controls, the mode and the sound file as they are") {
+                  "read count as missing, and leave the controls, the mode and the sound file as they are") {
     const auto loadedFrom = [this](const RegistryContents& store) {
         Put(*this, EditedWindow());
         registry.contents = store;
@@ -52,6 +52,12 @@ TEST_CASE_FIXTURE(TransferPage,
         CHECK(Difference(loadedFrom(hostile), text ? loadedFrom(plain) : unread) == "");
         CHECK_NOTHROW(transfer.SaveSettings());
     }
+    // A single one counts as a missing one: the beep takes over Play Sound.
+    registry.contents = StoreOf({"chkPlaySound=1"});
+    registry.contents[kSettings]["chkBeep"] = kValues[0].first;
+    chkBeep.Value(0);
+    transfer.LoadSettings();
+    CHECK(chkBeep.Value() == 1);
     CHECK(registry.strayHandles == 0);
     CHECK(recorder.messages.empty());
 }
