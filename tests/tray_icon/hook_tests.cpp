@@ -63,10 +63,25 @@ struct ConfigWindow : TrayWindow {
 }  // namespace
 
 TEST_CASE(
-    "hooking puts the procedure in front and keeps the previous one as the property OldWndProc, once; "
-    "unhooking takes the property away and, where it could, puts the previous procedure back") {
+    "hooking puts the procedure in front and keeps the previous one as the property OldWndProc, once; where "
+    "one of both cannot be done, neither is; unhooking takes the property away and, where it could, puts the "
+    "previous procedure back") {
     PlainWindow window;
     const LONG before = window.Procedure();
+    CHECK_FALSE(HookTrayWindow(nullptr));
+    {
+        const ImportFake<"SetWindowLongA", decltype(&SetWindowLongA)> fails{
+            "user32.dll", [](HWND, int, LONG) { return 0L; }};
+        CHECK_FALSE(HookTrayWindow(window.Hwnd()));
+    }
+    {
+        const ImportFake<"SetPropA", decltype(&SetPropA)> fails{"user32.dll",
+                                                                [](HWND, LPCSTR, HANDLE) { return FALSE; }};
+        CHECK_FALSE(HookTrayWindow(window.Hwnd()));
+    }
+    CHECK(window.Procedure() == before);
+    CHECK(GetPropA(window.Hwnd(), kProperty) == nullptr);
+
     CHECK(HookTrayWindow(window.Hwnd()));
     CHECK_FALSE(HookTrayWindow(window.Hwnd()));
     CHECK(window.Procedure() == HookProcedure());
@@ -78,26 +93,6 @@ TEST_CASE(
         CHECK(window.Procedure() == HookProcedure());
     }
     UnhookTrayWindow(window.Hwnd());
-    CHECK(window.Procedure() == before);
-    CHECK(GetPropA(window.Hwnd(), kProperty) == nullptr);
-}
-
-TEST_CASE("a hook that cannot be made, or whose property cannot be stored, leaves none") {
-    PlainWindow window;
-    const LONG before = window.Procedure();
-    SUBCASE("no procedure") {
-        const ImportFake<"SetWindowLongA", decltype(&SetWindowLongA)> fails{
-            "user32.dll", [](HWND, int, LONG) { return 0L; }};
-        CHECK_FALSE(HookTrayWindow(window.Hwnd()));
-    }
-    SUBCASE("no property") {
-        const ImportFake<"SetPropA", decltype(&SetPropA)> fails{"user32.dll",
-                                                                [](HWND, LPCSTR, HANDLE) { return FALSE; }};
-        CHECK_FALSE(HookTrayWindow(window.Hwnd()));
-    }
-    SUBCASE("no window") {
-        CHECK_FALSE(HookTrayWindow(nullptr));
-    }
     CHECK(window.Procedure() == before);
     CHECK(GetPropA(window.Hwnd(), kProperty) == nullptr);
 }
