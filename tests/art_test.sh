@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# The icons and the logo in app/res are what tools/make_art.sh makes of the drawings. Another version of the rasteriser
-# may shade an edge a little differently, and a logo's pixel at an edge may be there or not.
+# The icons and the logo in app/res are what tools/make_art.sh makes of the drawings, and icons are drawn for each size
+# that they have at 96, 120, 144 and 192 dpi. Another version of the rasteriser may shade an edge a little differently, and
+# a logo's pixel at an edge may be there or not.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -21,6 +22,11 @@ Different() {
     said=$(compare -metric AE -fuzz "$kShade" "$made/committed.png" "$made/made.png" null: 2>&1) || true
     echo "${said%% (*}"
 }
+
+for icon in "$kCommitted"/*.ico; do
+    [[ $icon == */list_* ]] && widths='22 28 33 44' || widths='16 20 24 32'
+    [[ $(identify -format '%w ' "$icon") == "$widths "* ]] || { echo "FAILED: $icon is not drawn for $widths"; failed=1; }
+done
 
 count=0
 for file in "$made"/*.{ico,gif,bmp}; do

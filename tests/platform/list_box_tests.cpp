@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/clipboard.h"
+#include "tests/support/control_font.h"
 #include "tests/support/error_of.h"
 #include "tests/support/import_fake.h"
 #include "tests/support/shown_text.h"
@@ -18,21 +19,9 @@ struct ListPage {
     // How far the list scrolls sideways.
     int Extent() const { return static_cast<int>(SendMessageW(list.Hwnd(), LB_GETHORIZONTALEXTENT, 0, 0)); }
 
-    // The width of a text in the list's font.
-    int WidthOf(const std::wstring& text) const {
-        const HDC screen = GetDC(list.Hwnd());
-        const auto font = reinterpret_cast<HGDIOBJ>(SendMessageW(list.Hwnd(), WM_GETFONT, 0, 0));
-        const HGDIOBJ before = SelectObject(screen, font != nullptr ? font : GetStockObject(SYSTEM_FONT));
-        SIZE size{};
-        GetTextExtentPoint32W(screen, text.c_str(), static_cast<int>(text.size()), &size);
-        SelectObject(screen, before);
-        ReleaseDC(list.Hwnd(), screen);
-        return size.cx;
-    }
-
     // Whether the whole text comes into sight and little else does.
     bool Fits(const std::wstring& text) const {
-        const int width = WidthOf(text);
+        const LONG width = SizeOfText(list.Hwnd(), text).cx;
         return Extent() > width && Extent() < width + 50;
     }
 
@@ -86,7 +75,7 @@ TEST_CASE_FIXTURE(ListPage, "a list scrolls sideways as far as its widest row is
     const HFONT large = CreateFontIndirectW(&description);
     SendMessageW(list.Hwnd(), WM_SETFONT, reinterpret_cast<WPARAM>(large), TRUE);
     CHECK(Extent() > before * 3 / 2);
-    CHECK(Extent() > WidthOf(kLong));
+    CHECK(Extent() > SizeOfText(list.Hwnd(), kLong).cx);
     window.Destroy();
     DeleteObject(large);
 }
