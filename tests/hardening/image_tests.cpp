@@ -27,14 +27,6 @@ std::string Wide(const std::string& text) {
     return {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t)};
 }
 
-std::string VersionText(const std::vector<std::byte>& resource, const std::wstring& name) {
-    void* text = nullptr;
-    UINT length = 0;
-    const std::wstring path = L"\\StringFileInfo\\040904B0\\" + name;
-    if (!VerQueryValueW(resource.data(), path.c_str(), &text, &length)) return "(none)";
-    return ToAnsi(static_cast<const wchar_t*>(text));
-}
-
 }  // namespace
 
 TEST_CASE("the manager may be loaded at any address, can be moved there, and executes no data") {
@@ -55,16 +47,14 @@ TEST_CASE("the manager may be loaded at any address, can be moved there, and exe
 
 TEST_CASE(
     "the manager imports from Windows' own libraries alone, and plainly only from those that Windows never "
-    "takes from the program's folder") {
+    "takes from the program's folder; it starts no process, so that nobody inherits what it has open, but by "
+    "the shell") {
     // All of them are always taken from the system's folder, comctl32.dll by the manifest and the rest by
     // Windows.
     const std::set<std::string> allowed{"ADVAPI32.DLL", "COMCTL32.DLL", "COMDLG32.DLL", "GDI32.DLL",
                                         "KERNEL32.DLL", "MSVCRT.DLL",   "OLE32.DLL",    "OLEAUT32.DLL",
                                         "SHELL32.DLL",  "USER32.DLL"};
     CHECK(Manager().libraries == allowed);
-}
-
-TEST_CASE("the manager starts no process, so that nobody inherits what it has open, but by the shell") {
     for (const std::string function :
          {"CreateProcessA", "CreateProcessW", "CreateProcessAsUserA", "CreateProcessAsUserW", "WinExec",
           "system", "_wsystem", "_wspawnv", "_spawnv", "_popen", "_wpopen"}) {
@@ -118,16 +108,20 @@ TEST_CASE("the version resources of the manager, the loader and the installer te
         const std::wstring path = ProgramPath(program);
         std::vector<std::byte> resource(GetFileVersionInfoSizeW(path.c_str(), nullptr));
         REQUIRE(GetFileVersionInfoW(path.c_str(), 0, static_cast<DWORD>(resource.size()), resource.data()));
-        void* found = nullptr;
-        UINT length = 0;
-        REQUIRE(VerQueryValueW(resource.data(), L"\\", &found, &length));
-        const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(found);
+        const auto find = [&](const std::wstring& what) {
+            void* found = nullptr;
+            UINT length = 0;
+            REQUIRE(VerQueryValueW(resource.data(), what.c_str(), &found, &length));
+            return found;
+        };
+        const auto& fixed = *static_cast<const VS_FIXEDFILEINFO*>(find(L"\\"));
         for (const DWORD high : {fixed.dwFileVersionMS, fixed.dwProductVersionMS})
             CHECK(high == MAKELONG(numbers[1], numbers[0]));
         for (const DWORD low : {fixed.dwFileVersionLS, fixed.dwProductVersionLS})
             CHECK(low == MAKELONG(0, numbers[2]));
-        CHECK(VersionText(resource, L"FileVersion") == CALVANE_VERSION);
-        CHECK(VersionText(resource, L"ProductVersion") == CALVANE_VERSION);
+        for (const std::wstring text : {L"FileVersion", L"ProductVersion"})
+            CHECK(ToAnsi(static_cast<const wchar_t*>(find(L"\\StringFileInfo\\040904B0\\" + text))) ==
+                  CALVANE_VERSION);
     }
 }
 
