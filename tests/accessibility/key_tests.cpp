@@ -5,8 +5,6 @@
 #include <commctrl.h>
 #include <shellapi.h>
 
-#include <functional>
-
 #include "lists/resource.h"
 #include "options/resource.h"
 #include "store/settings_schema.h"
@@ -78,34 +76,22 @@ private:
 TEST_CASE_FIXTURE(
     KeyWindow,
     "an access key that two buttons share goes round between them, and presses the only one enabled") {
-    struct Shared {
-        int page;
-        wchar_t key;
-        int onPage;
-        int ofWindow;
-    };
-    for (const Shared& shared : {Shared{kLog, L'c', IDC_CMDCLEARLIST, IDCANCEL},
-                                 Shared{kSearch, L'o', IDC_CMDREMOVESEARCH, IDC_CMDOK}}) {
-        CAPTURE(shared.page);
-        const HWND onPage = ControlOf(shared.onPage);
-        EnableWindow(onPage, TRUE);
-        Page(shared.page);
-        for (const int next : {shared.onPage, shared.ofWindow, shared.onPage, shared.ofWindow}) {
-            PressWithAlt(shared.key);
-            CHECK(FocusedId() == next);
-        }
-        CHECK(IsShown());
-        CHECK_FALSE(CanApply());
-        Press(VK_SPACE);
-        CHECK_FALSE(IsShown());
-
-        Instance(formShow);
-        Page(shared.page);
-        EnableWindow(onPage, FALSE);
-        PressWithAlt(shared.key);
-        CHECK_FALSE(IsShown());
-        Instance(formShow);
+    const HWND clear = ControlOf(IDC_CMDCLEARLIST);
+    EnableWindow(clear, TRUE);
+    Page(kLog);
+    for (const int next : {IDC_CMDCLEARLIST, IDCANCEL, IDC_CMDCLEARLIST, IDCANCEL}) {
+        PressWithAlt(L'c');
+        CHECK(FocusedId() == next);
     }
+    CHECK(IsShown());
+    Press(VK_SPACE);
+    CHECK_FALSE(IsShown());
+
+    Instance(formShow);
+    Page(kLog);
+    EnableWindow(clear, FALSE);
+    PressWithAlt(L'c');
+    CHECK_FALSE(IsShown());
 }
 
 TEST_CASE_FIXTURE(KeyWindow, "access keys reach the buttons of the page that is shown, and no others") {
@@ -197,61 +183,42 @@ TEST_CASE_FIXTURE(KeyWindow,
 }
 
 TEST_CASE_FIXTURE(KeyWindow,
-                  "in the lists the arrows select a row, and the space bar ticks one that has a box") {
-    const auto walk = [](int page, HWND list, const std::function<LRESULT()>& selected) {
-        CAPTURE(page);
+                  "the arrows select rows and option buttons, and the space bar ticks rows that have a box "
+                  "and check boxes") {
+    const HWND sites = ControlOf(IDC_LSTEXCLUDE);
+    for (const wchar_t* const row : {L"a.example", L"b.example"})
+        SendMessageW(sites, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(row));
+    const auto goDown = [](int page, HWND list) {
         Page(page);
         Press(VK_TAB);
         REQUIRE(GetFocus() == list);
         Press(VK_HOME);
-        for (const auto& [key, row] : {std::pair{VK_DOWN, 1}, {VK_DOWN, 2}, {VK_UP, 1}}) {
-            Press(static_cast<WPARAM>(key));
-            CHECK(selected() == row);
-        }
+        Press(VK_DOWN);
     };
-    for (const auto& [page, id] : {std::pair{kExclude, IDC_LSTEXCLUDE}, {kLog, IDC_LSTCLOSEDWND}}) {
-        const HWND list = ControlOf(id);
-        for (const wchar_t* const row : {L"a.example", L"b.example", L"c.example"})
-            SendMessageW(list, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(row));
-        walk(page, list, [&] { return SendMessageW(list, LB_GETCURSEL, 0, 0); });
-    }
-    CHECK(IsWindowEnabled(ControlOf(IDC_CMDREMOVEURL)));
+    goDown(kExclude, sites);
+    CHECK(SendMessageW(sites, LB_GETCURSEL, 0, 0) == 1);
+    CHECK_FALSE(CanApply());
 
-    for (const auto& [page, id] : {std::pair{kBanners, IDC_LVWBANNERS}, {kSearch, IDC_LVWSEARCHURLS}}) {
-        const HWND list = ControlOf(id);
-        EnableWindow(ControlOf(IDC_CMDAPPLY), FALSE);
-        walk(page, list, [&] { return ListView_GetNextItem(list, -1, LVNI_SELECTED); });
-        CHECK_FALSE(CanApply());
-        const UINT before = ListView_GetCheckState(list, 1);
-        Press(VK_SPACE);
-        CHECK(ListView_GetCheckState(list, 1) != before);
-        CHECK(CanApply());
-        Press(VK_SPACE);
-        CHECK(ListView_GetCheckState(list, 1) == before);
-    }
-}
+    const HWND banners = ControlOf(IDC_LVWBANNERS);
+    goDown(kBanners, banners);
+    CHECK(ListView_GetNextItem(banners, -1, LVNI_SELECTED) == 1);
+    CHECK_FALSE(CanApply());
+    const UINT before = ListView_GetCheckState(banners, 1);
+    Press(VK_SPACE);
+    CHECK(ListView_GetCheckState(banners, 1) != before);
+    CHECK(CanApply());
 
-TEST_CASE_FIXTURE(KeyWindow,
-                  "the arrows choose among the option buttons, and the space bar ticks check boxes") {
     const auto isOn = [](int id) { return SendMessageW(ControlOf(id), BM_GETCHECK, 0, 0) == BST_CHECKED; };
     Page(kSettings);
     Press(VK_TAB);
     REQUIRE(FocusedId() == IDC_OPTLOADWITHKILLER);
-    Press(VK_DOWN);
-    CHECK(isOn(IDC_OPTLOADFROMMENU));
-    Press(VK_DOWN);
-    CHECK(isOn(IDC_OPTSTARTUP));
-    Press(VK_UP);
-    CHECK(isOn(IDC_OPTLOADFROMMENU));
-    CHECK_FALSE(isOn(IDC_OPTSTARTUP));
-
-    for (const int id : {IDC_CHKPLAYSOUND, IDC_CHKBEEP}) {
-        CAPTURE(id);
-        const bool before = isOn(id);
-        Focus(id);
-        Press(VK_SPACE);
-        CHECK(isOn(id) == !before);
-        Press(VK_SPACE);
-        CHECK(isOn(id) == before);
+    for (const auto& [key, next] :
+         {std::pair{VK_DOWN, IDC_OPTLOADFROMMENU}, {VK_UP, IDC_OPTLOADWITHKILLER}}) {
+        Press(static_cast<WPARAM>(key));
+        CHECK(isOn(next));
     }
+    Focus(IDC_CHKBEEP);
+    const bool wasOn = isOn(IDC_CHKBEEP);
+    Press(VK_SPACE);
+    CHECK(isOn(IDC_CHKBEEP) != wasOn);
 }

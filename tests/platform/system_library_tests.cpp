@@ -9,55 +9,36 @@
 #include "platform/text.h"
 #include "tests/support/import_fake.h"
 
-namespace {
+TEST_CASE(
+    "a library comes from the system's folder, on Windows 7 too, which does not know the search flag, and "
+    "one "
+    "that is missing is looked for nowhere else") {
+    wchar_t folder[MAX_PATH]{};
+    GetSystemDirectoryW(folder, MAX_PATH);
+    const std::wstring path = std::wstring(folder) + L"\\winmm.dll";
+    const auto loaded = [] {
+        wchar_t found[MAX_PATH]{};
+        GetModuleFileNameW(LoadSystemLibrary(L"winmm.dll"), found, MAX_PATH);
+        return UpperCase(found);
+    };
+    CHECK(loaded() == UpperCase(path));
 
-struct Load {
-    std::wstring name;
-    DWORD flags;
-    bool operator==(const Load&) const = default;
-};
-
-// A Windows that refuses the search flag, or has no library at all.
-struct Loader {
-    const DWORD error;
-    std::vector<Load> loads{};
-
+    DWORD error = ERROR_INVALID_PARAMETER;
+    std::vector<std::pair<std::wstring, DWORD>> loads;
     const ImportFake<"LoadLibraryExW", decltype(&LoadLibraryExW)> load{
-        "kernel32.dll", [this](LPCWSTR name, HANDLE file, DWORD flags) -> HMODULE {
-            loads.push_back({name, flags});
-            if (error == ERROR_INVALID_PARAMETER && (flags & LOAD_LIBRARY_SEARCH_SYSTEM32) == 0)
-                return load.Original(name, file, flags);
+        "kernel32.dll", [&](LPCWSTR name, HANDLE file, DWORD flags) -> HMODULE {
+            loads.emplace_back(name, flags);
+            if (loads.size() > 1) return load.Original(name, file, flags);
             SetLastError(error);
             return nullptr;
         }};
-};
-
-std::wstring SystemPath() {
-    wchar_t folder[MAX_PATH]{};
-    GetSystemDirectoryW(folder, MAX_PATH);
-    return std::wstring(folder) + L"\\winmm.dll";
-}
-
-void CheckLoaded() {
-    wchar_t path[MAX_PATH]{};
-    GetModuleFileNameW(LoadSystemLibrary(L"winmm.dll"), path, MAX_PATH);
-    CHECK(UpperCase(path) == UpperCase(SystemPath()));
-}
-
-}  // namespace
-
-TEST_CASE("a library comes from the system's folder, on Windows 7 too, which does not know the search flag") {
-    CheckLoaded();
-    Loader windows7{ERROR_INVALID_PARAMETER};
-    CheckLoaded();
-    CHECK(windows7.loads == std::vector<Load>{{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32},
-                                              {SystemPath(), LOAD_WITH_ALTERED_SEARCH_PATH}});
-}
-
-TEST_CASE("a library that is missing is not looked for anywhere else") {
-    Loader bare{ERROR_MOD_NOT_FOUND};
+    const std::pair<std::wstring, DWORD> first{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32};
+    CHECK(loaded() == UpperCase(path));
+    CHECK(loads == std::vector{first, {path, LOAD_WITH_ALTERED_SEARCH_PATH}});
+    loads.clear();
+    error = ERROR_MOD_NOT_FOUND;
     CHECK(LoadSystemLibrary(L"winmm.dll") == nullptr);
-    CHECK(bare.loads.size() == 1);
+    CHECK(loads == std::vector{first});
 }
 
 TEST_CASE("a function that is not there, or whose library is not, is null") {
