@@ -34,8 +34,6 @@ inline constexpr wchar_t kLibrary[] = L"{5260E1ED-AE71-44D7-8381-905CDE9DC4A2}";
 inline const std::wstring kLibraryKey = kClasses + L"TypeLib\\" + kLibrary;
 inline const std::wstring kLibraryPathKey = kLibraryKey + L"\\1.0\\0\\win32";
 
-inline constexpr wchar_t kOtherServer[] = L"C:\\elsewhere\\server.exe";
-
 inline ServerDescription TestServer() {
     return {
         .classes = {{kFirstClass, L"RegistrationTests.First", L"First test class", kPublicTypeLibrary},
@@ -111,10 +109,11 @@ struct CleanRegistry {
 
     // As if the server had been registered from another folder.
     void MoveElsewhere() const {
+        const std::wstring other = L"C:\\elsewhere\\server.exe";
         // With the NUL at their ends, which Wine would sometimes add when they are put back.
         for (const wchar_t* const name : {L"", L"ServerExecutable"})
-            machine.Write(kFirstServerKey, name, std::wstring(kOtherServer) + L'\0');
-        OwnTypeLibrary(kPublicTypeLibrary).Register(false, kOtherServer);
+            machine.Write(kFirstServerKey, name, other + L'\0');
+        OwnTypeLibrary(kPublicTypeLibrary).Register(false, other);
     }
 
     const TestHive machine{HKEY_LOCAL_MACHINE};

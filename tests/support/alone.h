@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/handle.h"
-#include "tests/support/import_patch.h"
+#include "tests/support/import_fake.h"
 
 // While it exists the process does not end itself; how often it would have is counted.
 class NotedEnd {
@@ -17,15 +17,14 @@ public:
     static int Count() { return s_count; }
 
 private:
-    static BOOL WINAPI Note(HANDLE process, UINT code) {
-        CHECK(process == GetCurrentProcess());
-        CHECK(code == 0);
-        ++s_count;
-        return TRUE;
-    }
-
     static inline int s_count = 0;
-    const ImportPatch m_patch{"kernel32.dll", "TerminateProcess", &Note};
+    const ImportFake<"TerminateProcess", decltype(&TerminateProcess)> m_end{
+        "kernel32.dll", [](HANDLE process, UINT code) {
+            CHECK(process == GetCurrentProcess());
+            CHECK(code == 0);
+            ++s_count;
+            return TRUE;
+        }};
 };
 
 // Starts one of this program's test cases, which is skipped otherwise, in a process of its own.

@@ -4,6 +4,17 @@
 #include <stdexcept>
 #include <string>
 
+namespace {
+
+void WriteSlot(void** slot, void* value) {
+    DWORD protection = 0;
+    VirtualProtect(slot, sizeof(void*), PAGE_READWRITE, &protection);
+    *slot = value;
+    VirtualProtect(slot, sizeof(void*), protection, &protection);
+}
+
+}  // namespace
+
 bool FindImport(HMODULE importer,
                 const std::function<bool(const char* module, const char* function, void** slot)>& visit) {
     auto* const base = reinterpret_cast<BYTE*>(importer);
@@ -27,13 +38,6 @@ bool FindImport(HMODULE importer,
         }
     }
     return false;
-}
-
-void WriteSlot(void** slot, void* value) {
-    DWORD protection = 0;
-    VirtualProtect(slot, sizeof(void*), PAGE_READWRITE, &protection);
-    *slot = value;
-    VirtualProtect(slot, sizeof(void*), protection, &protection);
 }
 
 ImportPatch::ImportPatch(const char* module, const char* function, void* replacement, int) {

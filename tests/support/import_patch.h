@@ -10,8 +10,6 @@
 bool FindImport(HMODULE importer,
                 const std::function<bool(const char* module, const char* function, void** slot)>& visit);
 
-void WriteSlot(void** slot, void* value);
-
 class ImportPatch {
 public:
     // module: the DLL's name as imported, with extension, letter case ignored. replacement: a function of the

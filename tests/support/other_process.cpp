@@ -121,11 +121,6 @@ Rows ComboItems(HWND combo) {
     return TextRows(combo, CB_GETCOUNT, CB_GETLBTEXTLEN, CB_GETLBTEXT);
 }
 
-std::wstring ComboText(HWND combo) {
-    const LRESULT chosen = SendMessageW(combo, CB_GETCURSEL, 0, 0);
-    return chosen == CB_ERR ? L"" : ComboItems(combo)[static_cast<size_t>(chosen)];
-}
-
 Rows Headings(HWND list) {
     Rows headings;
     for (int column = 0; column < ColumnCount(list); ++column) {

@@ -14,11 +14,10 @@ std::wstring ShownText(HWND window);
 // The dialogs of a process that have an owner, or those that have none; the topmost comes first.
 std::vector<HWND> DialogsOf(DWORD processId, bool haveOwner);
 
-// The text of the row of tabs, of a list box and of a combo box.
+// The texts of a tab, a list box and a combo box.
 std::wstring TabText(HWND tabs, int tab);
 Rows ListBoxRows(HWND list);
 Rows ComboItems(HWND combo);
-std::wstring ComboText(HWND combo);
 
 // Headings of a list view, and its rows as "text|sub-item 1|...|x", the x only where the row is checked.
 Rows Headings(HWND list);

@@ -2,26 +2,18 @@
 
 #include <doctest.h>
 
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 
-#include "platform/handle.h"
 #include "store/server_directory.h"
 
 namespace {
 
-FileHandle Open(const std::wstring& path, DWORD access, DWORD disposition) {
-    FileHandle file(CreateFileW(path.c_str(), access, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
-                                nullptr, disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file) throw std::runtime_error("a test file cannot be opened");
-    return file;
-}
-
-void WriteAll(HANDLE file, std::string_view bytes) {
-    DWORD done = 0;
-    if (!WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr) ||
-        done != bytes.size()) {
-        throw std::runtime_error("a test file cannot be written");
-    }
+void Put(const std::wstring& path, std::string_view bytes, std::ios::openmode mode) {
+    std::ofstream file(std::filesystem::path(path), std::ios::binary | mode);
+    if (!(file << bytes).flush()) throw std::runtime_error("a test file cannot be written");
 }
 
 // Takes paths of any length.
@@ -60,7 +52,7 @@ TestFolder::~TestFolder() {
 
 std::wstring TestFolder::Write(const std::wstring& name, std::string_view bytes) const {
     const std::wstring path = Path(name);
-    WriteAll(Open(path, GENERIC_WRITE, CREATE_ALWAYS).Get(), bytes);
+    Put(path, bytes, std::ios::trunc);
     return path;
 }
 
@@ -73,16 +65,11 @@ bool FileExists(const std::wstring& path) {
 }
 
 std::string BytesOf(const std::wstring& path) {
-    const FileHandle file = Open(path, GENERIC_READ, OPEN_EXISTING);
-    std::string bytes(GetFileSize(file.Get(), nullptr), '\0');
-    DWORD done = 0;
-    if (!bytes.empty() &&
-        !ReadFile(file.Get(), bytes.data(), static_cast<DWORD>(bytes.size()), &done, nullptr)) {
-        throw std::runtime_error("a test file cannot be read");
-    }
-    return bytes;
+    std::ifstream file(std::filesystem::path(path), std::ios::binary);
+    if (!file) throw std::runtime_error("a test file cannot be read");
+    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void Append(const std::wstring& path, std::string_view bytes) {
-    WriteAll(Open(path, FILE_APPEND_DATA, OPEN_ALWAYS).Get(), bytes);
+    Put(path, bytes, std::ios::app);
 }

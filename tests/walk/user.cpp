@@ -57,7 +57,7 @@ Rows User::Look() {
     }
     for (const wchar_t* const button : {L"cmdSoundFile", L"cmdTestSound"})
         shown.push_back(button + std::wstring(CanPress(button) ? L" is enabled" : L" is disabled"));
-    shown.push_back(ComboText(Find(L"cboPauseKey")));
+    shown.push_back(ShownText(Find(L"cboPauseKey")));
     for (const wchar_t* const box : {L"txtSpeed", L"txtPause"})
         shown.push_back(box + (L": " + ShownText(Find(box))));
     for (const Rows& rows :
