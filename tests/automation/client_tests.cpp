@@ -4,10 +4,10 @@
 #include <cstdlib>
 
 #include "platform/text.h"
-#include "tests/support/killed_servers.h"
 #include "tests/support/manager.h"
 #include "tests/support/program.h"
 #include "tests/support/test_folder.h"
+#include "tests/support/wine.h"
 
 namespace {
 

@@ -13,7 +13,6 @@
 #include "platform/system_library.h"
 #include "platform/text.h"
 #include "store/server_directory.h"
-#include "tests/support/killed_servers.h"
 #include "tests/support/manager.h"
 #include "tests/support/wine.h"
 #include "version.h"

@@ -14,8 +14,8 @@
 #include "tests/engine/session.h"
 #include "tests/support/alone.h"
 #include "tests/support/automation.h"
-#include "tests/support/killed_servers.h"
 #include "tests/support/program.h"
+#include "tests/support/wine.h"
 
 namespace {
 

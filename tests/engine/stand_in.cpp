@@ -8,9 +8,9 @@
 
 #include "platform/automation_error.h"
 #include "tests/support/automation.h"
-#include "tests/support/killed_servers.h"
 #include "tests/support/manager.h"
 #include "tests/support/program.h"
+#include "tests/support/wine.h"
 
 // What another process returned is the first thing to know of a call that failed.
 REGISTER_EXCEPTION_TRANSLATOR(const AutomationError& error) {

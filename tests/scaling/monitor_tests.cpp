@@ -72,13 +72,11 @@ void CheckSize(HICON icon, int pixels) {
     ICONINFO info{};
     BITMAP bitmap{};
     REQUIRE(GetIconInfo(icon, &info));
-    GetObjectW(info.hbmMask, sizeof(bitmap), &bitmap);
-    // A picture of two colours has both its masks in one.
-    const LONG height = info.hbmColor == nullptr ? bitmap.bmHeight / 2 : bitmap.bmHeight;
+    GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap);
     DeleteObject(info.hbmMask);
-    if (info.hbmColor != nullptr) DeleteObject(info.hbmColor);
+    DeleteObject(info.hbmColor);
     CHECK(bitmap.bmWidth == pixels);
-    CHECK(height == pixels);
+    CHECK(bitmap.bmHeight == pixels);
 }
 
 struct Pictures : InsideWithoutEngine {

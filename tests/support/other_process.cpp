@@ -10,49 +10,26 @@ namespace {
 
 constexpr int kTextLength = 70000;
 
-// Memory of the process that a window belongs to: messages of the common controls carry addresses there.
-class RemoteMemory {
-public:
-    RemoteMemory(HWND window, size_t size) {
-        DWORD id = 0;
-        GetWindowThreadProcessId(window, &id);
-        m_process.Reset(OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id));
-        m_memory = VirtualAllocEx(m_process.Get(), nullptr, size, MEM_COMMIT, PAGE_READWRITE);
-        if (m_memory == nullptr) throw std::runtime_error("no memory in the other process");
-    }
-    RemoteMemory(const RemoteMemory&) = delete;
-    RemoteMemory& operator=(const RemoteMemory&) = delete;
-    ~RemoteMemory() { VirtualFreeEx(m_process.Get(), m_memory, 0, MEM_RELEASE); }
-
-    BYTE* Address() const { return static_cast<BYTE*>(m_memory); }
-    LPARAM Parameter() const { return reinterpret_cast<LPARAM>(m_memory); }
-
-    template <class Data>
-    void Write(const Data& data) {
-        WriteProcessMemory(m_process.Get(), m_memory, &data, sizeof(data), nullptr);
-    }
-
-    void Read(size_t offset, void* data, size_t size) const {
-        if (!ReadProcessMemory(m_process.Get(), Address() + offset, data, size, nullptr)) {
-            throw std::runtime_error("the other process cannot be read");
-        }
-    }
-
-private:
-    ProcessHandle m_process;
-    void* m_memory = nullptr;
-};
-
-// Sends a message whose structure, with the pointer member text, the other process fills with a text.
+// Sends a message whose structure, with the pointer member text, the window's process fills with a text:
+// messages of the common controls carry addresses of that process.
 template <class Item>
 std::wstring ItemText(HWND window, UINT message, WPARAM wParam, Item item, wchar_t* Item::*text) {
-    RemoteMemory memory(window, sizeof(Item) + kTextLength * sizeof(wchar_t));
-    item.*text = reinterpret_cast<wchar_t*>(memory.Address() + sizeof(Item));
-    item.cchTextMax = kTextLength;
-    memory.Write(item);
-    SendMessageW(window, message, wParam, memory.Parameter());
+    DWORD id = 0;
+    GetWindowThreadProcessId(window, &id);
+    const ProcessHandle process(
+        OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ | PROCESS_VM_WRITE, FALSE, id));
     std::wstring result(kTextLength, L'\0');
-    memory.Read(sizeof(Item), result.data(), result.size() * sizeof(wchar_t));
+    const size_t size = result.size() * sizeof(wchar_t);
+    auto* const memory = static_cast<BYTE*>(
+        VirtualAllocEx(process.Get(), nullptr, sizeof(Item) + size, MEM_COMMIT, PAGE_READWRITE));
+    if (memory == nullptr) throw std::runtime_error("no memory in the other process");
+    item.*text = reinterpret_cast<wchar_t*>(memory + sizeof(Item));
+    item.cchTextMax = kTextLength;
+    WriteProcessMemory(process.Get(), memory, &item, sizeof(Item), nullptr);
+    SendMessageW(window, message, wParam, reinterpret_cast<LPARAM>(memory));
+    const BOOL isRead = ReadProcessMemory(process.Get(), item.*text, result.data(), size, nullptr);
+    VirtualFreeEx(process.Get(), memory, 0, MEM_RELEASE);
+    if (!isRead) throw std::runtime_error("the other process cannot be read");
     result.resize(wcslen(result.c_str()));
     return result;
 }

@@ -1,4 +1,4 @@
-// Whether this is Wine.
+// Whether this is Wine, and what it does not do by itself.
 #pragma once
 
 #include <windows.h>
@@ -15,3 +15,7 @@ inline const char* WineVersion() {
 inline bool RunsUnderWine() {
     return *WineVersion() != '\0';
 }
+
+// COM itself notices that a server has ended. Wine's does not, and would send every later client to the dead
+// one: there its service is stopped and started again.
+void ForgetKilledServers();

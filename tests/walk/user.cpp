@@ -4,9 +4,9 @@
 
 #include "platform/automation_error.h"
 #include "platform/text.h"
-#include "tests/support/killed_servers.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/program.h"
+#include "tests/support/wine.h"
 
 namespace {
 

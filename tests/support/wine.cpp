@@ -1,10 +1,8 @@
-#include "tests/support/killed_servers.h"
+#include "tests/support/wine.h"
 
-#include <windows.h>
 #include <winsvc.h>
 
 #include "tests/support/message_pump.h"
-#include "tests/support/wine.h"
 
 namespace {
 
