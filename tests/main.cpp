@@ -17,11 +17,13 @@
 
 namespace {
 
-// Writes the name of each test case into the file that the environment variable TEST_CURRENT names.
-struct CurrentTest : doctest::IReporter {
-    explicit CurrentTest(const doctest::ContextOptions&) {}
+// What doctest prints, and the name of each test case in the file that the environment variable TEST_CURRENT
+// names.
+struct CurrentTest : doctest::ConsoleReporter {
+    explicit CurrentTest(const doctest::ContextOptions& options) : ConsoleReporter(options) {}
 
     void test_case_start(const doctest::TestCaseData& test) override {
+        ConsoleReporter::test_case_start(test);
         WatchForCrash(0);
         const wchar_t* const path = _wgetenv(L"TEST_CURRENT");
         if (path == nullptr) return;
@@ -36,20 +38,9 @@ struct CurrentTest : doctest::IReporter {
         if (test.m_skip && test.m_description != nullptr)
             std::printf("[skipped] %s: %s\n", test.m_name, test.m_description);
     }
-
-    void report_query(const doctest::QueryData&) override {}
-    void test_run_start() override {}
-    void test_run_end(const doctest::TestRunStats&) override {}
-    void test_case_reenter(const doctest::TestCaseData&) override {}
-    void test_case_end(const doctest::CurrentTestCaseStats&) override {}
-    void test_case_exception(const doctest::TestCaseException&) override {}
-    void subcase_start(const doctest::SubcaseSignature&) override {}
-    void subcase_end() override {}
-    void log_assert(const doctest::AssertData&) override {}
-    void log_message(const doctest::MessageData&) override {}
 };
 
-REGISTER_LISTENER("current", 1, CurrentTest);
+REGISTER_REPORTER("current", 0, CurrentTest);
 
 // Of the exceptions that the system itself raises, those of the severity "error".
 bool IsFault(DWORD code) {
@@ -120,6 +111,7 @@ int wmain(int count, wchar_t** arguments) {
 
     doctest::Context context(count, pointers.data());
     context.setOption("no-colors", true);
+    context.setOption("reporters", "current");
     const int result = context.run();
     std::fflush(nullptr);
     return result;
