@@ -84,6 +84,7 @@ TEST_CASE_FIXTURE(
         CHECK(FocusedId() == next);
     }
     CHECK(IsShown());
+    CHECK_FALSE(CanApply());
     Press(VK_SPACE);
     CHECK_FALSE(IsShown());
 
