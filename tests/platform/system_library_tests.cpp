@@ -9,10 +9,11 @@
 #include "platform/text.h"
 #include "tests/support/import_fake.h"
 
+using Loads = std::vector<std::pair<std::wstring, DWORD>>;  // the names and their flags
+
 TEST_CASE(
     "a library comes from the system's folder, on Windows 7 too, which does not know the search flag, and "
-    "one "
-    "that is missing is looked for nowhere else") {
+    "one that is missing is looked for nowhere else") {
     wchar_t folder[MAX_PATH]{};
     GetSystemDirectoryW(folder, MAX_PATH);
     const std::wstring path = std::wstring(folder) + L"\\winmm.dll";
@@ -24,7 +25,7 @@ TEST_CASE(
     CHECK(loaded() == UpperCase(path));
 
     DWORD error = ERROR_INVALID_PARAMETER;
-    std::vector<std::pair<std::wstring, DWORD>> loads;
+    Loads loads;
     const ImportFake<"LoadLibraryExW", decltype(&LoadLibraryExW)> load{
         "kernel32.dll", [&](LPCWSTR name, HANDLE file, DWORD flags) -> HMODULE {
             loads.emplace_back(name, flags);
@@ -32,13 +33,13 @@ TEST_CASE(
             SetLastError(error);
             return nullptr;
         }};
-    const std::pair<std::wstring, DWORD> first{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32};
+    const Loads::value_type first{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32};
     CHECK(loaded() == UpperCase(path));
-    CHECK(loads == std::vector{first, {path, LOAD_WITH_ALTERED_SEARCH_PATH}});
+    CHECK(loads == Loads{first, {path, LOAD_WITH_ALTERED_SEARCH_PATH}});
     loads.clear();
     error = ERROR_MOD_NOT_FOUND;
     CHECK(LoadSystemLibrary(L"winmm.dll") == nullptr);
-    CHECK(loads == std::vector{first});
+    CHECK(loads == Loads{first});
 }
 
 TEST_CASE("a function that is not there, or whose library is not, is null") {
