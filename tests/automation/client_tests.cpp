@@ -9,11 +9,7 @@
 #include "tests/support/test_folder.h"
 #include "tests/support/wine.h"
 
-namespace {
-
 constexpr wchar_t kProgram[] = L"SentrelConfig.exe";
-
-}  // namespace
 
 TEST_CASE("clients in script languages reach the manager, share it and end it") {
     // What the script ends with behind its last line, and in no other way.

@@ -5,14 +5,7 @@
 #include "platform/executable_path.h"
 #include "platform/text.h"
 
-namespace {
-
 constexpr wchar_t kPassed[] = L"CalvaneAlonePassed";
-constexpr LONG kMostProcesses = 1000;
-constexpr size_t kAtATime = 4;
-constexpr DWORD kPatienceForOne = 60000;  // milliseconds
-
-}  // namespace
 
 FileHandle StartAlone(const char* test, const std::string& subcase) {
     std::wstring line = L'"' + ExecutablePath() + L"\" --no-skip --minimal \"--test-case=" + FromAnsi(test) +
@@ -27,6 +20,9 @@ FileHandle StartAlone(const char* test, const std::string& subcase) {
 }
 
 void CheckAlone(const char* test, const std::vector<std::string>& subcases) {
+    constexpr LONG kMostProcesses = 1000;
+    constexpr size_t kAtATime = 4;
+    constexpr DWORD kPatienceForOne = 60000;  // milliseconds
     const FileHandle passed(CreateSemaphoreW(nullptr, 0, kMostProcesses, kPassed));
     std::vector<FileHandle> running;
     const auto wait = [&](size_t most) {

@@ -8,12 +8,11 @@
 
 namespace {
 
-constexpr int kTextLength = 70000;
-
 // Sends a message whose structure, with the pointer member text, the window's process fills with a text:
 // messages of the common controls carry addresses of that process.
 template <class Item>
 std::wstring ItemText(HWND window, UINT message, WPARAM wParam, Item item, wchar_t* Item::*text) {
+    constexpr int kTextLength = 70000;
     DWORD id = 0;
     GetWindowThreadProcessId(window, &id);
     const ProcessHandle process(

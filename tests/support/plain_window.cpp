@@ -2,13 +2,8 @@
 
 #include <algorithm>
 
-namespace {
-
-constexpr char kClass[] = "CalvanePlainTestWindow";
-
-}  // namespace
-
 PlainWindow::PlainWindow() {
+    constexpr char kClass[] = "CalvanePlainTestWindow";
     WNDCLASSA windowClass{};
     windowClass.lpfnWndProc = OwnProcedure;
     windowClass.hInstance = GetModuleHandleW(nullptr);
