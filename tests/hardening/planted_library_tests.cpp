@@ -39,6 +39,9 @@ constexpr wchar_t kLoadedSometime[] =
 std::vector<std::wstring> LibrariesToPlant() {
     for (const std::string& imported : Image(ProgramPath()).libraries)
         LoadLibraryA(imported.c_str());
+    // Wine's user32.dll loads these before the first instruction of a program.
+    for (const char* const ofThemes : {"uxtheme.dll", "msimg32.dll"})
+        LoadLibraryA(ofThemes);
     std::vector<std::wstring> names;
     std::wistringstream words(kLoadedSometime);
     for (std::wstring name; words >> name;) {
