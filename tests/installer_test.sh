@@ -17,6 +17,8 @@ kUninstallKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Calvane'
 kSettingsKey='HKCU\Software\Calvane\Settings'
 kRunKey='HKLM\Software\Microsoft\Windows\CurrentVersion\Run'
 kRunValue='Calvane Config Manager'
+# Where the settings are kept meanwhile.
+kSettings="Z:${kWork//\//\\}\\settings.reg"
 
 # SameFile FILE FILE
 SameFile() {
@@ -271,6 +273,7 @@ Exits 0 "$kInstalled\\Uninstall.exe" /S
 WaitFor 20 UninstallerEnded
 ManagerEnded || Fail "the manager runs on after its removal"
 Equal txtPause "$(Stored "$kSettingsKey" txtPause)" 7000
+Exits 0 "$kReg" export 'HKCU\Software\Calvane' "$kSettings" /y
 Exits 0 "$kReg" delete 'HKCU\Software\Calvane' /f
 Snapshot removed
 SameLines "not as before" "$kWork/before" "$kWork/removed"
@@ -280,7 +283,7 @@ echo "ok: removed but for the settings"
 mkdir "$WINEPREFIX/drive_c/Other"
 touch "$WINEPREFIX/drive_c/Other/CalvaneConfigLoader.exe"
 WriteRunValue 'C:\Other\CalvaneConfigLoader.exe'
-SetRegistryValue "$kSettingsKey" txtPause REG_SZ 7000
+Exits 0 "$kReg" import "$kSettings"
 Exits 0 "$kSetup" /S
 Client 2
 Equal txtPause "$(Stored "$kSettingsKey" txtPause)" 7000
