@@ -1,4 +1,4 @@
-// Registering and unregistering, seen in the registry itself.
+// Registering and unregistering, seen in the registry itself, and how the command line asks for it.
 #include <doctest.h>
 
 #include <functional>
@@ -90,4 +90,29 @@ TEST_CASE_FIXTURE(Registered, "what somebody else keeps in the keys stays") {
     machine.DeleteTree(kFirstKey);
     machine.DeleteTree(kFirstName);
     CHECK(Exported() == before);
+}
+
+TEST_CASE("the command line names what the server is to do") {
+    const std::pair<std::wstring, ServerCommand> rows[] = {
+        {L"/RegServer", ServerCommand::Register},
+        {L"-REGserver", ServerCommand::Register},
+        {L"/UnregServer", ServerCommand::Unregister},
+        {L"-unRegServer", ServerCommand::Unregister},
+        {L"/Embedding", ServerCommand::Run},
+        {L" \t-embedding  ", ServerCommand::Run},
+        {L"-Embedding /RegServer", ServerCommand::Run},
+        {L"something /UnregServer", ServerCommand::Unregister},
+        {L"", ServerCommand::None},
+        {L"   ", ServerCommand::None},
+        {L"/", ServerCommand::None},
+        {L"RegServer", ServerCommand::None},
+        {L"--RegServer", ServerCommand::None},
+        {L"/RegServerPerUser", ServerCommand::None},
+        {L"/Register", ServerCommand::None},
+        {L"\\RegServer", ServerCommand::None},
+    };
+    for (const auto& [arguments, command] : rows) {
+        CAPTURE(arguments);
+        CHECK(ParseServerCommand(arguments) == command);
+    }
 }
