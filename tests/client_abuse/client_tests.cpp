@@ -5,9 +5,6 @@
 #include <algorithm>
 #include <atomic>
 #include <memory>
-#include <mutex>
-#include <set>
-#include <string>
 #include <thread>
 
 #include "platform/automation_error.h"
@@ -95,8 +92,7 @@ struct Quiet : QuietStart {
 };
 
 constexpr int kCallers = 3;
-// The calls of each member by each of them.
-constexpr int kRounds = 1000 / kCallers + 1;
+constexpr int kRounds = 300;  // of each of them
 
 // What a call may return from the moment on in which ReleaseConfig has returned, beside the refusal: that
 // there is no server any more.
@@ -112,10 +108,9 @@ struct Board {
     std::atomic<int> refused = 0;
     std::atomic<int> gone = 0;
     std::atomic<int> rounds = 0;
-    std::mutex lock;
-    std::set<std::string> wrong;
+    std::atomic<HRESULT> other = S_OK;  // what else a later call has returned
 
-    void Take(const std::string& member, const std::function<HRESULT()>& call) {
+    void Take(const std::function<HRESULT()>& call) {
         const bool isEarly = !isReleased;
         const HRESULT result = call();
         if (isEarly) {
@@ -125,61 +120,39 @@ struct Board {
         } else if (std::ranges::find(kGone, result) != std::end(kGone)) {
             ++gone;
         } else {
-            const std::lock_guard guard(lock);
-            wrong.insert(member + " returns " + std::to_string(result));
+            other = result == S_OK ? S_FALSE : result;
         }
     }
 };
 
-struct Member {
-    std::string name;
-    ComPtr<IDispatch> object;
-    DISPID number;
-    WORD flags;
-    std::vector<Variant> arguments = {};
-};
-
-// Goes on until kRounds rounds have begun behind ReleaseConfig. The members are those that make or show
-// something, or hand something out; every member is asked in the suites "pairs_end" and "entry".
+// Goes on until kRounds rounds have begun behind ReleaseConfig. The members are some of those that make or
+// show something, or hand something out; every member is asked in the suites "pairs_end" and "entry".
 void CallEverything(Client& client, Board& board) {
     const ComPtr<IDispatch> form = ObjectIn(Get(client.config.Get(), L"ConfigForm"));
     const ComPtr<IDispatch> icon = ObjectIn(Get(client.config.Get(), L"ShellIconClass"));
     const ComPtr<IDispatch> picture = ObjectIn(Get(form.Get(), L"picShellIcon"));
-    const Member members[] = {
-        {"ConfigHwnd", client.config, 0x68030002, DISPATCH_PROPERTYGET},
-        {"ConfigForm", client.config, 0x68030001, DISPATCH_PROPERTYGET},
-        {"b_OKtoUnload =", form, 1, DISPATCH_PROPERTYPUT, {false}},
-        {"Show", form, 4, DISPATCH_METHOD},
-        {"Visible =", form, 6, DISPATCH_PROPERTYPUT, {true}},
-        {"hWnd", form, 8, DISPATCH_PROPERTYGET},
-        {"picTray", form, 10, DISPATCH_PROPERTYGET, {1L}},
-        {"ControlHwnd", form, 11, DISPATCH_METHOD, {L"cmdApply"}},
-        {"ToolTip =", icon, 1, DISPATCH_PROPERTYPUT, {L"Sentrel"}},
-        {"InitShellNotify", icon, 2, DISPATCH_METHOD, {client.Window(), 1025L}},
-        {"AddIcon", icon, 3, DISPATCH_METHOD, {picture.Get()}},
-        {"Picture", picture, 2, DISPATCH_PROPERTYGET},
+    const auto invoke = [&](const ComPtr<IDispatch>& object, DISPID member, WORD flags,
+                            const std::vector<Variant>& arguments = {}) {
+        board.Take([&] {
+            Variant result;
+            return InvokeByNumber(object.Get(), member, flags, arguments, result);
+        });
     };
     ++board.ready;
     for (int round = 0; round < kRounds;) {
-        for (const Member& member : members) {
-            board.Take(member.name, [&] {
-                Variant result;
-                return InvokeByNumber(member.object.Get(), member.number, member.flags, member.arguments,
-                                      result);
-            });
-        }
+        invoke(client.config, 0x68030002, DISPATCH_PROPERTYGET);  // ConfigHwnd
+        invoke(form, 4, DISPATCH_METHOD);                         // Show
+        invoke(form, 11, DISPATCH_METHOD, {L"cmdApply"});         // ControlHwnd
+        invoke(icon, 3, DISPATCH_METHOD, {picture.Get()});        // AddIcon
+        invoke(picture, 2, DISPATCH_PROPERTYGET);                 // Picture
         for (long showType : {1L, 2L, 3L}) {
-            board.Take("ConfigInstance", [&] {
+            board.Take([&] {
                 ComPtr<IDispatch> instance;
                 return client.control->ConfigInstance(&showType, &instance);
             });
         }
-        board.Take("GetTypeInfo", [&] {
-            ComPtr<ITypeInfo> info;
-            return form->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info);
-        });
         if (!board.isReleased) continue;
-        board.Take("ReleaseConfig", [&] { return client.control->ReleaseConfig(); });
+        board.Take([&] { return client.control->ReleaseConfig(); });
         ++round;
         ++board.rounds;
     }
@@ -271,7 +244,6 @@ TEST_CASE(
     CHECK(PumpUntil([&] { return board->rounds >= kCallers; }));
     CHECK(board->refused > 0);
     CHECK(board->gone == 0);
-    CHECK(ShownIcons() == 0);
 
     held.LetGo();
     REQUIRE(last.End());
@@ -280,8 +252,7 @@ TEST_CASE(
     REQUIRE(session.manager.WaitForEnd());
     REQUIRE(callers.End());
     CHECK(board->rounds == kCallers * kRounds);
-    for (const std::string& wrong : board->wrong)
-        FAIL_CHECK(wrong);
+    CHECK(board->other == S_OK);
     CHECK_FALSE(IsWindow(window));
     CHECK(ShownIcons() == 0);
     CHECK(session.engine.Popups() == 0);

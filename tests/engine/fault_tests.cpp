@@ -2,22 +2,23 @@
 #include <doctest.h>
 
 #include "tests/engine/session.h"
+#include "tests/engine_control/menu_items.h"
 #include "tests/support/automation.h"
 #include "tests/support/shown_text.h"
 
 namespace {
 
-bool Becomes(HWND window, const std::wstring& menu) {
+bool Becomes(HWND window, const std::string& menu) {
     return WaitUntil([&] { return MenuOf(window) == menu; });
 }
 
 // The menu is as given and follows commands though they reach nobody.
-void CheckCommands(HWND window, const std::wstring& menu) {
+void CheckCommands(HWND window, const std::string& menu) {
     CHECK(MenuOf(window) == menu);
     Command(window, L't');
-    CHECK(Becomes(window, kStoppedMenu));
+    CHECK(Becomes(window, kStopped));
     Command(window, L's');
-    CHECK(Becomes(window, kRunningMenu));
+    CHECK(Becomes(window, kRunning));
 }
 
 void CheckExit(Session& session) {
@@ -41,7 +42,7 @@ TEST_CASE("without a registered engine the window works, and its menu follows co
     CHECK(GetTickCount() - start < kHang);
     CHECK(Get(session.manager.Form().Get(), L"m_oPopup").Value().pdispVal == nullptr);
     CHECK(WaitForIcon());
-    CheckCommands(session.window, kDesignedMenu);
+    CheckCommands(session.window, kDesigned);
     session.CheckWorks();
     CheckExit(session);
 }
@@ -49,13 +50,12 @@ TEST_CASE("without a registered engine the window works, and its menu follows co
 TEST_CASE("an engine that dies in a call leaves a manager that works") {
     struct Row {
         std::wstring member;
-        std::wstring menu;
+        std::string menu;
         wchar_t command = 0;  // that leads to the call; where there is none, the making of the window does
     };
-    const Row rows[] = {{L"CreatePopup", kDesignedMenu},   {L"State", kDesignedMenu},
-                        {L"LogFile", kDesignedMenu},       {L"Start", kRunningMenu, L's'},
-                        {L"Stop", kStoppedMenu, L't'},     {L"Pause", kDesignedMenu, L'p'},
-                        {L"ReloadSettings", kDesignedMenu}};
+    const Row rows[] = {{L"CreatePopup", kDesigned},   {L"State", kDesigned},     {L"LogFile", kDesigned},
+                        {L"Start", kRunning, L's'},    {L"Stop", kStopped, L't'}, {L"Pause", kDesigned, L'p'},
+                        {L"ReloadSettings", kDesigned}};
     for (const Row& row : rows) {
         CAPTURE(row.member);
         Session session;
@@ -86,7 +86,7 @@ TEST_CASE("an engine that dies between two calls is missed by nobody but its com
         StandIn::End(death);
         // The frames that it started run to their end.
         CHECK(WaitForIcon(1));
-        CheckCommands(session.window, kRunningMenu);
+        CheckCommands(session.window, kRunning);
         session.CheckWorks();
         CheckExit(session);
     }

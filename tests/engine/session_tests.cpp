@@ -2,6 +2,7 @@
 #include <doctest.h>
 
 #include "tests/engine/session.h"
+#include "tests/engine_control/menu_items.h"
 #include "tests/support/message_pump.h"
 #include "tests/support/shown_text.h"
 
@@ -39,10 +40,10 @@ TEST_CASE(
     CHECK(session.engine.Count(L"CreatePopup") == 1);
     CHECK(session.engine.Connections() == 1);
     CHECK(WaitForIcon());
-    CHECK(IconStory() == "add rest, delete, add rest");
+    CHECK(IconStory() == "add, delete, add");
     PostGesture(session.window, WM_LBUTTONDBLCLK);
     CHECK(WaitUntil([&] { return session.Visible(); }));
-    CHECK(MenuOf(session.window) == kRunningMenu);
+    CHECK(MenuOf(session.window) == kRunning);
 }
 
 TEST_CASE_FIXTURE(StartedSession,
@@ -64,7 +65,7 @@ TEST_CASE_FIXTURE(StartedSession,
     CHECK(GetPropA(window, "OldWndProc") != nullptr);
     engine.Raise(L"Killed");
     CHECK(WaitForIcon(1));
-    CHECK(IconStory() == "add rest, frame 0, frame 1, frame 2, delete, add rest");
+    CHECK(IconStory() == "add, change, change, change, delete, add");
     // The engine heard nothing of it.
     CHECK(engine.Calls() == Lines{});
 
@@ -79,16 +80,16 @@ TEST_CASE_FIXTURE(StartedSession,
                   "the menu opens over the hidden window and follows the engine's events, an open one the "
                   "next time; its commands reach the engine") {
     PopUpMenu(window);
-    CHECK(ShownMenu() == kRunningMenu);
+    CHECK(ShownMenu() == kRunning);
     CHECK(GetForegroundWindow() == window);
     CHECK_FALSE(Visible());
     engine.Raise(L"Stopped");
     CloseMenu();
-    CHECK(MenuOf(window) == kStoppedMenu);
+    CHECK(MenuOf(window) == kStopped);
     Command(window, L's');
-    CHECK(WaitUntil([&] { return MenuOf(window) == kRunningMenu; }));
+    CHECK(WaitUntil([&] { return MenuOf(window) == kRunning; }));
     Command(window, L'p');
     // As the engine reports it.
-    CHECK(WaitUntil([&] { return MenuOf(window) == kStoppedMenu; }));
+    CHECK(WaitUntil([&] { return MenuOf(window) == kStopped; }));
     CHECK(engine.Calls() == Lines{L"Start", L"Pause"});
 }

@@ -31,10 +31,10 @@ TrayRecord& Record() {
     return *record;
 }
 
-// "+" or "x" for each item that is not always enabled.
-std::wstring Menu(wchar_t start, wchar_t stop, wchar_t pause) {
-    return start + std::wstring(L"&Start Sentrel\n") + stop + L"S&top Sentrel\n-\n*" + pause +
-           L"&Pause Sentrel\n-\n+&Open Calvane Configuration\n+E&xit Calvane\n";
+// The open menu's window; null when none is open.
+HWND OpenMenu() {
+    const HWND menu = FindWindowW(L"#32768", nullptr);
+    return menu != nullptr && IsWindowVisible(menu) ? menu : nullptr;
 }
 
 bool MenuCloses() {
@@ -48,10 +48,6 @@ bool IsChosen(wchar_t mnemonic) {
 }
 
 }  // namespace
-
-const std::wstring kDesignedMenu = Menu(L'+', L'+', L'+');
-const std::wstring kRunningMenu = Menu(L'x', L'+', L'+');
-const std::wstring kStoppedMenu = Menu(L'+', L'x', L'x');
 
 std::wstring BeginTrayRecord() {
     ZeroMemory(&Record(), sizeof(TrayRecord));
@@ -77,7 +73,7 @@ int MostIcons() {
 
 bool WaitForIcon(int earlier) {
     return WaitUntil(
-        [&] { return Record().added > earlier && ShownIcons() == 1 && IconStory().ends_with("add rest"); });
+        [&] { return Record().added > earlier && ShownIcons() == 1 && IconStory().ends_with("add"); });
 }
 
 std::string IconStory() {
@@ -87,11 +83,6 @@ std::string IconStory() {
 void PostGesture(HWND configWindow, UINT mouseMessage) {
     constexpr UINT kCallback = 0x401;
     PostMessageW(configWindow, kCallback, 1, static_cast<LPARAM>(mouseMessage));
-}
-
-HWND OpenMenu() {
-    const HWND menu = FindWindowW(L"#32768", nullptr);
-    return menu != nullptr && IsWindowVisible(menu) ? menu : nullptr;
 }
 
 HWND WaitForMenu() {
@@ -137,11 +128,11 @@ void Command(HWND configWindow, wchar_t mnemonic) {
     FAIL("the menu closes without a choice");
 }
 
-std::wstring ShownMenu() {
+std::string ShownMenu() {
     return Record().menu;
 }
 
-std::wstring MenuOf(HWND configWindow) {
+std::string MenuOf(HWND configWindow) {
     PopUpMenu(configWindow);
     CloseMenu();
     return ShownMenu();

@@ -16,19 +16,18 @@ bool ShellHasIcon(HWND configWindow);
 int ShownIcons();
 int MostIcons();
 
-// Waits until there is one, added after at least so many earlier ones, and it rests: its adding, with the
-// resting picture, was the last call.
+// Waits until there is one, added after at least so many earlier ones, and it rests: its adding was the last
+// call.
 bool WaitForIcon(int earlier = 0);
 
-// What the icon has looked like: "add rest, frame 0, delete, ...".
+// What became of the icon: "add, change, delete, ...".
 std::string IconStory();
 
 // What the icon's callback tells the window: a mouse message over the icon.
 void PostGesture(HWND configWindow, UINT mouseMessage);
 
-// The open menu's window; null when none is open.
-HWND OpenMenu();
-HWND WaitForMenu();  // and until it takes the mouse and the keyboard
+// Waits until a menu is open and takes the mouse and the keyboard; null when none does.
+HWND WaitForMenu();
 
 // Opens the menu by the icon's gesture, away from the mouse pointer's earlier place.
 HWND PopUpMenu(HWND configWindow);
@@ -40,12 +39,6 @@ void Choose(wchar_t mnemonic);
 // Pops up the menu and chooses.
 void Command(HWND configWindow, wchar_t mnemonic);
 
-// The menu shown last, as TrayRecord has it; and that of the icon, which is popped up and closed.
-std::wstring ShownMenu();
-std::wstring MenuOf(HWND configWindow);
-
-// The menu in each of its states. Captions, order, separators and the default item, Pause, are always the
-// same.
-extern const std::wstring kDesignedMenu;
-extern const std::wstring kRunningMenu;
-extern const std::wstring kStoppedMenu;
+// The menu shown last, as EnabledItems has it; and that of the icon, which is popped up and closed.
+std::string ShownMenu();
+std::string MenuOf(HWND configWindow);

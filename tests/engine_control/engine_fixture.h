@@ -7,6 +7,7 @@
 
 #include "platform/automation_error.h"
 #include "tests/engine_control/fake_engine.h"
+#include "tests/engine_control/menu_items.h"
 #include "tests/pairs/clock.h"
 #include "tests/support/plain_window.h"
 #include "tests/support/shown_text.h"
@@ -19,11 +20,6 @@ inline constexpr DISPID kKilled = 1;
 inline constexpr DISPID kPausedEvent = 2;
 inline constexpr DISPID kStartedEvent = 3;
 inline constexpr DISPID kStoppedEvent = 4;
-
-// Which of the menu's items are enabled, "Start Stop Pause".
-inline constexpr char kDesigned[] = "+++";
-inline constexpr char kRunning[] = "-++";
-inline constexpr char kStopped[] = "+--";
 
 // Results of calls that fail for good: by the engine's will, and because it is gone.
 inline const HRESULT kFailures[] = {E_FAIL, RPC_E_DISCONNECTED, HRESULT_FROM_WIN32(RPC_S_CALL_FAILED)};
@@ -43,12 +39,7 @@ inline const Command kCommands[] = {
     {"Pause", &TrayMenu::mnuPauseKiller_Click, &EngineControl::bPausePending, 1, kRunning, kRunning}};
 
 struct EngineFixture {
-    std::string Enabled() const {
-        std::string text;
-        for (const UINT item : {mnuStartKiller, mnuStopKiller, mnuPauseKiller})
-            text += (GetMenuState(menu.Handle(), item, MF_BYCOMMAND) & MF_GRAYED) == 0 ? '+' : '-';
-        return text;
-    }
+    std::string Enabled() const { return EnabledItems(menu.Handle()); }
 
     void Connect() { engine.Connect(window.Hwnd(), 0x1234); }
     void Disconnect() { engine.Disconnect(window.Hwnd(), 0x1234); }

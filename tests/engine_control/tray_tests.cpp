@@ -7,7 +7,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/automation_error.h"
 #include "shell_notification_interface.h"
 #include "tests/support/automation.h"
 #include "tests/support/error_of.h"
@@ -57,26 +56,24 @@ struct Tray : TrayWindow {
 
     // Calls the listener to the icon's event, which the icon itself never raises. S_FALSE where nobody
     // listens.
-    HRESULT Raise(std::vector<VARIANT> lastToFirst) {
+    HRESULT Raise(VARIANT* lastToFirst, UINT count) {
         const ComPtr<IDispatch> listener =
             ListenerTo(static_cast<IDispatch*>(icon.Get()), __uuidof(__ShellNotification));
         if (!listener) return S_FALSE;
-        DISPPARAMS arguments{lastToFirst.data(), nullptr, static_cast<UINT>(lastToFirst.size()), 0};
+        DISPPARAMS arguments{lastToFirst, nullptr, count, 0};
         return listener->Invoke(1, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &arguments, nullptr,
                                 nullptr, nullptr);
     }
 
-    HRESULT RaiseMouseUp(float x) {
+    HRESULT RaiseMouseUp(float x, bool hasPlace = true) {
         short number = 2;
-        float y = 0;
-        std::vector<VARIANT> arguments(4);
-        arguments[3].vt = arguments[2].vt = VT_BYREF | VT_I2;
-        arguments[3].piVal = arguments[2].piVal = &number;
-        arguments[1].vt = arguments[0].vt = VT_BYREF | VT_R4;
-        arguments[1].pfltVal = &x;
-        arguments[0].pfltVal = &y;
+        VARIANT arguments[4]{};
+        arguments[0].vt = arguments[1].vt = VT_BYREF | VT_R4;
+        arguments[0].pfltVal = arguments[1].pfltVal = hasPlace ? &x : nullptr;
+        arguments[2].vt = arguments[3].vt = VT_BYREF | VT_I2;
+        arguments[2].piVal = arguments[3].piVal = &number;
         calls.clear();
-        return Raise(arguments);
+        return Raise(arguments, 4);
     }
 
     PlainWindow window;
@@ -218,10 +215,13 @@ TEST_CASE_FIXTURE(
 
 TEST_CASE_FIXTURE(Tray,
                   "the icon's event reaches its handler until it is disconnected; one with other arguments "
-                  "than its own is refused") {
+                  "than its own, with fewer than it counts or with addresses that are none, is refused") {
     Connect();
-    CHECK(Raise({}) == HresultOf(ErrorNumber::TypeMismatch));
-    CHECK(Raise(std::vector<VARIANT>(4)) == HresultOf(ErrorNumber::TypeMismatch));
+    VARIANT empty[4]{};
+    CHECK(Raise(nullptr, 0) == HresultOf(ErrorNumber::TypeMismatch));
+    CHECK(Raise(nullptr, 4) == E_INVALIDARG);
+    CHECK(Raise(empty, 4) == HresultOf(ErrorNumber::TypeMismatch));
+    CHECK(RaiseMouseUp(0, false) == HresultOf(ErrorNumber::TypeMismatch));
     CHECK(calls.empty());
     gestures.Disconnect();
     CHECK(RaiseMouseUp(0) == S_FALSE);

@@ -4,7 +4,6 @@
 
 #include <ocidl.h>
 
-#include <array>
 #include <string>
 #include <vector>
 
@@ -24,8 +23,6 @@ struct Interface {
     std::vector<UINT> members;
 };
 
-using Interfaces = std::vector<Interface>;
-
 const std::vector<UINT> kOfDispatch{1, 3, 5, 8};
 
 template <class Wanted>
@@ -36,7 +33,7 @@ ComPtr<Wanted> As(IUnknown* object) {
 }
 
 // Those of the events, and of who enumerates them.
-void AddEvents(Interfaces& all, IUnknown* source, REFIID events) {
+void AddEvents(std::vector<Interface>& all, IUnknown* source, REFIID events) {
     const auto container = As<IConnectionPointContainer>(source);
     ComPtr<IConnectionPoint> point;
     ComPtr<IEnumConnectionPoints> points;
@@ -50,18 +47,14 @@ void AddEvents(Interfaces& all, IUnknown* source, REFIID events) {
     all.push_back({"IEnumConnections", connections, {3, 1, 0, 1}});
 }
 
-// Who refuses looks at no argument but for the places of results.
+// Who refuses looks at no argument, but empties the places of results: each argument is such a place.
 HRESULT CallMember(IUnknown* object, size_t member, UINT argumentCount) {
     constexpr size_t kOfUnknown = 3;
-    std::array<BYTE, 64> place{};
-    std::array<VARIANT, 8> values{};
-    std::array<VARIANTARG*, 8> arguments{};
-    std::array<VARTYPE, 8> types{};
-    for (size_t i = 0; i < argumentCount; ++i) {
-        values[i].byref = place.data();
-        arguments[i] = &values[i];
-        types[i] = VT_I4;
-    }
+    VARIANT place{};
+    VARIANT argument{};
+    argument.byref = &place;
+    std::vector<VARTYPE> types(argumentCount, VT_I4);
+    std::vector<VARIANTARG*> arguments(argumentCount, &argument);
     Variant result;
     REQUIRE(DispCallFunc(object, (kOfUnknown + member) * sizeof(void*), CC_STDCALL, VT_I4, argumentCount,
                          types.data(), arguments.data(), result.Receive()) == S_OK);
@@ -76,7 +69,7 @@ TEST_CASE("after ReleaseConfig the members of IDispatch, of the events and of th
 
 TEST_CASE_FIXTURE(InsideWithoutEngine, "alone: members that are not the objects' own" * doctest::skip(true)) {
     const NotedEnd end;
-    Interfaces all;
+    std::vector<Interface> all;
     const ImportFake<"CoRegisterClassObject", decltype(&CoRegisterClassObject)> registers{
         "ole32.dll", [&](REFCLSID, IUnknown* object, DWORD, DWORD, DWORD*) {
             all.push_back({"IClassFactory", As<IClassFactory>(object), {3, 1}});

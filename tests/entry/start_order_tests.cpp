@@ -3,8 +3,6 @@
 
 #include "store/server_directory.h"
 #include "tests/entry/journalled.h"
-#include "tests/support/automation.h"
-#include "tests/support/shown_text.h"
 
 namespace {
 
@@ -52,18 +50,6 @@ TEST_CASE_FIXTURE(
     CHECK(g_oConfig->get_ConfigHwnd(handle.Receive()) == S_OK);
     CHECK(handle.Value().vt == VT_I4);
     CHECK(handle.Value().lVal == g_lngConfigHwnd);
-}
-
-TEST_CASE_FIXTURE(Journalled, "the icon is added with an empty tip, and gets its tip after that") {
-    Instance(FormHide);
-    REQUIRE(shell.calls.size() == 1);
-    const ShellCall& call = shell.calls[0];
-    CHECK(static_cast<LONG>(call.Number(4)) == g_lngConfigHwnd);
-    CHECK(call.Number(16) == kTrayCallback);
-    CHECK(call.Tip() == std::string(1, '\0') + std::string(63, ' '));
-    ComPtr<IDispatch> icon;
-    REQUIRE(g_frmConfig->get_m_oShellIcon(&icon) == S_OK);
-    CHECK(ToText(Get(icon.Get(), L"ToolTip")) == L"Calvane Sentrel");
 }
 
 TEST_CASE_FIXTURE(InsideWithoutEngine,

@@ -1,9 +1,9 @@
 // What the window is like to its user: where it appears, and its icon when a pop-up has been closed.
 #include <doctest.h>
 
-#include <set>
-
 #include "options/resource.h"
+#include "platform/dpi.h"
+#include "platform/icon.h"
 #include "platform/text.h"
 #include "store/server_directory.h"
 #include "tests/entry/journalled.h"
@@ -24,10 +24,10 @@ void MoveTo(int x, int y) {
     SetWindowPos(Window(), nullptr, x, y, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-std::string ColoursOf(DWORD icon) {
+std::string ColoursOf(HICON icon) {
     ICONINFO info{};
     BITMAP bitmap{};
-    REQUIRE(GetIconInfo(reinterpret_cast<HICON>(icon), &info));
+    REQUIRE(GetIconInfo(icon, &info));
     GetObjectW(info.hbmColor, sizeof(bitmap), &bitmap);
     std::string colours(static_cast<size_t>(bitmap.bmWidthBytes * bitmap.bmHeight), '\0');
     CHECK(GetBitmapBits(info.hbmColor, static_cast<LONG>(colours.size()), colours.data()) > 0);
@@ -98,8 +98,9 @@ TEST_CASE_FIXTURE(InsideWithoutEngine,
 
 TEST_CASE_FIXTURE(
     Journalled,
-    "a closed pop-up starts the frames, then gives the notice that the window shows, saved or not; the "
-    "frames are three pictures, behind which the resting one comes back with the tip") {
+    "the icon is added with an empty tip, and gets its tip after that; a closed pop-up starts the frames, "
+    "then gives the notice that the window shows, saved or not; the frames are three pictures, behind which "
+    "the resting one comes back with the tip") {
     const SoundPatch play([this](LPCSTR path, UINT flags) {
         Note(std::string("play ") + path + ' ' + std::to_string(flags));
         return TRUE;
@@ -120,21 +121,25 @@ TEST_CASE_FIXTURE(
         return entries;
     };
     Instance(FormHide);
+    const std::vector<ShellCall>& calls = shell.calls;
+    REQUIRE(calls.size() == 1);
+    CHECK(static_cast<LONG>(calls[0].Number(4)) == g_lngConfigHwnd);
+    CHECK(calls[0].Number(16) == kTrayCallback);
+    CHECK(calls[0].Tip() == std::string(1, '\0') + std::string(63, ' '));
     using Deeds = std::vector<std::string>;
     CHECK(close() == Deeds{"timer 250", "play " + ToAnsi(ServerDirectory()) + "\\Arc.wav 1"});
     Click(IDC_CHKBEEP);
     CHECK(close() == Deeds{"timer 250", "beep 0"});
 
-    const std::vector<ShellCall>& calls = shell.calls;
     REQUIRE(PumpUntil([&] { return calls.size() >= 6; }));
-    std::vector<DWORD> actions;
-    std::set<std::string> pictures;
-    for (const ShellCall& call : calls) {
-        actions.push_back(call.action);
-        pictures.insert(ColoursOf(call.Icon()));
+    const std::pair<DWORD, int> shown[] = {{NIM_ADD, IDI_TRAY_REST}, {NIM_MODIFY, IDI_TRAY_0},
+                                           {NIM_MODIFY, IDI_TRAY_1}, {NIM_MODIFY, IDI_TRAY_2},
+                                           {NIM_DELETE, IDI_TRAY_2}, {NIM_ADD, IDI_TRAY_REST}};
+    for (size_t i = 0; i < std::size(shown); ++i) {
+        CAPTURE(i);
+        CHECK(calls[i].action == shown[i].first);
+        const IconHandle own = LoadSmallIcon(shown[i].second, TaskbarDpi());
+        CHECK(ColoursOf(reinterpret_cast<HICON>(calls[i].Icon())) == ColoursOf(own.Get()));
     }
-    CHECK(actions == std::vector<DWORD>{NIM_ADD, NIM_MODIFY, NIM_MODIFY, NIM_MODIFY, NIM_DELETE, NIM_ADD});
-    CHECK(pictures.size() == 4);
-    CHECK(calls[5].Icon() == calls[0].Icon());
     CHECK(calls[5].Tip() == std::string("Calvane Sentrel\0", 16) + std::string(48, ' '));
 }

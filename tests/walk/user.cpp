@@ -19,7 +19,7 @@ void User::Start(bool keepSettings) {
     for (const DWORD start = GetTickCount();; PumpFor(50)) {
         try {
             m_manager.emplace(keepSettings);
-            Show();
+            m_manager->Instance(formShow);
             return;
         } catch (const AutomationError& error) {
             m_manager.reset();

@@ -24,9 +24,6 @@ public:
     // manager again.
     void KillAndRestart();
 
-    // The window, to the front; one that has gone is made again.
-    void Show() { m_manager->Instance(formShow); }
-
     Manager& Program() { return *m_manager; }
 
     void TurnTo(Page page);
@@ -34,7 +31,6 @@ public:
     // What all pages show, but for the log.
     Rows Look();
     Rows Excluded() { return ListBoxRows(Find(L"lstExclude")); }
-    Rows Logged() { return ListBoxRows(Find(L"lstClosedWnd")); }
     bool CanPress(const wchar_t* name) { return IsWindowEnabled(Find(name)) != FALSE; }
     bool IsWindowShown() { return IsWindowVisible(m_manager->Window()) != FALSE; }
 

@@ -7,7 +7,7 @@
 inline constexpr wchar_t kTrayRecordName[] = L"Calvane tests: tray record";
 
 struct TrayRecord {
-    // What the icon has looked like: "add rest, frame 0, delete, ..."; what the shell refused is named so.
+    // What became of the icon: "add, change, delete, ..."; what the shell refused is named so.
     char story[1 << 18];
 
     // The icons that the shell has added and deleted. Counted last, so that whatever is counted is complete.
@@ -22,7 +22,6 @@ struct TrayRecord {
     // What the menu closed last was closed on; 0 where nothing was chosen.
     UINT chosen;
 
-    // The menu shown last, an item a line: "-" for a separator, otherwise "+" or, for an item that cannot be
-    // chosen, "x", and the caption. The default item's line begins with "*".
-    wchar_t menu[400];
+    // The menu shown last, as EnabledItems has it.
+    char menu[4];
 };
