@@ -3,11 +3,15 @@
 // that each of these pairs has a process of its own.
 #include <doctest.h>
 
+#include <ocidl.h>
+
 #include <string>
 #include <vector>
 
+#include "platform/com/class_object.h"
 #include "tests/pairs/pairs.h"
 #include "tests/support/alone.h"
+#include "tests/support/automation.h"
 
 namespace {
 
@@ -39,6 +43,36 @@ struct Member {
     size_t arguments;
 };
 
+// Those of an interface behind IUnknown's, by the counts of their arguments.
+void Add(std::vector<Member>& members, const ComPtr<IUnknown>& object,
+         std::initializer_list<size_t> argumentCounts) {
+    ULONG_PTR place = 3 * sizeof(void*);
+    for (const size_t arguments : argumentCounts) {
+        members.push_back({object, place, arguments});
+        place += sizeof(void*);
+    }
+}
+
+constexpr auto kOfDispatch = {size_t{1}, size_t{3}, size_t{5}, size_t{8}};
+
+// Those of an object's events, of who enumerates them and of who listens to them.
+void AddEvents(std::vector<Member>& members, const ComPtr<IDispatch>& source, REFIID events) {
+    if (source == nullptr) return;
+    ComPtr<IConnectionPointContainer> container;
+    ComPtr<IConnectionPoint> point;
+    ComPtr<IEnumConnectionPoints> points;
+    ComPtr<IEnumConnections> connections;
+    REQUIRE(source.As(&container) == S_OK);
+    REQUIRE(container->FindConnectionPoint(events, &point) == S_OK);
+    REQUIRE(container->EnumConnectionPoints(&points) == S_OK);
+    REQUIRE(point->EnumConnections(&connections) == S_OK);
+    Add(members, container, {1, 2});
+    Add(members, point, {1, 1, 2, 1, 1});
+    Add(members, points, {3, 1, 0, 1});
+    Add(members, connections, {3, 1, 0, 1});
+    if (const auto listener = ListenerTo(source.Get(), events)) Add(members, listener, kOfDispatch);
+}
+
 // All of what a client could have as of now: ReleaseConfig refuses this question, too.
 std::vector<Member> MembersOf(const Case& manager) {
     std::vector<Member> members;
@@ -48,6 +82,7 @@ std::vector<Member> MembersOf(const Case& manager) {
           ComPtr<IDispatch>(static_cast<_frmConfig*>(g_frmConfig.Get())),
           ComPtr<IDispatch>(manager.Icon().Get()), manager.Picture()}) {
         if (object == nullptr) continue;
+        Add(members, object, kOfDispatch);
         ComPtr<ITypeInfo> ofScripts;
         ComPtr<ITypeInfo> info;
         HREFTYPE reference = 0;
@@ -61,9 +96,20 @@ std::vector<Member> MembersOf(const Case& manager) {
                 {object, static_cast<ULONG_PTR>(member->oVft), static_cast<size_t>(member->cParams)});
             info->ReleaseFuncDesc(member);
         }
+        ComPtr<ISupportErrorInfo> errors;
         ComPtr<IProvideClassInfo> provider;
-        if (SUCCEEDED(object.As(&provider))) members.push_back({provider, 3 * sizeof(void*), 1});
+        REQUIRE(object.As(&errors) == S_OK);
+        Add(members, errors, {1});
+        if (SUCCEEDED(object.As(&provider))) Add(members, provider, {1});
     }
+    AddEvents(members, static_cast<_Config*>(g_oConfig.Get()), __uuidof(__Config));
+    AddEvents(members, manager.Icon().Get(), __uuidof(__ShellNotification));
+    const auto addClass = [&](REFCLSID, IUnknown* factory, DWORD, DWORD, DWORD*) {
+        Add(members, factory, {3, 1});
+        return S_OK;
+    };
+    const ImportFake<"CoRegisterClassObject", decltype(&CoRegisterClassObject)> fake{"ole32.dll", addClass};
+    const ClassRegistration registration(__uuidof(ConfigControl), [](REFIID, void**) { return E_FAIL; });
     return members;
 }
 

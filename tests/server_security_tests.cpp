@@ -81,11 +81,6 @@ struct Recorder {
             calls.push_back("CoRegisterClassObject");
             return CO_E_OBJISREG;
         }};
-    const ImportFake<"CoResumeClassObjects", decltype(&CoResumeClassObjects)> resume{
-        "ole32.dll", [this] {
-            calls.push_back("CoResumeClassObjects");
-            return S_OK;
-        }};
 };
 
 }  // namespace

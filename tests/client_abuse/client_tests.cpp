@@ -126,7 +126,7 @@ struct Board {
 };
 
 // Goes on until kRounds rounds have begun behind ReleaseConfig. The members are some of those that make or
-// show something, or hand something out; every member is asked in the suites "pairs_end" and "entry".
+// show something, or hand something out; every member is asked in the suite "pairs_end".
 void CallEverything(Client& client, Board& board) {
     const ComPtr<IDispatch> form = ObjectIn(Get(client.config.Get(), L"ConfigForm"));
     const ComPtr<IDispatch> icon = ObjectIn(Get(client.config.Get(), L"ShellIconClass"));

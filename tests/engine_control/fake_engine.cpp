@@ -57,10 +57,6 @@ public:
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
         if (!IsEqualIID(id, IID_IConnectionPointContainer)) return DualObject::QueryInterface(id, object);
-        *object = nullptr;
-        m_script.calls.push_back("Advise");
-        const HRESULT result = Receive(m_script, "Advise");
-        if (FAILED(result)) return result;
         *object = static_cast<IConnectionPointContainer*>(this);
         AddRef();
         return S_OK;
@@ -96,18 +92,16 @@ private:
     STDMETHODIMP GetConnectionInterface(IID*) override { return E_NOTIMPL; }
     STDMETHODIMP GetConnectionPointContainer(IConnectionPointContainer**) override { return E_NOTIMPL; }
     STDMETHODIMP Advise(IUnknown* sink, DWORD* cookie) override {
-        ComPtr<IDispatch> dispatch;
         *cookie = 0;
-        if (FAILED(sink->QueryInterface(IID_PPV_ARGS(&dispatch)))) return CONNECT_E_CANNOTCONNECT;
-        *cookie = ++m_lastCookie;
-        sinks.emplace(*cookie, dispatch);
-        Run(m_script.behind, "Advise");
-        return S_OK;
+        return Play(m_script, "Advise", [&] {
+            *cookie = ++m_lastCookie;
+            sink->QueryInterface(IID_PPV_ARGS(&sinks[*cookie]));
+        });
     }
     STDMETHODIMP Unadvise(DWORD cookie) override {
         const ComPtr<_Popup> self(this);
-        HRESULT result = Receive(m_script, "Unadvise");
-        if (result == S_OK && sinks.erase(cookie) == 0) result = CONNECT_E_NOCONNECTION;
+        const HRESULT result = Receive(m_script, "Unadvise");
+        if (result == S_OK) sinks.erase(cookie);
         Run(m_script.behind, "Unadvise");
         return result;
     }

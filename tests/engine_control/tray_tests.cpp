@@ -2,7 +2,7 @@
 #include <doctest.h>
 
 #include <functional>
-#include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -123,7 +123,8 @@ std::wstring CaptionOf(HMENU menu, UINT position) {
 }  // namespace
 
 TEST_CASE(
-    "the menu has its items in order, captioned and enabled, the last two always, and no default item") {
+    "the menu has its items in order, captioned and enabled, the last two always, and no default item; it "
+    "has its caption, on a menu bar, and goes with its object") {
     const std::pair<UINT, std::wstring> items[] = {{mnuStartKiller, L"&Start Sentrel"},
                                                    {mnuStopKiller, L"S&top Sentrel"},
                                                    {mnuSep1, L""},
@@ -131,38 +132,31 @@ TEST_CASE(
                                                    {mnuSep2, L""},
                                                    {mnuShowConfig, L"&Open Calvane Configuration"},
                                                    {mnuExit, L"E&xit Calvane"}};
-    TrayMenu menu;
-    REQUIRE(GetMenuItemCount(menu.Handle()) == 7);
-    CHECK(GetMenuDefaultItem(menu.Handle(), FALSE, GMDI_USEDISABLED) == kNone);
+    HMENU bar = nullptr;
+    const ImportFake<"CreateMenu", decltype(&CreateMenu)> create{"user32.dll",
+                                                                 [&] { return bar = create.Original(); }};
+    std::optional<TrayMenu> menu(std::in_place);
+    const HMENU handle = menu->Handle();
+    CHECK(CaptionOf(bar, 0) == L"Config Popup");
+    REQUIRE(GetMenuItemCount(handle) == 7);
+    CHECK(GetMenuDefaultItem(handle, FALSE, GMDI_USEDISABLED) == kNone);
     UINT position = 0;
     for (const auto& [id, caption] : items) {
         CAPTURE(id);
-        CHECK(CaptionOf(menu.Handle(), position) == caption);
-        CHECK(GetMenuItemID(menu.Handle(), static_cast<int>(position)) == id);
-        const UINT state = GetMenuState(menu.Handle(), position++, MF_BYPOSITION);
+        CHECK(CaptionOf(handle, position) == caption);
+        CHECK(GetMenuItemID(handle, static_cast<int>(position)) == id);
+        const UINT state = GetMenuState(handle, position++, MF_BYPOSITION);
         CHECK(((state & MF_SEPARATOR) != 0) == caption.empty());
         if (!caption.empty()) CHECK((state & (MF_GRAYED | MF_DISABLED | MF_CHECKED)) == 0);
     }
     for (const auto enable : {&TrayMenu::EnableRunningMenu, &TrayMenu::EnableStoppedMenu}) {
-        (menu.*enable)();
+        ((*menu).*enable)();
         for (const UINT item : {mnuShowConfig, mnuExit})
-            CHECK((GetMenuState(menu.Handle(), item, MF_BYCOMMAND) & MF_GRAYED) == 0);
+            CHECK((GetMenuState(handle, item, MF_BYCOMMAND) & MF_GRAYED) == 0);
     }
-}
-
-TEST_CASE("the menu has its caption, on a menu bar, and goes with its object") {
-    auto menu = std::make_unique<TrayMenu>();
-    const HMENU handle = menu->Handle();
-    CHECK(IsMenu(handle));
-    // Nobody hands the bar out: it is looked for among all menus, by the low halves of their handles.
-    std::vector<std::wstring> captions;
-    for (ULONG_PTR number = 0x20; number < 0x10000; number += 2) {
-        const HMENU bar = reinterpret_cast<HMENU>(number);
-        if (IsMenu(bar) && GetSubMenu(bar, 0) == handle) captions.push_back(CaptionOf(bar, 0));
-    }
-    CHECK(captions == std::vector<std::wstring>{L"Config Popup"});
     menu.reset();
     CHECK_FALSE(IsMenu(handle));
+    CHECK_FALSE(IsMenu(bar));
 }
 
 TEST_CASE_FIXTURE(
