@@ -79,8 +79,7 @@ TEST_CASE_FIXTURE(StartedSession,
 TEST_CASE_FIXTURE(StartedSession,
                   "the menu opens over the hidden window and follows the engine's events, an open one the "
                   "next time; its commands reach the engine") {
-    PopUpMenu(window);
-    CHECK(ShownMenu() == kRunning);
+    CHECK(PopUpMenu(window) == kRunning);
     CHECK(GetForegroundWindow() == window);
     CHECK_FALSE(Visible());
     engine.Raise(L"Stopped");

@@ -97,23 +97,29 @@ HWND WaitForMenu() {
     return menu;
 }
 
-HWND PopUpMenu(HWND configWindow) {
+std::string PopUpMenu(HWND configWindow) {
     for (int i = 0; i < kTries; ++i) {
         const LONG before = Record().menusShown;
         SetCursorPos(kMenuPlace.x, kMenuPlace.y);
         Sleep(50);
         PostGesture(configWindow, WM_RBUTTONUP);
-        const HWND menu = WaitForMenu();
+        const bool isOpen = WaitForMenu() != nullptr;
         REQUIRE(Record().menusShown == before + 1);
-        if (menu != nullptr) return menu;
+        if (isOpen) return Record().menu;
     }
     FAIL("the menu closes at once");
-    return nullptr;
+    return {};
 }
 
 void CloseMenu() {
     PostMessageW(OpenMenu(), WM_KEYDOWN, VK_ESCAPE, 1);
     REQUIRE(MenuCloses());
+}
+
+std::string MenuOf(HWND configWindow) {
+    const std::string items = PopUpMenu(configWindow);
+    CloseMenu();
+    return items;
 }
 
 void Choose(wchar_t mnemonic) {
@@ -126,14 +132,4 @@ void Command(HWND configWindow, wchar_t mnemonic) {
         if (IsChosen(mnemonic)) return;
     }
     FAIL("the menu closes without a choice");
-}
-
-std::string ShownMenu() {
-    return Record().menu;
-}
-
-std::string MenuOf(HWND configWindow) {
-    PopUpMenu(configWindow);
-    CloseMenu();
-    return ShownMenu();
 }

@@ -29,16 +29,16 @@ void PostGesture(HWND configWindow, UINT mouseMessage);
 // Waits until a menu is open and takes the mouse and the keyboard; null when none does.
 HWND WaitForMenu();
 
-// Opens the menu by the icon's gesture, away from the mouse pointer's earlier place.
-HWND PopUpMenu(HWND configWindow);
+// Opens the menu by the icon's gesture, away from the mouse pointer's earlier place. Returns what can be
+// chosen, as EnabledItems has it.
+std::string PopUpMenu(HWND configWindow);
 void CloseMenu();  // by Esc
+
+// The icon's menu, which is opened and closed.
+std::string MenuOf(HWND configWindow);
 
 // Chooses from the open menu by the underlined letter.
 void Choose(wchar_t mnemonic);
 
 // Pops up the menu and chooses.
 void Command(HWND configWindow, wchar_t mnemonic);
-
-// The menu shown last, as EnabledItems has it; and that of the icon, which is popped up and closed.
-std::string ShownMenu();
-std::string MenuOf(HWND configWindow);

@@ -6,28 +6,25 @@
 #include "tests/support/error_of.h"
 
 TEST_CASE_FIXTURE(EngineFixture,
-                  "the engine is created with the window's handle, the reference's address and mode 2") {
-    Connect();
-    CHECK(IsEqualCLSID(server.classId, __uuidof(SentrelApp)));
-    CHECK(server.context == CLSCTX_LOCAL_SERVER);
-    CHECK(server.script.configHwnd == window.Number());
-    CHECK(server.script.configForm == 0x1234);
-    CHECK(server.script.mode == 2);
-    CHECK(server.script.calls == Calls{"CreateInstance", "CreatePopup", "Advise", "State"});
-    CHECK(server.ConnectionCount() == 1);
-    CHECK(engine.Popup().Get() == reinterpret_cast<IDispatch*>(server.popup));
-}
-
-TEST_CASE_FIXTURE(EngineFixture,
+                  "the engine is created with the window's handle, the reference's address and mode 2, and "
                   "the menu is the state's: 1 is running, 2 and 3 are stopped, others are nothing") {
     const std::pair<LONG, std::string> rows[] = {{0, kDesigned}, {1, kRunning},  {2, kStopped},
                                                  {3, kStopped},  {4, kDesigned}, {-1, kDesigned}};
     for (const auto& [state, enabled] : rows) {
         CAPTURE(state);
         menu.EnableDesignedMenu();
+        server.script.calls.clear();
         server.script.state = state;
         Connect();
+        CHECK(server.script.calls == Calls{"CreateInstance", "CreatePopup", "Advise", "State"});
+        CHECK(server.ConnectionCount() == 1);
+        CHECK(engine.Popup().Get() == reinterpret_cast<IDispatch*>(server.popup));
         CHECK(Enabled() == enabled);
+        CHECK(IsEqualCLSID(server.classId, __uuidof(SentrelApp)));
+        CHECK(server.context == CLSCTX_LOCAL_SERVER);
+        CHECK(server.script.configHwnd == window.Number());
+        CHECK(server.script.configForm == 0x1234);
+        CHECK(server.script.mode == 2);
         Disconnect();
     }
 }

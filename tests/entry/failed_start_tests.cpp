@@ -10,22 +10,17 @@
 
 namespace {
 
-// A dialog that cannot be made, or defaults for which there is no memory.
-struct Failure {
-    std::string what;
-    int dialog;
-    HRESULT result;
-};
+// In place of a dialog: the defaults.
+constexpr int kDefaults = 0;
 
-const Failure kNoDefaults{"the defaults", 0, E_OUTOFMEMORY};
-const Failure kFailures[] = {{"the window", IDD_CONFIG, HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES)},
-                             {"a page", IDD_PAGE_ABOUT, HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES)},
-                             kNoDefaults};
-
-// While it exists this cannot be done.
+// While it exists a dialog cannot be made, or there is no memory for the defaults.
 class Failing {
 public:
-    explicit Failing(const Failure& failure) : m_dialog(failure.dialog) {}
+    explicit Failing(int dialog) : m_dialog(dialog) {}
+
+    HRESULT Result() const {
+        return m_dialog == kDefaults ? E_OUTOFMEMORY : HRESULT_FROM_WIN32(ERROR_NO_MORE_USER_HANDLES);
+    }
 
 private:
     const int m_dialog;
@@ -41,7 +36,7 @@ private:
     const ImportFake<"RegSetValueExA", decltype(&RegSetValueExA)> m_write{
         "advapi32.dll",
         [this](HKEY key, LPCSTR name, DWORD reserved, DWORD type, const BYTE* data, DWORD size) {
-            if (m_dialog == 0) throw std::bad_alloc();
+            if (m_dialog == kDefaults) throw std::bad_alloc();
             return m_write.Original(key, name, reserved, type, data, size);
         }};
 };
@@ -70,18 +65,18 @@ TEST_CASE("a client that comes in while a window that could not be loaded is tak
     HRESULT result = S_OK;
     ComPtr<IDispatch> late;
     engine.script.within["ReleasePopup"] = [&] { result = inside.Instance(formShow, late); };
-    const Failing failing(kNoDefaults);
+    const Failing failing(kDefaults);
     ComPtr<IDispatch> config;
-    CHECK(inside.Instance(FormHide, config) == kNoDefaults.result);
+    CHECK(inside.Instance(FormHide, config) == failing.Result());
     CHECK(result == CO_E_SERVER_STOPPING);
     CHECK(late == nullptr);
     CheckNothingThere();
 }
 
 TEST_CASE("a window that cannot be made or loaded, at first or again, is an error, and a later call works") {
-    for (const Failure& failure : kFailures) {
+    for (const int dialog : {IDD_CONFIG, IDD_PAGE_ABOUT, kDefaults}) {
         for (const bool isAgain : {false, true}) {
-            CAPTURE(failure.what);
+            CAPTURE(dialog);
             CAPTURE(isAgain);
             InsideWithoutEngine inside;
             ComPtr<IDispatch> first;
@@ -92,18 +87,18 @@ TEST_CASE("a window that cannot be made or loaded, at first or again, is an erro
             }
             const ULONG locks = Locks();
             {
-                const Failing failing(failure);
+                const Failing failing(dialog);
                 ComPtr<IDispatch> config;
-                CHECK(inside.Instance(formShow, config) == failure.result);
+                CHECK(inside.Instance(formShow, config) == failing.Result());
                 CHECK(config == nullptr);
                 if (!isAgain) CheckNothingThere();
                 // A window made again that only lacks its settings waits for them.
-                const bool waits = isAgain && failure.dialog == 0;
+                const bool waits = isAgain && dialog == kDefaults;
                 CHECK(WindowCount() == (waits ? 1 : 0));
                 if (!waits) CHECK(Locks() == locks);
                 if (isAgain) {
                     VARIANT handle;
-                    CHECK(g_oConfig->get_ConfigHwnd(&handle) == failure.result);
+                    CHECK(g_oConfig->get_ConfigHwnd(&handle) == failing.Result());
                     CHECK(handle.vt == VT_EMPTY);
                     CHECK_FALSE(IsShown());
                 }

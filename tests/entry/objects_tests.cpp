@@ -101,18 +101,6 @@ TEST_CASE_FIXTURE(InsideWithoutEngine, "Config and its form hand out the window'
               HresultOf(ErrorNumber::InvalidProcedureCall));
 }
 
-TEST_CASE_FIXTURE(InsideWithoutEngine, "calls with wrong arguments get an error and change nothing") {
-    const auto config = Instance(FormHide);
-    const auto form = ObjectIn(Get(config.Get(), L"ConfigForm"));
-    for (const std::vector<Variant>& arguments : {std::vector<Variant>{}, {L"no number"}, {1L, 2L}})
-        CHECK_THROWS_AS(Call(control.Get(), L"ConfigInstance", arguments), AutomationError);
-    CHECK_THROWS_AS(Call(control.Get(), L"NoSuchMember"), AutomationError);
-    CHECK_THROWS_AS(Put(form.Get(), L"b_OKtoUnload", L"no flag"), AutomationError);
-    CHECK_THROWS_AS(Put(config.Get(), L"ConfigHwnd", 1L), AutomationError);
-    CHECK_FALSE(IsShown());
-    CHECK(g_lngClientCount == 1);
-}
-
 TEST_CASE_FIXTURE(InsideWithoutEngine, "clients can connect to ConfigClosed and never receive it") {
     const auto config = Instance(formShow);
     int received = 0;
@@ -206,7 +194,8 @@ TEST_CASE_FIXTURE(InsideWithoutEngine,
 }
 
 TEST_CASE_FIXTURE(InsideWithoutEngine,
-                  "a call without a place for its argument or its result fails and changes nothing") {
+                  "a call with wrong arguments, or without a place for an argument or the result, fails and "
+                  "changes nothing") {
     long showType = formShow;
     ComPtr<IDispatch> config;
     CHECK(control->ConfigInstance(nullptr, &config) == E_POINTER);
@@ -216,6 +205,13 @@ TEST_CASE_FIXTURE(InsideWithoutEngine,
     CHECK(g_lngClientCount == 0);
 
     Instance(FormHide);
+    for (const std::vector<Variant>& arguments : {std::vector<Variant>{}, {L"no number"}, {1L, 2L}})
+        CHECK_THROWS_AS(Call(control.Get(), L"ConfigInstance", arguments), AutomationError);
+    CHECK_THROWS_AS(Call(control.Get(), L"NoSuchMember"), AutomationError);
+    CHECK_THROWS_AS(Put(g_frmConfig.Get(), L"b_OKtoUnload", L"no flag"), AutomationError);
+    CHECK_THROWS_AS(Put(static_cast<_Config*>(g_oConfig.Get()), L"ConfigHwnd", 1L), AutomationError);
+    CHECK_FALSE(IsShown());
+    CHECK(g_lngClientCount == 1);
     CHECK(g_oConfig->get_ConfigHwnd(nullptr) == E_POINTER);
     CHECK(g_oConfig->get_ConfigForm(nullptr) == E_POINTER);
     CHECK(g_oConfig->get_ShellIconClass(nullptr) == E_POINTER);
