@@ -10,6 +10,8 @@
 #include "lists/resource.h"
 #include "options/resource.h"
 #include "tests/entry/journalled.h"
+#include "tests/support/other_process.h"
+#include "tests/support/settings_keys.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
 
@@ -140,6 +142,29 @@ TEST_CASE_FIXTURE(
     CheckCalls(0, 0, 0, {"LogFile"});
     CHECK(shell.calls.empty());
     CheckIdle();
+}
+
+TEST_CASE_FIXTURE(CountedManager,
+                  "2,000 exclude rows are read, deleted and written once each, and come back in their order "
+                  "after a removal") {
+    constexpr int kRows = 2000;
+    Rows rows;
+    for (int n = 0; n < kRows; ++n) {
+        const std::string address = "http://site" + std::to_string(n * 7919 % kRows) + ".example";
+        store.contents[kExclude][std::to_string(n)].bytes = address;
+        rows.push_back(FromAnsi(address));
+    }
+    Start();
+    CheckCalls(kRead + 3 + kRows, kDefaults, 0, kStartOfEngine);
+    const HWND list = ControlOf(IDC_LSTEXCLUDE);
+    CHECK(ListBoxRows(list) == rows);
+    SendMessageW(list, LB_SETCURSEL, 3, 0);
+    Press(IDC_CMDREMOVEURL);
+    rows.erase(rows.begin() + 3);
+    Press(IDC_CMDAPPLY);
+    CheckCalls(0, kWritten + kRows - 1, kDeleted + kRows + 1, {"ReloadSettings"});
+    Press(IDCANCEL);
+    CHECK(ListBoxRows(list) == rows);
 }
 
 TEST_CASE_FIXTURE(CountedManager,

@@ -48,18 +48,13 @@ SAFEARRAY* someArray = ArrayOf(VT_DISPATCH, 0, 4);
 // at a wrong place. The caller clears them.
 std::vector<VARIANT> Arguments(const std::vector<ComPtr<IDispatch>>& objects) {
     std::vector<VARIANT> values{
-        Value(VT_EMPTY, 0),
-        Value(VT_NULL, 0),
         Value(VT_I2, SHORT{-1}),
         Value(VT_I2, SHORT{1}),
         Value(VT_R8, -1e30),
         Value(VT_R8, 1e39),
-        Value(VT_BSTR, BSTR{nullptr}),
         Value(VT_BSTR, SysAllocString(std::wstring(100000, L'x').c_str())),
         Value(VT_BOOL, VARIANT_TRUE),
-        Value(VT_BOOL, VARIANT_FALSE),
         Value(VT_ERROR, DISP_E_PARAMNOTFOUND),
-        Value(VT_DISPATCH, static_cast<IDispatch*>(nullptr)),
         Value(VT_BYREF | VT_I4, &someLong),
         Value(VT_BYREF | VT_I2, &someShort),
         Value(VT_BYREF | VT_VARIANT, &someVariant),
@@ -70,6 +65,9 @@ std::vector<VARIANT> Arguments(const std::vector<ComPtr<IDispatch>>& objects) {
         Value(VT_ARRAY | VT_UI1, ArrayOf(VT_UI1, 0, 3)),
         Value(VT_ARRAY | VT_UI1, ArrayOf(VT_UI1, 0, 1 << 20)),
     };
+    for (const VARTYPE empty :
+         std::initializer_list<VARTYPE>{VT_EMPTY, VT_NULL, VT_BSTR, VT_BOOL, VT_DISPATCH})
+        values.push_back(Value(empty, 0));
     for (const wchar_t* const text : {L"", L"cmdApply", L"tab", L"5", L"True", L"\x0410\xD800"})
         values.push_back(Value(VT_BSTR, SysAllocString(text)));
     for (const LONG number : {0L, 1L, -1L, 2L, 3L, 5L, 1025L, 0x7FFFL, -0x8000L, 0xFFFFL, LONG_MAX, LONG_MIN})

@@ -162,7 +162,8 @@ TEST_CASE(
 TEST_CASE_FIXTURE(
     Tray,
     "the menu pops up at the cursor for either button, pausing its default item where asked for and none "
-    "otherwise, and a message is posted behind it before the chosen item is raised") {
+    "otherwise, and a message is posted behind it before the chosen item is raised; leaving lets the window "
+    "unload, then posts it a close message") {
     CHECK(PopUp(mnuStartKiller) == Calls{"Track", "Post 0", "Start"});
     CHECK(PopUp(mnuStopKiller) == Calls{"Track", "Post 0", "Stop"});
     CHECK(PopUp(mnuPauseKiller) == Calls{"Track", "Post 0", "Pause"});
@@ -173,6 +174,7 @@ TEST_CASE_FIXTURE(
     // An item that nobody listens to.
     menu.mnuStartKiller_Click = nullptr;
     CHECK(PopUp(mnuStartKiller) == Calls{"Track", "Post 0"});
+    CHECK(PopUp(mnuExit) == Calls{"Track", "Post 0", "Post 16, to unload"});
 }
 
 TEST_CASE_FIXTURE(Tray, "a menu that is shown is not shown a second time, until an item is raised") {
@@ -181,13 +183,6 @@ TEST_CASE_FIXTURE(Tray, "a menu that is shown is not shown a second time, until 
     whileShown = nullptr;
     menu.mnuShowConfig_Click = [&] { menu.PopUp(window.Hwnd(), false); };
     CHECK(PopUp(mnuShowConfig) == Calls{"Track", "Post 0", "Track", "Post 0"});
-}
-
-TEST_CASE_FIXTURE(Tray,
-                  "leaving lets the window unload, then posts it a close message; an icon without events "
-                  "is an error, and leaving works") {
-    CHECK(ErrorOf([&] { gestures.Connect(window.Hwnd(), nullptr); }) != S_OK);
-    CHECK(PopUp(mnuExit) == Calls{"Track", "Post 0", "Post 16, to unload"});
 }
 
 TEST_CASE_FIXTURE(
@@ -207,9 +202,12 @@ TEST_CASE_FIXTURE(
     }
 }
 
-TEST_CASE_FIXTURE(Tray,
-                  "the icon's event reaches its handler until it is disconnected; one with other arguments "
-                  "than its own, with fewer than it counts or with addresses that are none, is refused") {
+TEST_CASE_FIXTURE(
+    Tray,
+    "the icon's event reaches its handler until it is disconnected; one with other arguments "
+    "than its own, with fewer than it counts or with addresses that are none, is refused; an icon "
+    "without events is an error") {
+    CHECK(ErrorOf([&] { gestures.Connect(window.Hwnd(), nullptr); }) != S_OK);
     Connect();
     VARIANT empty[4]{};
     CHECK(Raise(nullptr, 0) == HresultOf(ErrorNumber::TypeMismatch));

@@ -68,6 +68,7 @@ TEST_CASE_FIXTURE(Journalled, "the engine hears once of a window that goes with 
     };
     Instance(FormHide);
     const HWND window = Window();
+    CHECK(SendMessageW(window, WM_QUERYENDSESSION, 0, 0) == TRUE);
     std::atomic<bool> isHandled = false;
     const std::jthread session([&] {
         SendMessageW(window, WM_ENDSESSION, TRUE, 0);

@@ -141,25 +141,3 @@ TEST_CASE_FIXTURE(Walk, "exactly what was applied is there after the manager was
     CHECK(StoredSound() == sound);
     CHECK_FALSE(CanPress(L"cmdApply"));
 }
-
-TEST_CASE("2,000 exclude rows come back in their order after an addition, a removal and a killed manager") {
-    DeleteSettings();
-    Rows rows;
-    for (int n = 0; n < 2000; ++n) {
-        rows.push_back(L"http://site" + std::to_wstring(n * 7919 % 2000) + L".example");
-        WriteSetting(L"Exclude", std::to_wstring(n), rows.back());
-    }
-    User user(true);
-    CHECK(user.Excluded() == rows);
-
-    user.TurnTo(Page::Exclude);
-    user.Answer(user.Open(L"cmdAddURL", kAddAddress), {{IDC_TXTURL, L"http://added.example"}});
-    rows.push_back(L"http://added.example");
-    user.Select(L"lstExclude", 3);
-    user.Press(L"cmdRemoveURL");
-    rows.erase(rows.begin() + 3);
-    user.Press(L"cmdApply");
-
-    user.KillAndRestart();
-    CHECK(user.Excluded() == rows);
-}

@@ -17,8 +17,8 @@ class User {
 public:
     StandIn engine;  // which the manager calls; it is there before
 
-    // Starts the manager, on an empty store unless keepSettings, and shows its window.
-    explicit User(bool keepSettings = false) { Start(keepSettings); }
+    // Starts the manager on an empty store and shows its window.
+    User() { Start(false); }
 
     // Ends the manager's process from outside, without a chance to save, then its engine, and starts the
     // manager again.
