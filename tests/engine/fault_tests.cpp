@@ -3,8 +3,6 @@
 
 #include "tests/engine/session.h"
 #include "tests/engine_control/menu_items.h"
-#include "tests/support/automation.h"
-#include "tests/support/shown_text.h"
 
 namespace {
 

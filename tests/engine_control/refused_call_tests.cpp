@@ -12,11 +12,6 @@ constexpr UINT kAgain = 100;  // milliseconds
 const Calls kConnecting{"CreateInstance", "CreatePopup", "Advise", "State"};
 
 struct RefusingEngine : TickingEngine {
-    void RefuseNothing() {
-        server.script.results.clear();
-        server.script.within.clear();
-    }
-
     void Reload() {
         engine.ReloadSettings([this] {
             CHECK(server.script.Count("ReloadSettings") > 0);
@@ -97,7 +92,7 @@ TEST_CASE_FIXTURE(RefusingEngine, "a refused call is given up when the engine is
     CHECK_FALSE(clock.AnyRuns());
     CHECK(done == 0);
     // The next window's engine is not held up by it.
-    RefuseNothing();
+    server.script.results.clear();
     ConnectQuietly();
     Reload();
     CHECK(done == 1);
@@ -178,7 +173,7 @@ TEST_CASE_FIXTURE(RefusingEngine, "a wait for a busy engine ends when the engine
         CHECK(server.script.Count(member) == 3);
         CHECK(engine.Popup() == nullptr);
         CHECK(server.popup == nullptr);
-        RefuseNothing();
+        server.script.results.clear();
     }
 }
 

@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr const char* kEnds[] = {"with a window", "without a window", "with a full queue",
-                                 "without a message", "with a silent engine"};
 constexpr const char* kMoments[] = {"CreateInstance", "CreatePopup", "State", "LogFile"};
 
 // Calls as clients' calls come, the next as soon as there is a result.
@@ -31,7 +29,8 @@ TEST_CASE(
     "ReleaseConfig takes the window away and ends the process after its reply, in the midst of clients' "
     "calls too, at once where no message can be posted, and after half a minute where the engine does not "
     "reply") {
-    CheckAlone("alone: ReleaseConfig", {std::begin(kEnds), std::end(kEnds)});
+    CheckAlone("alone: ReleaseConfig", {"with a window", "without a window", "with a full queue",
+                                        "without a message", "with a silent engine"});
 }
 
 TEST_CASE_FIXTURE(Journalled, "alone: ReleaseConfig" * doctest::skip(true)) {

@@ -158,7 +158,9 @@ TEST_CASE_FIXTURE(ShownWindow, "moving the focus selects no option button and ma
     }
 }
 
-TEST_CASE_FIXTURE(ShownWindow, "a click on a tab, selected or not, takes the focus from the page") {
+TEST_CASE_FIXTURE(ShownWindow,
+                  "a click on a tab, selected or not, takes the focus from the page; a page that goes takes "
+                  "none with it, and leaves that of the frame") {
     Show();
     // Windows asks for it; Wine's tabs take the focus at any click.
     CHECK((GetWindowLongW(Tabs(), GWL_STYLE) & TCS_FOCUSONBUTTONDOWN) != 0);
@@ -172,10 +174,6 @@ TEST_CASE_FIXTURE(ShownWindow, "a click on a tab, selected or not, takes the foc
         CHECK(SelectedTab() == 1);
         CHECK(GetFocus() == Tabs());
     }
-}
-
-TEST_CASE_FIXTURE(ShownWindow, "a page that goes takes no focus with it, and leaves that of the frame") {
-    Show();
     for (const int id : {IDC_CMDOK, IDC_TAB}) {
         SetFocus(ControlOf(id));
         for (const int page : {1, 0}) {

@@ -35,7 +35,6 @@ const Rows kChanged{L"optStartup",
                     L"Mine|http://mine.example/?q=|x"};
 
 constexpr wchar_t kAddAddress[] = L"Add Web Site URL";
-constexpr wchar_t kAddSize[] = L"New Banner Height and Width";
 constexpr wchar_t kAddSearch[] = L"Add Search Address";
 
 struct Walk : User {
@@ -86,7 +85,8 @@ struct Walk : User {
         Tick(L"lvwBanners", 0);
         Tick(L"lvwBanners", 2);
         for (const auto& [height, width] : {std::pair{L"90", L"728"}, {L"1500", L"0"}, {L"2.5", L"-3"}})
-            Answer(Open(L"cmdAddSize", kAddSize), {{IDC_TXTHEIGHT, height}, {IDC_TXTWIDTH, width}});
+            Answer(Open(L"cmdAddSize", L"New Banner Height and Width"),
+                   {{IDC_TXTHEIGHT, height}, {IDC_TXTWIDTH, width}});
         Tick(L"lvwBanners", 6);
         Select(L"lvwBanners", 4);
         Press(L"cmdRemoveSize");
