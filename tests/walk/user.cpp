@@ -8,12 +8,6 @@
 #include "tests/support/program.h"
 #include "tests/support/wine.h"
 
-namespace {
-
-constexpr wchar_t kProgram[] = L"SentrelConfig.exe";
-
-}  // namespace
-
 // The first calls after a manager was killed can still be sent to it: they fail, and are tried again.
 void User::Start(bool keepSettings) {
     for (const DWORD start = GetTickCount();; PumpFor(50)) {
@@ -31,6 +25,7 @@ void User::Start(bool keepSettings) {
 }
 
 void User::KillAndRestart() {
+    constexpr wchar_t kProgram[] = L"SentrelConfig.exe";
     for (const DWORD id : ProcessesOf(kProgram)) {
         const ProcessHandle process(OpenProcess(PROCESS_TERMINATE, FALSE, id));
         TerminateProcess(process.Get(), 1);
