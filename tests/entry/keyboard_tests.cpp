@@ -3,8 +3,7 @@
 
 #include <commctrl.h>
 
-#include <map>
-#include <vector>
+#include <set>
 
 #include "store/first_run.h"
 #include "store/settings_schema.h"
@@ -18,31 +17,6 @@ bool Press(HWND focus, WPARAM key, std::initializer_list<int> held = {}) {
     const HeldKeys keys(held);
     return IsFormMessage(Key(focus, key));
 }
-
-// Buttons as Windows makes them, not as Wine does: an unchecked option button of this thread that gets the
-// focus is clicked, and selects itself, unless it has been told not to (BM_SETDONTCLICK). One at a time.
-class WindowsButtons {
-public:
-    WindowsButtons() { s_isSilent.clear(); }
-    WindowsButtons(const WindowsButtons&) = delete;
-    WindowsButtons& operator=(const WindowsButtons&) = delete;
-    ~WindowsButtons() { UnhookWindowsHookEx(m_hook); }
-
-private:
-    static LRESULT CALLBACK Watch(int code, WPARAM wParam, LPARAM lParam) {
-        const auto& sent = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
-        if (sent.message == BM_SETDONTCLICK) s_isSilent[sent.hwnd] = sent.wParam != FALSE;
-        if (sent.message == WM_SETFOCUS && !s_isSilent[sent.hwnd] &&
-            (SendMessageW(sent.hwnd, WM_GETDLGCODE, 0, 0) & DLGC_RADIOBUTTON) != 0 &&
-            SendMessageW(sent.hwnd, BM_GETCHECK, 0, 0) != BST_CHECKED) {
-            SendMessageW(sent.hwnd, BM_CLICK, 0, 0);
-        }
-        return CallNextHookEx(nullptr, code, wParam, lParam);
-    }
-
-    static inline std::map<HWND, bool> s_isSilent;
-    const HHOOK m_hook = SetWindowsHookExW(WH_CALLWNDPROCRET, Watch, nullptr, GetCurrentThreadId());
-};
 
 constexpr int kOptions[] = {IDC_OPTSTARTUP, IDC_OPTLOADWITHKILLER, IDC_OPTLOADFROMMENU};
 
@@ -58,16 +32,25 @@ struct ShownWindow : InsideWithoutEngine {
     static void SelectPage(int page) { SendMessageW(Tabs(), TCM_SETCURFOCUS, static_cast<WPARAM>(page), 0); }
 
     // That this option button is selected, 0: none; the tab key stops at that other one; and nothing has
-    // been changed.
-    static void CheckOptions(int selected, int tabStop) {
+    // been changed. Windows clicks an unselected one that gets the focus unless it has been told not to; Wine
+    // never does.
+    void CheckOptions(int selected, int tabStop) const {
         for (const int option : kOptions) {
             CAPTURE(option);
+            CHECK(notClicked.contains(ControlOf(option)));
             CHECK((SendMessageW(ControlOf(option), BM_GETCHECK, 0, 0) == BST_CHECKED) ==
                   (option == selected));
             CHECK(((GetWindowLongW(ControlOf(option), GWL_STYLE) & WS_TABSTOP) != 0) == (option == tabStop));
         }
         CHECK_FALSE(IsWindowEnabled(ControlOf(IDC_CMDAPPLY)));
     }
+
+    std::set<HWND> notClicked;
+    const ImportFake<"SendMessageW", decltype(&SendMessageW)> send{
+        "user32.dll", [this](HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+            if (message == BM_SETDONTCLICK && wParam != FALSE) notClicked.insert(hwnd);
+            return send.Original(hwnd, message, wParam, lParam);
+        }};
 };
 
 }  // namespace
@@ -124,7 +107,6 @@ TEST_CASE_FIXTURE(
 }
 
 TEST_CASE_FIXTURE(ShownWindow, "moving the focus selects no option button and marks no change") {
-    const WindowsButtons windows;
     SUBCASE("the stored one is selected") {
         Show();
         for (const int option : kOptions) {
