@@ -146,6 +146,7 @@ TEST_CASE_FIXTURE(HiddenWindow,
     // Sense among the nonsense: otherwise nothing but the first check of each call was tried.
     CHECK(results[S_OK] > calls / 50);
     CHECK(results.size() > 8);
+    MESSAGE(calls << " calls");
     // The caption and the rest are what the last caller made of them; the window itself still works.
     Put(form.Get(), L"b_OKtoUnload", false);
     CHECK(ToLong(Get(config.Get(), L"ConfigHwnd")) == window);
