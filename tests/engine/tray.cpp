@@ -31,12 +31,6 @@ TrayRecord& Record() {
     return *record;
 }
 
-// The open menu's window; null when none is open.
-HWND OpenMenu() {
-    const HWND menu = FindWindowW(L"#32768", nullptr);
-    return menu != nullptr && IsWindowVisible(menu) ? menu : nullptr;
-}
-
 bool MenuCloses() {
     return WaitUntil([] { return OpenMenu() == nullptr && Record().menusClosed == Record().menusShown; });
 }
@@ -83,6 +77,11 @@ std::string IconStory() {
 void PostGesture(HWND configWindow, UINT mouseMessage) {
     constexpr UINT kCallback = 0x401;
     PostMessageW(configWindow, kCallback, 1, static_cast<LPARAM>(mouseMessage));
+}
+
+HWND OpenMenu() {
+    const HWND menu = FindWindowW(L"#32768", nullptr);
+    return menu != nullptr && IsWindowVisible(menu) ? menu : nullptr;
 }
 
 HWND WaitForMenu() {

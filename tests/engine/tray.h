@@ -26,8 +26,9 @@ std::string IconStory();
 // What the icon's callback tells the window: a mouse message over the icon.
 void PostGesture(HWND configWindow, UINT mouseMessage);
 
-// Waits until a menu is open and takes the mouse and the keyboard; null when none does.
-HWND WaitForMenu();
+// The open menu's window; null when none is open.
+HWND OpenMenu();
+HWND WaitForMenu();  // and until it takes the mouse and the keyboard
 
 // Opens the menu by the icon's gesture, away from the mouse pointer's earlier place. Returns what can be
 // chosen, as EnabledItems has it.
