@@ -174,6 +174,8 @@ TEST_CASE_FIXTURE(
     // An item that nobody listens to.
     menu.mnuStartKiller_Click = nullptr;
     CHECK(PopUp(mnuStartKiller) == Calls{"Track", "Post 0"});
+    // An icon without events is an error, and leaving works.
+    CHECK(ErrorOf([&] { gestures.Connect(window.Hwnd(), nullptr); }) != S_OK);
     CHECK(PopUp(mnuExit) == Calls{"Track", "Post 0", "Post 16, to unload"});
 }
 
