@@ -11,7 +11,6 @@
 #include "options/resource.h"
 #include "tests/entry/journalled.h"
 #include "tests/support/other_process.h"
-#include "tests/support/settings_keys.h"
 #include "tests/support/shown_text.h"
 #include "tests/support/test_folder.h"
 
