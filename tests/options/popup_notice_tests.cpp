@@ -15,14 +15,8 @@ TEST_CASE(
     const std::wstring file = L"C:\\T\u00f6ne\\\u4e2d.wav";
     const std::string played = "play " + ToAnsi(file) + " 1; ";
     const std::string beeped = "beep 0; ";
-    struct Row {
-        bool playSound;
-        bool beep;
-        std::wstring file;
-        std::string notice;     // PlayNotice
-        std::string announced;  // a closed pop-up
-    };
-    const Row rows[] = {
+    // Play Sound, the beep, the file; what PlayNotice and what a closed pop-up gives.
+    const std::tuple<bool, bool, std::wstring, std::string, std::string> rows[] = {
         {false, false, L"", "", ""},
         {false, false, file, "", ""},
         {false, true, L"", beeped, beeped},
@@ -50,18 +44,18 @@ TEST_CASE(
         (page.popupNotice.*give)();
         return heard;
     };
-    for (const Row& row : rows) {
-        CAPTURE(row.playSound);
-        CAPTURE(row.beep);
-        CAPTURE(row.file);
-        SettingsWindow::Check(page.chkPlaySound, row.playSound);
-        SettingsWindow::Check(page.chkBeep, row.beep);
-        page.popupNotice.m_strSoundFile = row.file;
-        CHECK(heardOf(&PopupNotice::PlayNotice) == row.notice);
-        CHECK(heardOf(&PopupNotice::cmdTestSound_Click) == row.notice);
-        CHECK(heardOf(&PopupNotice::Announce) == row.announced);
+    for (const auto& [playSound, beep, chosen, notice, announced] : rows) {
+        CAPTURE(playSound);
+        CAPTURE(beep);
+        CAPTURE(chosen);
+        SettingsWindow::Check(page.chkPlaySound, playSound);
+        SettingsWindow::Check(page.chkBeep, beep);
+        page.popupNotice.m_strSoundFile = chosen;
+        CHECK(heardOf(&PopupNotice::PlayNotice) == notice);
+        CHECK(heardOf(&PopupNotice::cmdTestSound_Click) == notice);
+        CHECK(heardOf(&PopupNotice::Announce) == announced);
         // The second of two in quick succession cuts off the first.
-        CHECK(heardOf(&PopupNotice::Announce) == row.announced);
+        CHECK(heardOf(&PopupNotice::Announce) == announced);
     }
     CHECK_FALSE(page.cmdApply.Enabled());
 }
@@ -77,14 +71,7 @@ TEST_CASE_FIXTURE(SettingsWindow, "where Windows cannot play a sound the notice 
 
 TEST_CASE("a click on a check box clears the other one and sets the sound buttons; both may be unchecked") {
     // Play Sound, the beep, the file button and the test button, in this order: "1010".
-    struct Row {
-        std::string meaning;
-        const wchar_t* file;
-        std::string before;
-        bool clicksBeep;
-        std::string after;
-    };
-    const Row rows[] = {
+    const std::tuple<std::string, std::wstring, std::string, bool, std::string> rows[] = {
         {"Play Sound enables the buttons where there is a file", L"a.wav", "0000", false, "1011"},
         {"and leaves the test button enabled", L"a.wav", "0001", false, "1011"},
         {"without a file the test button stays disabled", L"", "0000", false, "1010"},
@@ -95,20 +82,20 @@ TEST_CASE("a click on a check box clears the other one and sets the sound button
         {"the beep alone cannot be tested", L"a.wav", "0000", true, "0100"},
         {"clearing the beep leaves the rest", L"a.wav", "0100", true, "0000"},
     };
-    for (const Row& row : rows) {
-        CAPTURE(row.meaning);
+    for (const auto& [meaning, file, before, clicksBeep, after] : rows) {
+        CAPTURE(meaning);
         SettingsWindow page;
-        page.popupNotice.m_strSoundFile = row.file;
-        SettingsWindow::Check(page.chkPlaySound, row.before[0] == '1');
-        SettingsWindow::Check(page.chkBeep, row.before[1] == '1');
-        page.cmdSoundFile.Enabled(row.before[2] == '1');
-        page.cmdTestSound.Enabled(row.before[3] == '1');
-        SettingsWindow::Click(row.clicksBeep ? page.chkBeep : page.chkPlaySound);
-        std::string after;
+        page.popupNotice.m_strSoundFile = file;
+        SettingsWindow::Check(page.chkPlaySound, before[0] == '1');
+        SettingsWindow::Check(page.chkBeep, before[1] == '1');
+        page.cmdSoundFile.Enabled(before[2] == '1');
+        page.cmdTestSound.Enabled(before[3] == '1');
+        SettingsWindow::Click(clicksBeep ? page.chkBeep : page.chkPlaySound);
+        std::string found;
         for (const bool each : {page.chkPlaySound.Value() == 1, page.chkBeep.Value() == 1,
                                 page.cmdSoundFile.Enabled(), page.cmdTestSound.Enabled()})
-            after += each ? '1' : '0';
-        CHECK(after == row.after);
+            found += each ? '1' : '0';
+        CHECK(found == after);
         CHECK(page.cmdApply.Enabled());
     }
 }

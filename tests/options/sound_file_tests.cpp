@@ -59,17 +59,11 @@ struct ScriptedDialog {
 TEST_CASE(
     "the start name, the path that is kept and whether it can be tested, which takes Play Sound, for each "
     "way in which the dialog ends; a change is marked in any case") {
-    struct Row {
-        std::string what;
-        std::wstring before;
-        std::vector<Reply> replies;
-        std::vector<std::wstring> starts;
-        std::wstring after;
-    };
+    using Names = std::vector<std::wstring>;
     const std::wstring old = L"C:\\Sounds\\old.wav";
     const std::wstring noName = L"C:\\\"not a name\"\\";
     const std::wstring tooLong(70000, L'a');
-    const Row rows[] = {
+    const std::tuple<std::string, std::wstring, std::vector<Reply>, Names, std::wstring> rows[] = {
         {"a first file", L"", {Reply{L"C:\\new.wav"}}, {L""}, L"C:\\new.wav"},
         {"without a file it starts with an empty name", L"", {kCancelled}, {L""}, L""},
         {"cancelling keeps the old path", old, {kCancelled}, {old}, old},
@@ -87,22 +81,22 @@ TEST_CASE(
          old},
         {"a path longer than any path starts it with an empty name", tooLong, {kCancelled}, {L""}, tooLong},
     };
-    for (const Row& row : rows) {
+    for (const auto& [what, before, replies, starts, after] : rows) {
         for (const bool playSound : {false, true}) {
             for (const bool canTestBefore : {false, true}) {
-                CAPTURE(row.what);
+                CAPTURE(what);
                 CAPTURE(playSound);
                 CAPTURE(canTestBefore);
                 SettingsWindow page;
                 SettingsWindow::Check(page.chkPlaySound, playSound);
-                page.popupNotice.m_strSoundFile = row.before;
+                page.popupNotice.m_strSoundFile = before;
                 page.cmdTestSound.Enabled(canTestBefore);
-                ScriptedDialog dialog{row.replies};
+                ScriptedDialog dialog{replies};
                 SettingsWindow::Click(page.cmdSoundFile);
-                CHECK(dialog.starts == row.starts);
+                CHECK(dialog.starts == starts);
                 CHECK(dialog.owner == page.window.Hwnd());
-                CHECK((page.popupNotice.m_strSoundFile == row.after));
-                CHECK(page.cmdTestSound.Enabled() == (playSound && !row.after.empty()));
+                CHECK((page.popupNotice.m_strSoundFile == after));
+                CHECK(page.cmdTestSound.Enabled() == (playSound && !after.empty()));
                 CHECK(page.cmdApply.Enabled());
             }
         }

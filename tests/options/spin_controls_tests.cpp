@@ -83,27 +83,21 @@ TEST_CASE_FIXTURE(
 
 TEST_CASE_FIXTURE(Page,
                   "after a load an emptied box goes on from the loaded value, and the load is no change") {
-    struct Row {
-        Spin spin;
-        std::wstring stored;
-        bool up;
-        const wchar_t* after;
-    };
     // From beyond the range it goes on from the end of the range.
-    const Row rows[] = {{spins[1], L"12000", true, L"13"},
-                        {spins[1], L"12000", false, L"11"},
-                        {spins[1], L"90000", false, L"29"},
-                        {spins[0], L"1000", false, L"5"}};
-    for (const Row& row : rows) {
-        CAPTURE(row.stored);
-        CAPTURE(row.up);
+    const std::tuple<Spin, std::wstring, bool, const wchar_t*> rows[] = {{spins[1], L"12000", true, L"13"},
+                                                                         {spins[1], L"12000", false, L"11"},
+                                                                         {spins[1], L"90000", false, L"29"},
+                                                                         {spins[0], L"1000", false, L"5"}};
+    for (const auto& [spin, stored, up, after] : rows) {
+        CAPTURE(stored);
+        CAPTURE(up);
         cmdApply.Enabled(false);
-        Store(std::wstring(row.spin.box.Name()), row.stored);
+        Store(std::wstring(spin.box.Name()), stored);
         transfer.LoadSettings();
         CHECK_FALSE(cmdApply.Enabled());
-        TypeInto(row.spin.box.Hwnd(), L"");
-        Step(row.spin, false, row.up);
-        CHECK(row.spin.box.Text() == row.after);
+        TypeInto(spin.box.Hwnd(), L"");
+        Step(spin, false, up);
+        CHECK(spin.box.Text() == after);
         CHECK(cmdApply.Enabled());
     }
 }
