@@ -82,6 +82,8 @@ TEST_CASE_FIXTURE(InsideWithoutEngine, "Config and its form hand out the window'
         CHECK(Get(form.Get(), flag).Value().boolVal == VARIANT_TRUE);
     }
     CHECK(IsWindowVisible(Window()));
+    Call(form.Get(), L"Hide");
+    CHECK_FALSE(IsWindowVisible(Window()));
     CHECK(ObjectIn(Get(config.Get(), L"ShellIconClass")).Get() ==
           ObjectIn(Get(form.Get(), L"m_oShellIcon")).Get());
     CHECK(ToText(Get(ObjectIn(Get(form.Get(), L"picShellIcon")).Get(), L"Name")) == L"picShellIcon");

@@ -112,13 +112,6 @@ void CheckCentred(const Surface& surface, HWND parent, const RECT& area) {
     CHECK(std::abs((all.top - area.top) - (area.bottom - all.bottom)) <= kRounding);
 }
 
-// The name that the system has found for the control's font, whatever was asked for.
-std::wstring FontOf(HWND control) {
-    wchar_t name[LF_FACESIZE]{};
-    InFontOf(control, [&](HDC dc) { return GetTextFaceW(dc, LF_FACESIZE, name); });
-    return name;
-}
-
 // Whether the fault is found in a control whose edges are moved meanwhile, each by so many pixels to the
 // right or down.
 bool IsReported(const Surface& surface, HWND control, const char* fault, const RECT& moves) {
@@ -151,7 +144,10 @@ TEST_CASE("the resolution, the font and the size of the text are those that the 
             CAPTURE(Describe(surface, control));
             // Windows gives spin controls no font: they have no text.
             if (RoleOf(control) == Role::Spin) continue;
-            CHECK(ToAnsi(FontOf(control)) == std::string(font));
+            // What the system has found, whatever was asked for.
+            wchar_t found[LF_FACESIZE]{};
+            InFontOf(control, [&](HDC dc) { return GetTextFaceW(dc, LF_FACESIZE, found); });
+            CHECK(ToAnsi(found) == std::string(font));
             CHECK(FontHeightOf(control) == Scaled(std::atoi(height)));
         }
     });
