@@ -42,11 +42,6 @@ struct CurrentTest : doctest::ConsoleReporter {
 
 REGISTER_REPORTER("current", 0, CurrentTest);
 
-// Of the exceptions that the system itself raises, those of the severity "error".
-bool IsFault(DWORD code) {
-    return (code & 0xF0000000) == 0xC0000000;
-}
-
 bool IsOwnCode(const void* address) {
     MEMORY_BASIC_INFORMATION region{};
     VirtualQuery(address, &region, sizeof(region));
@@ -72,7 +67,9 @@ bool IsOwnCode(const void* address) {
 
 LONG CALLBACK FirstChance(EXCEPTION_POINTERS* exception) {
     const EXCEPTION_RECORD& record = *exception->ExceptionRecord;
-    if (IsFault(record.ExceptionCode) && IsOwnCode(record.ExceptionAddress)) End(record);
+    // Of the exceptions that the system itself raises, those of the severity "error".
+    const bool isFault = (record.ExceptionCode & 0xF0000000) == 0xC0000000;
+    if (isFault && IsOwnCode(record.ExceptionAddress)) End(record);
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
