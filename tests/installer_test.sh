@@ -114,6 +114,18 @@ Next() {
     WaitFor 30 Page "$1"
 }
 
+# Described TEXT: the mouse goes down over the components until the page describes one in these words.
+Described() {
+    local x y top
+    eval "$(xdotool search --onlyvisible --name '^Calvane Uninstall' getwindowgeometry --shell | sed 's/^/local /')"
+    x=$((X + WIDTH / 2)) top=$((Y + HEIGHT / 3))
+    for ((y = top; y < Y + HEIGHT; y += 8)); do
+        xdotool mousemove $x $y
+        ! Page "$1" || return 0
+    done
+    return 1
+}
+
 # WriteRunValue PATH: as the manager does it, without a NUL at the end of the text.
 WriteRunValue() {
     {
@@ -316,6 +328,7 @@ WaitFor 30 WindowShows
 setup=$!
 WaitFor 30 Page "Calvane will be uninstalled from the following folder."
 Next "Check the components you want to uninstall"
+WaitFor 30 Described "The lists and options of the user whose account the uninstaller runs under."
 Next "Uninstallation Complete"
 xdotool key Return
 wait "$setup"

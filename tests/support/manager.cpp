@@ -116,8 +116,3 @@ std::wstring Setting(const std::wstring& key, const std::wstring& value) {
     }
     return FromAnsi(bytes.c_str());
 }
-
-void WriteSetting(const std::wstring& key, const std::wstring& value, const std::wstring& text) {
-    RegSetKeyValueW(HKEY_CURRENT_USER, PathOf(key).c_str(), value.c_str(), REG_SZ, text.c_str(),
-                    static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
-}

@@ -65,7 +65,6 @@ private:
 // Settings in the registry of the test's user, which the manager shares.
 void DeleteSettings();
 std::wstring Setting(const std::wstring& key, const std::wstring& value);
-void WriteSetting(const std::wstring& key, const std::wstring& value, const std::wstring& text);
 
 // Polls a condition about another process. False when it does not hold within the time, or when the manager
 // crashes.
