@@ -1,0 +1,40 @@
+// Resolutions on a Windows that has no functions for them.
+#include "platform/dpi.h"
+
+#include <doctest.h>
+
+#include <string>
+#include <string_view>
+
+#include "tests/support/import_fake.h"
+
+TEST_CASE(
+    "where Windows has no function for a resolution, the font and the metrics are the system's, scaled, and "
+    "the frame is the system's; a font that Windows does not tell is left alone") {
+    const ImportFake<"GetProcAddress", decltype(&GetProcAddress)> functions{
+        "kernel32.dll", [&](HMODULE library, LPCSTR name) -> FARPROC {
+            const std::string_view function = name;
+            const bool isNew = function == "GetDpiForWindow" || function.ends_with("ForDpi");
+            return isNew ? nullptr : functions.Original(library, name);
+        }};
+    const int twice = 2 * DpiOf(nullptr);
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof(metrics);
+    REQUIRE(SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof(metrics), &metrics, 0));
+    LOGFONTW font{};
+    CHECK(MessageFont(twice, font));
+    CHECK(font.lfHeight == 2 * metrics.lfMessageFont.lfHeight);
+    CHECK(std::wstring(font.lfFaceName) == metrics.lfMessageFont.lfFaceName);
+    CHECK(SystemMetric(SM_CXSMICON, twice) == 2 * GetSystemMetrics(SM_CXSMICON));
+
+    RECT frame{10, 20, 30, 40};
+    RECT expected = frame;
+    AdjustWindowRectEx(&expected, WS_CAPTION, FALSE, WS_EX_CLIENTEDGE);
+    AddFrame(frame, WS_CAPTION, WS_EX_CLIENTEDGE, twice);
+    CHECK(EqualRect(&frame, &expected));
+
+    const ImportFake<"SystemParametersInfoW", decltype(&SystemParametersInfoW)> parameters{
+        "user32.dll", [](UINT, UINT, PVOID, UINT) { return FALSE; }};
+    CHECK_FALSE(MessageFont(twice / 2, font));
+    CHECK(font.lfHeight == 2 * metrics.lfMessageFont.lfHeight);
+}
