@@ -19,10 +19,10 @@ constexpr int kTextBoxMargin = 3;  // on each side
 constexpr int kListRowMargin = 4;
 constexpr int kTabStripMargin = 2;  // before and behind all tabs; the chosen one reaches into it
 
-// Made of its own words.
+// Made of its own words. It ends as the text does: a space at the end may hang over.
 std::wstring Lengthened(const std::wstring& text) {
     const size_t added = text.size() * kLonger / 100;
-    return added == 0 ? text : text + L' ' + text.substr(0, added - 1);
+    return added == 0 ? text : text.substr(0, added - 1) + L' ' + text;
 }
 
 SIZE ClientSize(HWND control) {
