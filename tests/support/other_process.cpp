@@ -57,6 +57,11 @@ Rows TextRows(HWND window, UINT count, UINT length, UINT text) {
     return rows;
 }
 
+BOOL CALLBACK Keep(HWND window, LPARAM windows) {
+    reinterpret_cast<std::vector<HWND>*>(windows)->push_back(window);
+    return TRUE;
+}
+
 }  // namespace
 
 std::wstring ClassOf(HWND window) {
@@ -73,14 +78,17 @@ std::wstring ShownText(HWND window) {
 }
 
 std::vector<HWND> DialogsOf(DWORD processId, bool haveOwner) {
-    std::vector<HWND> dialogs;
-    for (HWND hwnd = nullptr; (hwnd = FindWindowExW(nullptr, hwnd, L"#32770", nullptr)) != nullptr;) {
+    // Not by FindWindowEx: where the window that it goes on from is being destroyed, Wine's server runs for
+    // ever.
+    std::vector<HWND> windows;
+    EnumWindows(Keep, reinterpret_cast<LPARAM>(&windows));
+    std::erase_if(windows, [&](HWND window) {
         DWORD process = 0;
-        GetWindowThreadProcessId(hwnd, &process);
-        if (process == processId && (GetWindow(hwnd, GW_OWNER) != nullptr) == haveOwner)
-            dialogs.push_back(hwnd);
-    }
-    return dialogs;
+        GetWindowThreadProcessId(window, &process);
+        return process != processId || ClassOf(window) != L"#32770" ||
+               (GetWindow(window, GW_OWNER) != nullptr) != haveOwner;
+    });
+    return windows;
 }
 
 std::wstring TabText(HWND tabs, int tab) {

@@ -113,12 +113,10 @@ HWND User::Open(const wchar_t* name, const wchar_t* title) {
     PostMessageW(Pressable(name), BM_CLICK, 0, 0);
     HWND found = nullptr;
     const bool isThere = WaitUntil([&] {
-        while ((found = FindWindowExW(nullptr, found, L"#32770", title)) != nullptr) {
-            DWORD process = 0;
-            GetWindowThreadProcessId(found, &process);
-            if (process == manager && IsWindowVisible(found)) return true;
+        for (const HWND dialog : DialogsOf(manager, true)) {
+            if (IsWindowVisible(dialog) && ShownText(dialog) == title) found = dialog;
         }
-        return false;
+        return found != nullptr;
     });
     if (!isThere) throw std::runtime_error("no dialog came up: " + ToAnsi(title));
     return found;
