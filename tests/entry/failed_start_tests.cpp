@@ -7,6 +7,7 @@
 #include "tests/engine_control/fake_engine.h"
 #include "tests/entry/window_inside.h"
 #include "tests/support/import_fake.h"
+#include "tests/support/other_process.h"
 
 namespace {
 
@@ -42,11 +43,7 @@ private:
 };
 
 size_t WindowCount() {
-    size_t count = 0;
-    HWND window = nullptr;
-    while ((window = FindWindowExW(nullptr, window, L"#32770", L"Calvane")) != nullptr)
-        ++count;
-    return count;
+    return DialogsOf(GetCurrentProcessId(), false).size();
 }
 
 void CheckNothingThere() {

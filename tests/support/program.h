@@ -11,9 +11,9 @@
 // The ids of the running processes of a program, by its file name.
 std::vector<DWORD> ProcessesOf(const wchar_t* program);
 
-// Keeps the running processes of a program open until the test ends, so that no later one gets their ids.
-// Wine finds a server by its process id, and mistakes one with the id of another, which has ended, for that
-// one.
+// Keeps the running processes of a program open until the test ends, so that no later one gets their ids:
+// Wine knows a server by its id, and a client that has called a server cannot call a later one with the same
+// id.
 void KeepProcessIds(const wchar_t* program);
 
 // Whether no process of the program is left within the time. Messages are dispatched meanwhile.
