@@ -177,8 +177,10 @@ TEST_CASE_FIXTURE(ConfigWindow,
     CHECK(calls == Calls{"Show"});
 
     window.messages.clear();
+    forwarded = 0;
     const HANDLE previous = RemovePropA(window.Hwnd(), kProperty);
     CHECK(Send(WM_USER + 5, 0, 0) == 0);
+    CHECK(forwarded == 0);
     CHECK(window.messages.empty());
     SetPropA(window.Hwnd(), kProperty, previous);
 }
