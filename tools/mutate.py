@@ -1,11 +1,14 @@
 #!/usr/bin/env python3
-"""Plants faults in the program, one at a time, and shows which suite of the tests finds each.
+"""Plants faults in the program and shows which suite of the tests finds each.
 
-    tools/mutate.py COUNT [--seed N] [--seconds N] [--under PATH]
+    tools/mutate.py COUNT [--seed N] [--workers N] [--under PATH]
 
-Works in a copy of the commit in build/mutate, built as the release is; the order of the suites comes from how long they
-took when test.sh last ran here. Every suite must pass without a fault. A run that is started again with the same seed
-goes on after the faults that it has tried already; remove build/mutate to begin with a newer tree. The table is printed
+Each fault is tried alone by the suites nearest to its file. Those that pass them are planted together for all suites; a
+suite that fails then is run with each of them alone, until what is left passes every suite: that has survived.
+
+Works in copies of the commit in build/mutate, one for each worker, built as the release is; how long a suite may take
+comes from the last run of test.sh here. Every suite must pass without a fault. A run that is started again with the
+same seed goes on after what it has tried already; remove build/mutate to begin with a newer tree. The table is printed
 and what it is made of kept in build/mutate/SEED.tsv.
 """
 
@@ -13,18 +16,19 @@ import argparse
 import csv
 import os
 import pathlib
+import queue
 import random
 import re
 import shutil
 import subprocess
 import sys
-import time
+import threading
+from concurrent.futures import ThreadPoolExecutor
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 WORK = ROOT / "build" / "mutate"
-TREE = WORK / "tree"
 SOURCE = WORK / "source"  # the layers as they are without a fault
-BUILD = TREE / "build" / "release"
+PASSED = "passed the nearest"
 
 LAYERS = ("app", "options", "lists", "tray", "store", "platform")
 
@@ -45,7 +49,6 @@ NEAREST = (
     (r"app/main", "automation registration server_security"),
     (r"app/", "entry automation options"),
 )
-LONG = 60  # seconds: slower suites come last
 
 SWAPS = {
     "comparison": {"==": "!=", "!=": "==", "<": "<=", "<=": "<", ">": ">=", ">=": ">", "&&": "||", "||": "&&"},
@@ -113,40 +116,70 @@ def plan(seed, under):
             del kinds[kind]
 
 
-def run(command, seconds, log):
-    """The exit code, None when the time was over. What the command started ends with it."""
-    with open(log, "ab") as output, subprocess.Popen(command, cwd=TREE, stdin=subprocess.DEVNULL, stdout=output,
-                                                     stderr=output, start_new_session=True) as process:
-        try:
-            return process.wait(max(seconds, 1))
-        except (subprocess.TimeoutExpired, KeyboardInterrupt) as reason:
-            os.killpg(process.pid, 15)
-            process.wait()
-            if isinstance(reason, KeyboardInterrupt):
-                raise
-            return None
+class Tree:
+    """A copy of the commit that one worker builds and tests."""
 
+    def __init__(self, number):
+        self.path = WORK / f"tree{number}"
+        self.build = self.path / "build" / "release"
+        self.log = WORK / f"log{number}"
 
-def prepare(log):
-    """Copies the tree as it is committed, builds its programs and makes the prefix of the tests."""
-    if not (WORK / "ready").exists():
-        shutil.rmtree(TREE, ignore_errors=True)
-        shutil.rmtree(SOURCE, ignore_errors=True)
-        (TREE / "build").mkdir(parents=True)
-        subprocess.run(f"git archive HEAD | tar -x -C {TREE}", cwd=ROOT, shell=True, check=True)
-        subprocess.run(f"cp -al {ROOT}/build/wine-template* {TREE}/build/", shell=True, check=True)
-        for layer in LAYERS:
-            shutil.copytree(TREE / layer, SOURCE / layer)
-    for layer in LAYERS:  # a run that was ended by force leaves its fault
-        for path in (SOURCE / layer).rglob("*.*"):
-            if path.read_bytes() != (TREE / path.relative_to(SOURCE)).read_bytes():
-                shutil.copy(path, TREE / path.relative_to(SOURCE))
-    build = "cmake --build --preset release --target SentrelConfig SentrelStandin CalvaneConfigLoader installer"
-    for command in (["cmake", "--preset", "release"], build.split(),
-                    [str(TREE / "tests" / "launch.sh"), str(BUILD)]):
-        if run(command, 3600, log) != 0:
-            sys.exit(f"{' '.join(command)} failed, see {log}")
-    (WORK / "ready").touch()
+    def run(self, command):
+        environment = dict(os.environ, CCACHE_BASEDIR=str(self.path))
+        with open(self.log, "ab") as output:
+            return subprocess.run(command, cwd=self.path, env=environment, stdin=subprocess.DEVNULL, stdout=output,
+                                  stderr=output, check=False).returncode == 0
+
+    def make(self, *targets):
+        return self.run(["cmake", "--build", "--preset", "release", "--target", *targets])
+
+    def launch(self, *arguments):
+        return self.run([str(self.path / "tests" / "launch.sh"), str(self.build), *arguments])
+
+    def prepare(self):
+        """Copies the tree as it is committed, builds its programs and makes the prefix of the tests."""
+        ready = self.path / "ready"
+        if not ready.exists():
+            shutil.rmtree(self.path, ignore_errors=True)
+            (self.path / "build").mkdir(parents=True)
+            subprocess.run(f"git archive HEAD | tar -x -C {self.path}", cwd=ROOT, shell=True, check=True)
+            subprocess.run(f"cp -al {ROOT}/build/wine-template* {self.path}/build/", shell=True, check=True)
+        self.plant([])
+        if not (self.run(["cmake", "--preset", "release"])
+                and self.make("SentrelConfig", "SentrelStandin", "CalvaneConfigLoader", "installer")
+                and self.launch()):
+            sys.exit(f"A tree cannot be made ready, see {self.log}")
+        ready.touch()
+
+    def plant(self, faults):
+        """Leaves exactly these faults in the tree."""
+        texts = {}
+        for path, _, number, _, _, lines in faults:
+            text = texts.setdefault(path, (SOURCE / path).read_text().split("\n"))
+            text[number:number + len(lines)] = lines
+        for source in (path for layer in LAYERS for path in (SOURCE / layer).rglob("*.*")):
+            name = source.relative_to(SOURCE).as_posix()
+            wanted = "\n".join(texts[name]).encode() if name in texts else source.read_bytes()
+            if (self.path / name).read_bytes() != wanted:
+                (self.path / name).write_bytes(wanted)
+
+    def passes(self, suite, seconds):
+        limit = str(int(3 * seconds[suite]) + 60)
+        return self.launch(limit, str(self.build / "tests" / f"{suite}_tests.exe"))
+
+    def first_failure(self, suite):
+        """The test case that failed first, from what the suite printed."""
+        log = self.build / "test-output" / f"{suite}_tests.log"
+        said = log.read_text(errors="replace") if log.exists() else ""
+        case = re.search(r"TEST CASE: *(.*)", said)
+        return f"caught by {suite}: {case.group(1).strip() if case else '(no test case: crash or time)'}"
+
+    def verdict(self, fault, suites, seconds):
+        """What the first of the suites to fail says, or None."""
+        self.plant([fault])
+        if not self.make(*(f"{suite}_tests" for suite in suites)):
+            return "did not compile"
+        return next((self.first_failure(suite) for suite in suites if not self.passes(suite, seconds)), None)
 
 
 def durations():
@@ -156,92 +189,136 @@ def durations():
         sys.exit("Nobody has run the tests here yet: run ./test.sh first.")
     rows = [line.split() for line in record.read_text().splitlines()]
     taken = {row[0][:-len("_tests")]: float(row[2]) for row in rows if len(row) == 3 and row[0].endswith("_tests")}
-    tests = TREE / "tests"
+    tests = ROOT / "tests"
     return {name: taken[name] for name in taken if (tests / name).exists() or (tests / f"{name}_tests.cpp").exists()}
 
 
-def suites_for(path, seconds):
-    """Groups of suites that are built together: the nearest, the short ones, the long ones."""
-    near = next(names.split() for pattern, names in NEAREST if re.match(pattern, path))
-    near = [name for name in near if name in seconds]
-    rest = sorted((name for name in seconds if name not in near), key=seconds.get)
-    return [near, [name for name in rest if seconds[name] <= LONG], [name for name in rest if seconds[name] > LONG]]
+def nearest(path, seconds):
+    names = next(names.split() for pattern, names in NEAREST if re.match(pattern, path))
+    return [name for name in names if name in seconds]
 
 
-def first_failure(suite):
-    """The test case that failed first, from what the suite printed."""
-    log = BUILD / "test-output" / f"{suite}_tests.log"
-    said = log.read_text(errors="replace") if log.exists() else ""
-    case = re.search(r"TEST CASE: *(.*)", said)
-    return case.group(1).strip() if case else "(no test case: crash or time)"
+def together(faults):
+    """As many of the faults (by their number) as change lines of their own."""
+    taken = set()
+    chosen = {}
+    for index, fault in faults.items():
+        lines = {(fault[0], fault[2] + offset) for offset in range(len(fault[5]))}
+        if not lines & taken:
+            taken |= lines
+            chosen[index] = fault
+    return chosen
 
 
-def verdict(path, seconds, limit, log):
-    """Builds and runs the suites until one fails."""
-    end = time.monotonic() + limit
-    for stage, suites in enumerate(suites_for(path, seconds)):
-        command = ["cmake", "--build", "--preset", "release", "--target", *(f"{name}_tests" for name in suites)]
-        code = run(command, end - time.monotonic(), log)
-        if code not in (0, None):
-            return "did not compile" if stage == 0 else "did not link"
-        for suite in suites:
-            left = int(end - time.monotonic())
-            if left <= 0 or code is None:
-                return "not decided in time"
-            allowed = min(left, int(3 * seconds.get(suite, 100)) + 60)
-            program = BUILD / "tests" / f"{suite}_tests.exe"
-            if run([str(TREE / "tests" / "launch.sh"), str(BUILD), str(allowed), str(program)], left + 30, log) != 0:
-                if allowed == left and time.monotonic() >= end:
-                    return "not decided in time"
-                return f"caught by {suite}: {first_failure(suite)}"
-    return "survived"
+class Run:
+    def __init__(self, trees, seconds, table):
+        self.trees = trees
+        self.seconds = seconds
+        self.table = table
+        self.free = queue.Queue()
+        for tree in trees:
+            self.free.put(tree)
+        self.writing = threading.Lock()
+        table.touch()
+        self.ends = {int(row[0]): row[6] for row in self.rows()}
 
+    def rows(self):
+        with self.table.open() as file:
+            return list(csv.reader(file, delimiter="\t"))
 
-def show(table):
-    rows = list(csv.reader(table.open(), delimiter="\t"))
-    print("| file | line | fault | before | after | |\n|---|---|---|---|---|---|")
-    for row in rows:
-        print("| " + " | ".join(cell.replace("|", "\\|") for cell in row) + " |")
-    ends = [row[5] for row in rows]
-    caught, survived = sum(end.startswith("caught") for end in ends), ends.count("survived")
-    print(f"\n{caught} caught, {survived} survived, {len(rows) - caught - survived} not counted "
-          f"(did not compile, or not decided in time).")
+    def note(self, index, fault, end):
+        """A later row of the same fault counts."""
+        path, kind, number, before, after, _ = fault
+        with self.writing, self.table.open("a") as output:
+            csv.writer(output, delimiter="\t", lineterminator="\n").writerow(
+                [index, path, number + 1, kind, before, after, end])
+        self.ends[index] = end
+        print(f"{index}: {path}:{number + 1}: {kind}: {end}", file=sys.stderr)
+
+    def each(self, work, items):
+        """Calls work(tree, item) for each item; a tree does one at a time."""
+        def on_a_tree(item):
+            tree = self.free.get()
+            try:
+                return work(tree, item)
+            finally:
+                self.free.put(tree)
+
+        with ThreadPoolExecutor(len(self.trees)) as pool:
+            return list(pool.map(on_a_tree, items))
+
+    def try_nearest(self, faults):
+        def alone(tree, index):
+            suites = nearest(faults[index][0], self.seconds)
+            self.note(index, faults[index], tree.verdict(faults[index], suites, self.seconds) or PASSED)
+
+        self.each(alone, [index for index in faults if index not in self.ends])
+
+    def failing(self, faults):
+        """The suites that fail with all these faults, longest first."""
+        def build(tree, _):
+            tree.plant(faults)
+            return tree.make(*(f"{suite}_tests" for suite in self.seconds))
+
+        # One item for each tree: a pool of as many threads takes each once.
+        if not all(self.each(build, self.trees)):
+            return sorted(self.seconds, key=self.seconds.get)
+        suites = sorted(self.seconds, key=self.seconds.get, reverse=True)
+        passed = self.each(lambda tree, suite: tree.passes(suite, self.seconds), suites)
+        return [suite for suite, well in zip(suites, passed) if not well][::-1]
+
+    def try_all(self, faults):
+        left = {index: fault for index, fault in faults.items() if self.ends[index] == PASSED}
+        while left:
+            group = together(left)
+            suites = self.failing(list(group.values()))
+            print(f"{len(group)} together: {', '.join(suites) or 'every suite passes'}", file=sys.stderr)
+            caught = 0
+            for suite in suites:
+                def alone(tree, index, suite=suite):
+                    return tree.verdict(group[index], [suite], self.seconds)
+
+                open_ones = [index for index in group if self.ends[index] == PASSED]
+                for index, end in zip(open_ones, self.each(alone, open_ones)):
+                    if end:
+                        self.note(index, group[index], end)
+                        caught += 1
+            if not caught:
+                for index, fault in group.items():
+                    self.note(index, fault, "survived")
+            left = {index: fault for index, fault in left.items() if self.ends[index] == PASSED}
+
+    def show(self):
+        rows = sorted({int(row[0]): row[1:] for row in self.rows()}.items())
+        print("| | file | line | fault | before | after | |\n|---|---|---|---|---|---|---|")
+        for index, row in rows:
+            print(f"| {index} | " + " | ".join(cell.replace("|", "\\|") for cell in row) + " |")
+        ends = [row[5] for _, row in rows]
+        caught, survived = sum(end.startswith("caught") for end in ends), ends.count("survived")
+        print(f"\n{caught} caught, {survived} survived, {ends.count('did not compile')} did not compile.")
 
 
 def main():
     parser = argparse.ArgumentParser(description="Plants faults and shows which suite finds them.")
     parser.add_argument("count", type=int, help="faults that are tried, those of an earlier run included")
     parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--seconds", type=int, default=1800, help="limit for each fault")
+    parser.add_argument("--workers", type=int, default=os.cpu_count())
     parser.add_argument("--under", default="", help="only files whose path begins so")
     arguments = parser.parse_args()
 
     WORK.mkdir(parents=True, exist_ok=True)
-    log = WORK / "log"
-    os.environ["CCACHE_BASEDIR"] = str(TREE)
-    prepare(log)
-    seconds = durations()
-    table = WORK / f"{arguments.seed}{arguments.under.replace('/', '-')}.tsv"
-    table.touch()
-    done = len(table.read_text().splitlines())
-    faults = plan(arguments.seed, arguments.under)
-    for index, (path, kind, number, before, after, lines) in zip(range(arguments.count), faults):
-        if index < done:
-            continue
-        file = TREE / path
-        whole = (SOURCE / path).read_text()
-        text = whole.split("\n")
-        text[number:number + len(lines)] = lines
-        try:
-            file.write_text("\n".join(text))
-            end = verdict(path, seconds, arguments.seconds, log)
-        finally:
-            file.write_text(whole)
-        with table.open("a") as output:
-            writer = csv.writer(output, delimiter="\t", lineterminator="\n")
-            writer.writerow([path, number + 1, kind, before, after, end])
-        print(f"{index + 1}: {path}:{number + 1}: {kind}: {end}", file=sys.stderr)
-    show(table)
+    if not SOURCE.exists():
+        SOURCE.mkdir()
+        subprocess.run(f"git archive HEAD {' '.join(LAYERS)} | tar -x -C {SOURCE}", cwd=ROOT, shell=True, check=True)
+    trees = [Tree(number + 1) for number in range(arguments.workers)]
+    with ThreadPoolExecutor(len(trees)) as pool:
+        list(pool.map(Tree.prepare, trees))
+    faults = {index: fault
+              for index, fault in zip(range(1, arguments.count + 1), plan(arguments.seed, arguments.under))}
+    this = Run(trees, durations(), WORK / f"{arguments.seed}{arguments.under.replace('/', '-')}.tsv")
+    this.try_nearest(faults)
+    this.try_all(faults)
+    this.show()
 
 
 if __name__ == "__main__":
