@@ -38,3 +38,9 @@ TEST_CASE(
     CHECK_FALSE(MessageFont(twice / 2, font));
     CHECK(font.lfHeight == 2 * metrics.lfMessageFont.lfHeight);
 }
+
+TEST_CASE("no window, which has no resolution, counts as one of the system's") {
+    const HDC screen = GetDC(nullptr);
+    CHECK(DpiOf(nullptr) == GetDeviceCaps(screen, LOGPIXELSY));
+    ReleaseDC(nullptr, screen);
+}

@@ -36,6 +36,13 @@ TEST_CASE(
     const Loads::value_type first{L"winmm.dll", LOAD_LIBRARY_SEARCH_SYSTEM32};
     CHECK(loaded() == UpperCase(path));
     CHECK(loads == Loads{first, {path, LOAD_WITH_ALTERED_SEARCH_PATH}});
+    {
+        const ImportFake<"GetSystemDirectoryW", decltype(&GetSystemDirectoryW)> fails{
+            "kernel32.dll", [](LPWSTR, UINT) { return 0u; }};
+        loads.clear();
+        CHECK(LoadSystemLibrary(L"winmm.dll") == nullptr);
+        CHECK(loads == Loads{first});
+    }
     loads.clear();
     error = ERROR_MOD_NOT_FOUND;
     CHECK(LoadSystemLibrary(L"winmm.dll") == nullptr);
