@@ -4,7 +4,8 @@
     tools/mutate.py COUNT [--seed N] [--workers N] [--under PATH]
 
 Each fault is tried alone by the suites nearest to its file. Those that pass them are planted together for all suites; a
-suite that fails then is run with each of them alone, until what is left passes every suite: that has survived.
+suite that fails then is run with each half of them, and so on, until what is left passes every suite: that has
+survived.
 
 Works in copies of the commit in build/mutate, one for each worker, built as the release is; how long a suite may take
 comes from the last run of test.sh here. Every suite must pass without a fault. A run that is started again with the
@@ -174,9 +175,9 @@ class Tree:
         case = re.search(r"TEST CASE: *(.*)", said)
         return f"caught by {suite}: {case.group(1).strip() if case else '(no test case: crash or time)'}"
 
-    def verdict(self, fault, suites, seconds):
+    def verdict(self, faults, suites, seconds):
         """What the first of the suites to fail says, or None."""
-        self.plant([fault])
+        self.plant(faults)
         if not self.make(*(f"{suite}_tests" for suite in suites)):
             return "did not compile"
         return next((self.first_failure(suite) for suite in suites if not self.passes(suite, seconds)), None)
@@ -250,7 +251,7 @@ class Run:
     def try_nearest(self, faults):
         def alone(tree, index):
             suites = nearest(faults[index][0], self.seconds)
-            self.note(index, faults[index], tree.verdict(faults[index], suites, self.seconds) or PASSED)
+            self.note(index, faults[index], tree.verdict([faults[index]], suites, self.seconds) or PASSED)
 
         self.each(alone, [index for index in faults if index not in self.ends])
 
@@ -267,22 +268,29 @@ class Run:
         passed = self.each(lambda tree, suite: tree.passes(suite, self.seconds), suites)
         return [suite for suite, well in zip(suites, passed) if not well][::-1]
 
+    def culprits(self, suite, group):
+        """Which of the faults, with which the suite fails, make it fail, by halves; and what it says."""
+        def test(tree, part):
+            return tree.verdict([group[index] for index in part], [suite], self.seconds)
+
+        open_ones = [index for index in group if self.ends[index] == PASSED]
+        parts = [open_ones] if open_ones else []
+        while parts:
+            failing = [(part, end) for part, end in zip(parts, self.each(test, parts)) if end]
+            for part, end in failing:
+                if len(part) == 1:
+                    yield part[0], end
+            halves = [(part[:len(part) // 2], part[len(part) // 2:]) for part, _ in failing if len(part) > 1]
+            parts = [half for pair in halves for half in pair]
+
     def try_all(self, faults):
         left = {index: fault for index, fault in faults.items() if self.ends[index] == PASSED}
         while left:
             group = together(left)
             suites = self.failing(list(group.values()))
             print(f"{len(group)} together: {', '.join(suites) or 'every suite passes'}", file=sys.stderr)
-            caught = 0
-            for suite in suites:
-                def alone(tree, index, suite=suite):
-                    return tree.verdict(group[index], [suite], self.seconds)
-
-                open_ones = [index for index in group if self.ends[index] == PASSED]
-                for index, end in zip(open_ones, self.each(alone, open_ones)):
-                    if end:
-                        self.note(index, group[index], end)
-                        caught += 1
+            caught = [self.note(index, group[index], end) for suite in suites
+                      for index, end in self.culprits(suite, group)]
             if not caught:
                 for index, fault in group.items():
                     self.note(index, fault, "survived")
