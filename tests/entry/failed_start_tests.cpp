@@ -8,6 +8,7 @@
 #include "tests/entry/window_inside.h"
 #include "tests/support/import_fake.h"
 #include "tests/support/other_process.h"
+#include "tests/support/shown_text.h"
 
 namespace {
 
@@ -97,6 +98,9 @@ TEST_CASE("a window that cannot be made or loaded, at first or again, is an erro
                     VARIANT handle;
                     CHECK(g_oConfig->get_ConfigHwnd(&handle) == failing.Result());
                     CHECK(handle.vt == VT_EMPTY);
+                    LONG number = 1;
+                    CHECK(g_frmConfig->get_hWnd(&number) == failing.Result());
+                    CHECK(number == 0);
                     CHECK_FALSE(IsShown());
                 }
             }

@@ -2,6 +2,8 @@
 #include <doctest.h>
 
 #include <climits>
+#include <iterator>
+#include <set>
 #include <string>
 
 #include "lists/resource.h"
@@ -98,6 +100,25 @@ TEST_CASE_FIXTURE(InsideWithoutEngine, "Config and its form hand out the window'
     }
     CHECK(ToLong(Call(form.Get(), L"ControlHwnd", {L"LVWBANNERS"})) ==
           HandleToLong(ControlOf(IDC_LVWBANNERS)));
+    std::set<long> windows;
+    const wchar_t* const names[] = {
+        L"tab",           L"cmdOK",           L"cmdApply",          L"cmdCancel",
+        L"fraGeneral",    L"optStartup",      L"optLoadWithKiller", L"optLoadFromMenu",
+        L"fraNotice",     L"chkPlaySound",    L"cmdSoundFile",      L"cmdTestSound",
+        L"chkBeep",       L"fraAdvanced",     L"lblPauseKey",       L"cboPauseKey",
+        L"Label1",        L"txtSpeed",        L"udbSpeed",          L"Label4",
+        L"Label3",        L"txtPause",        L"udbPause",          L"Label2",
+        L"Label5",        L"lstExclude",      L"cmdAddURL",         L"cmdRemoveURL",
+        L"Label6",        L"lstClosedWnd",    L"cmdRefreshLog",     L"cmdAddTo",
+        L"cmdClearList",  L"Label7",          L"lvwBanners",        L"cmdAddSize",
+        L"cmdRemoveSize", L"Label8",          L"lvwSearchURLs",     L"cmdAddSearch",
+        L"cmdEditSearch", L"cmdRemoveSearch", L"Label11",           L"lblNavSite",
+        L"imgLogo",       L"lblAbout"};
+    for (const wchar_t* const name : names) {
+        CAPTURE(std::wstring(name));
+        windows.insert(ToLong(Call(form.Get(), L"ControlHwnd", {name})));
+    }
+    CHECK(windows.size() == std::size(names));
     for (const wchar_t* const name : {L"cmdNothing", L""})
         CHECK(ErrorOf([&] { Call(form.Get(), L"ControlHwnd", {name}); }) ==
               HresultOf(ErrorNumber::InvalidProcedureCall));

@@ -9,6 +9,7 @@
 #include "tests/entry/journalled.h"
 #include "tests/pairs/clock.h"
 #include "tests/support/message_pump.h"
+#include "tests/support/shown_text.h"
 
 namespace {
 

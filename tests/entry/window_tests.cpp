@@ -1,6 +1,10 @@
 // What the window is like to its user: where it appears, and its icon when a pop-up has been closed.
 #include <doctest.h>
 
+#include <string_view>
+#include <utility>
+#include <vector>
+
 #include "options/resource.h"
 #include "platform/dpi.h"
 #include "platform/icon.h"
@@ -37,6 +41,25 @@ std::string ColoursOf(HICON icon) {
 }
 
 }  // namespace
+
+TEST_CASE("each page, once it is there, gets the colours of the tabs that it lies in") {
+    static std::vector<std::pair<bool, DWORD>> textures;  // whether the page has controls, and the flags
+    textures.clear();
+    const auto enable = +[](HWND page, DWORD flags) WINAPI -> HRESULT {
+        textures.emplace_back(GetWindow(page, GW_CHILD) != nullptr, flags);
+        return S_OK;
+    };
+    const ImportFake<"GetProcAddress", decltype(&GetProcAddress)> functions{
+        "kernel32.dll", [&](HMODULE library, LPCSTR name) {
+            if (HIWORD(name) == 0 || std::string_view(name) != "EnableThemeDialogTexture")
+                return functions.Original(library, name);
+            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(enable));
+        }};
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    constexpr DWORD kEnableTab = 6;
+    CHECK(textures == std::vector<std::pair<bool, DWORD>>(6, {true, kEnableTab}));
+}
 
 TEST_CASE_FIXTURE(InsideWithoutEngine,
                   "a window is shown where it is, restored, and in the middle of the nearest monitor, in its "

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "lists/message.h"
 #include "tests/support/dialog_script.h"
 #include "tests/support/other_process.h"
 #include "tests/support/settings_window.h"
@@ -44,7 +43,7 @@ struct ListPage : SettingsWindow {
         // No exception may leave a dialog's procedure.
         if (recorder.messages.size() != 1) return;
         CHECK(recorder.messages[0].text == text);
-        CHECK(recorder.messages[0].title == kApplicationTitle);
+        CHECK(recorder.messages[0].title == L"Calvane");
         CHECK(recorder.messages[0].type == (MB_OK | icon));
         CHECK(recorder.messages[0].owner == owner);
     }

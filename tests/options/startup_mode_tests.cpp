@@ -15,6 +15,9 @@ namespace {
 // for the Run value fail.
 const Fault kNoMachineRights{std::nullopt, 3, true};
 
+// Windows' own name, of what it starts with the user.
+constexpr wchar_t kRunKey[] = L"Software\\Microsoft\\Windows\\CurrentVersion\\Run";
+
 constexpr const wchar_t* kModes[] = {L"Startup", L"RunOnly", L"Manual"};
 constexpr const wchar_t* kModesOrNone[] = {L"", L"Startup", L"RunOnly", L"Manual"};
 
@@ -91,7 +94,7 @@ TEST_CASE_FIXTURE(
             CHECK(generalOptions.m_strStartupMode == (mode != nullptr ? mode : remembered));
             CHECK(Selected() == (mode != nullptr ? mode : selected));
             CHECK(user.Exists(Schema::kSettingsKey, L"Startup") == (stored != nullptr));
-            CHECK(machine.ValueCount(Schema::kRunKey) == 0);
+            CHECK(machine.ValueCount(kRunKey) == 0);
         }
     }
 }
@@ -102,7 +105,7 @@ TEST_CASE_FIXTURE(
     "the loader's path as it stands then") {
     const std::string before = "C:\\old loader.exe";
     loaderPath = L"D:\\\\CalvaneConfigLoader.exe";
-    machine.Write(Schema::kRunKey, L"Another program", L"stays");
+    machine.Write(kRunKey, L"Another program", L"stays");
     for (const bool hasRights : {true, false}) {
         for (const std::wstring remembered : kModesOrNone) {
             for (const std::wstring selected : kModesOrNone) {
@@ -112,8 +115,8 @@ TEST_CASE_FIXTURE(
                     CAPTURE(selected);
                     CAPTURE(isRunThere);
                     PutStored(L"as it was");
-                    machine.Delete(Schema::kRunKey, Schema::kRunValue);
-                    if (isRunThere) machine.Write(Schema::kRunKey, Schema::kRunValue, REG_SZ, before);
+                    machine.Delete(kRunKey, Schema::kRunValue);
+                    if (isRunThere) machine.Write(kRunKey, Schema::kRunValue, REG_SZ, before);
                     Put(remembered, selected);
                     calls.Fail(hasRights ? Fault{} : kNoMachineRights);
                     calls.Watch([this] { generalOptions.WriteStartupMode(registry); });
@@ -125,11 +128,11 @@ TEST_CASE_FIXTURE(
                         run = "D:\\\\CalvaneConfigLoader.exe";
                     if (hasRights && isChange && remembered == L"Startup") run.clear();
                     DWORD type = REG_SZ;
-                    const bool isThere = machine.Exists(Schema::kRunKey, Schema::kRunValue);
-                    CHECK((isThere ? machine.Bytes(Schema::kRunKey, Schema::kRunValue, &type) : "") == run);
+                    const bool isThere = machine.Exists(kRunKey, Schema::kRunValue);
+                    CHECK((isThere ? machine.Bytes(kRunKey, Schema::kRunValue, &type) : "") == run);
                     CHECK(type == REG_SZ);
-                    CHECK(machine.ValueCount(Schema::kRunKey) == (isThere ? 2 : 1));
-                    CHECK_FALSE(user.Exists(Schema::kRunKey));
+                    CHECK(machine.ValueCount(kRunKey) == (isThere ? 2 : 1));
+                    CHECK_FALSE(user.Exists(kRunKey));
                 }
             }
         }

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "tests/support/import_fake.h"
+#include "tests/support/shown_text.h"
 
 TEST_CASE(
     "where Windows has no function for a resolution, the font and the metrics are the system's, scaled, and "

@@ -8,6 +8,7 @@
 
 #include "platform/text.h"
 #include "tests/support/import_fake.h"
+#include "tests/support/shown_text.h"
 
 using Loads = std::vector<std::pair<std::wstring, DWORD>>;  // the names and their flags
 
