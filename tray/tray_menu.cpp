@@ -5,21 +5,20 @@
 namespace {
 
 constexpr wchar_t kCaption[] = L"Config Popup";
-constexpr wchar_t kSeparator[] = L"-";
 constexpr UINT kNoDefaultItem = static_cast<UINT>(-1);
 
 struct Item {
     TrayMenuItem item;
-    const wchar_t* caption;
+    const wchar_t* caption;  // null for a separator
     Event TrayMenu::*click;
 };
 
 constexpr Item kItems[] = {
     {mnuStartKiller, L"&Start Sentrel", &TrayMenu::mnuStartKiller_Click},
     {mnuStopKiller, L"S&top Sentrel", &TrayMenu::mnuStopKiller_Click},
-    {mnuSep1, kSeparator, nullptr},
+    {mnuSep1, nullptr, nullptr},
     {mnuPauseKiller, L"&Pause Sentrel", &TrayMenu::mnuPauseKiller_Click},
-    {mnuSep2, kSeparator, nullptr},
+    {mnuSep2, nullptr, nullptr},
     {mnuShowConfig, L"&Open Calvane Configuration", &TrayMenu::mnuShowConfig_Click},
     {mnuExit, L"E&xit Calvane", &TrayMenu::mnuExit_Click},
 };
@@ -33,9 +32,8 @@ void ThrowIfFalse(BOOL done) {
 TrayMenu::TrayMenu() : m_bar(CreateMenu()) {
     MenuHandle mnuConfig(CreatePopupMenu());
     for (const Item& row : kItems) {
-        const bool isSeparator = row.click == nullptr;
-        ThrowIfFalse(AppendMenuW(mnuConfig.Get(), isSeparator ? MF_SEPARATOR : MF_STRING, row.item,
-                                 isSeparator ? nullptr : row.caption));
+        const UINT kind = row.caption == nullptr ? MF_SEPARATOR : MF_STRING;
+        ThrowIfFalse(AppendMenuW(mnuConfig.Get(), kind, row.item, row.caption));
     }
     ThrowIfFalse(AppendMenuW(m_bar.Get(), MF_POPUP, reinterpret_cast<UINT_PTR>(mnuConfig.Get()), kCaption));
     // It went with the bar.

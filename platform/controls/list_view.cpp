@@ -84,15 +84,12 @@ bool ListView::Checked(int position) const {
 
 void ListView::Checked(int position, bool checked) {
     CheckPosition(position);
+    LVITEMW item{};
+    item.state = checked ? kChecked : kUnchecked;
+    item.stateMask = LVIS_STATEIMAGEMASK;
     m_settingCheck = true;
-    SetState(position, checked ? kChecked : kUnchecked, LVIS_STATEIMAGEMASK);
+    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(position - 1), reinterpret_cast<LPARAM>(&item));
     m_settingCheck = false;
-}
-
-void ListView::Select(int position) {
-    CheckPosition(position);
-    SetState(position, LVIS_SELECTED | LVIS_FOCUSED, LVIS_SELECTED | LVIS_FOCUSED);
-    Send(LVM_ENSUREVISIBLE, static_cast<WPARAM>(position - 1), FALSE);
 }
 
 LRESULT ListView::OnNotify(const NMHDR& header) {
@@ -103,13 +100,6 @@ LRESULT ListView::OnNotify(const NMHDR& header) {
     const bool isNewRow = (change.uOldState & LVIS_STATEIMAGEMASK) == 0;
     if ((change.uChanged & LVIF_STATE) != 0 && changed != 0 && !isNewRow) Raise(ItemCheck);
     return 0;
-}
-
-void ListView::SetState(int position, UINT state, UINT mask) {
-    LVITEMW item{};
-    item.state = state;
-    item.stateMask = mask;
-    Send(LVM_SETITEMSTATE, static_cast<WPARAM>(position - 1), reinterpret_cast<LPARAM>(&item));
 }
 
 void ListView::CheckPosition(int position) const {

@@ -44,7 +44,6 @@ public:
     int Selected() const noexcept {
         return static_cast<int>(Send(LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED)) + 1;
     }
-    void Select(int position);
 
     LRESULT OnNotify(const NMHDR& header) override;
 
@@ -53,7 +52,6 @@ protected:
 
 private:
     void CheckPosition(int position) const;
-    void SetState(int position, UINT state, UINT mask);
 
     int m_rowImage = I_IMAGENONE;
     bool m_settingCheck = false;

@@ -20,7 +20,7 @@ TEST_CASE_FIXTURE(
     AddSize(L"1", L"2");
     CHECK(Row(6) == L"User Banner 1|2|1|x");
     CHECK(Row(1) == L"Full Banner|468|60|x");
-    lvwBanners.Select(5);
+    Select(lvwBanners, 5);
     changes = 0;
     Click(cmdRemoveSize);
     CHECK(lvwBanners.Count() == 5);
@@ -40,7 +40,7 @@ TEST_CASE_FIXTURE(
     CHECK(recorder.messages.empty());
     for (int position = 1; position <= 4; ++position) {
         recorder.messages.clear();
-        lvwBanners.Select(position);
+        Select(lvwBanners, position);
         Click(cmdRemoveSize);
         CheckMessage(L"This default setting cannot be deleted.", MB_ICONINFORMATION, window.Hwnd());
     }
@@ -50,7 +50,7 @@ TEST_CASE_FIXTURE(
     AddSize(L"1", L"2");
     CHECK(Row(1) == L"User Banner -4|2|1|x");
     recorder.messages.clear();
-    lvwBanners.Select(1);
+    Select(lvwBanners, 1);
     Click(cmdRemoveSize);
     CHECK(lvwBanners.Count() == 1);
     CHECK(recorder.messages.size() == 1);

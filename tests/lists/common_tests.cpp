@@ -101,7 +101,7 @@ TEST_CASE_TEMPLATE(
     Page, BannerPage, SearchPage) {
     Page page;
     ListView& list = page.View();
-    list.Select(2);
+    page.Select(list, 2);
     CHECK(page.changes == 0);
     SendMessageW(list.Hwnd(), WM_KEYDOWN, VK_SPACE, 1);
     CHECK(list.Checked(2));

@@ -54,7 +54,7 @@ TEST_CASE_FIXTURE(
     "keeps its place and its box, unchecked or checked; a cancelled edit leaves the row and yet marks a "
     "change") {
     const auto edit = [this](int row, const Texts& shown, const DialogScript::Step& end) {
-        lvwSearchURLs.Select(row);
+        Select(lvwSearchURLs, row);
         changes = 0;
         Play(cmdEditSearch, {[&](HWND dialog) {
                                  CHECK(changes == 0);
@@ -103,7 +103,7 @@ TEST_CASE_FIXTURE(SearchPage,
     CHECK(RowCount() == 2);
     CHECK(changes == 0);
     for (int left = 1; left >= 0; --left) {
-        lvwSearchURLs.Select(1);
+        Select(lvwSearchURLs, 1);
         Click(cmdRemoveSearch);
         CHECK(RowCount() == left);
     }

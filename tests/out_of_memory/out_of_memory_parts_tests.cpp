@@ -74,7 +74,7 @@ TEST_CASE("memory that runs out in the OK of a dialog adds or changes the row or
         });
     }
     SUBCASE("an edited engine") {
-        page.lvwSearchURLs.Select(2);
+        page.Select(page.lvwSearchURLs, 2);
         SweepOK(page, page.cmdEditSearch, texts, [&](bool isClosed) {
             CHECK(page.Row(2) == (isClosed ? row : L"Two|http://two"));
             page.lvwSearchURLs.Text(2, L"Two");

@@ -43,6 +43,12 @@ public:
         SendMessageW(button.Hwnd(), BM_SETCHECK, checked ? BST_CHECKED : BST_UNCHECKED, 0);
     }
 
+    // As Windows does it for the user who clicks on the row, which counts from 1.
+    static void Select(const ListView& list, int position) {
+        ListView_SetItemState(list.Hwnd(), position - 1, LVIS_SELECTED | LVIS_FOCUSED,
+                              LVIS_SELECTED | LVIS_FOCUSED);
+    }
+
     // Clicks as a user does.
     static void Click(const Control& button) { SendMessageW(button.Hwnd(), BM_CLICK, 0, 0); }
 
