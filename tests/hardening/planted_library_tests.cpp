@@ -33,6 +33,9 @@ constexpr wchar_t kLoadedSometime[] =
     L"scrrun.dll usp10.dll dnsapi.dll iphlpapi.dll wtsapi32.dll winsta.dll wldp.dll dbghelp.dll "
     L"rpcrtremote.dll";
 
+// Windows has no library of this name.
+constexpr wchar_t kOnlyHere[] = L"only here.dll";
+
 // What the manager imports, and what that imports in turn, Windows takes from the system's folder whatever
 // lies beside the program. Wine does not: none of it is planted there, but for comctl32.dll, to which the
 // manager's manifest leads.
@@ -61,6 +64,7 @@ struct PlantedFolder {
             copy(ProgramPath(name), name);
         for (const std::wstring& library : libraries)
             copy(ServerDirectory() + L"\\planted.dll", library);
+        copy(ServerDirectory() + L"\\planted.dll", kOnlyHere);
         REQUIRE(RunProgram(program.c_str(), L"/RegServer") == 0);
     }
     ~PlantedFolder() { CHECK(RunProgram(L"SentrelConfig.exe", L"/RegServer") == 0); }
@@ -128,6 +132,10 @@ TEST_CASE_FIXTURE(PlantedFolder,
         }
         PostMessageW(dialog, WM_COMMAND, IDCANCEL, 0);
         CHECK(PumpUntil([&] { return !IsWindow(dialog); }));
+
+        const FileHandle process(OpenProcess(PROCESS_ALL_ACCESS, FALSE, ProcessOf(manager.Window())));
+        CHECK_FALSE(LoadLibraryInto(process.Get(), kOnlyHere));
+        CHECK(LoadLibraryInto(process.Get(), folder.Path(kOnlyHere)));
     }
     CHECK(Loaded() == std::vector<std::wstring>{});
     // Those that somebody does load tell of it, but for some that Wine replaces by its own.

@@ -57,8 +57,9 @@ struct FaultyRegistry {
         "oleaut32.dll", [this](auto... arguments) {
             const LSTATUS fault = Write(HKEY_LOCAL_MACHINE);
             if (fault == ERROR_ACCESS_DENIED) return TYPE_E_REGISTRYACCESS;
-            return fault != ERROR_SUCCESS ? HRESULT_FROM_WIN32(static_cast<DWORD>(fault))
-                                          : registers.Original(arguments...);
+            // What fails may have been done in part.
+            const HRESULT result = registers.Original(arguments...);
+            return fault != ERROR_SUCCESS ? HRESULT_FROM_WIN32(static_cast<DWORD>(fault)) : result;
         }};
 };
 

@@ -56,6 +56,8 @@ Started Start(const wchar_t* program, const std::wstring& arguments, DWORD flags
     return {FileHandle(process.hProcess), FileHandle(process.hThread)};
 }
 
+}  // namespace
+
 bool LoadLibraryInto(HANDLE process, const std::wstring& path) {
     const size_t size = (path.size() + 1) * sizeof(wchar_t);
     void* const text = VirtualAllocEx(process, nullptr, size, MEM_COMMIT, PAGE_READWRITE);
@@ -69,8 +71,6 @@ bool LoadLibraryInto(HANDLE process, const std::wstring& path) {
     VirtualFreeEx(process, text, 0, MEM_RELEASE);
     return module != 0 && module != STILL_ACTIVE;
 }
-
-}  // namespace
 
 DWORD RunProgram(const wchar_t* program, const std::wstring& arguments, DWORD milliseconds) {
     const Started started = Start(program, arguments);

@@ -24,6 +24,9 @@ bool ProgramEnds(const wchar_t* program, DWORD milliseconds = kPatience);
 // Throws std::runtime_error when it cannot be started.
 DWORD RunProgram(const wchar_t* program, const std::wstring& arguments = {}, DWORD milliseconds = kPatience);
 
+// Has a process load a library, by its full path or as the process looks for a name; whether it has.
+bool LoadLibraryInto(HANDLE process, const std::wstring& path);
+
 // Starts a COM server and waits until it is idle; nothing where it runs already. Wine looks for a server that
 // it has started itself once a second, and finds one that serves at once.
 void StartServerAhead(const wchar_t* program);
