@@ -183,6 +183,11 @@ TEST_CASE_FIXTURE(ShownWindow, "with the focus on a hidden page the keys work as
         CHECK(Press(GetFocus(), VK_ESCAPE));
         CHECK_FALSE(IsWindowVisible(Window()));
     }
+    SUBCASE("but not what another program posts to a control without the focus") {
+        SetFocus(Tabs());
+        MSG message = Key(ControlOf(IDC_CBOPAUSEKEY), VK_ESCAPE);
+        CHECK_FALSE(g_frmConfig->IsFormMessage(message));
+    }
     SUBCASE("Tab goes to the page that is shown") {
         CHECK(Press(GetFocus(), VK_TAB));
         CHECK(GetFocus() == ControlOf(IDC_LBLNAVSITE));

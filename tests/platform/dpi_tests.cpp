@@ -3,8 +3,8 @@
 
 #include <doctest.h>
 
+#include <set>
 #include <string>
-#include <string_view>
 
 #include "tests/support/import_fake.h"
 #include "tests/support/shown_text.h"
@@ -12,11 +12,11 @@
 TEST_CASE(
     "where Windows has no function for a resolution, the font and the metrics are the system's, scaled, and "
     "the frame is the system's; a font that Windows does not tell is left alone") {
+    std::set<std::string> missing;
     const ImportFake<"GetProcAddress", decltype(&GetProcAddress)> functions{
-        "kernel32.dll", [&](HMODULE library, LPCSTR name) -> FARPROC {
-            const std::string_view function = name;
-            const bool isNew = function == "GetDpiForWindow" || function.ends_with("ForDpi");
-            return isNew ? nullptr : functions.Original(library, name);
+        "kernel32.dll", [&](HMODULE, LPCSTR name) -> FARPROC {
+            missing.insert(name);
+            return nullptr;
         }};
     const int twice = 2 * DpiOf(nullptr);
     NONCLIENTMETRICSW metrics{};
@@ -38,6 +38,8 @@ TEST_CASE(
         "user32.dll", [](UINT, UINT, PVOID, UINT) { return FALSE; }};
     CHECK_FALSE(MessageFont(twice / 2, font));
     CHECK(font.lfHeight == 2 * metrics.lfMessageFont.lfHeight);
+    CHECK(missing == std::set<std::string>{"AdjustWindowRectExForDpi", "GetDpiForWindow",
+                                           "GetSystemMetricsForDpi", "SystemParametersInfoForDpi"});
 }
 
 TEST_CASE("no window, which has no resolution, counts as one of the system's") {
