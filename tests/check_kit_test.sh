@@ -51,7 +51,9 @@ diff <(ctest --test-dir "$BUILD_DIR" -N | sed -n 's/^ *Test *#[0-9]*: //p' | gre
 while read -r suite limit _; do
     [[ $limit == - || -e $kKit/tests/$suite.exe ]] || Fail "$suite is not in the kit"
 done <"$kKit/tests/suites.txt"
-! LC_ALL=C grep -rqF "$PWD/" "$kKit" || Fail "the kit names a folder of this machine: $(grep -rlF "$PWD/" "$kKit")"
+# A program that counts its lines has to know where its counts belong.
+[[ ${BUILD_DIR##*/} == coverage ]] || ! LC_ALL=C grep -rqF "$PWD/" "$kKit" ||
+    Fail "the kit names a folder of this machine: $(grep -rlF "$PWD/" "$kKit")"
 ! grep -qv $'\r$' "$kKit/check.cmd" || Fail "check.cmd has lines that do not end as Windows' do"
 echo "ok: the zip is complete"
 
