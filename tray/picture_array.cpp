@@ -41,12 +41,6 @@ void PictureArray::Clear() noexcept {
     if (pictures != nullptr) SafeArrayDestroy(pictures);
 }
 
-LONG PictureArray::LowerBound() const {
-    LONG bound = 0;
-    CheckArray(SafeArrayGetLBound(m_pictures, 1, &bound));
-    return bound;
-}
-
 LONG PictureArray::UpperBound() const {
     LONG bound = 0;
     CheckArray(SafeArrayGetUBound(m_pictures, 1, &bound));

@@ -28,7 +28,6 @@ public:
     void Clear() noexcept;
 
     // Each throws AutomationError (9) outside the bounds, and everywhere in an array without any.
-    LONG LowerBound() const;
     LONG UpperBound() const;
     ComPtr<IDispatch> Item(LONG index) const;
     void Item(LONG index, IDispatch* picture);
