@@ -40,20 +40,22 @@ std::string ColoursOf(HICON icon) {
     return colours;
 }
 
+std::vector<std::pair<bool, DWORD>> textures;  // whether the page has controls, and the flags
+
+HRESULT WINAPI EnableTexture(HWND page, DWORD flags) {
+    textures.emplace_back(GetWindow(page, GW_CHILD) != nullptr, flags);
+    return S_OK;
+}
+
 }  // namespace
 
 TEST_CASE("each page, once it is there, gets the colours of the tabs that it lies in") {
-    static std::vector<std::pair<bool, DWORD>> textures;  // whether the page has controls, and the flags
     textures.clear();
-    const auto enable = +[](HWND page, DWORD flags) WINAPI -> HRESULT {
-        textures.emplace_back(GetWindow(page, GW_CHILD) != nullptr, flags);
-        return S_OK;
-    };
     const ImportFake<"GetProcAddress", decltype(&GetProcAddress)> functions{
         "kernel32.dll", [&](HMODULE library, LPCSTR name) {
             if (HIWORD(name) == 0 || std::string_view(name) != "EnableThemeDialogTexture")
                 return functions.Original(library, name);
-            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(enable));
+            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&EnableTexture));
         }};
     InsideWithoutEngine inside;
     inside.Instance(FormHide);
