@@ -33,6 +33,7 @@ const std::map<ControlKind, WindowKind> kKinds{
     {ControlKind::Image, {WC_STATICW, SS_BITMAP | SS_NOTIFY}},
     {ControlKind::Label, {WC_STATICW, SS_NOTIFY}},
     {ControlKind::Link, {WC_LINK, WS_TABSTOP}},
+    {ControlKind::TabStrip, {WC_TABCONTROLW, WS_TABSTOP}},
 };
 
 }  // namespace
