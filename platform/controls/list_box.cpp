@@ -13,7 +13,7 @@ constexpr WPARAM kCtrlC = 3;
 }  // namespace
 
 ListBox::~ListBox() {
-    RemoveWindowSubclass(Hwnd(), Procedure, 0);
+    SetWindowLongPtrW(Hwnd(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_windowsOwn));
 }
 
 std::wstring ListBox::List(int row) const {
@@ -64,10 +64,14 @@ void ListBox::ListIndex(int row) {
     Raise(Click);
 }
 
+// Not SetWindowSubclass: that looks for a property of the window in each message, which takes longer than the
+// message itself, and a list of thousands of rows is read and filled by as many messages.
 void ListBox::OnAttached() {
     m_canvas.Reset(CreateCompatibleDC(nullptr));
     MeasureRows();
-    SetWindowSubclass(Hwnd(), Procedure, 0, reinterpret_cast<DWORD_PTR>(this));
+    SetWindowLongPtrW(Hwnd(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+    m_windowsOwn = reinterpret_cast<WNDPROC>(
+        SetWindowLongPtrW(Hwnd(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure)));
 }
 
 // With a little air behind the text.
@@ -92,18 +96,14 @@ void ListBox::CopyRow() const {
     if (row != -1) CopyToClipboard(Hwnd(), List(row));
 }
 
-LRESULT CALLBACK ListBox::Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
-                                    DWORD_PTR self) {
-    auto& list = *reinterpret_cast<ListBox*>(self);
+LRESULT CALLBACK ListBox::Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam) {
+    auto& list = *reinterpret_cast<ListBox*>(GetWindowLongPtrW(hwnd, GWLP_USERDATA));
     if (message == WM_CHAR && wParam == kCtrlC) {
         Guarded([&] { list.CopyRow(); });
         return 0;
     }
-    const LRESULT result = DefSubclassProc(hwnd, message, wParam, lParam);
+    const LRESULT result = CallWindowProcW(list.m_windowsOwn, hwnd, message, wParam, lParam);
     if (message == WM_SETFONT) Guarded([&] { list.MeasureRows(); });
-    if (message == WM_NCDESTROY) {
-        list.m_canvas.Reset();  // the font goes with the dialog
-        RemoveWindowSubclass(hwnd, Procedure, 0);
-    }
+    if (message == WM_NCDESTROY) list.m_canvas.Reset();  // the font goes with the dialog
     return result;
 }

@@ -46,11 +46,12 @@ protected:
     void OnAttached() override;
 
 private:
-    static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR id,
-                                      DWORD_PTR self);
+    static LRESULT CALLBACK Procedure(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam);
     int WidthOf(const std::wstring& text) const noexcept;
     void MeasureRows();
     void CopyRow() const;
+
+    WNDPROC m_windowsOwn = nullptr;
 
     // Holds the list's font, so that a row is measured without a message to the window.
     DeviceContext m_canvas;
