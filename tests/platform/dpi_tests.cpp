@@ -5,9 +5,22 @@
 
 #include <set>
 #include <string>
+#include <string_view>
 
 #include "tests/support/import_fake.h"
 #include "tests/support/shown_text.h"
+
+namespace {
+
+HWND Taskbar() {
+    return reinterpret_cast<HWND>(0x1234);
+}
+
+UINT WINAPI TwiceOnTheTaskbar(HWND window) {
+    return window == Taskbar() ? 192 : 96;
+}
+
+}  // namespace
 
 TEST_CASE(
     "where Windows has no function for a resolution, the font and the metrics are the system's, scaled, and "
@@ -46,4 +59,16 @@ TEST_CASE("no window, which has no resolution, counts as one of the system's") {
     const HDC screen = GetDC(nullptr);
     CHECK(DpiOf(nullptr) == GetDeviceCaps(screen, LOGPIXELSY));
     ReleaseDC(nullptr, screen);
+}
+
+TEST_CASE("icons of the notification area have the resolution of the taskbar") {
+    const ImportFake<"FindWindowW", decltype(&FindWindowW)> windows{
+        "user32.dll", [](LPCWSTR name, LPCWSTR title) {
+            return std::wstring_view(name) == L"Shell_TrayWnd" && title == nullptr ? Taskbar() : nullptr;
+        }};
+    const ImportFake<"GetProcAddress", decltype(&GetProcAddress)> functions{
+        "kernel32.dll", [](HMODULE, LPCSTR) {
+            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&TwiceOnTheTaskbar));
+        }};
+    CHECK(TaskbarDpi() == 192);
 }
