@@ -15,9 +15,9 @@
 
 namespace {
 
-// A window whose link shows an address. The shell has no program for any.
+// A window whose link shows its address. The shell has no program for any.
 struct AboutPageFixture : SettingsWindow {
-    AboutPageFixture() { lblNavSite.Caption(L"http://www.calvane.example/"); }
+    AboutPageFixture() { AboutControls::SetUp(); }
 
     static void Press(const Control& control) {
         SendMessageW(control.Hwnd(), WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(10, 6));
@@ -69,7 +69,7 @@ TEST_CASE_FIXTURE(AboutPageFixture,
     Press(lblNavSite);
     lblNavSite.Caption(other);
     Press(imgLogo);
-    CHECK(opened == std::vector<std::string>{"http://www.calvane.example/", ToAnsi(other)});
+    CHECK(opened == std::vector<std::string>{"http://www.calvane.example", ToAnsi(other)});
     CHECK_FALSE(cmdApply.Enabled());
 }
 
