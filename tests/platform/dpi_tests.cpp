@@ -1,4 +1,4 @@
-// Resolutions on a Windows that has no functions for them.
+// Resolutions, with and without the functions that newer Windows has for them.
 #include "platform/dpi.h"
 
 #include <doctest.h>
@@ -6,18 +6,31 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <tuple>
 
 #include "tests/support/import_fake.h"
 #include "tests/support/shown_text.h"
 
 namespace {
 
-HWND Taskbar() {
+HWND SomeWindow() {
     return reinterpret_cast<HWND>(0x1234);
 }
 
-UINT WINAPI TwiceOnTheTaskbar(HWND window) {
-    return window == Taskbar() ? 192 : 96;
+UINT WINAPI TwiceForSomeWindow(HWND window) {
+    return window == SomeWindow() ? 192 : 96;
+}
+
+std::tuple<HWND, int, int> behavior;
+
+BOOL WINAPI NoteBehavior(HWND dialog, int mask, int values) {
+    behavior = {dialog, mask, values};
+    return TRUE;
+}
+
+template <class Function>
+FARPROC Address(Function* function) {
+    return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(function));
 }
 
 }  // namespace
@@ -64,11 +77,19 @@ TEST_CASE("no window, which has no resolution, counts as one of the system's") {
 TEST_CASE("icons of the notification area have the resolution of the taskbar") {
     const ImportFake<"FindWindowW", decltype(&FindWindowW)> windows{
         "user32.dll", [](LPCWSTR name, LPCWSTR title) {
-            return std::wstring_view(name) == L"Shell_TrayWnd" && title == nullptr ? Taskbar() : nullptr;
+            return std::wstring_view(name) == L"Shell_TrayWnd" && title == nullptr ? SomeWindow() : nullptr;
         }};
     const ImportFake<"GetProcAddress", decltype(&GetProcAddress)> functions{
-        "kernel32.dll", [](HMODULE, LPCSTR) {
-            return reinterpret_cast<FARPROC>(reinterpret_cast<void*>(&TwiceOnTheTaskbar));
-        }};
+        "kernel32.dll", [](HMODULE, LPCSTR) { return Address(TwiceForSomeWindow); }};
     CHECK(TaskbarDpi() == 192);
+}
+
+TEST_CASE("where Windows scales dialogs, it is told to leave all of this one to the program") {
+    const ImportFake<"GetProcAddress", decltype(&GetProcAddress)> functions{
+        "kernel32.dll", [](HMODULE, LPCSTR name) {
+            return std::string_view(name) == "SetDialogDpiChangeBehavior" ? Address(NoteBehavior) : nullptr;
+        }};
+    ScaleByItself(SomeWindow());
+    constexpr int kDisableAll = 1;
+    CHECK(behavior == std::tuple(SomeWindow(), kDisableAll, kDisableAll));
 }
