@@ -107,6 +107,20 @@ TEST_CASE_FIXTURE(CleanRegistry, "beside a registration for the machine the user
     CHECK(Exported() == machineWide);
 }
 
+TEST_CASE_FIXTURE(
+    CleanRegistry,
+    "classes that cannot be opened are not taken for missing ones: unregistering reports them") {
+    REQUIRE(RegisterServer(TestServer()) == S_OK);
+    {
+        const ImportFake<"RegOpenKeyExW", decltype(&RegOpenKeyExW)> open{
+            "advapi32.dll", [&open](HKEY parent, auto... rest) -> LSTATUS {
+                return parent == HKEY_LOCAL_MACHINE ? kError : open.Original(parent, rest...);
+            }};
+        CHECK(UnregisterServer(TestServer()) == HRESULT_FROM_WIN32(kError));
+    }
+    CHECK(UnregisterServer(TestServer()) == S_OK);
+}
+
 TEST_CASE_FIXTURE(CleanRegistry, "a registration that fails at any of its steps undoes what it wrote") {
     bool deniesMachine = false;
     SUBCASE("on a machine that knows nothing of the server") {}
