@@ -97,7 +97,7 @@ void FillLists(ConfigWindow& config, const Lengths& lengths) {
     SetupBannerColumns(banners);
     const RedrawPause pause(banners);
     for (int n = 1; n <= lengths.banners; ++n) {
-        const int position = banners.Add(n, L"User Banner 12345");
+        const int position = banners.Add(L"User Banner 12345");
         banners.SubItem(position, 1, L"468");
         banners.SubItem(position, 2, L"60");
         banners.Checked(position, n % 2 == 0);

@@ -44,7 +44,7 @@ void frmAddSearch::cmdCancel_Click() {
 void frmAddSearch::AddSearcher() {
     const std::wstring name = m_txtName.Text();
     const std::wstring address = m_txtURL.Text();
-    const int position = m_lstRef->Add(m_lstRef->Count() + 1, name);
+    const int position = m_lstRef->Add(name);
     m_lstRef->Checked(position, true);
     m_lstRef->SubItem(position, 1, address);
 }

@@ -86,7 +86,7 @@ void SettingsLoader::LoadEntries(ListView& list, const ListLayout& layout) {
     for (long i = 1; goesOn && Read(layout.key, i, layout.columns[0].field); ++i) {
         // Behind a row that could not be added the others move up, and none takes its fields.
         int position = 0;
-        ResumeNext([&] { position = list.Add(i, ToText(m_value)); });
+        ResumeNext([&] { position = list.Add(ToText(m_value)); });
         // The last column's field is read first. It matters where fields are missing.
         for (size_t column = texts.size(); --column > 0;) {
             Read(layout.key, i, layout.columns[column].field);

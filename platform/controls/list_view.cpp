@@ -1,5 +1,7 @@
 #include "platform/controls/list_view.h"
 
+#include <limits>
+
 #include "platform/automation_error.h"
 
 namespace {
@@ -32,10 +34,10 @@ int ListView::Width() const noexcept {
     return bounds.right - bounds.left;
 }
 
-int ListView::Add(int position, const std::wstring& text) {
+int ListView::Add(const std::wstring& text) {
     LVITEMW item{};
     item.mask = LVIF_TEXT | LVIF_IMAGE;
-    item.iItem = position - 1;
+    item.iItem = std::numeric_limits<int>::max();  // behind all rows
     item.iImage = m_rowImage;
     item.pszText = const_cast<wchar_t*>(text.c_str());
     m_settingCheck = true;

@@ -27,9 +27,9 @@ public:
     int Count() const noexcept { return static_cast<int>(Send(LVM_GETITEMCOUNT)); }
     void Clear() { Send(LVM_DELETEALLITEMS); }
 
-    // Inserts a row with an unchecked box and returns its position. Throws AutomationError (5) when the row
-    // cannot be added.
-    int Add(int position, const std::wstring& text);
+    // Adds a row with an unchecked box at the end and returns its position. Throws AutomationError (5) when
+    // the row cannot be added.
+    int Add(const std::wstring& text);
     void Remove(int position);
 
     // Each throws AutomationError (9) for a row that does not exist.

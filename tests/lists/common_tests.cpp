@@ -86,7 +86,7 @@ TEST_CASE(
         for (const int width : {200, 333, 1000}) {
             CAPTURE(width);
             SetWindowPos(page.View().Hwnd(), nullptr, 0, 0, width, 100, SWP_NOMOVE | SWP_NOZORDER);
-            page.View().Add(1, L"a");
+            page.View().Add(L"a");
             setUp(page.View());
             CHECK(page.RowCount() == 0);
             CHECK(Headings(page.View().Hwnd()) == headings);

@@ -157,6 +157,7 @@ TEST_CASE("the largest picture is taken that fits its box, else the smallest; it
     const std::tuple<std::string, SIZE, SIZE, RECT> rows[] = {
         {"as large as it", {96, 96}, {96, 96}, {0, 0, 96, 96}},
         {"nearly", {96, 96}, {104, 100}, {4, 2, 100, 98}},
+        {"nearly, in one direction", {10, 100}, {20, 101}, {5, 0, 15, 100}},
         {"not quite a quarter larger", {96, 96}, {119, 119}, {11, 11, 107, 107}},
         {"a quarter larger", {96, 96}, {120, 120}, {0, 0, 120, 120}},
         {"too small", {96, 96}, {95, 95}, {0, 0, 95, 95}},

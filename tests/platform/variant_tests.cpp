@@ -3,6 +3,7 @@
 
 #include <doctest.h>
 
+#include <limits>
 #include <utility>
 
 #include "platform/automation_error.h"
@@ -118,7 +119,8 @@ TEST_CASE("numbers are written with no more digits than they need") {
         CHECK(TextOf(number) == text);
         CHECK(ToText(Real(number)) == text);
     }
-    for (const long number : {5000L, -1L, 0L}) {
+    for (const long number :
+         {5000L, -1L, 0L, std::numeric_limits<long>::min(), std::numeric_limits<long>::max()}) {
         CHECK(TextOf(number) == std::to_wstring(number));
         CHECK(ToText(Variant(number)) == std::to_wstring(number));
     }

@@ -28,6 +28,7 @@ struct FaultyRegistry {
     const ImportFake<"RegOpenKeyExW", decltype(&RegOpenKeyExW)> open{
         "advapi32.dll",
         [this](HKEY parent, LPCWSTR name, DWORD options, REGSAM rights, PHKEY key) -> LSTATUS {
+            CHECK(options == 0);
             const bool isToWrite = (rights & (KEY_SET_VALUE | KEY_CREATE_SUB_KEY)) != 0;
             if (isToWrite && Denies(parent)) return ERROR_ACCESS_DENIED;
             const LSTATUS status = open.Original(parent, name, options, rights, key);
@@ -40,14 +41,16 @@ struct FaultyRegistry {
                                                                       return close.Original(key);
                                                                   }};
     const ImportFake<"RegCreateKeyExW", decltype(&RegCreateKeyExW)> create{
-        "advapi32.dll", [this](HKEY parent, auto... rest) {
+        "advapi32.dll", [this](HKEY parent, LPCWSTR name, DWORD reserved, auto... rest) {
+            CHECK(reserved == 0);
             const LSTATUS fault = Write(parent);
-            return fault != ERROR_SUCCESS ? fault : create.Original(parent, rest...);
+            return fault != ERROR_SUCCESS ? fault : create.Original(parent, name, reserved, rest...);
         }};
     const ImportFake<"RegSetValueExW", decltype(&RegSetValueExW)> set{
-        "advapi32.dll", [this](HKEY key, auto... rest) {
+        "advapi32.dll", [this](HKEY key, LPCWSTR name, DWORD reserved, auto... rest) {
+            CHECK(reserved == 0);
             const LSTATUS fault = Write(key);
-            return fault != ERROR_SUCCESS ? fault : set.Original(key, rest...);
+            return fault != ERROR_SUCCESS ? fault : set.Original(key, name, reserved, rest...);
         }};
     const ImportFake<"RegDeleteKeyW", decltype(&RegDeleteKeyW)> remove{
         "advapi32.dll", [this](HKEY parent, LPCWSTR name) -> LSTATUS {

@@ -155,7 +155,7 @@ TEST_CASE_FIXTURE(LoadPage, "banner sizes are read from 1 on, with name, width, 
           "Banners\\4Height=9", "Banners\\5Name=Fifth", "Banners\\5Width=8"},
          "Third|Third|Third|x\nFourth|9|9|x\nFifth|8|Fifth|x\n"},
     };
-    lvwBanners.Add(1, L"edited");
+    lvwBanners.Add(L"edited");
     for (const auto& [what, more, shown] : rows) {
         CAPTURE(what);
         stored.insert(stored.end(), more.begin(), more.end());

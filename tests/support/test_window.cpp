@@ -70,7 +70,7 @@ bool TestWindow::OnInit() {
 void AddRow(ListView& list, std::wstring row) {
     const bool isChecked = row.ends_with(L"|x");
     if (isChecked) row.resize(row.size() - 2);
-    const int position = list.Add(list.Count() + 1, L"");
+    const int position = list.Add(L"");
     std::wistringstream cells(row);
     std::wstring cell;
     for (int column = 0; std::getline(cells, cell, L'|'); ++column)
