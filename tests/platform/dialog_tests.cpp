@@ -9,6 +9,7 @@
 #include "platform/controls/button.h"
 #include "platform/controls/combo_box.h"
 #include "platform/controls/placement.h"
+#include "platform/controls/tab_strip.h"
 #include "tests/support/test_window.h"
 
 namespace {
@@ -139,4 +140,20 @@ TEST_CASE("a combo box raises its click for a choice, and not for being focused,
     }
     notify(CBN_SELCHANGE);
     CHECK(clicks == 1);
+}
+
+TEST_CASE("a notification is its control's, and nobody's where number or window is another's") {
+    TabStrip tab(L"tab", 100);
+    TestWindow window({&tab});
+    int changes = 0;
+    tab.Change = [&] { ++changes; };
+    const auto notify = [&](HWND from, int id) {
+        const NMHDR header{from, static_cast<UINT_PTR>(id), static_cast<UINT>(TCN_SELCHANGE)};
+        SendMessageW(window.Hwnd(), WM_NOTIFY, header.idFrom, reinterpret_cast<LPARAM>(&header));
+    };
+    notify(window.Hwnd(), tab.Id());
+    notify(tab.Hwnd(), tab.Id() + 1);
+    CHECK(changes == 0);
+    notify(tab.Hwnd(), tab.Id());
+    CHECK(changes == 1);
 }
