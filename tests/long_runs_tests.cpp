@@ -224,6 +224,23 @@ TEST_CASE(
     CheckKept("Applies", Times(200), apply, writes);
 }
 
+TEST_CASE("thousands of arguments for the object in a property leave nothing behind") {
+    InsideWithoutEngine inside;
+    inside.Instance(FormHide);
+    std::wstring caption = L"Caption";
+    LPOLESTR name = caption.data();
+    DISPID member = 0;
+    REQUIRE(g_frmConfig->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &member) == S_OK);
+    VARIANT argument{};
+    argument.vt = VT_I4;
+    DISPPARAMS arguments{&argument, nullptr, 1, 0};
+    CheckKept("arguments for the object in a property", Times(2000), [&] {
+        VARIANT result{};
+        CHECK(g_frmConfig->Invoke(member, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &arguments,
+                                  &result, nullptr, nullptr) == DISP_E_NOTACOLLECTION);
+    });
+}
+
 TEST_CASE("hundreds of openings of the tray menu leave nothing behind") {
     const int openings = Times(200);
     const QuietSystem quiet;
