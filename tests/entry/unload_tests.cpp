@@ -145,6 +145,6 @@ TEST_CASE_FIXTURE(
     CHECK(g_oConfig->get_ShellIconClass(icon.Receive()) == S_OK);
     CHECK(icon.Value().pdispVal != nullptr);
     // The close box only hides the new one.
-    SendMessageW(Window(), WM_CLOSE, 0, 0);
+    CHECK(SendMessageW(Window(), WM_CLOSE, 0, 0) == 0);
     CHECK(IsWindow(Window()));
 }

@@ -8,23 +8,43 @@
 namespace {
 
 // The button of each page that opens a dialog to add a row; what the boxes hold when it opens, beginning with
-// the one that has the focus; and what OK accepts.
+// the one that has the focus; whether Windows gives it to that; and what OK accepts.
 struct ExcludeDialog : ExcludePage {
     const Control& opens = cmdAddURL;
     const IdTexts boxes{{IDC_TXTURL, L"http://"}};
+    const LRESULT focusedByWindows = FALSE;
     const IdTexts entry{};
 };
 
 struct BannerDialog : BannerPage {
     const Control& opens = cmdAddSize;
     const IdTexts boxes{{IDC_TXTHEIGHT, L""}, {IDC_TXTWIDTH, L""}};
+    const LRESULT focusedByWindows = TRUE;
     const IdTexts entry{{IDC_TXTHEIGHT, L"5"}, {IDC_TXTWIDTH, L"6"}};
 };
 
 struct SearchDialog : SearchPage {
     const Control& opens = cmdAddSearch;
     const IdTexts boxes{{IDC_TXTNAME, L""}, {IDC_TXTURL, L"http://"}, {IDC_TXTINDEX, L"0"}};
+    const LRESULT focusedByWindows = TRUE;
     const IdTexts entry{{IDC_TXTNAME, L"Three"}};
+};
+
+// What dialogs return for WM_INITDIALOG.
+struct DialogStarts {
+    DialogStarts() { s_results.clear(); }
+    DialogStarts(const DialogStarts&) = delete;
+    DialogStarts& operator=(const DialogStarts&) = delete;
+    ~DialogStarts() { UnhookWindowsHookEx(hook); }
+
+    static LRESULT CALLBACK Watch(int code, WPARAM wParam, LPARAM lParam) {
+        const auto& done = *reinterpret_cast<const CWPRETSTRUCT*>(lParam);
+        if (code == HC_ACTION && done.message == WM_INITDIALOG) s_results.push_back(done.lResult);
+        return CallNextHookEx(nullptr, code, wParam, lParam);
+    }
+
+    static inline std::vector<LRESULT> s_results;
+    const HHOOK hook = SetWindowsHookExW(WH_CALLWNDPROCRET, Watch, nullptr, GetCurrentThreadId());
 };
 
 POINT MiddleOf(HWND window) {
@@ -42,7 +62,9 @@ TEST_CASE_TEMPLATE(
     Page page;
     const HWND owner = page.window.Hwnd();
     SetWindowPos(owner, nullptr, 300, 200, 480, 420, SWP_NOZORDER | SWP_NOACTIVATE);
+    const DialogStarts starts;
     page.Play(page.opens, {[&](HWND dialog) {
+                               CHECK(starts.s_results == std::vector{page.focusedByWindows});
                                CHECK(page.changes == 0);
                                CHECK(FocusedId() == page.boxes.front().first);
                                CHECK(GetWindow(dialog, GW_OWNER) == owner);

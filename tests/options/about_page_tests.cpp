@@ -40,6 +40,15 @@ struct AboutPageFixture : SettingsWindow {
 
 constexpr COLORREF kNothing = RGB(1, 254, 3);
 
+constexpr COLORREF kParents = RGB(10, 20, 30);
+
+// Stands before the window of a page whose background is another than the system's.
+LRESULT CALLBACK GiveBackground(HWND hwnd, UINT message, WPARAM wParam, LPARAM lParam, UINT_PTR,
+                                DWORD_PTR brush) {
+    if (message == WM_CTLCOLORSTATIC) return static_cast<LRESULT>(brush);
+    return DefSubclassProc(hwnd, message, wParam, lParam);
+}
+
 // The pixels of a control of this size, row by row, each kNothing where it draws nothing.
 std::vector<COLORREF> Drawn(const Control& control, int width, int height) {
     SetWindowPos(control.Hwnd(), nullptr, 0, 0, width, height, SWP_NOMOVE | SWP_NOZORDER);
@@ -155,6 +164,27 @@ TEST_CASE_FIXTURE(
     for (int drawings = 0; drawings < 3; ++drawings)
         CHECK(Drawn(imgLogo, 96, 96) == empty);
     CHECK(decoded == 3);
+}
+
+TEST_CASE_FIXTURE(AboutPageFixture,
+                  "the logo lies on the background that its parent gives it, and is drawn before its "
+                  "painting ends") {
+    const HBRUSH brush = CreateSolidBrush(kParents);
+    SetWindowSubclass(window.Hwnd(), GiveBackground, 1, reinterpret_cast<DWORD_PTR>(brush));
+    CHECK(Drawn(imgLogo, 96, 96)[0] == kParents);
+    COLORREF painted = kNothing;
+    const ImportFake<"EndPaint", decltype(&EndPaint)> end{"user32.dll",
+                                                          [&](HWND hwnd, const PAINTSTRUCT* paint) {
+                                                              if (hwnd == imgLogo.Hwnd())
+                                                                  painted = GetPixel(paint->hdc, 1, 1);
+                                                              return end.Original(hwnd, paint);
+                                                          }};
+    ShowWindow(window.Hwnd(), SW_SHOW);
+    SetWindowPos(imgLogo.Hwnd(), HWND_TOP, 0, 0, 96, 96, 0);
+    UpdateWindow(imgLogo.Hwnd());
+    CHECK(painted == kParents);
+    RemoveWindowSubclass(window.Hwnd(), GiveBackground, 1);
+    DeleteObject(brush);
 }
 
 TEST_CASE("the largest picture is taken that fits its box, else the smallest; its place in the box") {
