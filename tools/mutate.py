@@ -37,7 +37,7 @@ LAYERS = ("app", "options", "lists", "tray", "store", "platform")
 NEAREST = (
     (r"lists/(closed_log|log_file|newest_lines|site_of)", "closed_log"),
     (r"lists/", "lists settings_transfer accessibility"),
-    (r"options/(settings|list_layouts)", "settings_transfer store"),
+    (r"options/(settings_(loader|saver|transfer)|list_layouts)", "settings_transfer store"),
     (r"options/", "options settings_transfer"),
     (r"tray/(engine|tray_menu|tray_gestures|sentrel1)", "engine_control entry"),
     (r"tray/", "tray_icon entry"),

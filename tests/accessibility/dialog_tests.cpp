@@ -10,6 +10,7 @@
 #include "tests/accessibility/surfaces.h"
 #include "tests/support/other_process.h"
 #include "tests/support/shown_text.h"
+#include "version.h"
 
 namespace {
 
@@ -88,6 +89,40 @@ TEST_CASE(
             CheckControl(control);
         }
     });
+}
+
+TEST_CASE("every page and dialog says what it is to say, in the order in which it is read") {
+    const std::wstring frame = L"|&OK|&Cancel|&Apply";
+    const Rows wanted{
+        L"Settings|Configuration Manager Startup|Startup (always available)"
+        L"|Show in tray only when IE is running|Manual (Load from IE toolbar)|Popup Notice|Play Sound"
+        L"|Sound &File|&Test Sound|PC Speaker Beep|Advanced|Hot Key to Pause Sentrel"
+        L"|Alt|Ctrl|Shift|F6|F7|F8|F9|F10|Speed|1 to 10 (fastest)|Pause Button|(seconds)" +
+            frame,
+        L"Exclude|Exclude Address          (www.example.com)|Add &Url|&Remove Url" + frame,
+        L"Log|Closed Windows|&Refresh List|Add To Exclude &List|&Clear List" + frame,
+        L"Banners|Banner Sizes to Remove|Name|Width|Height|Add &New Size|Re&move Size" + frame,
+        L"Search|Search URLS|Engine Name|Engine URL|Add &Search|&Edit Search|Rem&ove Search" + frame,
+        L"About|Calvane|Visit:|http://"
+        L"www.calvane.example|Version " CALVANE_VERSION L"\n\u00a9 2026 Calvane. All rights reserved." +
+            frame,
+        L"Add Web Site URL|OK|Web Site Address to Exclude|Cancel",
+        L"New Banner Height and Width|Adding a size will hide images and tables of this size.|Height:|Width:"
+        L"|OK|Cancel",
+        L"Add Search Address|Name:|Address:|OK|Cancel"};
+    Rows said;
+    ForEachSurface([&](const Surface& surface) {
+        std::wstring& texts = said.emplace_back(surface.name);
+        for (const HWND control : surface.controls) {
+            for (const Rows& items : {ComboItems(control), Headings(control)}) {
+                for (const std::wstring& item : items)
+                    texts += L'|' + item;
+            }
+            const std::wstring caption = CaptionOf(control);
+            if (!IsNamedByLabel(RoleOf(control)) && !caption.empty()) texts += L'|' + caption;
+        }
+    });
+    CHECK(said == wanted);
 }
 
 TEST_CASE("no access key occurs twice on a page or dialog but for the two that the captions force") {

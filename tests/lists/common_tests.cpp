@@ -3,7 +3,6 @@
 #include <doctest.h>
 
 #include "tests/lists/list_pages.h"
-#include "tests/support/other_process.h"
 
 namespace {
 
@@ -100,26 +99,22 @@ TEST_CASE_TEMPLATE("Enter presses OK; Esc, the close box and Cancel add nothing;
     }
 }
 
-TEST_CASE(
-    "setting up the columns of a list view empties it, shares its width out below the headings and marks no "
-    "change") {
-    const auto check = [](auto&& page, void (*setUp)(ListView & list), const Rows& headings,
-                          std::vector<double> shares) {
+TEST_CASE("setting up the columns of a list view empties it, shares its width out and marks no change") {
+    const auto check = [](auto&& page, void (*setUp)(ListView & list), std::vector<double> shares) {
         for (const int width : {200, 333, 1000}) {
             CAPTURE(width);
             SetWindowPos(page.View().Hwnd(), nullptr, 0, 0, width, 100, SWP_NOMOVE | SWP_NOZORDER);
             page.View().Add(L"a");
             setUp(page.View());
             CHECK(page.RowCount() == 0);
-            CHECK(Headings(page.View().Hwnd()) == headings);
             for (size_t column = 0; column < shares.size(); ++column)
                 CHECK(ListView_GetColumnWidth(page.View().Hwnd(), static_cast<int>(column)) ==
                       doctest::Approx(shares[column] * width).epsilon(0.01));
         }
         CHECK(page.changes == 0);
     };
-    check(BannerPage(), SetupBannerColumns, {L"Name", L"Width", L"Height"}, {0.5, 0.24, 0.24});
-    check(SearchPage(), SetupSearchColumns, {L"Engine Name", L"Engine URL"}, {0.3, 0.68});
+    check(BannerPage(), SetupBannerColumns, {0.5, 0.24, 0.24});
+    check(SearchPage(), SetupSearchColumns, {0.3, 0.68});
 }
 
 TEST_CASE_TEMPLATE(
