@@ -123,6 +123,12 @@ TEST_CASE("a control that is disabled gives the focus to the next one, and only 
     CHECK(GetFocus() == cancel.Hwnd());
 }
 
+TEST_CASE("the controls of a dialog that has gone have no window") {
+    Button apply(L"apply", 100);
+    { TestWindow window({&apply}); }
+    CHECK(apply.Hwnd() == nullptr);
+}
+
 TEST_CASE("a combo box raises its click for a choice, and not for being focused, opened or closed") {
     ComboBox box(L"box", 100);
     TestWindow window({&box});
