@@ -32,8 +32,6 @@ struct SearchDialog : SearchPage {
 // What dialogs return for WM_INITDIALOG.
 struct DialogStarts {
     DialogStarts() { s_results.clear(); }
-    DialogStarts(const DialogStarts&) = delete;
-    DialogStarts& operator=(const DialogStarts&) = delete;
     ~DialogStarts() { UnhookWindowsHookEx(hook); }
 
     static LRESULT CALLBACK Watch(int code, WPARAM wParam, LPARAM lParam) {

@@ -6,8 +6,11 @@
 #include <windows.h>
 #include <objbase.h>
 
+#include <utility>
+
 #include "platform/automation_error.h"
 #include "platform/com/counted_object.h"
+#include "platform/com/server_process.h"
 #include "tests/support/import_fake.h"
 
 namespace {
@@ -18,10 +21,15 @@ constexpr DWORD kCookie = 4711;
 
 class Made final : public CountedObject<IUnknown> {};
 
-// A registration that has ended again; its class object stays with the test.
+// A registration that the stop of the process has taken back, and its own end too; its class object stays
+// with the test.
 struct Offered {
     explicit Offered(ObjectMaker maker) {
-        { const ClassRegistration registration(kClass, std::move(maker)); }
+        {
+            const ClassRegistration registration(kClass, std::move(maker));
+            ServerProcess::Stop();
+            CHECK(std::exchange(isRevoked, false));
+        }
         CHECK(isRevoked);
     }
 
