@@ -154,6 +154,13 @@ TEST_CASE("alone: ReleaseConfig" * doctest::skip(true)) {
         return S_OK;
     };
     const ImportFake<"CoSuspendClassObjects", decltype(&CoSuspendClassObjects)> fake{"ole32.dll", suspend};
+    bool isRevoked = false;
+    const ClassRegistration offered(__uuidof(ConfigControl), nullptr);
+    const ImportFake<"CoRevokeClassObject", decltype(&CoRevokeClassObject)> revokes{"ole32.dll", [&](DWORD) {
+                                                                                        isRevoked =
+                                                                                            isSuspended;
+                                                                                        return S_OK;
+                                                                                    }};
     for (const auto& [row, moment, isOfRelease, name] : Pairs()) {
         SUBCASE(name.c_str()) {
             Case manager;
@@ -164,11 +171,11 @@ TEST_CASE("alone: ReleaseConfig" * doctest::skip(true)) {
             const auto release = [&] {
                 const std::vector<Member> late = MembersOf(manager);
                 CHECK(MakeObject<ConfigControl>()->ReleaseConfig() == S_OK);
-                CHECK(isSuspended);
+                CHECK(isRevoked);
                 CheckRefused(late);
             };
             const auto comeIn = [&] {
-                CHECK(isSuspended);
+                CHECK(isRevoked);
                 for (const IncomingWork& work : IncomingWorks()) {
                     work.come(manager);
                     CHECK_MESSAGE(manager.Windows().size() <= 1, work.name);

@@ -6,11 +6,8 @@
 #include <windows.h>
 #include <objbase.h>
 
-#include <utility>
-
 #include "platform/automation_error.h"
 #include "platform/com/counted_object.h"
-#include "platform/com/server_process.h"
 #include "tests/support/import_fake.h"
 
 namespace {
@@ -21,15 +18,10 @@ constexpr DWORD kCookie = 4711;
 
 class Made final : public CountedObject<IUnknown> {};
 
-// A registration that the stop of the process has taken back, and its own end too; its class object stays
-// with the test.
+// A registration that has ended again; its class object stays with the test.
 struct Offered {
     explicit Offered(ObjectMaker maker) {
-        {
-            const ClassRegistration registration(kClass, std::move(maker));
-            ServerProcess::Stop();
-            CHECK(std::exchange(isRevoked, false));
-        }
+        { const ClassRegistration registration(kClass, std::move(maker)); }
         CHECK(isRevoked);
     }
 
