@@ -68,8 +68,7 @@ void frmAddBannerSize::txtWidth_KeyUp() {
 void frmAddBannerSize::AddBannerSizer() {
     const std::wstring width = m_txtWidth.Text();
     const std::wstring height = m_txtHeight.Text();
-    const int position =
-        m_lstRef->Add(kNamePrefix + TextOf(static_cast<long>(m_nBanCnt)));
+    const int position = m_lstRef->Add(kNamePrefix + TextOf(static_cast<long>(m_nBanCnt)));
     m_lstRef->Checked(position, true);
     m_lstRef->SubItem(position, 1, width);
     m_lstRef->SubItem(position, 2, height);

@@ -64,8 +64,8 @@ void ListBox::ListIndex(int row) {
     Raise(Click);
 }
 
-// Not SetWindowSubclass: that looks for a property of the window in each message, which takes longer than the
-// message itself, and a list of thousands of rows is read and filled by as many messages.
+// Not SetWindowSubclass: that looks for a property of the window in each message, which can take longer than
+// the message itself, and a list of thousands of rows is read and filled by as many messages.
 void ListBox::OnAttached() {
     m_canvas.Reset(CreateCompatibleDC(nullptr));
     MeasureRows();
