@@ -16,9 +16,11 @@ public:
     // Changes this button alone; the group's others are the caller's to clear.
     void Value(bool selected) {
         const bool isChange = selected != Value();
-        // Changed or not: the message also gives the selected button the group's tab stop, and takes it from
-        // any other, which the dialog resource may have given one.
-        Send(BM_SETCHECK, selected ? BST_CHECKED : BST_UNCHECKED);
+        // The message also gives the selected button the group's tab stop, and takes it from any other, which
+        // the dialog resource may have given one. Where neither changes it would go round the group for
+        // nothing.
+        const bool hasTabStop = (GetWindowLongW(Hwnd(), GWL_STYLE) & WS_TABSTOP) != 0;
+        if (isChange || hasTabStop != selected) Send(BM_SETCHECK, selected ? BST_CHECKED : BST_UNCHECKED);
         if (isChange && selected) Raise(Click);
     }
 
