@@ -156,11 +156,11 @@ TEST_CASE("alone: ReleaseConfig" * doctest::skip(true)) {
     const ImportFake<"CoSuspendClassObjects", decltype(&CoSuspendClassObjects)> fake{"ole32.dll", suspend};
     bool isRevoked = false;
     const ClassRegistration offered(__uuidof(ConfigControl), nullptr);
-    const ImportFake<"CoRevokeClassObject", decltype(&CoRevokeClassObject)> revokes{"ole32.dll", [&](DWORD) {
-                                                                                        isRevoked =
-                                                                                            isSuspended;
-                                                                                        return S_OK;
-                                                                                    }};
+    const auto revoke = [&](DWORD) {
+        isRevoked = isSuspended;
+        return S_OK;
+    };
+    const ImportFake<"CoRevokeClassObject", decltype(&CoRevokeClassObject)> revokes{"ole32.dll", revoke};
     for (const auto& [row, moment, isOfRelease, name] : Pairs()) {
         SUBCASE(name.c_str()) {
             Case manager;

@@ -13,7 +13,7 @@ constexpr WPARAM kCtrlC = 3;
 }  // namespace
 
 ListBox::~ListBox() {
-    SetWindowLongPtrW(Hwnd(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_windowsOwn));
+    SetWindowLongPtrW(Hwnd(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(m_classProcedure));
 }
 
 std::wstring ListBox::List(int row) const {
@@ -70,7 +70,7 @@ void ListBox::OnAttached() {
     m_canvas.Reset(CreateCompatibleDC(nullptr));
     MeasureRows();
     SetWindowLongPtrW(Hwnd(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
-    m_windowsOwn = reinterpret_cast<WNDPROC>(
+    m_classProcedure = reinterpret_cast<WNDPROC>(
         SetWindowLongPtrW(Hwnd(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&Procedure)));
 }
 
@@ -102,7 +102,7 @@ LRESULT CALLBACK ListBox::Procedure(HWND hwnd, UINT message, WPARAM wParam, LPAR
         Guarded([&] { list.CopyRow(); });
         return 0;
     }
-    const LRESULT result = CallWindowProcW(list.m_windowsOwn, hwnd, message, wParam, lParam);
+    const LRESULT result = CallWindowProcW(list.m_classProcedure, hwnd, message, wParam, lParam);
     if (message == WM_SETFONT) Guarded([&] { list.MeasureRows(); });
     if (message == WM_NCDESTROY) list.m_canvas.Reset();  // the font goes with the dialog
     return result;

@@ -51,7 +51,7 @@ private:
     void MeasureRows();
     void CopyRow() const;
 
-    WNDPROC m_windowsOwn = nullptr;
+    WNDPROC m_classProcedure = nullptr;
 
     // Holds the list's font, so that a row is measured without a message to the window.
     DeviceContext m_canvas;
